@@ -1,0 +1,90 @@
+#include "cli/dry_run.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "naming/file_names.h"
+#include "platform/native.h"
+
+namespace quorvel::cli {
+namespace {
+
+std::string key(std::string path) {
+  while (path.size() > 1 && path.ends_with(native::separator)) path.pop_back();
+  return path;
+}
+
+std::string first_of(const std::string& list) {
+  return list.substr(0, list.find('\0'));
+}
+
+}  // namespace
+
+const DryRun::Change* DryRun::change(const std::string& path) const {
+  static const Change gone;
+  const auto found = changes_.find(key(path));
+  if (found != changes_.end()) return &found->second;
+  const bool removed = std::any_of(removed_folders_.begin(), removed_folders_.end(),
+                                   [&](const std::string& folder) { return path.starts_with(folder); });
+  return removed ? &gone : nullptr;
+}
+
+void DryRun::set(const std::string& path, Kind kind, const std::string& bytes) {
+  changes_[key(path)] = {kind, bytes, ++count_};
+}
+
+Files::Kind DryRun::kind(const std::string& path) const {
+  const Change* const changed = change(path);
+  return changed ? changed->kind : real_.kind(path);
+}
+
+std::optional<FileStamp> DryRun::stamp(const std::string& path) const {
+  const Change* const changed = change(path);
+  if (!changed) return real_.stamp(path);
+  if (changed->kind == Kind::Missing) return std::nullopt;
+  return FileStamp{0, static_cast<std::uint64_t>(changed->number), changed->bytes.size(), 0};
+}
+
+bool DryRun::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
+  return real_.list(folder, entry);
+}
+
+std::optional<std::string> DryRun::read(const std::string& path) const {
+  const Change* const changed = change(path);
+  if (!changed) return real_.read(path);
+  return changed->kind == Kind::File ? std::optional(changed->bytes) : std::nullopt;
+}
+
+bool DryRun::replace(const std::string& path, const std::string& bytes) {
+  set(path, Kind::File, bytes);
+  return true;
+}
+
+bool DryRun::remove(const std::string& path) {
+  set(path, Kind::Missing);
+  return true;
+}
+
+bool DryRun::create_folder(const std::string& path) {
+  const std::string parent = getpath(key(path), 0);
+  if (kind(path) != Kind::Missing || kind(parent) != Kind::Folder) return false;
+  set(path, Kind::Folder);
+  return true;
+}
+
+int DryRun::perform(const FileOperationRequest& request) {
+  const std::string source = first_of(request.sources), destination = first_of(request.destinations);
+  if (request.operation == FileOperationRequest::Delete) {
+    set(source, Kind::Missing);
+    removed_folders_.push_back(with_separator(source));
+    return 0;
+  }
+  if (exists(destination)) return static_cast<int>(std::errc::file_exists);
+  if (kind(getpath(destination, 0)) != Kind::Folder) return static_cast<int>(std::errc::no_such_file_or_directory);
+  tell_(source, destination);
+  set(destination, Kind::File);
+  if (request.operation != FileOperationRequest::Copy) set(source, Kind::Missing);
+  return 0;
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,118 @@
+#include "cli/options.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <string_view>
+
+#include "shell/version.h"
+#include "text/characters.h"
+#include "text/failure.h"
+#include "text/numbers.h"
+
+namespace quorvel::cli {
+namespace {
+
+constexpr const char* help = R"(Usage: quorvel-cli [options] PATH...
+Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
+
+  -v, --verbose         tell every step
+  -n, --dry-run         tell what would become of each file, and change nothing
+  -w, --work-dir DIR    keep rules, exceptions and caches in DIR
+      --set NAME=VALUE  a setting for this run; may be given again. NAME is one of
+                        types (text, such as "avi;mkv"), confirm, nocache, noutf8, autoclose (0 or 1),
+                        logging (1 or 2), context (0 to 2)
+  -h, --help            show this text
+      --version         show the version
+
+Exit status: 0 every file taken is done; 1 something failed or was cancelled, or there was nothing to do; 2 wrong usage.
+)";
+
+constexpr std::array<std::string_view, 6> number_settings = {"confirm", "nocache",   "noutf8",
+                                                             "logging", "autoclose", "context"};
+
+[[noreturn]] void refuse(const std::string& reason) {
+  throw Failure(reason);
+}
+
+std::uint32_t setting_number(const std::string& name, const std::string& value) {
+  constexpr int highest = std::numeric_limits<std::int16_t>::max();
+  int number = -1;
+  try {
+    number = to_number(value);
+  } catch (const Failure&) {
+    refuse("--set " + name + " wants a whole number, not \"" + value + "\"");
+  }
+  if (number < 0 || number > highest) refuse("--set " + name + " wants a number from 0 to " + std::to_string(highest));
+  return static_cast<std::uint32_t>(number);
+}
+
+void add_setting(Options& options, const std::string& text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos) refuse("--set wants NAME=VALUE, not \"" + text + "\"");
+  const std::string name = text.substr(0, equals), value = text.substr(equals + 1);
+  if (name == "types") {
+    if (length(value) < 3) refuse("--set types wants at least one extension of 3 characters, not \"" + value + "\"");
+    options.texts.emplace_back(name, value);
+  } else if (std::find(number_settings.begin(), number_settings.end(), name) != number_settings.end()) {
+    options.numbers.emplace_back(name, setting_number(name, value));
+  } else {
+    refuse("There is no setting \"" + name + "\"");
+  }
+}
+
+std::variant<Options, Ending> parse(int argc, char** argv) {
+  enum LongOnly { Set = 256, Version };
+  static constexpr std::array<option, 7> known = {{{"verbose", no_argument, nullptr, 'v'},
+                                                   {"dry-run", no_argument, nullptr, 'n'},
+                                                   {"work-dir", required_argument, nullptr, 'w'},
+                                                   {"set", required_argument, nullptr, Set},
+                                                   {"help", no_argument, nullptr, 'h'},
+                                                   {"version", no_argument, nullptr, Version},
+                                                   {nullptr, 0, nullptr, 0}}};
+  Options options;
+  opterr = 0;
+  for (int found; (found = getopt_long(argc, argv, ":vnw:h", known.data(), nullptr)) != -1;) {
+    const std::string given = argv[optind - 1];
+    switch (found) {
+      case 'v':
+        options.verbose = true;
+        break;
+      case 'n':
+        options.dry_run = true;
+        break;
+      case 'w':
+        options.work_dir = optarg;
+        break;
+      case Set:
+        add_setting(options, optarg);
+        break;
+      case 'h':
+        return Ending{0, help};
+      case Version:
+        return Ending{0, std::string("quorvel-cli ") + full_version + "\n"};
+      case ':':
+        refuse("The option " + given + " lacks its value");
+      default:
+        refuse(optopt > 0 && optopt < Set ? std::string("There is no option -") + static_cast<char>(optopt)
+                                          : "There is no option " + given);
+    }
+  }
+  options.paths.assign(argv + optind, argv + argc);
+  if (options.paths.empty()) refuse("No path is given");
+  return options;
+}
+
+}  // namespace
+
+std::variant<Options, Ending> parse_options(int argc, char** argv) {
+  try {
+    return parse(argc, argv);
+  } catch (const Failure& failure) {
+    return Ending{2, std::string("quorvel-cli: ") + failure.what() + "\nTry quorvel-cli --help.\n"};
+  }
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace quorvel::cli {
+
+/// What the user has asked for.
+struct Options {
+  bool verbose = false;
+  bool dry_run = false;
+  std::optional<std::string> work_dir;
+  std::vector<std::pair<std::string, std::string>> texts;      // settings for this run: name and value
+  std::vector<std::pair<std::string, std::uint32_t>> numbers;  // likewise
+  std::vector<std::string> paths;
+};
+
+/// Nothing is to be run: this is to be told, and the program to end.
+struct Ending {
+  int status = 0;
+  std::string text;  // for standard output with status 0, else for standard error
+};
+
+std::variant<Options, Ending> parse_options(int argc, char** argv);
+
+}  // namespace quorvel::cli

@@ -1,0 +1,164 @@
+#include "cli/run.h"
+
+#include <cstdlib>
+#include <map>
+
+#include "cli/dry_run.h"
+#include "cli/run_store.h"
+#include "cli/terminal.h"
+#include "cli/terminal_ui.h"
+#include "naming/file_names.h"
+#include "platform/console.h"
+#include "platform/paths.h"
+#include "platform/system.h"
+#include "shell/session.h"
+#include "shell/version.h"
+#include "text/cut.h"
+#include "text/failure.h"
+
+namespace quorvel::cli {
+namespace {
+
+constexpr int all_done = 0, something_failed = 1, wrong_usage = 2;
+
+std::string reason(Refusal refusal) {
+  switch (refusal) {
+    case Refusal::None:
+      return "queued";
+    case Refusal::TooShort:
+      return "the path is too short";
+    case Refusal::Missing:
+      return "no such file or folder";
+    case Refusal::NotAFile:
+      return "neither a file nor a folder";
+    case Refusal::AlreadyQueued:
+      return "already queued";
+    case Refusal::TypeNotListed:
+      return "its type is not listed in the settings";
+    case Refusal::Sample:
+      return "a sample, as its path says";
+    case Refusal::NoExtension:
+      return "the name has no extension";
+  }
+  return {};
+}
+
+std::string files(int count) {
+  return std::to_string(count) + (count == 1 ? " file" : " files");
+}
+
+/// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is not ours.
+void refuse_foreign_cache(const Files& files, const std::string& work_dir) {
+  files.list(work_dir + "cache", [&](const FolderEntry& entry) {
+    if (entry.is_folder || (!entry.name.ends_with(".qc") && !entry.name.ends_with(".epc"))) {
+      throw Failure("The folder " + work_dir + "cache holds \"" + entry.name +
+                    "\", which is no cache file, so it cannot be used for caches");
+    }
+  });
+}
+
+std::string checked_work_dir(const Files& files, const std::string& given) {
+  const std::string work_dir = with_separator(absolute_path(given));
+  if (given.empty() || files.kind(work_dir) != Files::Kind::Folder) {
+    throw Failure("The work folder \"" + given + "\" does not exist");
+  }
+  refuse_foreign_cache(files, work_dir);
+  return work_dir;
+}
+
+std::string api_base() {
+  const char* const given = std::getenv("QUORVEL_API_BASE");
+  std::string base = given != nullptr && *given != '\0' ? given : default_api_base;
+  while (base.ends_with('/')) base.pop_back();
+  return base;
+}
+
+void queue_paths(Session& session, const std::vector<std::string>& paths, Terminal& terminal) {
+  for (const std::string& path : paths) {
+    const IntakeResult result = session.intake.take(absolute_path(path), false);
+    if (result.is_folder) {
+      const std::string left_out = result.left_out == 0 ? "" : ", " + files(result.left_out) + " left out";
+      terminal.error_line(path + ": " + files(result.queued) + " queued" + left_out);
+    } else if (result.refusal != Refusal::None) {
+      terminal.error_line(path + ": not queued: " + reason(path.empty() ? Refusal::Missing : result.refusal));
+    }
+  }
+}
+
+/// Tells why items failed and how many did; whether all are done.
+bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
+  std::map<QueueState, int> count;
+  for (int i = 1; i <= queue.count(); ++i) {
+    const QueueItem& item = queue.at(i);
+    const bool ended = item.state == QueueState::Done || item.state < QueueState::Inactive;
+    ++count[ended ? item.state : QueueState::Inactive];
+    if (item.state == QueueState::Done || !ended) continue;
+    std::string why = item.error_text.empty() ? "the file was gone" : item.error_text;
+    replace_all(why, "\r\n", "; ");
+    terminal.error_line(item.path + ": " + why);
+  }
+  const int left = count[QueueState::Inactive];
+  terminal.error_line(std::to_string(count[QueueState::Done]) + " done, " + std::to_string(count[QueueState::Failed]) +
+                      " failed, " + std::to_string(count[QueueState::Cancelled]) + " cancelled" +
+                      (left == 0 ? "" : ", " + std::to_string(left) + " not processed"));
+  return queue.count() > 0 && count[QueueState::Done] == queue.count();
+}
+
+int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
+  session.log.on_line = [&](const std::string& line, bool) { terminal.out_line(line); };
+  ui.on_quit = [&] { session.processor.may_close(); };
+  ui.on_cancel = [&] { session.http.cancel(); };
+  console::count_interrupts();
+  session.start(options.verbose ? std::optional(DebugLog::verbose) : std::nullopt);
+  queue_paths(session, options.paths, terminal);
+  if (session.queue.count() > 0) session.processor.process_queue();
+  terminal.set_progress({});
+  return tell_outcome(session.queue, terminal) ? all_done : something_failed;
+}
+
+}  // namespace
+
+int run(const Options& options) {
+  Terminal terminal;
+  TerminalUi ui(terminal);
+  const std::unique_ptr<Files> real_files = system_files();
+  const std::unique_ptr<FileOperation> real_shell =
+      system_file_operation([&](std::uint64_t done, std::uint64_t total) { return ui.copy_progress(done, total); });
+  DryRun dry_run(*real_files,
+                 [&](const std::string& from, const std::string& to) { terminal.out_line(from + " -> " + to); });
+  Files& files = options.dry_run ? dry_run : *real_files;
+  FileOperation& shell = options.dry_run ? static_cast<FileOperation&>(dry_run) : *real_shell;
+
+  const std::unique_ptr<KeyValueStore> key_values = system_key_values(files);
+  if (const std::optional<std::string> trouble = key_values->trouble()) {
+    terminal.error_line("quorvel-cli: " + *trouble);
+    return something_failed;
+  }
+  RunStore store(*key_values, options.dry_run);
+  for (const auto& [name, text] : options.texts) store.replace_string(name, text);
+  for (const auto& [name, number] : options.numbers) store.replace_number(name, number);
+  if (options.dry_run) store.replace_number("confirm", 0);  // nothing is done that would need a word
+
+  Places places{.application_data = {}, .program = program_folder(), .work_dir = {}, .api_base = api_base()};
+  try {
+    if (options.work_dir) {
+      places.work_dir = checked_work_dir(files, *options.work_dir);
+    } else {
+      places.application_data = application_data_folder(files);
+    }
+  } catch (const Failure& failure) {
+    terminal.error_line(std::string("quorvel-cli: ") + failure.what());
+    return wrong_usage;
+  }
+
+  const std::unique_ptr<SocketControl> socket = system_socket();
+  const std::unique_ptr<Clock> clock = system_clock();
+  Session session({store, shell, files, *socket, ui, *clock}, std::move(places));
+  try {
+    return run_session(session, options, ui, terminal);
+  } catch (const ProgramEnd&) {
+    return something_failed;  // the user has been told
+  }
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/file_operation.h"
+#include "platform/files.h"
+#include "platform/log.h"
+#include "platform/native.h"
+
+/// Renaming, moving and copying one file under its new name, and taking that back.
+namespace quorvel {
+
+/// What is to be done with one file, or was.
+struct FileJob {
+  std::string path;      // of the source
+  std::string filename;  // its last component
+  std::string new_name;
+  std::string dest_path;  // the destination folder, ending in a separator
+  int action = 0;         // an Action of the rules
+
+  std::string destination() const { return dest_path + new_name; }
+};
+
+/// How it ended. Without an error text the one that the user sees stays as it was.
+struct FileJobResult {
+  bool done = false;
+  std::optional<std::string> error_text;
+};
+
+class FileJobs {
+ public:
+  FileJobs(FileOperation& shell, Files& files, Log& log) : shell_(shell), files_(files), log_(log) {}
+
+  /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination.
+  FileJobResult run(const FileJob& job);
+
+  /// Brings back what run() has changed: a renamed or moved file returns to its old path, a copy goes to the trash.
+  /// Where there is no trash, a copy is deleted only while its source is there with the same size.
+  FileJobResult undo(const FileJob& job);
+
+  /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
+  /// made, and the first two never are: a missing drive or top folder is a mistake to be told, not to be made.
+  void make_tree(const std::string& folder, char separator = native::separator);
+
+ private:
+  FileJobResult run_checked(const FileJob& job);
+  FileJobResult undo_checked(const FileJob& job);
+  FileJobResult rename(const FileJob& job);
+  FileJobResult perform(const FileOperationRequest& request);
+  FileJobResult result_of(int code);
+  int delete_copy(const FileJob& job);
+
+  FileOperation& shell_;
+  Files& files_;
+  Log& log_;
+};
+
+}  // namespace quorvel

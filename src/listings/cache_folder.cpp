@@ -1,0 +1,30 @@
+#include "listings/cache_folder.h"
+
+#include "platform/native.h"
+#include "text/title.h"
+#include "transport/whole_file.h"
+
+namespace quorvel {
+
+std::string CacheFolder::path() const {
+  return work_dir_ + "cache";
+}
+
+std::string CacheFolder::file(std::string_view name, std::string_view extension) const {
+  return path() + native::separator + cleantitle(name) + std::string(extension);
+}
+
+std::string CacheFolder::load(const std::string& file) const {
+  return loadfile(files_, file);
+}
+
+void CacheFolder::store(const std::string& file, const std::string& text) {
+  if (!files_.exists(path())) files_.create_folder(path());
+  savefile(files_, file, text, false, OldTail::Dropped);
+}
+
+bool fits_cache_field(std::string_view text) {
+  return text.find_first_of("\t\r\n") == std::string_view::npos;
+}
+
+}  // namespace quorvel

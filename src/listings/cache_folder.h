@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+
+namespace quorvel {
+
+/// The folder "cache" in the work directory, which keeps what the listings service has answered.
+class CacheFolder {
+ public:
+  /// `work_dir` ends in a separator; it is read at each call.
+  CacheFolder(Files& files, const std::string& work_dir) : files_(files), work_dir_(work_dir) {}
+
+  std::string path() const;
+
+  /// Of the cache file for `name`; its characters that file names cannot hold are left out, as cleantitle does.
+  std::string file(std::string_view name, std::string_view extension) const;
+
+  /// The stamp of a cache file as it is now; empty when it does not exist.
+  std::optional<FileStamp> stamp(const std::string& file) const { return files_.stamp(file); }
+
+  /// The file's text. Throws Failure when it does not exist.
+  std::string load(const std::string& file) const;
+
+  /// Puts `text` in place of the file's; the folder is made when missing. A failure leaves the old file or none, and is
+  /// not reported: the next look-up asks the service again.
+  void store(const std::string& file, const std::string& text);
+
+ private:
+  Files& files_;
+  const std::string& work_dir_;
+};
+
+/// Whether the text can be one field of a cache file's line.
+bool fits_cache_field(std::string_view text);
+
+}  // namespace quorvel

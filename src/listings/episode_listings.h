@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "listings/cache_folder.h"
+#include "listings/show_search.h"
+#include "platform/clock.h"
+#include "platform/log.h"
+#include "transport/http_client.h"
+
+namespace quorvel {
+
+struct Episode {
+  std::string airdate;  // year-month-day as the service gives it, perhaps empty
+  int season = 0;
+  int number = 0;
+  std::string url;    // of its web page, in the double quotes that surround it in the answer
+  std::string title;  // cleaned, its UTF-8 bytes not yet decoded
+};
+
+/// The episodes of one show, in the order of the service's answer.
+class EpisodeList {
+ public:
+  void clear();
+  void append(Episode episode);
+  const std::vector<Episode>& all() const { return episodes_; }
+
+  /// The first with these numbers; null when there is none. Takes the same time however long the list is.
+  const Episode* find(int season, int number) const;
+
+ private:
+  std::vector<Episode> episodes_;
+  std::unordered_map<std::uint64_t, std::size_t> first_;  // by season and number
+};
+
+/// What a look-up of an episode gives.
+struct FoundEpisode {
+  std::string title;
+  std::string url;
+  bool operator==(const FoundEpisode&) const = default;
+};
+
+/// Finds episodes in the listings of their show, cached or fetched.
+class EpisodeListings {
+ public:
+  struct Options {
+    bool use_cache = true;
+    bool decode_utf8 = true;
+  };
+
+  EpisodeListings(HttpClient& http, CacheFolder& cache, Log& log, Clock& clock, std::string api_base)
+      : http_(http), cache_(cache), log_(log), clock_(clock), api_base_(std::move(api_base)) {}
+
+  /// `search_name` is what was searched for, for the log. Empty when the show has no such episode or the service
+  /// cannot be reached or understood. Throws Failure when one of the fetched episodes lacks a number: a list that
+  /// cannot be read to its end is not trusted.
+  std::optional<FoundEpisode> getlistings(const Show& show, const std::string& search_name, int season, int episode,
+                                          Options options);
+
+  /// Makes the cache file's episodes of the show the episode list; false when there is no file or it is damaged.
+  bool checkepcache(const std::string& show_name);
+
+  /// Whether an episode of that date has been aired, so that its title will not change any more.
+  /// False for everything that is no date.
+  bool is_aired(std::string_view airdate);
+
+ private:
+  const Episode* fetch(const Show& show, const std::string& search_name, int season, int episode, bool use_cache);
+  void read_answer(std::string_view answer);
+  void update_cache(const std::string& show_name);
+  void load_cache(const std::string& text);
+  FoundEpisode finish(const Episode& episode, bool decode_utf8);
+
+  HttpClient& http_;
+  CacheFolder& cache_;
+  Log& log_;
+  Clock& clock_;
+  std::string api_base_;
+  EpisodeList list_;
+  // The cache file that list_ was loaded from, so that the files of one show do not load it anew each.
+  std::string loaded_file_;
+  std::optional<FileStamp> loaded_stamp_;
+};
+
+}  // namespace quorvel

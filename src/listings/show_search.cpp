@@ -1,0 +1,62 @@
+#include "listings/show_search.h"
+
+#include <vector>
+
+#include "text/cut.h"
+#include "text/failure.h"
+#include "text/numbers.h"
+#include "text/title.h"
+
+namespace quorvel {
+
+std::optional<Show> ShowSearch::checkqcache(const std::string& search_name) const {
+  try {
+    const std::string file = cache_.file(search_name, ".qc");
+    if (!cache_.stamp(file)) return std::nullopt;
+    const std::string text = cache_.load(file);
+    const std::vector<std::string_view> fields = split(text, "\t");
+    if (fields.size() < 3) return std::nullopt;
+    return Show{to_number(fields[0]), std::string(fields[2]), std::string(fields[1])};
+  } catch (const Failure&) {
+    return std::nullopt;  // the service is asked, and the file replaced
+  }
+}
+
+std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool use_cache) {
+  if (use_cache) {
+    if (std::optional<Show> cached = checkqcache(search_name)) {
+      log_.debug_log("Found query in cache", 2);
+      return cached;
+    }
+    log_.debug_log("Query not in cache", 2);
+  } else {
+    log_.debug_log("Query cache disabled", 2);
+  }
+  std::optional<Show> show = search_service(search_name);
+  if (show && use_cache) {
+    log_.debug_log("Updating query cache", 2);
+    if (fits_cache_field(show->url) && fits_cache_field(show->name)) {
+      cache_.store(cache_.file(search_name, ".qc"), std::to_string(show->id) + "\t" + show->url + "\t" + show->name);
+    }
+  }
+  return show;
+}
+
+std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
+  std::string url = api_base_ + "/search/shows?q=" + HttpClient::URLEncode(search_name);
+  const std::string answer = http_.GetData(url, "");
+  if (answer.empty()) return std::nullopt;
+  if (answer == "[]") {
+    log_.debug_log("Site reports no results for: \"" + search_name + "\"", 1);
+    return std::nullopt;
+  }
+  if (answer.find("\"show\"") == std::string::npos) {
+    log_.debug_log("Error parsing results (Err 2)", 1);
+    return std::nullopt;
+  }
+  // The first occurrence of each key belongs to the service's best match.
+  return Show{to_number(textbetween(answer, "\"id\":", ",")), cleantitle(textbetween(answer, "\"name\":\"", "\",")),
+              std::string(textbetween(answer, "\"url\":", ","))};
+}
+
+}  // namespace quorvel

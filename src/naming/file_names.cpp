@@ -1,0 +1,47 @@
+#include "naming/file_names.h"
+
+#include "text/case.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+std::string_view after_last(std::string_view text, char separator) {
+  return text.substr(text.rfind(separator) + 1);
+}
+
+}  // namespace
+
+std::string getshowname(std::string_view text) {
+  return lower_case(after_last(text, '/'));
+}
+
+std::string getextension(std::string_view name) {
+  return lower_case(after_last(name, '.'));
+}
+
+std::string remextension(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  if (dot == std::string_view::npos) throw Failure("\"" + std::string(name) + "\" has no extension");
+  return std::string(name.substr(0, dot));
+}
+
+std::string getfname(std::string_view path, char separator) {
+  return std::string(after_last(path, separator));
+}
+
+std::string getpath(std::string_view path, int levels, char separator) {
+  for (; levels >= 0; --levels) {
+    const std::size_t last = path.rfind(separator);
+    if (last == std::string_view::npos) return {};
+    path = path.substr(0, last);
+  }
+  return std::string(path) + separator;
+}
+
+std::string with_separator(std::string path, char separator) {
+  if (!path.ends_with(separator)) path += separator;
+  return path;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace quorvel {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+
+  /// The calendar day in the user's time zone.
+  virtual std::chrono::year_month_day today() const = 0;
+
+  /// Hours, minutes and seconds of the user's time zone in the user's long time format, e.g. "14:05:33".
+  virtual std::string time_of_day() const = 0;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The terminal that a program was started in, if any. One definition per system, chosen by the build.
+namespace quorvel::console {
+
+/// Write everything at once, past any buffer. What cannot be written is dropped: the work goes on without its reader.
+void write_out(std::string_view text);
+void write_error(std::string_view text);
+
+bool out_is_terminal();
+bool error_is_terminal();
+
+/// Columns of the terminal behind standard error; 80 where it does not say.
+int width();
+
+/// One line from the user, without its end. Empty when standard input is no terminal, has ended, or the user
+/// interrupts.
+std::optional<std::string> read_line();
+
+/// From now on Ctrl+C and its like are counted instead of ending the program, and a closed pipe ends nothing.
+void count_interrupts();
+
+/// How often the user has interrupted since.
+int interrupts();
+
+}  // namespace quorvel::console

@@ -1,0 +1,196 @@
+#include "platform/curl/curl_socket_control.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+#include "text/failure.h"
+
+#ifndef _WIN32
+#include <openssl/ssl.h>
+#include <poll.h>
+#endif
+
+namespace quorvel {
+namespace {
+
+using SteadyClock = std::chrono::steady_clock;
+
+/// Waits until the socket can be read from or written to. CURLE_OPERATION_TIMEDOUT when the deadline passes first.
+CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point deadline) {
+  while (true) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now()).count();
+    if (left <= 0) return CURLE_OPERATION_TIMEDOUT;
+#ifdef _WIN32
+    WSAPOLLFD waiting{socket, static_cast<SHORT>(readable ? POLLRDNORM : POLLWRNORM), 0};
+    const int ready = WSAPoll(&waiting, 1, static_cast<INT>(left));
+    const bool interrupted = false;
+#else
+    pollfd waiting{socket, static_cast<short>(readable ? POLLIN : POLLOUT), 0};
+    const int ready = poll(&waiting, 1, static_cast<int>(left));
+    const bool interrupted = ready < 0 && errno == EINTR;
+#endif
+    // Errors of the socket itself count as ready: the next send or receive names them.
+    if (ready > 0) return CURLE_OK;
+    if (ready < 0 && !interrupted) return readable ? CURLE_RECV_ERROR : CURLE_SEND_ERROR;
+  }
+}
+
+/// Whether a connection that ended under TLS was closed by the peer's own word. libcurl itself makes an error of
+/// a missing closing notice with every TLS library but OpenSSL.
+bool closed_by_peer([[maybe_unused]] CURL* easy) {
+#ifndef _WIN32
+  const curl_tlssessioninfo* session = nullptr;
+  if (curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK || session == nullptr) return false;
+  if (session->backend != CURLSSLBACKEND_OPENSSL) return true;
+  const auto* const tls = static_cast<const SSL*>(session->internals);
+  return tls != nullptr && (SSL_get_shutdown(tls) & SSL_RECEIVED_SHUTDOWN) != 0;
+#else
+  return true;
+#endif
+}
+
+bool start_curl() {
+  static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+  return started == CURLE_OK;
+}
+
+}  // namespace
+
+struct CurlSocketControl::Connection {
+  explicit Connection(bool with_tls) : secure(with_tls) {}
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection() {
+    curl_easy_cleanup(easy);
+    curl_url_cleanup(address);
+  }
+
+  CURLcode open(const std::string& host, int port, int timeout_seconds, const std::string& ca_file);
+
+  bool secure;
+  CURL* easy = curl_easy_init();
+  CURLU* address = curl_url();
+  curl_socket_t socket = CURL_SOCKET_BAD;
+  std::array<char, CURL_ERROR_SIZE> message{};
+};
+
+CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, int timeout_seconds,
+                                             const std::string& ca_file) {
+  if (easy == nullptr || address == nullptr) return CURLE_OUT_OF_MEMORY;
+  const bool bare_ipv6 = host.find(':') != std::string::npos && !host.starts_with('[');
+  const std::string named = bare_ipv6 ? "[" + host + "]" : host;
+  // Part by part, for a host's text put into an address could bring a user name or another host along.
+  if (host.find('\0') != std::string::npos ||
+      curl_url_set(address, CURLUPART_SCHEME, secure ? "https" : "http", 0) != CURLUE_OK ||
+      curl_url_set(address, CURLUPART_HOST, named.c_str(), 0) != CURLUE_OK ||
+      curl_url_set(address, CURLUPART_PORT, std::to_string(port).c_str(), 0) != CURLUE_OK) {
+    return CURLE_URL_MALFORMAT;
+  }
+  curl_easy_setopt(easy, CURLOPT_CURLU, address);
+  curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, message.data());
+  curl_easy_setopt(easy, CURLOPT_CONNECT_ONLY, 1L);
+  curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, timeout_seconds * 1000L);
+  curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+  // Without it a look-up that hangs is waited for even after the time-out.
+  curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+  curl_easy_setopt(easy, CURLOPT_PROXY, "");
+  curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
+  curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+  if (!ca_file.empty()) {
+    curl_easy_setopt(easy, CURLOPT_CAINFO, ca_file.c_str());
+    // TLS libraries without such a folder refuse the option, which comes to the same.
+    curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
+  }
+  CURLcode code = curl_easy_perform(easy);
+  if (code == CURLE_OK) code = curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &socket);
+  // From here on libcurl sends, and when it does it may ignore SIGPIPE, which it leaves alone under NOSIGNAL.
+  curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 0L);
+  return code;
+}
+
+CurlSocketControl::CurlSocketControl(std::string ca_file) : ca_file_(std::move(ca_file)) {
+  if (!start_curl()) throw Failure("The network library could not be started");
+}
+
+CurlSocketControl::~CurlSocketControl() = default;
+
+void CurlSocketControl::set_timeout(int seconds) {
+  timeout_seconds_ = std::max(seconds, 1);
+}
+
+void CurlSocketControl::set_secure(bool secure) {
+  if (secure && (curl_version_info(CURLVERSION_NOW)->features & CURL_VERSION_SSL) == 0) {
+    throw Failure("Secure connections are not available: the network library has no TLS");
+  }
+  secure_ = secure;
+}
+
+int CurlSocketControl::connect(const std::string& host, int port) {
+  disconnect();
+  auto opened = std::make_unique<Connection>(secure_);
+  const CURLcode code = opened->open(host, port, timeout_seconds_, ca_file_);
+  set_error(code, opened->message.data());
+  if (code == CURLE_OK) connection_ = std::move(opened);
+  return code;
+}
+
+std::ptrdiff_t CurlSocketControl::write(std::string_view bytes) {
+  if (!connection_) {
+    set_error(CURLE_SEND_ERROR, "Not connected");
+    return 0;
+  }
+  const auto deadline = SteadyClock::now() + std::chrono::seconds(timeout_seconds_);
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    std::size_t sent = 0;
+    CURLcode code = curl_easy_send(connection_->easy, bytes.data() + done, bytes.size() - done, &sent);
+    done += sent;
+    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, false, deadline);
+    if (code != CURLE_OK) {
+      set_error(code);
+      break;
+    }
+  }
+  return static_cast<std::ptrdiff_t>(done);
+}
+
+std::ptrdiff_t CurlSocketControl::read(char* buffer, std::size_t size) {
+  if (!connection_) {
+    set_error(CURLE_RECV_ERROR, "Not connected");
+    return -1;
+  }
+  const auto deadline = SteadyClock::now() + std::chrono::seconds(timeout_seconds_);
+  while (true) {
+    // Received before it is waited for: TLS may hold bytes that the socket no longer shows.
+    std::size_t got = 0;
+    CURLcode code = curl_easy_recv(connection_->easy, buffer, size, &got);
+    if (code == CURLE_OK && got == 0 && size > 0 && connection_->secure && !closed_by_peer(connection_->easy)) {
+      set_error(CURLE_RECV_ERROR, "The connection was cut");
+      return -1;
+    }
+    if (code == CURLE_OK) return static_cast<std::ptrdiff_t>(got);
+    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, true, deadline);
+    if (code != CURLE_OK) {
+      set_error(code);
+      return -1;
+    }
+  }
+}
+
+void CurlSocketControl::disconnect() {
+  connection_.reset();
+}
+
+void CurlSocketControl::set_error(int code, const std::string& text) {
+  error_ = code;
+  error_text_ = code == 0 || !text.empty() ? text : curl_easy_strerror(static_cast<CURLcode>(code));
+}
+
+}  // namespace quorvel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace quorvel {
+
+/// Tells one state of one file from another: a different stamp means other contents or another file.
+struct FileStamp {
+  std::uint64_t device = 0;
+  std::uint64_t id = 0;           // of the file on its device
+  std::uint64_t size = 0;         // bytes
+  std::int64_t modified_ns = 0;   // since the system's epoch
+  bool operator==(const FileStamp&) const = default;
+  bool same_file(const FileStamp& other) const { return device == other.device && id == other.id; }
+};
+
+struct FolderEntry {
+  std::string name;
+  bool is_folder = false;  // also for a link that leads to one
+  bool is_link = false;
+};
+
+/// Files and folders, links followed. No call throws; a path that holds a NUL names nothing.
+class Files {
+ public:
+  enum class Kind { Missing, File, Folder, Other };  // Other: pipes, devices, sockets
+
+  virtual ~Files() = default;
+
+  virtual Kind kind(const std::string& path) const = 0;
+  bool exists(const std::string& path) const { return kind(path) != Kind::Missing; }
+
+  /// Empty when nothing exists at `path`.
+  virtual std::optional<FileStamp> stamp(const std::string& path) const = 0;
+
+  /// Hands over each entry but "." and "..", in the order the system lists them.
+  /// False when the folder cannot be opened.
+  virtual bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const = 0;
+
+  /// The whole file; empty when it cannot be opened or read.
+  virtual std::optional<std::string> read(const std::string& path) const = 0;
+
+  /// Puts a file with these bytes in place of the one at `path`, if any: whoever opens `path` at any instant, even
+  /// after a crash, finds the old contents or the new ones, whole. False, and the old file untouched, when the folder
+  /// or the old file is write-protected, the disk is full, or the path is no file's.
+  virtual bool replace(const std::string& path, const std::string& bytes) = 0;
+
+  /// False when the file is still there afterwards.
+  virtual bool remove(const std::string& path) = 0;
+
+  /// One level; false when it cannot be created.
+  virtual bool create_folder(const std::string& path) = 0;
+};
+
+}  // namespace quorvel

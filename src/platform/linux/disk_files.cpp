@@ -1,0 +1,165 @@
+#include "platform/linux/disk_files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include "platform/linux/descriptor.h"
+#include "platform/linux/folders.h"
+
+namespace quorvel {
+namespace {
+
+bool holds_nul(const std::string& path) {
+  return path.find('\0') != std::string::npos;
+}
+
+bool status(const std::string& path, struct stat& found) {
+  return !holds_nul(path) && ::stat(path.c_str(), &found) == 0;
+}
+
+FolderEntry described(int folder, const dirent& listed) {
+  FolderEntry entry{.name = listed.d_name, .is_folder = listed.d_type == DT_DIR, .is_link = listed.d_type == DT_LNK};
+  struct stat found {};
+  if (listed.d_type == DT_UNKNOWN && fstatat(folder, listed.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0) {
+    entry.is_folder = S_ISDIR(found.st_mode);
+    entry.is_link = S_ISLNK(found.st_mode);
+  }
+  if (entry.is_link) entry.is_folder = fstatat(folder, listed.d_name, &found, 0) == 0 && S_ISDIR(found.st_mode);
+  return entry;
+}
+
+/// Where `path` leads when it is a link, whether or not something is there; empty when it leads in circles.
+std::optional<std::string> followed(std::string path) {
+  for (int links = 0; links < 40; ++links) {
+    struct stat found {};
+    if (lstat(path.c_str(), &found) != 0 || !S_ISLNK(found.st_mode)) return path;
+    std::error_code failed;
+    const std::string target = std::filesystem::read_symlink(path, failed).native();
+    if (failed) return {};
+    path = target.starts_with('/') ? target : parent_folder(path) + "/" + target;
+  }
+  return {};
+}
+
+bool write_all(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+/// Owner and permissions of `old`. Where the group cannot be kept, the new group gets no more than everybody.
+bool take_over(int file, const struct stat& old) {
+  mode_t mode = old.st_mode & 07777;
+  struct stat now {};
+  if (fstat(file, &now) != 0) return false;
+  if ((now.st_uid != old.st_uid || now.st_gid != old.st_gid) && fchown(file, old.st_uid, old.st_gid) != 0 &&
+      fchown(file, static_cast<uid_t>(-1), old.st_gid) != 0) {
+    mode = (mode & 0707) | ((mode & 0007) << 3);
+  }
+  return fchmod(file, mode) == 0;
+}
+
+}  // namespace
+
+Files::Kind DiskFiles::kind(const std::string& path) const {
+  struct stat found {};
+  if (!status(path, found)) return Kind::Missing;
+  if (S_ISREG(found.st_mode)) return Kind::File;
+  return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
+}
+
+std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
+  struct stat found {};
+  if (!status(path, found)) return {};
+  return FileStamp{.device = found.st_dev,
+                   .id = found.st_ino,
+                   .size = static_cast<std::uint64_t>(found.st_size),
+                   .modified_ns = std::int64_t{found.st_mtim.tv_sec} * 1'000'000'000 + found.st_mtim.tv_nsec};
+}
+
+bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
+  if (holds_nul(folder)) return false;
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
+  if (!listing) return false;
+  while (true) {
+    errno = 0;
+    const dirent* const listed = readdir(listing.get());
+    if (listed == nullptr) return errno == 0;
+    const std::string_view name = listed->d_name;
+    if (name != "." && name != "..") entry(described(dirfd(listing.get()), *listed));
+  }
+}
+
+std::optional<std::string> DiskFiles::read(const std::string& path) const {
+  if (holds_nul(path)) return {};
+  // Without O_NONBLOCK a pipe would keep us waiting for its writer.
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat found {};
+  if (!file || fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode)) return {};
+  std::string bytes;
+  std::size_t filled = 0;
+  while (true) {
+    // One byte more than expected, so that the end shows itself without another enlargement.
+    const std::size_t expected = static_cast<std::size_t>(found.st_size) + 1;
+    if (filled == bytes.size()) bytes.resize(filled < expected ? expected : filled * 2);
+    const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return {};
+    if (got == 0) break;
+    filled += static_cast<std::size_t>(got);
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
+  if (path.empty() || holds_nul(path)) return false;
+  const std::optional<std::string> target = followed(path);
+  if (!target) return false;
+  struct stat old {};
+  const bool exists = lstat(target->c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) return false;
+  // A folder's owner could replace a write-protected file, but protecting it was meant seriously.
+  if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target->c_str(), W_OK, AT_EACCESS) != 0)) return false;
+
+  const std::string folder = parent_folder(*target);
+  std::string temporary;
+  int opened = -1;
+  const int error = create_temporary(folder, temporary, [&](const std::string& name) {
+    opened = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, exists ? 0600 : 0666);
+    return opened < 0 ? errno : 0;
+  });
+  const Descriptor file(opened);
+  if (error != 0) return false;
+  const bool written = write_all(opened, bytes) && (!exists || take_over(opened, old)) && fsync(opened) == 0;
+  if (!written || rename(temporary.c_str(), target->c_str()) != 0) {
+    unlink(temporary.c_str());
+    return false;
+  }
+  // Should this fail, a crash may bring the old file back, but whole.
+  sync_folder(folder);
+  return true;
+}
+
+bool DiskFiles::remove(const std::string& path) {
+  if (holds_nul(path)) return false;
+  return unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
+}
+
+bool DiskFiles::create_folder(const std::string& path) {
+  return !holds_nul(path) && mkdir(path.c_str(), 0777) == 0;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/files.h"
+
+namespace quorvel {
+
+/// The files of this machine.
+class DiskFiles : public Files {
+ public:
+  Kind kind(const std::string& path) const override;
+  std::optional<FileStamp> stamp(const std::string& path) const override;
+
+  /// False as well when the system stops listing half-way; the entries handed over until then are real.
+  bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const override;
+
+  /// Empty as well for whatever is no regular file.
+  std::optional<std::string> read(const std::string& path) const override;
+
+  /// A link stays a link: the file it leads to is replaced. The file keeps its permissions.
+  bool replace(const std::string& path, const std::string& bytes) override;
+
+  /// True as well when there was nothing; false for a folder.
+  bool remove(const std::string& path) override;
+  bool create_folder(const std::string& path) override;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,274 @@
+#include "platform/linux/gio_file_operation.h"
+
+#include <fcntl.h>
+#include <gio/gio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/descriptor.h"
+#include "platform/linux/exclusive_rename.h"
+#include "platform/linux/folders.h"
+#include "platform/native.h"
+
+namespace quorvel {
+namespace {
+
+/// The one path of a list, without the NULs that end it; empty when there is none, or more than one.
+std::string only_path(const std::string& list) {
+  const std::string path = list.substr(0, list.find_last_not_of('\0') + 1);
+  return path.find('\0') == std::string::npos ? path : "";
+}
+
+int errno_of(const GError& error) {
+  // GIO knows fewer codes than the system, but where an errno value stood behind the error, its text ends the message.
+  const std::string_view message = error.message;
+  int any = EIO;
+  for (int code = 133; code > 0; --code) {
+    if (static_cast<int>(g_io_error_from_errno(code)) != error.code) continue;
+    if (message.ends_with(g_strerror(code))) return code;
+    if (error.code != G_IO_ERROR_FAILED) any = code;
+  }
+  return any;
+}
+
+GFile* local_file(const std::string& path) {
+  // The local implementation by name, for the default one may ask a service on the message bus.
+  return g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str());
+}
+
+bool is_same_state(const struct stat& before, const struct stat& after) {
+  return before.st_dev == after.st_dev && before.st_ino == after.st_ino && before.st_size == after.st_size &&
+         before.st_mtim.tv_sec == after.st_mtim.tv_sec && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
+}
+
+bool in_same_folder(const std::string& one, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return stat(parent_folder(one).c_str(), &first) == 0 && stat(parent_folder(other).c_str(), &second) == 0 &&
+         first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+/// 0 when nothing is at `path`, though something could be.
+int find_vacant(const std::string& path) {
+  struct stat found {};
+  if (lstat(path.c_str(), &found) == 0) return EEXIST;
+  return errno == ENOENT ? 0 : errno;
+}
+
+/// Removes `source` after its copy at `destination` is on disk; when that cannot be, takes the copy away again.
+int remove_copied(const std::string& source, const std::string& destination) {
+  // ENOENT: somebody else removed the source, and the copy is the last one.
+  if (unlink(source.c_str()) == 0 || errno == ENOENT) return 0;
+  const int error = errno;
+  unlink(destination.c_str());
+  return error;
+}
+
+/// Moves a link into another folder or file system by making it anew.
+int move_link(const std::string& source, const std::string& destination, std::string target) {
+  if (!target.starts_with('/')) {
+    const std::unique_ptr<char, void (*)(void*)> folder(realpath(parent_folder(source).c_str(), nullptr), std::free);
+    if (!folder) return errno;
+    target.insert(0, std::string(folder.get()) + "/");
+  }
+  if (symlink(target.c_str(), destination.c_str()) != 0) return errno;
+  if (const int error = sync_folder(parent_folder(destination)); error != 0) {
+    unlink(destination.c_str());
+    return error;
+  }
+  return remove_copied(source, destination);
+}
+
+/// Copies one regular file.
+class Copying {
+ public:
+  /// `lookup`: AT_SYMLINK_NOFOLLOW when a link that takes the source's place meanwhile is a change of it.
+  Copying(std::string source, int lookup, const GioFileOperation::Progress& progress)
+      : source_(std::move(source)), lookup_(lookup), progress_(progress) {}
+
+  /// 0 when the copy is complete, on disk and at `destination`, and the source is as it was; else nothing has changed.
+  int copy_to(const std::string& destination) {
+    if (const int error = find_vacant(destination); error != 0) return error;
+    if (fstatat(AT_FDCWD, source_.c_str(), &before_, lookup_) != 0) return errno;
+
+    std::string temporary;
+    int error = create_temporary(parent_folder(destination), temporary,
+                                 [this](const std::string& path) { return copy_contents(path); });
+    // EEXIST: every name tried is somebody else's.
+    if (error != EEXIST) error = place(error, temporary, destination);
+    if (thrown_) std::rethrow_exception(thrown_);
+    return error;
+  }
+
+  /// 0 when the source is as it was before it was copied.
+  int check_source() const {
+    struct stat now {};
+    if (fstatat(AT_FDCWD, source_.c_str(), &now, lookup_) != 0) return errno;
+    return is_same_state(before_, now) ? 0 : EBUSY;
+  }
+
+ private:
+  int copy_contents(const std::string& temporary) {
+    // GIO's errors do not tell whether the file at this name is the one it began; a taken name is none of ours.
+    if (const int error = find_vacant(temporary); error != 0) return error;
+    g_autoptr(GFile) from = local_file(source_);
+    g_autoptr(GFile) to = local_file(temporary);
+    g_autoptr(GCancellable) cancellable = g_cancellable_new();
+    cancellable_ = cancellable;
+    g_autoptr(GError) error = nullptr;
+    const int flags =
+        G_FILE_COPY_ALL_METADATA | ((lookup_ & AT_SYMLINK_NOFOLLOW) != 0 ? G_FILE_COPY_NOFOLLOW_SYMLINKS : 0);
+    const bool copied =
+        g_file_copy(from, to, static_cast<GFileCopyFlags>(flags), cancellable, report, this, &error) != FALSE;
+    // The last report comes when everything is copied; its answer counts all the same.
+    if (g_cancellable_is_cancelled(cancellable) != FALSE) return ECANCELED;
+    return copied ? 0 : errno_of(*error);
+  }
+
+  static void report(goffset done, goffset total, gpointer data) noexcept {
+    Copying& copying = *static_cast<Copying*>(data);
+    if (!copying.progress_ || g_cancellable_is_cancelled(copying.cancellable_) != FALSE) return;
+    try {
+      if (copying.progress_(static_cast<std::uint64_t>(done), static_cast<std::uint64_t>(total))) return;
+    } catch (...) {
+      // Nothing may be thrown through GIO; copy_to() hands it on.
+      copying.thrown_ = std::current_exception();
+    }
+    g_cancellable_cancel(copying.cancellable_);
+  }
+
+  /// Gives the copy its name, or removes it again when there was an `error` before or is one now.
+  int place(int error, const std::string& temporary, const std::string& destination) const {
+    if (error == 0) error = finish(temporary);
+    if (error == 0) error = exclusive_rename::rename(temporary, destination);
+    if (error != 0) {
+      unlink(temporary.c_str());
+      return error;
+    }
+    error = sync_folder(parent_folder(destination));
+    if (error != 0) unlink(destination.c_str());
+    return error;
+  }
+
+  /// Puts the copy on disk and checks it.
+  int finish(const std::string& temporary) const {
+    int opened = open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    // We could read the source as one of its group, say, but the copy is our own.
+    if (opened < 0 && errno == EACCES && chmod(temporary.c_str(), (before_.st_mode & 0777) | S_IRUSR) == 0) {
+      opened = open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    }
+    const Descriptor copy(opened);
+    struct stat written {};
+    if (!copy || fsync(copy.get()) != 0 || fstat(copy.get(), &written) != 0) return errno;
+    return written.st_size == before_.st_size ? check_source() : EBUSY;
+  }
+
+  std::string source_;
+  int lookup_;
+  const GioFileOperation::Progress& progress_;
+  struct stat before_ {};
+  GCancellable* cancellable_ = nullptr;
+  std::exception_ptr thrown_;
+};
+
+int move_across(const std::string& source, const std::string& destination, const GioFileOperation::Progress& progress) {
+  // Otherwise this would show only after the copying.
+  if (faccessat(AT_FDCWD, parent_folder(source).c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
+  Copying copying(source, AT_SYMLINK_NOFOLLOW, progress);
+  if (const int error = copying.copy_to(destination); error != 0) return error;
+  // The flush took its time; what was written to the source meanwhile must not go with it.
+  if (const int error = copying.check_source(); error != 0 && error != ENOENT) {
+    unlink(destination.c_str());
+    return error;
+  }
+  return remove_copied(source, destination);
+}
+
+/// Rename, or Move when files may also go to another file system.
+int move(const std::string& source, const std::string& destination, bool across,
+         const GioFileOperation::Progress& progress) {
+  struct stat found {};
+  if (lstat(source.c_str(), &found) != 0) return errno;
+  if (S_ISDIR(found.st_mode)) return EISDIR;
+  const bool is_link = S_ISLNK(found.st_mode);
+  if (!is_link && !S_ISREG(found.st_mode)) return EINVAL;
+
+  std::string target;
+  if (is_link) {
+    std::error_code failed;
+    target = std::filesystem::read_symlink(source, failed).native();
+    if (failed) return failed.value();
+    // A relative target is relative to the folder that the link leaves.
+    if (!target.starts_with('/') && !in_same_folder(source, destination)) {
+      return move_link(source, destination, target);
+    }
+  }
+  const int error = exclusive_rename::rename(source, destination);
+  if (error != EXDEV || !across) return error;
+  return is_link ? move_link(source, destination, target) : move_across(source, destination, progress);
+}
+
+int copy(const std::string& source, const std::string& destination, const GioFileOperation::Progress& progress) {
+  struct stat found {};
+  if (stat(source.c_str(), &found) != 0) return errno;
+  if (S_ISDIR(found.st_mode)) return EISDIR;
+  if (!S_ISREG(found.st_mode)) return EINVAL;
+  return Copying(source, 0, progress).copy_to(destination);
+}
+
+int trash(const std::string& path) {
+  g_autoptr(GFile) file = local_file(path);
+  g_autoptr(GError) error = nullptr;
+  if (g_file_trash(file, nullptr, &error) != FALSE) return 0;
+  const bool no_trash = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_NOT_SUPPORTED) != FALSE;
+  return no_trash ? native::no_trash_code : errno_of(*error);
+}
+
+int remove(std::string path, bool undoable) {
+  // "link/" would mean the folder that the link leads to.
+  path.erase(path.find_last_not_of('/') + 1);
+  const std::string name = path.substr(path.find_last_of('/') + 1);
+  if (name.empty() || name == "." || name == "..") return EINVAL;
+  struct stat found {};
+  if (lstat(path.c_str(), &found) != 0) return errno;
+  if (undoable) return trash(path);
+  if (!S_ISDIR(found.st_mode)) return unlink(path.c_str()) == 0 ? 0 : errno;
+  std::error_code failed;
+  std::filesystem::remove_all(path, failed);
+  return failed.value();
+}
+
+}  // namespace
+
+GioFileOperation::GioFileOperation(Progress progress) : progress_(std::move(progress)) {}
+
+int GioFileOperation::perform(const FileOperationRequest& request) {
+  const std::string source = only_path(request.sources);
+  if (source.empty()) return EINVAL;
+  if (request.operation == FileOperationRequest::Delete) {
+    return remove(source, (request.flags & FileOperationRequest::AllowUndo) != 0);
+  }
+  const std::string destination = only_path(request.destinations);
+  if (destination.empty()) return EINVAL;
+  switch (request.operation) {
+    case FileOperationRequest::Rename:
+      return move(source, destination, false, progress_);
+    case FileOperationRequest::Move:
+      return move(source, destination, true, progress_);
+    case FileOperationRequest::Copy:
+      return copy(source, destination, progress_);
+    default:
+      return EINVAL;
+  }
+}
+
+}  // namespace quorvel

@@ -1,0 +1,53 @@
+#include "platform/linux/standard_folders.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "platform/linux/folders.h"
+
+namespace quorvel {
+namespace {
+
+/// An absolute path from the environment, without the separators at its end.
+std::optional<std::string> folder_from(const char* variable) {
+  const char* const value = std::getenv(variable);
+  if (value == nullptr || *value != '/') return {};
+  std::string folder = value;
+  folder.erase(folder.find_last_not_of('/') + 1);
+  return folder;
+}
+
+/// As the password database has it; the root folder for users it does not know, as containers have them.
+std::string home_of_user() {
+  std::vector<char> texts(1024);
+  passwd entry{};
+  passwd* found = nullptr;
+  while (getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found) == ERANGE) texts.resize(texts.size() * 2);
+  return found != nullptr ? found->pw_dir : "";
+}
+
+}  // namespace
+
+StandardFolders standard_folders(Files& files) {
+  const auto home = [] {
+    const std::optional<std::string> named = folder_from("HOME");
+    return named ? *named : home_of_user();
+  };
+  StandardFolders folders;
+  folders.settings_file = folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
+  folders.application_data = folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
+  create_folders(files, folders.application_data);
+
+  std::error_code failed;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  if (!failed) folders.program = parent_folder(program.native());
+  return folders;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/file_operation.h"
+#include "platform/files.h"
+#include "platform/key_value_store.h"
+#include "platform/socket_control.h"
+
+/// The ports as this system has them. One definition per system, chosen by the build.
+namespace quorvel {
+
+std::unique_ptr<Files> system_files();
+
+/// `progress` is told the bytes done and to do now and then during a long copy; answering false gives the copy up.
+std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress);
+
+/// The user's settings; `files` outlives them.
+std::unique_ptr<KeyValueStore> system_key_values(Files& files);
+
+std::unique_ptr<SocketControl> system_socket();
+std::unique_ptr<Clock> system_clock();
+
+/// The folder for programs' data, made when missing, without a separator at its end.
+std::string application_data_folder(Files& files);
+
+/// The folder of the running program, without a separator at its end.
+std::string program_folder();
+
+}  // namespace quorvel

@@ -1,0 +1,83 @@
+#include "queue/intake.h"
+
+#include "naming/file_names.h"
+#include "platform/native.h"
+#include "queue/folder_scan.h"
+#include "text/case.h"
+#include "text/characters.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+std::string without_quotes(std::string path) {
+  if (path.ends_with('"')) path.pop_back();
+  if (path.starts_with('"')) path.erase(0, 1);
+  return path;
+}
+
+}  // namespace
+
+bool Intake::add_to_queue(const std::string& path, bool start) {
+  const IntakeResult result = take(path, start);
+  return !result.is_folder && result.queued == 1;
+}
+
+IntakeResult Intake::take(const std::string& given, bool start) {
+  // Where names may hold quotes, a path that exists as it stands is meant as it stands.
+  const std::string path = files_.exists(given) ? given : without_quotes(given);
+  IntakeResult result;
+  if (length(path) <= 2) {
+    result.refusal = Refusal::TooShort;
+    return result;
+  }
+  switch (files_.kind(path)) {
+    case Files::Kind::Missing:
+      result.refusal = Refusal::Missing;
+      break;
+    case Files::Kind::Other:
+      result.refusal = Refusal::NotAFile;
+      break;
+    case Files::Kind::Folder:
+      return take_folder(path);
+    case Files::Kind::File:
+      result.refusal = take_file(path, start);
+      result.queued = result.refusal == Refusal::None ? 1 : 0;
+      break;
+  }
+  return result;
+}
+
+IntakeResult Intake::take_folder(const std::string& path) {
+  IntakeResult result;
+  result.is_folder = true;
+  const std::string base = with_separator(path);
+  for (const std::string& relative : scan_folder(files_, base)) {
+    const bool queued = is_listed(relative) && add_to_queue(base + relative, true);
+    ++(queued ? result.queued : result.left_out);
+  }
+  return result;
+}
+
+Refusal Intake::take_file(const std::string& path, bool start) {
+  if (queue_.holds_path(path)) return Refusal::AlreadyQueued;
+  if (!is_listed(path)) return Refusal::TypeNotListed;
+  if (lower_case(path).find("sample") != std::string::npos) return Refusal::Sample;
+  std::string filename = getfname(path);
+  std::string shown;
+  try {
+    shown = remextension(filename);
+  } catch (const Failure&) {
+    return Refusal::NoExtension;
+  }
+  ui_.add_row(queue_.append(path, std::move(filename)), shown);
+  if (start && !is_busy_()) ui_.arm_start_timer();
+  return Refusal::None;
+}
+
+/// A part of a listed extension will do, as "mp" of "mp4".
+bool Intake::is_listed(const std::string& name) const {
+  return lower_case(settings_.types).find(getextension(name)) != std::string::npos;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/files.h"
+#include "platform/user_interface.h"
+#include "queue/settings.h"
+#include "queue/work_queue.h"
+
+namespace quorvel {
+
+/// Why a path was not queued.
+enum class Refusal { None, TooShort, Missing, NotAFile, AlreadyQueued, TypeNotListed, Sample, NoExtension };
+
+/// What became of one path handed over.
+struct IntakeResult {
+  Refusal refusal = Refusal::None;
+  bool is_folder = false;
+  int queued = 0;    // files
+  int left_out = 0;  // files in the folder that were not queued
+};
+
+/// The one way into the queue.
+class Intake {
+ public:
+  /// `is_busy` tells whether a pass of the processor runs.
+  Intake(WorkQueue& queue, const Settings& settings, const Files& files, UserInterface& ui,
+         std::function<bool()> is_busy)
+      : queue_(queue), settings_(settings), files_(files), ui_(ui), is_busy_(std::move(is_busy)) {}
+
+  /// Queues the file at `path`, or every suitable file below the folder there; `path` may stand in double quotes.
+  /// With `start`, a pass follows. True when one file was queued, so never for a folder.
+  bool add_to_queue(const std::string& path, bool start);
+
+  /// The same, and tells what happened.
+  IntakeResult take(const std::string& path, bool start);
+
+ private:
+  IntakeResult take_folder(const std::string& path);
+  Refusal take_file(const std::string& path, bool start);
+  bool is_listed(const std::string& name) const;
+
+  WorkQueue& queue_;
+  const Settings& settings_;
+  const Files& files_;
+  UserInterface& ui_;
+  std::function<bool()> is_busy_;
+};
+
+}  // namespace quorvel

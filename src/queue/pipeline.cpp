@@ -1,0 +1,133 @@
+#include "queue/pipeline.h"
+
+#include "naming/episode_patterns.h"
+#include "naming/file_names.h"
+#include "naming/mask.h"
+#include "text/case.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+FileJob job(const QueueItem& item) {
+  return {item.path, item.filename, item.new_name, item.dest_path, item.action};
+}
+
+/// A show of such a name would lead a rule's "[show]" folder out of the place that the user has given.
+void refuse_as_folder(const std::string& show_name) {
+  if (show_name == "." || show_name == "..") {
+    throw Failure("The show name \"" + show_name + "\" cannot be the name of a folder");
+  }
+}
+
+}  // namespace
+
+bool Pipeline::getbits(int index, bool parentFolder) {
+  QueueItem& item = parts_.queue.at(index);
+  try {
+    const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
+    parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"), 2);
+    const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
+    if (!found) {
+      parts_.log.debug_log("No filter found", 2);
+      return false;
+    }
+    item.search_name = found->show;
+    item.season = found->season;
+    item.episode = found->episode;
+    parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), 2);
+    return true;
+  } catch (const Failure& failure) {
+    parts_.log.debug_log(std::string("Error getting filename filter: ") + failure.what(), 1);
+    return false;
+  }
+}
+
+void Pipeline::checkex(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  if (const auto name = parts_.exceptions.replacement(item.search_name)) item.search_name = *name;
+}
+
+bool Pipeline::searchtv(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  try {
+    const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
+    if (!show) return false;
+    item.show_id = show->id;
+    item.show_name = show->name;
+    item.show_url = show->url;
+    return true;
+  } catch (const Failure& failure) {
+    parts_.log.debug_log(std::string("Error searching for show: ") + failure.what(), 1);
+    return false;
+  }
+}
+
+bool Pipeline::getlistings(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  try {
+    const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
+        {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
+        {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
+    if (!episode) return false;
+    item.episode_title = episode->title;
+    item.episode_url = episode->url;
+    return true;
+  } catch (const Failure& failure) {
+    parts_.log.debug_log(std::string("Error getting listings: ") + failure.what(), 1);
+    return false;
+  }
+}
+
+bool Pipeline::dofilter(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  const std::string extension = getextension(item.filename);
+  const std::optional<int> rule = parts_.filters.first_fitting(extension, item.show_name);
+  if (!rule) return false;
+  const AFilter& filter = parts_.filters.at(*rule);
+  const MaskValues values{item.show_name, item.season, item.episode, item.episode_title};
+  std::string folder;
+  if (filter.action < MoveAndRename) {
+    folder = getpath(item.path, 0);
+  } else {
+    refuse_as_folder(item.show_name);
+    folder = expand_folder(filter.path, values);
+  }
+  item.new_name = expand_name(filter.mask + "." + extension, values);
+  item.dest_path = with_separator(folder);
+  item.filter_index = *rule;
+  item.action = filter.action;
+  return true;
+}
+
+bool Pipeline::confirm(int index) {
+  if (!parts_.queue.holds(index)) return false;
+  if (!parts_.settings.confirm) return true;
+  QueueItem& item = parts_.queue.at(index);
+  const FileJob work = job(item);
+  const char* const operation = work.action == MoveAndRename   ? "Move"
+                                : work.action == CopyAndRename ? "Copy"
+                                                               : "Rename";
+  const std::optional<bool> answer =
+      parts_.ui.ask_confirmation({std::string("Confirm File ") + operation,
+                                  "Continue with file " + lower_case(operation) + "?", work.path, work.destination()});
+  if (answer) item.confirmed = *answer;
+  return item.confirmed;
+}
+
+bool Pipeline::fileops(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  return record(item, parts_.jobs.run(job(item)));
+}
+
+bool Pipeline::undofileops(int index) {
+  QueueItem& item = parts_.queue.at(index);
+  return record(item, parts_.jobs.undo(job(item)));
+}
+
+bool Pipeline::record(QueueItem& item, const FileJobResult& result) {
+  if (result.error_text) item.error_text = *result.error_text;
+  return result.done;
+}
+
+}  // namespace quorvel

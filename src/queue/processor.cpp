@@ -1,0 +1,129 @@
+#include "queue/processor.h"
+
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+constexpr const char* listings_site = "tvmaze.com";
+
+std::string episode_text(const QueueItem& item) {
+  return item.show_name + " " + std::to_string(item.season) + "x" + std::to_string(item.episode);
+}
+
+}  // namespace
+
+bool Processor::may_close() {
+  if (!queue_busy_) return true;
+  log_.debug_log("Got quit signal, finishing up...", 1);
+  quit_ = true;
+  return false;
+}
+
+void Processor::retry_failed() {
+  if (queue_busy_) return;
+  retry_mode_ = true;
+  queue_cursor_ = 0;
+  process_queue();
+}
+
+void Processor::process_queue() {
+  queue_busy_ = true;
+  run_pass();
+}
+
+void Processor::run_pass() {
+  while (!take_quit()) {
+    if (queue_cursor_ >= queue_.count()) {
+      retry_mode_ = false;
+      queue_busy_ = false;
+      if (queue_cursor_ == 0) {
+        log_.debug_log("No work to do", 2);
+      } else {
+        log_.debug_log("All items processed", 1);
+        if (settings_.autoclose) ui_.close();
+      }
+      return;
+    }
+    const int index = ++queue_cursor_;
+    if (retry_mode_ && queue_.at(index).state >= QueueState::Scanning) {
+      // A retry pass steps over the item after a skipped one as well; users rely on the order this gives.
+      ++queue_cursor_;
+      continue;
+    }
+    process_item(index);
+  }
+}
+
+/// When the user wants to quit: the pass is over and the window closes.
+bool Processor::take_quit() {
+  if (!quit_) return false;
+  if (queue_busy_) {
+    queue_busy_ = false;
+    ui_.close();
+  }
+  return true;
+}
+
+void Processor::set_state(int index, QueueState state) {
+  queue_.at(index).state = state;
+  view_.update_lv(index);
+}
+
+void Processor::fail(int index, const std::string& log_line, const std::string& error_text) {
+  log_.debug_log(log_line, 1);
+  queue_.at(index).error_text = error_text;
+  set_state(index, QueueState::Failed);
+}
+
+/// Ends early when the user wants to quit; the item then keeps the state it has reached.
+void Processor::process_item(int index) {
+  QueueItem& item = queue_.at(index);
+  set_state(index, QueueState::Scanning);
+  if (!pipeline_.getbits(index, true) && !pipeline_.getbits(index, false)) {
+    return fail(index, "Unable to find filename filter for: " + item.filename, "Unable to find filename filter");
+  }
+
+  log_.debug_log("Found filename filter for: " + item.filename, 2);
+  set_state(index, QueueState::Searching);
+  log_.debug_log("Checking exceptions", 2);
+  pipeline_.checkex(index);
+  log_.debug_log("Searching for: " + item.search_name, 2);
+  const std::string searched = "\r\nSearched for: " + item.search_name;
+  if (!pipeline_.searchtv(index)) {
+    return fail(index, "Unable to find show page for: " + item.search_name,
+                std::string("Unable to find show on ") + listings_site + searched);
+  }
+
+  set_state(index, QueueState::FetchingListings);
+  if (take_quit()) return;
+  if (!pipeline_.getlistings(index)) {
+    return fail(index, "Unable to find listings for: " + episode_text(item),
+                std::string("Unable to find listings on ") + listings_site + searched +
+                    "\r\nDetected as: " + episode_text(item));
+  }
+
+  set_state(index, QueueState::CheckingFilters);
+  if (take_quit()) return;
+  try {
+    if (!pipeline_.dofilter(index)) {
+      return fail(index, "Unable to find matching filter for: " + episode_text(item),
+                  "Found listings, but no filter could be found to move/rename the file");
+    }
+  } catch (const Failure& failure) {
+    return fail(index, std::string("Error checking filters: ") + failure.what(), failure.what());
+  }
+
+  set_state(index, QueueState::Processing);
+  if (take_quit()) return;
+  if (!pipeline_.confirm(index)) {
+    log_.debug_log("Unable to rename/move files for: " + item.new_name + " (user cancelled)", 1);
+    item.error_text = "User cancelled the file operation";
+    return set_state(index, QueueState::Cancelled);
+  }
+  if (pipeline_.fileops(index)) return set_state(index, QueueState::Done);
+  log_.debug_log("Unable to rename/move files for: " + item.new_name, 1);
+  set_state(index, QueueState::Failed);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "queue/pipeline.h"
+#include "queue/queue_view.h"
+
+namespace quorvel {
+
+/// Drives the items of the queue through the pipeline, one after another. One bad file never ends a pass.
+class Processor {
+ public:
+  Processor(Pipeline::Parts parts, Pipeline& pipeline, QueueView& view)
+      : queue_(parts.queue),
+        settings_(parts.settings),
+        ui_(parts.ui),
+        log_(parts.log),
+        pipeline_(pipeline),
+        view_(view) {}
+
+  /// One pass: from the item after the last one taken to the end of the queue, which may grow meanwhile, or to the
+  /// user's wish to quit. Callers see to it that no pass is running.
+  void process_queue();
+
+  /// A pass from the first item on over what is not done. Does nothing while a pass runs.
+  void retry_failed();
+
+  /// The window is to close: false when that must wait for a running pass, which then ends at its next stage and
+  /// closes the window itself.
+  bool may_close();
+
+  bool queue_busy() const { return queue_busy_; }
+
+ private:
+  void run_pass();
+  void process_item(int index);
+  void set_state(int index, QueueState state);
+  void fail(int index, const std::string& log_line, const std::string& error_text);
+  bool take_quit();
+
+  WorkQueue& queue_;
+  const Settings& settings_;
+  UserInterface& ui_;
+  Log& log_;
+  Pipeline& pipeline_;
+  QueueView& view_;
+  int queue_cursor_ = 0;  // the last item taken
+  bool queue_busy_ = false;
+  bool retry_mode_ = false;
+  bool quit_ = false;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace quorvel {
+
+/// How far an item has got. Below Scanning counts as not yet done.
+enum class QueueState : std::int32_t {
+  Cancelled = -2,
+  Failed = -1,
+  Inactive = 0,
+  Scanning = 1,
+  Searching = 2,
+  FetchingListings = 3,
+  CheckingFilters = 4,
+  Processing = 5,
+  Done = 6,
+};
+
+/// One file that the user has handed over.
+struct QueueItem {
+  QueueState state = QueueState::Inactive;
+  std::string path;      // of the source, in full, as it was added
+  std::string filename;  // its last component
+  std::int32_t episode = 0;
+  std::int32_t season = 0;
+  std::string search_name;  // detected in the name, perhaps replaced by an exception
+  std::string show_name;    // as the listings service gives it
+  std::int32_t show_id = 0;
+  std::string show_url;  // in double quotes, as the service gives it
+  std::string episode_title;
+  std::string new_name;
+  std::string dest_path;          // ends in a separator
+  std::int32_t filter_index = 0;  // of the rule that fits
+  // What that rule said when it was chosen: the user may change the rules before the file operation or its undoing, and
+  // taking a move back as if it had been a copy would delete the only file.
+  std::int32_t action = 0;
+  bool confirmed = false;
+  std::string error_text;   // why it failed or was cancelled; lines end in CR LF
+  std::string episode_url;  // in double quotes, as the service gives it
+};
+
+}  // namespace quorvel

@@ -1,0 +1,78 @@
+#include "queue/queue_view.h"
+
+#include <array>
+
+#include "naming/file_names.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+struct Appearance {
+  QueueState state;
+  RowUpdate::Icon icon;
+  const char* status;  // null where the item's rule decides
+};
+
+constexpr std::array<Appearance, 9> appearances = {{
+    {QueueState::Cancelled, RowUpdate::FailedIcon, "Cancelled"},
+    {QueueState::Failed, RowUpdate::FailedIcon, "Failed"},
+    {QueueState::Inactive, RowUpdate::WaitingIcon, "Inactive"},
+    {QueueState::Scanning, RowUpdate::WaitingIcon, "Scanning"},
+    {QueueState::Searching, RowUpdate::WaitingIcon, "Searching"},
+    {QueueState::FetchingListings, RowUpdate::WaitingIcon, "Fetching Listings"},
+    {QueueState::CheckingFilters, RowUpdate::WaitingIcon, "Checking Filters"},
+    {QueueState::Processing, RowUpdate::WaitingIcon, nullptr},
+    {QueueState::Done, RowUpdate::DoneIcon, "Done"},
+}};
+
+const char* operation_text(int action) {
+  switch (action) {
+    case Rename:
+      return "Renaming";
+    case MoveAndRename:
+      return "Moving";
+    case CopyAndRename:
+      return "Copying";
+    default:
+      return nullptr;
+  }
+}
+
+/// Fills in the changes up to the first that fails; false when one does.
+bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) {
+  for (const Appearance& appearance : appearances) {
+    if (appearance.state != item.state) continue;
+    row.scroll_into_view = item.state != QueueState::Inactive;
+    row.icon = appearance.icon;
+    if (item.state == QueueState::Cancelled) row.new_name = "";
+    if (item.state >= QueueState::Processing) row.new_name = remextension(item.new_name);
+    const char* status = appearance.status;
+    if (item.state == QueueState::Processing) {
+      if (!filters.holds(item.filter_index)) return false;
+      status = operation_text(item.action);
+    }
+    if (status != nullptr) row.status = status;
+  }
+  row.select = true;
+  return true;
+}
+
+}  // namespace
+
+bool QueueView::update_lv(int index) {
+  try {
+    if (!queue_.holds(index)) return false;
+    RowUpdate row;
+    const bool whole = describe(queue_.at(index), filters_, row);
+    ui_.update_row(index, row);
+    if (!whole) return false;
+    ui_.process_events();
+    ui_.process_events();
+    return true;
+  } catch (const Failure&) {
+    return false;
+  }
+}
+
+}  // namespace quorvel

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+namespace quorvel {
+
+/// What a rule does with a file. Rule files may hold other numbers, which do nothing.
+enum Action { Rename = 1, MoveAndRename = 2, CopyAndRename = 3 };
+
+/// "Rename", "Move & Rename" or "Copy & Rename"; empty for other values.
+std::string_view action_name(int action);
+
+}  // namespace quorvel

@@ -1,0 +1,130 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/log.h"
+#include "platform/user_interface.h"
+#include "rules/record_file.h"
+#include "text/cut.h"
+#include "text/failure.h"
+
+namespace quorvel {
+
+/// What the filter rules and the exceptions have in common: an ordered list, counted from 1, that lives in a file of
+/// records. `Entry` has a flag `deleted`; `Format` gives
+///   file_name, plural (the list's name in log lines), field_count,
+///   static Fields fields(const Entry&), static Entry entry(const std::vector<std::string_view>&),
+///   static std::vector<std::string> cells(const Entry&) and show, the user interface's call for the rows.
+template <typename Entry, typename Format>
+class EntryList {
+ public:
+  EntryList(Files& files, Log& log, UserInterface& ui, const std::string& work_dir)
+      : log_(log), ui_(ui), file_(files, work_dir, Format::file_name) {}
+
+  int count() const { return static_cast<int>(entries_.size()); }
+  bool holds(int index) const { return index >= 1 && index <= count(); }
+
+  /// `index` is one that the list holds.
+  Entry& at(int index) { return entries_.at(static_cast<std::size_t>(index) - 1); }
+  const Entry& at(int index) const { return entries_.at(static_cast<std::size_t>(index) - 1); }
+
+  void append(Entry entry) { entries_.push_back(std::move(entry)); }
+
+  /// Exchanges two entries, on disk too. False, and nothing changed, when an index is not the list's or the file cannot
+  /// be written.
+  bool exchange(int a, int b) {
+    if (!holds(a) || !holds(b)) return false;
+    std::swap(at(a), at(b));
+    if (save()) return load();
+    std::swap(at(a), at(b));
+    return false;
+  }
+
+  /// Takes an entry out, on disk too. False, and nothing changed, as above.
+  bool remove(int index) {
+    if (!holds(index)) return false;
+    at(index).deleted = true;
+    if (save()) return load();
+    at(index).deleted = false;
+    return false;
+  }
+
+  /// The list becomes what the file holds. False, with a log line, when a line cannot be understood: the entries
+  /// before it stay, and empty ones stand for it and for those behind it.
+  bool load() {
+    entries_.clear();
+    bool whole = true;
+    try {
+      if (file_.exists()) {
+        load_file();
+      } else {
+        entries_ = Format::defaults();
+      }
+    } catch (const Failure& failure) {
+      log_.debug_log(std::string("Error loading ").append(Format::plural).append(": ") + failure.what(), 1);
+      whole = false;
+    }
+    file_.loaded_as(records());
+    refresh();
+    return whole;
+  }
+
+  /// The file becomes what the list holds, less what is marked deleted; an empty list removes it.
+  /// False, with a log line, when that fails; the file is then as it was.
+  bool save() {
+    try {
+      file_.save(records());
+      return true;
+    } catch (const Failure& failure) {
+      log_.debug_log(std::string("Error saving ").append(Format::plural).append(": ") + failure.what(), 1);
+      return false;
+    }
+  }
+
+  /// Shows the list.
+  void refresh() {
+    std::vector<ListRow> rows;
+    for (int i = 1; i <= count(); ++i) rows.push_back({"F" + std::to_string(i), Format::cells(at(i))});
+    (ui_.*Format::show)(rows);
+  }
+
+ protected:
+  UserInterface& ui() { return ui_; }
+
+ private:
+  std::vector<RecordFile::Fields> records() const {
+    std::vector<RecordFile::Fields> records;
+    for (const Entry& entry : entries_) {
+      if (!entry.deleted) records.push_back(Format::fields(entry));
+    }
+    return records;
+  }
+
+  void load_file() {
+    const std::vector<std::string> lines = file_.read_lines();
+    entries_.resize(lines.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      const std::vector<std::string_view> fields = split(lines[i], "\t");
+      const std::string line = "line " + std::to_string(i + 1) + " of " + std::string(Format::file_name);
+      if (fields.size() < Format::field_count) {
+        throw Failure(line + " has " + std::to_string(fields.size()) + " of " + std::to_string(Format::field_count) +
+                      " fields");
+      }
+      try {
+        entries_[i] = Format::entry(fields);
+      } catch (const Failure& failure) {
+        throw Failure(line + ": " + failure.what());
+      }
+    }
+  }
+
+  Log& log_;
+  UserInterface& ui_;
+  RecordFile file_;
+  std::vector<Entry> entries_;
+};
+
+}  // namespace quorvel

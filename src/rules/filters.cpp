@@ -1,0 +1,84 @@
+#include "rules/filters.h"
+
+#include "text/case.h"
+#include "text/numbers.h"
+#include "text/wildcard.h"
+
+namespace quorvel {
+namespace {
+
+bool to_bool(std::string_view text) {
+  const std::string word = lower_case(text);
+  if (word != "true" && word != "false") throw Failure("\"" + std::string(text) + "\" is neither True nor False");
+  return word == "true";
+}
+
+bool condition_fits(std::string_view subject, std::string_view pattern, int condition) {
+  return !pattern.empty() && matches(subject, pattern) == (condition == Equals);
+}
+
+}  // namespace
+
+RecordFile::Fields FilterFormat::fields(const AFilter& filter) {
+  return {std::to_string(filter.action),
+          filter.enabled ? "True" : "False",
+          filter.fileType,
+          filter.showName,
+          filter.path,
+          filter.mask,
+          filter.description,
+          std::to_string(filter.fileTypeCondition),
+          std::to_string(filter.showNameCondition)};
+}
+
+AFilter FilterFormat::entry(const std::vector<std::string_view>& fields) {
+  AFilter filter;
+  filter.action = to_number(fields[0]);
+  filter.enabled = to_bool(fields[1]);
+  filter.fileType = fields[2];
+  filter.showName = fields[3];
+  filter.path = fields[4];
+  filter.mask = fields[5];
+  filter.description = fields[6];
+  filter.fileTypeCondition = to_number(fields[7]);
+  filter.showNameCondition = to_number(fields[8]);
+  return filter;
+}
+
+std::vector<std::string> FilterFormat::cells(const AFilter& filter) {
+  return {filter.description, std::string(action_name(filter.action)), filter.mask, filter.path};
+}
+
+std::vector<AFilter> FilterFormat::defaults() {
+  AFilter filter;
+  filter.description = "Show Name Equals Anything";
+  filter.action = Rename;
+  filter.enabled = true;
+  filter.showName = "*";
+  filter.showNameCondition = Equals;
+  filter.mask = default_mask;
+  return {filter};
+}
+
+bool FilterList::remove(int index) {
+  if (count() == 1) {
+    ui().show_message(0, "Unable to remove filter", "You must have at least one filter", MessageIcon::Information);
+    return false;
+  }
+  return EntryList::remove(index);
+}
+
+std::optional<int> FilterList::first_fitting(std::string_view extension, std::string_view show_name) const {
+  const std::string name = lower_case(show_name);
+  for (int i = 1; i <= count(); ++i) {
+    const AFilter& filter = at(i);
+    // Either condition will do: a rule changed from one kind to the other keeps its old pattern beside the new one.
+    if (filter.enabled && (condition_fits(extension, filter.fileType, filter.fileTypeCondition) ||
+                           condition_fits(name, filter.showName, filter.showNameCondition))) {
+      return i;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/log.h"
+
+namespace quorvel {
+
+/// The lines that the user sees, oldest first, at most 1000.
+class DebugLog : public Log {
+ public:
+  static constexpr int normal = 1;
+  static constexpr int verbose = 2;
+  static constexpr std::size_t capacity = 1000;
+
+  explicit DebugLog(const Clock& clock) : clock_(clock) {}
+
+  /// Lines above this level are dropped.
+  void set_level(int level) { level_ = level; }
+  int level() const { return level_; }
+
+  void debug_log(std::string_view text, int level) override;
+
+  const std::deque<std::string>& lines() const { return lines_; }
+
+  /// Told of each new line; the list was emptied just before when `cleared`.
+  std::function<void(const std::string& line, bool cleared)> on_line = [](const std::string&, bool) {};
+
+ private:
+  void add(std::string line, bool cleared);
+
+  const Clock& clock_;
+  int level_ = normal;
+  std::deque<std::string> lines_;
+};
+
+}  // namespace quorvel

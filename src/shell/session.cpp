@@ -1,0 +1,53 @@
+#include "shell/session.h"
+
+#include "shell/version.h"
+#include "shell/work_dir.h"
+
+namespace quorvel {
+
+Session::Session(Ports ports, Places places)
+    : ports(ports),
+      places(std::move(places)),
+      log(ports.clock),
+      settings_store(ports.key_values, ports.ui),
+      filters(ports.files, log, ports.ui, settings.work_dir),
+      exceptions(ports.files, log, ports.ui, settings.work_dir),
+      http(ports.socket, ports.ui),
+      cache(ports.files, settings.work_dir),
+      search(http, cache, log, this->places.api_base),
+      listings(http, cache, log, ports.clock, this->places.api_base),
+      jobs(ports.shell, ports.files, log),
+      view(queue, filters, ports.ui),
+      pipeline(parts()),
+      processor(parts(), pipeline, view),
+      intake(queue, settings, ports.files, ports.ui, [this] { return processor.queue_busy(); }),
+      undo(parts(), pipeline, view) {}
+
+Pipeline::Parts Session::parts() {
+  return {queue, settings, filters, exceptions, search, listings, jobs, ports.ui, log};
+}
+
+void Session::start(std::optional<int> log_level) {
+  log.set_level(log_level.value_or(DebugLog::normal));
+  log.debug_log(
+      std::string(application_title) + " " + short_version + " (build " + std::to_string(revision) + ") started", 1);
+  settings.work_dir =
+      places.work_dir ? *places.work_dir : setworkdir(ports.files, log, places.application_data, places.program);
+
+  const SettingsEnvironment environment{ports.files, ports.shell, log, ports.context_menu};
+  update_settings_version(settings_store, short_version, settings.work_dir, environment);
+  log.set_level(log_level.value_or(load_settings(settings_store, settings, environment)));
+
+  if (filters.loadfilters()) {
+    log.debug_log("Loaded " + std::to_string(filters.count()) + " afilters", 2);
+  } else {
+    log.debug_log("Failed to load afilters", 1);
+  }
+  if (exceptions.loadefilters()) {
+    log.debug_log("Loaded " + std::to_string(exceptions.count()) + " efilters", 2);
+  } else {
+    log.debug_log("Failed to load efilters", 1);
+  }
+}
+
+}  // namespace quorvel

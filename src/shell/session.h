@@ -1,0 +1,82 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "listings/cache_folder.h"
+#include "listings/episode_listings.h"
+#include "listings/show_search.h"
+#include "platform/clock.h"
+#include "platform/context_menu.h"
+#include "platform/file_operation.h"
+#include "platform/files.h"
+#include "platform/key_value_store.h"
+#include "platform/socket_control.h"
+#include "platform/user_interface.h"
+#include "queue/intake.h"
+#include "queue/pipeline.h"
+#include "queue/processor.h"
+#include "queue/queue_view.h"
+#include "queue/settings.h"
+#include "queue/undo.h"
+#include "queue/work_queue.h"
+#include "rules/exceptions.h"
+#include "rules/filters.h"
+#include "shell/debug_log.h"
+#include "shell/settings_store.h"
+#include "transport/http_client.h"
+
+namespace quorvel {
+
+/// Everything outside the core, one object a port.
+struct Ports {
+  KeyValueStore& key_values;
+  FileOperation& shell;
+  Files& files;
+  SocketControl& socket;
+  UserInterface& ui;
+  Clock& clock;
+  ContextMenu* context_menu = nullptr;  // null where the program has no entries in any menu
+};
+
+/// Where a session finds things.
+struct Places {
+  std::string application_data;         // without a separator at its end, as the next
+  std::string program;                  // the program's folder
+  std::optional<std::string> work_dir;  // ending in a separator, in place of the one in application_data
+  std::string api_base;                 // of the listings service, without a trailing slash
+};
+
+/// Everything that lives as long as the program runs. The ports outlive it.
+class Session {
+ public:
+  Session(Ports ports, Places places);
+
+  /// Writes the banner, finds the work directory, reads the settings and loads the rules. A level given here is the
+  /// log's in place of the one that the settings hold.
+  void start(std::optional<int> log_level = {});
+
+  const Ports ports;
+  const Places places;
+  DebugLog log;
+  Settings settings;
+  SettingsStore settings_store;
+  WorkQueue queue;
+  FilterList filters;
+  ExceptionList exceptions;
+  HttpClient http;
+  CacheFolder cache;
+  ShowSearch search;
+  EpisodeListings listings;
+  FileJobs jobs;
+  QueueView view;
+  Pipeline pipeline;
+  Processor processor;
+  Intake intake;
+  Undo undo;
+
+ private:
+  Pipeline::Parts parts();
+};
+
+}  // namespace quorvel

@@ -1,0 +1,261 @@
+#include "transport/http_client.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "text/case.h"
+#include "text/code_page.h"
+#include "text/cut.h"
+#include "text/failure.h"
+#include "text/numbers.h"
+
+namespace quorvel {
+namespace {
+
+constexpr int timeout_seconds = 4;
+constexpr std::size_t most_bytes_a_read = 2048;
+constexpr int highest_port = 65535;
+constexpr int unauthorized = 401;
+
+struct HeaderField {
+  std::string name;  // lower case
+  std::string_view value;
+};
+
+std::optional<HeaderField> header_field(std::string_view line) {
+  const std::size_t colon = line.find(':');
+  if (colon == std::string_view::npos) return std::nullopt;
+  return HeaderField{lower_case(line.substr(0, colon)), trim(line.substr(colon + 1))};
+}
+
+std::vector<std::string_view> header_lines(std::string_view header) {
+  std::vector<std::string_view> lines;
+  for (std::size_t start = 0, end; (end = header.find('\n', start)) != std::string_view::npos; start = end + 1) {
+    const std::string_view line = header.substr(start, end + 1 - start);
+    lines.push_back(trim(line.substr(0, line.size() < 2 ? 0 : line.size() - 2)));
+  }
+  return lines;
+}
+
+int status_of(std::string_view status_line) {
+  const std::size_t blank = status_line.find(' ');
+  return blank == std::string_view::npos ? 0 : leading_number(status_line.substr(blank + 1));
+}
+
+}  // namespace
+
+/// What has been received of one answer.
+struct HttpClient::Answer {
+  std::string header;
+  std::string chunk;  // what the last read brought
+  std::string body;
+  std::size_t received = 0;
+  int expected = -1;  // bytes, as the header announces them; only told, never relied on
+  bool in_header = true;
+};
+
+bool HttpClient::spliturl(std::string_view url, Address& address) {
+  std::string_view rest = trim(url);
+  address.port = 80;
+  if (const std::size_t scheme_end = rest.find("://"); scheme_end != std::string_view::npos) {
+    const std::string scheme = lower_case(rest.substr(0, scheme_end));
+    if (scheme != "http" && scheme != "https") return false;
+    address.secure = scheme == "https";
+    if (address.secure) address.port = 443;
+    rest.remove_prefix(scheme_end + 3);
+  }
+  const std::size_t slash = std::min(rest.find('/'), rest.size());
+  std::string_view host = rest.substr(0, slash);
+  address.path = slash == rest.size() ? "/" : rest.substr(slash);
+  if (const std::size_t colon = host.find(':'); colon != std::string_view::npos) {
+    address.port = leading_number(host.substr(colon + 1));
+    host = host.substr(0, colon);
+    if (address.port == 0 || address.port > highest_port) return false;
+  }
+  address.file = address.path.substr(address.path.rfind('/') + 1);
+  address.file.erase(std::min(address.file.find('?'), address.file.size()));
+  if (address.file.empty()) address.file = "/";
+  if (!host.empty()) last_host_ = host;
+  address.host = last_host_;
+  return !address.host.empty();
+}
+
+std::string HttpClient::URLEncode(std::string_view text) {
+  constexpr std::string_view hexadecimal = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char byte : to_code_page(text)) {
+    const auto code = static_cast<unsigned char>(byte);
+    const bool safe = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+    if (safe) {
+      encoded += byte;
+    } else if (byte == ' ') {
+      encoded += '+';
+    } else {
+      encoded += {'%', hexadecimal[code >> 4], hexadecimal[code & 15]};
+    }
+  }
+  return encoded;
+}
+
+std::string HttpClient::GetData(std::string& url, std::string_view cookie) {
+  return fetch(url, "GetData", [&](const Address& address) {
+    std::vector<std::string> lines = {"GET " + address.path + " HTTP/1.0\r\n", "Host: " + address.host + "\r\n",
+                                      "Accept: */*\r\n"};
+    if (!cookie.empty()) lines.push_back("Cookie: " + std::string(cookie) + "\r\n");
+    lines.emplace_back("\r\n");
+    return lines;
+  });
+}
+
+std::string HttpClient::PostData(std::string& url, std::string_view form, std::string_view cookie) {
+  return fetch(url, "PostData", [&](const Address& address) {
+    std::vector<std::string> lines = {"POST " + address.path + " HTTP/1.0\r\n", "Host: " + address.host + "\r\n",
+                                      "Accept: */*\r\n", "Content-Type: application/x-www-form-urlencoded\r\n",
+                                      "Content-Length: " + std::to_string(form.size()) + "\r\n"};
+    if (!cookie.empty()) lines.push_back("Cookie: " + std::string(cookie) + "\r\n");
+    lines.emplace_back("\r\n");
+    if (!form.empty()) lines.emplace_back(form);
+    return lines;
+  });
+}
+
+std::string HttpClient::fetch(std::string& url, std::string_view procedure, const RequestLines& request) {
+  try {
+    Address address;  // outlives a redirect: a bare path stays with the last host and its security
+    std::string body;
+    for (;;) {
+      if (!spliturl(url, address)) {
+        on_status("HTTP: The specified address is invalid");
+        return {};
+      }
+      const Outcome outcome = exchange(url, address, request(address), body);
+      if (outcome != Outcome::Redirect) return from_code_page(body);
+    }
+  } catch (const Failure& failure) {
+    socket_.disconnect();
+    on_status("Error in modHTTP." + std::string(procedure) + "()\r\nError Code: 0 Error Text: " + failure.what());
+    return {};
+  }
+}
+
+HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& address,
+                                         const std::vector<std::string>& request, std::string& body) {
+  on_status("HTTP: Connecting to " + address.host + "...");
+  ui_.process_events();
+  if (!connect(address) || !send(address, request)) return Outcome::Nothing;
+  return receive(url, body);
+}
+
+bool HttpClient::connect(const Address& address) {
+  socket_.set_timeout(timeout_seconds);
+  try {
+    socket_.set_secure(address.secure);
+  } catch (const Failure&) {
+    on_status("HTTP: Unable to initialize security interface");
+    return false;
+  }
+  if (socket_.connect(address.host, address.port) == 0) return true;
+  if (!take_cancel("HTTP: Connection canceled")) {
+    on_status("HTTP: Unable to connect to " + address.host + " (error " + std::to_string(socket_.last_error()) + ")");
+  }
+  return false;
+}
+
+bool HttpClient::send(const Address& address, const std::vector<std::string>& request) {
+  on_status("HTTP: Sending Request...");
+  for (const std::string& line : request) {
+    if (socket_.write(line) == static_cast<std::ptrdiff_t>(line.size())) continue;
+    if (!take_cancel("HTTP: Download canceled")) on_status("HTTP: Unable to send request to " + address.host);
+    socket_.disconnect();
+    return false;
+  }
+  return true;
+}
+
+HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
+  on_status("HTTP: Receiving data...");
+  Answer answer;
+  std::array<char, most_bytes_a_read> buffer{};
+  for (;;) {
+    if (cancel_) {
+      socket_.disconnect();
+      take_cancel("HTTP: Download canceled");
+      return Outcome::Nothing;
+    }
+    const std::ptrdiff_t count = socket_.read(buffer.data(), buffer.size());
+    if (count == 0) {
+      socket_.disconnect();
+      on_status("HTTP: Downloaded " + std::to_string(answer.received) + " bytes");
+      body = std::move(answer.body);
+      return Outcome::Body;
+    }
+    if (count < 0) {
+      if (!take_cancel("HTTP: Download canceled")) {
+        on_status("HTTP: Unable to receive data from server (error " + std::to_string(socket_.last_error()) +
+                  socket_.last_error_string() + ")");
+      }
+      socket_.disconnect();
+      return Outcome::Nothing;
+    }
+    answer.chunk.assign(buffer.data(), static_cast<std::size_t>(count));
+    if (answer.in_header) {
+      const Outcome outcome = read_header(answer, url);
+      if (outcome != Outcome::Body) {
+        socket_.disconnect();
+        return outcome;
+      }
+    }
+    if (!answer.in_header) {
+      answer.received += answer.chunk.size();
+      answer.body += answer.chunk;
+    }
+    const std::string of = answer.expected < 1 ? "" : " of " + std::to_string(answer.expected);
+    on_status("HTTP: Got " + std::to_string(answer.received) + of + " bytes");
+    ui_.process_events();
+  }
+}
+
+/// Takes the last chunk as a part of the header. When it completes the header, the chunk becomes what follows it.
+HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
+  answer.header += answer.chunk;
+  const std::size_t blank_line = answer.header.find("\r\n\r\n");
+  if (blank_line == std::string::npos) return Outcome::Body;
+  // The size of the body's first part comes from this read alone. It is right when the whole header arrived in it, and
+  // too small when an earlier read brought a part; the answer is then cut, and its lookup fails rather than misleads.
+  const std::size_t header_size = blank_line + 4;
+  if (answer.chunk.size() < header_size) throw Failure("The header arrived in parts");
+  answer.chunk = answer.header.substr(answer.header.size() - (answer.chunk.size() - header_size));
+  answer.header.erase(blank_line + 2);
+  answer.in_header = false;
+
+  const std::vector<std::string_view> lines = header_lines(answer.header);
+  const int status = status_of(lines.front());
+  if (status >= 300 && status <= 303) {
+    on_status("HTTP: Following " + std::to_string(status) + " redirect...");
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+      const std::optional<HeaderField> field = header_field(lines[i]);
+      if (!field || field->name != "location") continue;
+      url = field->value;
+      return Outcome::Redirect;
+    }
+  }
+  if ((status < 200 || status > 299) && status != unauthorized) {
+    on_status("HTTP: Unhandled return code (" + std::to_string(status) + ")");
+    return Outcome::Nothing;
+  }
+  for (std::size_t i = 1; i < lines.size(); ++i) {
+    const std::optional<HeaderField> field = header_field(lines[i]);
+    if (field && field->name == "content-length") answer.expected = to_number(field->value);
+  }
+  return Outcome::Body;
+}
+
+bool HttpClient::take_cancel(std::string_view message) {
+  if (!cancel_) return false;
+  cancel_ = false;
+  on_status(message);
+  return true;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/socket_control.h"
+#include "platform/user_interface.h"
+
+namespace quorvel {
+
+/// One address, taken apart.
+struct Address {
+  bool secure = false;
+  std::string host;
+  int port = 80;
+  std::string path;  // from the first "/" after the host on, query included
+  std::string file;  // the last component of the path, without the query; "/" when that is empty
+};
+
+/// Fetches resources by HTTP/1.0, one request at a time, and follows redirects. Pending events of the user interface
+/// run before connecting and after each read.
+class HttpClient {
+ public:
+  HttpClient(SocketControl& socket, UserInterface& ui) : socket_(socket), ui_(ui) {}
+
+  /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
+  /// unverified connection, time-out, cancelled, a status that is neither 2xx nor 401. After a redirect `url` is the
+  /// new address. `cookie` may be empty.
+  std::string GetData(std::string& url, std::string_view cookie);
+
+  /// The same for a form; `form` is sent as it stands.
+  std::string PostData(std::string& url, std::string_view form, std::string_view cookie);
+
+  /// False when the address cannot be used: a scheme other than http and https, port 0 or above 65535, or no host where
+  /// no earlier address named one either. An address without a scheme leaves `address.secure` as it is.
+  bool spliturl(std::string_view url, Address& address);
+
+  /// Letters and digits as they are, a blank as "+", every other character as "%" and its code page number.
+  static std::string URLEncode(std::string_view text);
+
+  /// Stops the transfer in progress, or the next one, at its next step.
+  void cancel() { cancel_ = true; }
+
+  /// Told every step; nobody listens unless told to.
+  std::function<void(std::string_view)> on_status = [](std::string_view) {};
+
+ private:
+  using RequestLines = std::function<std::vector<std::string>(const Address&)>;
+  struct Answer;
+  enum class Outcome { Body, Redirect, Nothing };
+
+  std::string fetch(std::string& url, std::string_view procedure, const RequestLines& request);
+  Outcome exchange(std::string& url, const Address& address, const std::vector<std::string>& request,
+                   std::string& body);
+  bool connect(const Address& address);
+  bool send(const Address& address, const std::vector<std::string>& request);
+  Outcome receive(std::string& url, std::string& body);
+  Outcome read_header(Answer& answer, std::string& url);
+  bool take_cancel(std::string_view message);
+
+  SocketControl& socket_;
+  UserInterface& ui_;
+  bool cancel_ = false;
+  std::string last_host_;  // for an address that names none, such as a redirect to a bare path
+};
+
+}  // namespace quorvel
