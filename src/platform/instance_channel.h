@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace quorvel {
+
+/// The way to the copy of the program that the user already has running. Only one copy works; others hand over what
+/// they were given and end.
+class InstanceChannel {
+ public:
+  virtual ~InstanceChannel() = default;
+
+  /// Whether another copy of the same user's is there to be sent to. What a crashed copy left behind is none.
+  virtual bool other_is_running() = 0;
+
+  /// Comes back when the running copy has taken the text. Throws Failure, readable by the user, when it does not within
+  /// a few seconds.
+  virtual void send(const std::string& text) = 0;
+
+  /// From now on this copy is the running one: `handle` is called for each text, while events are processed. Throws
+  /// Failure when the channel cannot be opened. Texts of any size or content do no harm before they reach `handle`.
+  virtual void receive(std::function<void(const std::string&)> handle) = 0;
+
+  /// Ends that, and takes back what receive() has made.
+  virtual void stop() = 0;
+};
+
+}  // namespace quorvel

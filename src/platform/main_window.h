@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+namespace quorvel {
+
+/// What start-up, shutdown and messages from other copies ask of the main window.
+class MainWindow {
+ public:
+  virtual ~MainWindow() = default;
+
+  virtual void set_caption(const std::string& caption) = 0;
+
+  /// With `tip` shown over it. Does nothing where the desktop has no tray.
+  virtual void add_tray_icon(const std::string& tip) = 0;
+  virtual void remove_tray_icon() = 0;
+
+  /// The file that the help command opens; empty when there is none.
+  virtual void set_help_file(const std::string& path) = 0;
+
+  /// Makes the list views select whole rows.
+  virtual void select_full_rows() = 0;
+
+  /// In the middle of the screen; minimised, it lives in the tray, or in the task bar where there is no tray.
+  virtual void centre() = 0;
+  virtual void minimise() = 0;
+
+  /// From now on clicks on the tray icon count.
+  virtual void accept_tray_clicks() = 0;
+
+  /// Ends the window, and the program with it, without asking anybody; safe while a dialog is open or events are being
+  /// processed in the middle of a pass.
+  virtual void unload() = 0;
+};
+
+}  // namespace quorvel
