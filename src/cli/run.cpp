@@ -37,8 +37,6 @@ std::string reason(Refusal refusal) {
       return "its type is not listed in the settings";
     case Refusal::Sample:
       return "a sample, as its path says";
-    case Refusal::NoExtension:
-      return "the name has no extension";
   }
   return {};
 }

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/folders.h"
@@ -32,22 +33,27 @@ std::string home_of_user() {
   return found != nullptr ? found->pw_dir : "";
 }
 
+std::string home() {
+  std::optional<std::string> named = folder_from("HOME");
+  return named ? std::move(*named) : home_of_user();
+}
+
 }  // namespace
 
-StandardFolders standard_folders(Files& files) {
-  const auto home = [] {
-    const std::optional<std::string> named = folder_from("HOME");
-    return named ? *named : home_of_user();
-  };
-  StandardFolders folders;
-  folders.settings_file = folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
-  folders.application_data = folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
-  create_folders(files, folders.application_data);
+std::string settings_file() {
+  return folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
+}
 
+std::string application_data_folder(Files& files) {
+  std::string folder = folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
+  create_folders(files, folder);
+  return folder;
+}
+
+std::string program_folder() {
   std::error_code failed;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
-  if (!failed) folders.program = parent_folder(program.native());
-  return folders;
+  return failed ? std::string() : parent_folder(program.native());
 }
 
 }  // namespace quorvel

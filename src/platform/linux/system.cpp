@@ -20,7 +20,7 @@ std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uin
 }
 
 std::unique_ptr<KeyValueStore> system_key_values(Files& files) {
-  return std::make_unique<KeyFileStore>(files, standard_folders(files).settings_file);
+  return std::make_unique<KeyFileStore>(files, settings_file());
 }
 
 std::unique_ptr<SocketControl> system_socket() {
@@ -31,15 +31,6 @@ std::unique_ptr<SocketControl> system_socket() {
 
 std::unique_ptr<Clock> system_clock() {
   return std::make_unique<SystemClock>();
-}
-
-std::string application_data_folder(Files& files) {
-  return standard_folders(files).application_data;
-}
-
-std::string program_folder() {
-  DiskFiles files;
-  return standard_folders(files).program;
 }
 
 }  // namespace quorvel
