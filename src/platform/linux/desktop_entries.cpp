@@ -44,15 +44,22 @@ Names types_of(const Names& extensions) {
   return types;
 }
 
-/// The program as the first word of an Exec value, which knows quotes of its own and "%" for its fields.
-std::string exec_word(const std::string& program) {
+/// A word of an Exec value, which knows quotes of its own and "%" for its fields.
+std::string exec_word(const std::string& text) {
   std::string word = "\"";
-  for (const char character : program) {
+  for (const char character : text) {
     if (std::string_view("\"`$\\").find(character) != std::string_view::npos) word += '\\';
     if (character == '%') word += '%';
     word += character;
   }
   return word + "\"";
+}
+
+std::string exec_value(const std::string& program) {
+  const std::string value = exec_word(program) + " %F";
+  // As the first word a "=" is not allowed, and GLib looks for a program with both of the "%" that stand for one.
+  return program.find_first_of("%=") == std::string::npos ? value
+                                                          : "sh -c " + exec_word("exec \"$0\" \"$@\"") + " " + value;
 }
 
 class KeyFile {
@@ -86,7 +93,7 @@ std::string desktop_entry(const std::string& program, const Names& extensions) {
   file.set(entry_group, "Name", "Quorvel");
   file.set(entry_group, "Comment", "Rename television episode files");
   file.set(entry_group, "Icon", "quorvel");
-  file.set(entry_group, "Exec", exec_word(program) + " %F");
+  file.set(entry_group, "Exec", exec_value(program));
   file.set(entry_group, "NoDisplay", "true");
   file.set_list(entry_group, "MimeType", types_of(extensions));
   return file.text();
@@ -101,7 +108,7 @@ std::string service_menu(const std::string& program, const Names& extensions) {
   file.set(entry_group, "Actions", "quorvel;");
   file.set(action_group, "Name", "Quorvel");
   file.set(action_group, "Icon", "quorvel");
-  file.set(action_group, "Exec", exec_word(program) + " %F");
+  file.set(action_group, "Exec", exec_value(program));
   return file.text();
 }
 
