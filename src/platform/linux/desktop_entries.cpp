@@ -26,6 +26,15 @@ constexpr const char* type_cache = "mimeinfo.cache";
 
 using Names = std::set<std::string>;
 
+/// Those that the type database below `folder` lists, if there is one.
+void add_video_types(const char* folder, Names& types) {
+  g_autofree char* list = nullptr;
+  if (g_file_get_contents((std::string(folder) + "/mime/types").c_str(), &list, nullptr, nullptr) == FALSE) return;
+  for (const std::string_view type : split(list, "\n")) {
+    if (type.starts_with("video/")) types.emplace(type);
+  }
+}
+
 /// The types that the system's database knows for the extensions. It knows none for some, and those go without.
 Names types_of(const Names& extensions) {
   Names types;
@@ -35,12 +44,10 @@ Names types_of(const Names& extensions) {
   }
   if (!extensions.contains(folders_and_videos)) return types;
   types.insert("inode/directory");
-  GList* const known = g_content_types_get_registered();
-  for (const GList* each = known; each != nullptr; each = each->next) {
-    const std::string type = static_cast<const char*>(each->data);
-    if (type.starts_with("video/")) types.insert(type);
+  add_video_types(g_get_user_data_dir(), types);
+  for (const char* const* folder = g_get_system_data_dirs(); *folder != nullptr; ++folder) {
+    add_video_types(*folder, types);
   }
-  g_list_free_full(known, g_free);
   return types;
 }
 

@@ -144,8 +144,8 @@ class SocketChannel::Place {
         fail("used");
       }
       // A copy that was just ending may have removed the file between the two calls; then somebody else may have it.
-      struct stat held {
-      }, named{};
+      struct stat held {};
+      struct stat named {};
       const bool is_named = fstat(lock->get(), &held) == 0 &&
                             fstatat(folder_.get(), lock_name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
                             held.st_dev == named.st_dev && held.st_ino == named.st_ino;
@@ -309,7 +309,7 @@ SocketChannel::SocketChannel(std::string folder, std::string shared_folder)
     : folder_(std::move(folder)), shared_folder_(std::move(shared_folder)) {}
 
 SocketChannel::~SocketChannel() {
-  stop();
+  SocketChannel::stop();
 }
 
 SocketChannel::Place& SocketChannel::place() {
