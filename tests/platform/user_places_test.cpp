@@ -10,6 +10,7 @@
 #include "platform/linux/key_file_store.h"
 #include "platform/linux/standard_folders.h"
 #include "platform/linux/system_clock.h"
+#include "platform/system.h"
 #include "text/failure.h"
 
 namespace quorvel::testing {
@@ -43,10 +44,10 @@ TEST(StandardFolders, FollowTheEnvironmentWhereItIsAbsolute) {
         std::tuple<const char*, const char*, const char*, const char*>({}, {}, ".config/Quorvel/settings.ini",
                                                                        ".local/share")}) {
     const Variable one("XDG_CONFIG_HOME", config_home), other("XDG_DATA_HOME", data_home);
-    EXPECT_EQ(settings_file(), folder / settings);
+    EXPECT_EQ(standard_folders::settings_file(), folder / settings);
     EXPECT_EQ(application_data_folder(files), folder / data_folder);
     EXPECT_EQ(program_folder(), fs::read_symlink("/proc/self/exe").parent_path());
-    EXPECT_TRUE(fs::is_directory(folder / data_folder) && !fs::exists(settings_file()));
+    EXPECT_TRUE(fs::is_directory(folder / data_folder) && !fs::exists(standard_folders::settings_file()));
   }
 }
 

@@ -6,13 +6,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
-#include <utility>
 #include <vector>
 
 #include "platform/linux/folders.h"
 
-namespace quorvel {
+namespace quorvel::standard_folders {
 namespace {
 
 /// An absolute path from the environment, without the separators at its end.
@@ -34,8 +32,8 @@ std::string home_of_user() {
 }
 
 std::string home() {
-  std::optional<std::string> named = folder_from("HOME");
-  return named ? std::move(*named) : home_of_user();
+  const std::optional<std::string> named = folder_from("HOME");
+  return named ? *named : home_of_user();
 }
 
 }  // namespace
@@ -44,16 +42,23 @@ std::string settings_file() {
   return folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
 }
 
-std::string application_data_folder(Files& files) {
-  std::string folder = folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
-  create_folders(files, folder);
-  return folder;
+std::string application_data() {
+  return folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
 }
 
-std::string program_folder() {
+std::optional<std::string> runtime() {
+  return folder_from("XDG_RUNTIME_DIR");
+}
+
+std::string program_file() {
   std::error_code failed;
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
-  return failed ? std::string() : parent_folder(program.native());
+  return failed ? std::string() : program.native();
 }
 
-}  // namespace quorvel
+std::string program() {
+  const std::string file = program_file();
+  return file.empty() ? file : parent_folder(file);
+}
+
+}  // namespace quorvel::standard_folders
