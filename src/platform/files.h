@@ -10,9 +10,9 @@ namespace quorvel {
 /// Tells one state of one file from another: a different stamp means other contents or another file.
 struct FileStamp {
   std::uint64_t device = 0;
-  std::uint64_t id = 0;           // of the file on its device
-  std::uint64_t size = 0;         // bytes
-  std::int64_t modified_ns = 0;   // since the system's epoch
+  std::uint64_t id = 0;          // of the file on its device
+  std::uint64_t size = 0;        // bytes
+  std::int64_t modified_ns = 0;  // since the system's epoch
   bool operator==(const FileStamp&) const = default;
   bool same_file(const FileStamp& other) const { return device == other.device && id == other.id; }
 };

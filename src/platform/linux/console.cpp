@@ -91,7 +91,8 @@ void count_interrupts() {
   action.sa_handler = on_interrupt;
   action.sa_flags = SA_RESTART;
   for (const int signal : interrupting) ::sigaction(signal, &action, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
+  action.sa_handler = SIG_IGN;
+  ::sigaction(SIGPIPE, &action, nullptr);
 }
 
 int interrupts() {
