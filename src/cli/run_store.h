@@ -20,11 +20,13 @@ class RunStore : public KeyValueStore {
   std::optional<std::string> trouble() const override { return base_.trouble(); }
   std::optional<std::string> read_string(const std::string& name) const override {
     const auto found = texts_.find(name);
-    return found == texts_.end() ? base_.read_string(name) : found->second;
+    if (found != texts_.end()) return found->second;
+    return erased_ ? std::nullopt : base_.read_string(name);
   }
   std::optional<std::uint32_t> read_number(const std::string& name) const override {
     const auto found = numbers_.find(name);
-    return found == numbers_.end() ? base_.read_number(name) : found->second;
+    if (found != numbers_.end()) return found->second;
+    return erased_ ? std::nullopt : base_.read_number(name);
   }
   void write_string(const std::string& name, const std::string& text) override {
     keep_base_ ? replace_string(name, text) : base_.write_string(name, text);
@@ -32,10 +34,17 @@ class RunStore : public KeyValueStore {
   void write_number(const std::string& name, std::uint32_t number) override {
     keep_base_ ? replace_number(name, number) : base_.write_number(name, number);
   }
+  void erase_all() override {
+    if (!keep_base_) base_.erase_all();
+    texts_.clear();
+    numbers_.clear();
+    erased_ = keep_base_;
+  }
 
  private:
   KeyValueStore& base_;
   bool keep_base_;
+  bool erased_ = false;  // as far as this run can see
   std::map<std::string, std::string> texts_;
   std::map<std::string, std::uint32_t> numbers_;
 };

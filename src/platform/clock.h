@@ -14,6 +14,9 @@ class Clock {
 
   /// Hours, minutes and seconds of the user's time zone in the user's long time format, e.g. "14:05:33".
   virtual std::string time_of_day() const = 0;
+
+  /// Comes back after this time; no events run meanwhile.
+  virtual void wait(std::chrono::milliseconds time) = 0;
 };
 
 }  // namespace quorvel

@@ -21,6 +21,9 @@ class KeyValueStore {
   /// Throw Failure when the value cannot be stored; all other values stay as they were.
   virtual void write_string(const std::string& name, const std::string& text) = 0;
   virtual void write_number(const std::string& name, std::uint32_t number) = 0;
+
+  /// Removes every value, and the place they are kept in. Throws Failure when they are still there afterwards.
+  virtual void erase_all() = 0;
 };
 
 }  // namespace quorvel

@@ -14,4 +14,12 @@ extern const std::string_view system_name;
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 
+/// Whether the command line is one text in which switches are looked for anywhere, and all of it is one path. Else each
+/// argument is a switch or a path of its own.
+extern const bool command_line_is_one_text;
+
+/// Whether uninstalling also deletes a "filters.dat" in the current folder, which is the program's own where programs
+/// are started in their folder.
+extern const bool uninstall_clears_current_folder;
+
 }  // namespace quorvel::native

@@ -28,16 +28,30 @@ Pipeline::Parts Session::parts() {
 }
 
 void Session::start(std::optional<int> log_level) {
+  write_banner(log_level);
+  find_work_dir();
+  read_settings(log_level);
+  load_rules();
+}
+
+void Session::write_banner(std::optional<int> log_level) {
   log.set_level(log_level.value_or(DebugLog::normal));
   log.debug_log(
       std::string(application_title) + " " + short_version + " (build " + std::to_string(revision) + ") started", 1);
+}
+
+void Session::find_work_dir() {
   settings.work_dir =
       places.work_dir ? *places.work_dir : setworkdir(ports.files, log, places.application_data, places.program);
+}
 
+void Session::read_settings(std::optional<int> log_level) {
   const SettingsEnvironment environment{ports.files, ports.shell, log, ports.context_menu};
   update_settings_version(settings_store, short_version, settings.work_dir, environment);
   log.set_level(log_level.value_or(load_settings(settings_store, settings, environment)));
+}
 
+void Session::load_rules() {
   if (filters.loadfilters()) {
     log.debug_log("Loaded " + std::to_string(filters.count()) + " afilters", 2);
   } else {

@@ -56,6 +56,12 @@ class Session {
   /// log's in place of the one that the settings hold.
   void start(std::optional<int> log_level = {});
 
+  /// The steps of start(), in their order.
+  void write_banner(std::optional<int> log_level = {});
+  void find_work_dir();
+  void read_settings(std::optional<int> log_level = {});
+  void load_rules();
+
   const Ports ports;
   const Places places;
   DebugLog log;

@@ -66,6 +66,11 @@ void SettingsStore::end_program(const std::string& text) {
   throw ProgramEnd();
 }
 
+std::string stored_types(const SettingsStore& store) {
+  const std::string types = store.read_string("types");
+  return length(types) < shortest_types ? default_types : types;
+}
+
 void update_settings_version(SettingsStore& store, const std::string& version, const std::string& work_dir,
                              const SettingsEnvironment& environment) {
   const std::string stored = store.read_string("");
@@ -78,8 +83,7 @@ void update_settings_version(SettingsStore& store, const std::string& version, c
 }
 
 int load_settings(const SettingsStore& store, Settings& settings, const SettingsEnvironment& environment) {
-  settings.types = store.read_string("types");
-  if (length(settings.types) < shortest_types) settings.types = default_types;
+  settings.types = stored_types(store);
   settings.context = std::clamp<int>(store.read_number("context"), Settings::NotInstalled, Settings::Installed);
   if (settings.context == Settings::NotInstalled && environment.context_menu != nullptr) {
     install_context_menu(settings.types, environment);

@@ -39,6 +39,9 @@ class SettingsStore {
   UserInterface& ui_;
 };
 
+/// The accepted extensions as stored, or the default ones when that text is too short to be meant.
+std::string stored_types(const SettingsStore& store);
+
 /// What reading the settings at start-up needs besides them.
 struct SettingsEnvironment {
   Files& files;

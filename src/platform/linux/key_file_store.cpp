@@ -1,6 +1,7 @@
 #include "platform/linux/key_file_store.h"
 
 #include <glib.h>
+#include <unistd.h>
 
 #include <charconv>
 #include <utility>
@@ -110,6 +111,13 @@ void KeyFileStore::write_string(const std::string& name, const std::string& text
 
 void KeyFileStore::write_number(const std::string& name, std::uint32_t number) {
   write_string(name, std::to_string(number));
+}
+
+void KeyFileStore::erase_all() {
+  if (!files_.remove(path_)) throw Failure("The settings file " + path_ + " cannot be removed");
+  // This removes nothing but an empty folder, and no link to one.
+  rmdir(parent_folder(path_).c_str());
+  values_ = load();
 }
 
 }  // namespace quorvel

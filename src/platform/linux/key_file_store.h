@@ -32,6 +32,9 @@ class KeyFileStore : public KeyValueStore {
   void write_string(const std::string& name, const std::string& text) override;
   void write_number(const std::string& name, std::uint32_t number) override;
 
+  /// Removes the file, also one that could not be understood, and its folder when nothing else is in it.
+  void erase_all() override;
+
  private:
   struct Values;
 

@@ -8,4 +8,10 @@ const char separator = '/';
 const std::string_view system_name = "Linux";
 const int no_trash_code = ENOTSUP;
 
+// A path may hold any text here, so a folder called "uninstall" must not be taken for the switch.
+const bool command_line_is_one_text = false;
+
+// Here the current folder is wherever the user stands, and a "filters.dat" in it is somebody else's.
+const bool uninstall_clears_current_folder = false;
+
 }  // namespace quorvel::native

@@ -5,6 +5,7 @@
 #include <array>
 #include <clocale>
 #include <ctime>
+#include <thread>
 
 namespace quorvel {
 namespace {
@@ -52,6 +53,10 @@ std::string SystemClock::time_of_day() const {
   const std::string text = written("%X", local, format_->locale);
   const bool usable = !text.empty() && g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE;
   return usable ? text : written("%H:%M:%S", local, format_->locale);
+}
+
+void SystemClock::wait(std::chrono::milliseconds time) {
+  std::this_thread::sleep_for(time);
 }
 
 }  // namespace quorvel

@@ -18,6 +18,7 @@ class SystemClock : public Clock {
 
   /// In UTF-8; as "14:05:33" when the user's locale does not exist here or writes in another encoding.
   std::string time_of_day() const override;
+  void wait(std::chrono::milliseconds time) override;
 
  private:
   struct Format;

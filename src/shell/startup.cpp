@@ -1,0 +1,134 @@
+#include "shell/startup.h"
+
+#include <chrono>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "shell/commands.h"
+#include "shell/uninstall.h"
+#include "shell/version.h"
+#include "text/characters.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view queue_message = "QV|PI|";
+constexpr std::string_view unload_message = "QV|UD|";
+constexpr std::string_view command_mark = "C=";  // receivers only skip it
+
+std::string without_mark(std::string_view text) {
+  const std::u32string characters = decode(text);
+  return characters.size() < command_mark.size() ? std::string() : encode(characters.substr(command_mark.size()));
+}
+
+}  // namespace
+
+StartResult Startup::run(const std::vector<std::string>& arguments) {
+  const CommandLine line = parse_command_line(arguments, session_.ports.files);
+  if (line.uninstall) {
+    uninstall(session_);
+    return StartResult::Ended;
+  }
+  try {
+    if (forwarded(line)) return StartResult::Ended;
+    start(line);
+  } catch (const ProgramEnd&) {
+    unload_window();  // the user has been told already
+  } catch (const std::exception& failure) {
+    fail(failure.what());
+  }
+  return unloaded_ ? StartResult::Ended : StartResult::Running;
+}
+
+/// Whether there is another copy, and all that can be done with it has been done.
+bool Startup::forwarded(const CommandLine& line) {
+  if (!channel_.other_is_running()) return false;
+  std::vector<std::string> paths = line.paths;
+  if (paths.empty()) paths.emplace_back();
+  // The other copy may just have been started by the same click and need a moment.
+  session_.ports.clock.wait(std::chrono::milliseconds(100));
+  try {
+    for (const std::string& path : paths) channel_.send(std::string(queue_message) + std::string(command_mark) + path);
+  } catch (const Failure& failure) {
+    // When the other copy has ended meanwhile, this one takes its place. It takes all paths: those already handed over
+    // were queued by a copy that is gone.
+    if (!channel_.other_is_running()) return false;
+    session_.ports.ui.show_message(0, application_title, failure.what(), MessageIcon::Error);
+  }
+  session_.ports.ui.process_events();
+  return true;
+}
+
+void Startup::start(const CommandLine& line) {
+  window_.set_caption(std::string(application_title) + " " + short_version);
+  channel_.receive([this](const std::string& text) { handle_message(text); });
+  session_.write_banner();
+  window_.add_tray_icon(application_title);
+  session_.find_work_dir();
+  session_.read_settings();
+  find_help_file();
+  session_.load_rules();
+  window_.select_full_rows();
+  for (const std::string& path : line.paths) session_.intake.add_to_queue(path, false);
+  session_.ports.ui.arm_start_timer();
+  if (line.startup) {
+    window_.centre();
+    window_.minimise();
+  }
+  loaded_ = true;
+  window_.accept_tray_clicks();
+  handle_kept_messages();
+}
+
+void Startup::find_help_file() {
+  const std::string path = help_file(session_.places);
+  if (session_.ports.files.exists(path)) {
+    window_.set_help_file(path);
+  } else {
+    session_.log.debug_log(no_help_file, 1);
+  }
+}
+
+void Startup::handle_kept_messages() {
+  for (const std::string& text : std::exchange(kept_messages_, {})) {
+    if (!unloaded_) handle_message(text);
+  }
+}
+
+void Startup::handle_message(const std::string& text) {
+  if (unloaded_) throw Failure(std::string(application_title) + " is closing");
+  if (!loaded_) {
+    kept_messages_.push_back(text);
+  } else if (text.starts_with(queue_message)) {
+    session_.intake.add_to_queue(without_mark(std::string_view(text).substr(queue_message.size())), true);
+  } else if (text.starts_with(unload_message)) {
+    unload_window();
+  }
+}
+
+void Startup::unload() {
+  if (std::exchange(unloaded_, true)) return;
+  loaded_ = false;
+  if (session_.processor.queue_busy()) session_.processor.may_close();
+  session_.http.cancel();
+  channel_.stop();
+  window_.remove_tray_icon();
+}
+
+void Startup::unload_window() {
+  unload();
+  window_.unload();
+}
+
+void Startup::fail(const std::string& reason) {
+  // First of all, so that no other copy hands over what this one will not do.
+  channel_.stop();
+  session_.ports.ui.show_message(0, "Error loading Quorvel",
+                                 "Quorvel encountered an error loading and cannot continue. (" + reason + ")",
+                                 MessageIcon::Error);
+  unload_window();
+}
+
+}  // namespace quorvel

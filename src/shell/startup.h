@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/instance_channel.h"
+#include "platform/main_window.h"
+#include "shell/command_line.h"
+#include "shell/session.h"
+
+namespace quorvel {
+
+enum class StartResult { Running, Ended };  // Ended: uninstall run, forwarded, or failed (the user has been told)
+
+/// How the desktop program comes up and goes down. Session, window and channel outlive it.
+class Startup {
+ public:
+  Startup(Session& session, MainWindow& window, InstanceChannel& channel)
+      : session_(session), window_(window), channel_(channel) {}
+
+  /// Called once, with the arguments without the program's name, when the window exists. Ended: the program has nothing
+  /// more to do; after a failure the window has been unloaded already.
+  ///
+  /// To a copy that is running, each path goes in a message of its own, "QV|PI|C=" and the path, so that a path may
+  /// hold any character; without paths one message goes with nothing behind the "=".
+  StartResult run(const std::vector<std::string>& arguments);
+
+  /// For when the window really goes away, while its lists still exist: ends a running pass at its next stage, stops
+  /// the transfer, no longer receives messages, and removes the tray icon. Does nothing the second time.
+  void unload();
+
+  /// Whether messages and clicks on the tray icon are acted on.
+  bool loaded() const { return loaded_; }
+
+  /// A text from another copy ("QV|PI|" and two characters, then a path to queue) or from the updater ("QV|UD|": the
+  /// window is unloaded). Others are ignored. Before loaded() they are kept until then. In the middle of a pass paths
+  /// are only appended. Throws Failure when the window has been unloaded.
+  void handle_message(const std::string& text);
+
+ private:
+  bool forwarded(const CommandLine& line);
+  void start(const CommandLine& line);
+  void find_help_file();
+  void handle_kept_messages();
+  void unload_window();
+  void fail(const std::string& reason);
+
+  Session& session_;
+  MainWindow& window_;
+  InstanceChannel& channel_;
+  bool loaded_ = false;
+  bool unloaded_ = false;
+  std::vector<std::string> kept_messages_;
+};
+
+}  // namespace quorvel
