@@ -51,7 +51,7 @@ void QueueList::row_added() {
 void QueueList::row_changed(int index, bool scroll_into_view, bool select) {
   const long row = index - 1;
   if (scroll_into_view) EnsureVisible(row);
-  if (select && selected() != index) {
+  if (select && GetItemState(row, wxLIST_STATE_SELECTED) == 0) {
     constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
     SetItemState(row, chosen, chosen);
   }
