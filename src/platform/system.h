@@ -6,9 +6,12 @@
 #include <string>
 
 #include "platform/clock.h"
+#include "platform/context_menu.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
+#include "platform/instance_channel.h"
 #include "platform/key_value_store.h"
+#include "platform/launcher.h"
 #include "platform/socket_control.h"
 
 /// The ports as this system has them. One definition per system, chosen by the build.
@@ -24,6 +27,12 @@ std::unique_ptr<KeyValueStore> system_key_values(Files& files);
 
 std::unique_ptr<SocketControl> system_socket();
 std::unique_ptr<Clock> system_clock();
+std::unique_ptr<InstanceChannel> system_instance_channel();
+
+/// For the running program; `files` outlives it.
+std::unique_ptr<ContextMenu> system_context_menu(Files& files);
+
+std::unique_ptr<Launcher> system_launcher();
 
 /// The folder for programs' data, made when missing, without a separator at its end.
 std::string application_data_folder(Files& files);

@@ -6,12 +6,11 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <vector>
 
 #include "platform/linux/folders.h"
 
-namespace quorvel {
+namespace quorvel::standard_folders {
 namespace {
 
 /// An absolute path from the environment, without the separators at its end.
@@ -32,22 +31,34 @@ std::string home_of_user() {
   return found != nullptr ? found->pw_dir : "";
 }
 
-}  // namespace
-
-StandardFolders standard_folders(Files& files) {
-  const auto home = [] {
-    const std::optional<std::string> named = folder_from("HOME");
-    return named ? *named : home_of_user();
-  };
-  StandardFolders folders;
-  folders.settings_file = folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
-  folders.application_data = folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
-  create_folders(files, folders.application_data);
-
-  std::error_code failed;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
-  if (!failed) folders.program = parent_folder(program.native());
-  return folders;
+std::string home() {
+  const std::optional<std::string> named = folder_from("HOME");
+  return named ? *named : home_of_user();
 }
 
-}  // namespace quorvel
+}  // namespace
+
+std::string settings_file() {
+  return folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config") + "/Quorvel/settings.ini";
+}
+
+std::string application_data() {
+  return folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
+}
+
+std::optional<std::string> runtime() {
+  return folder_from("XDG_RUNTIME_DIR");
+}
+
+std::string program_file() {
+  std::error_code failed;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return failed ? std::string() : program.native();
+}
+
+std::string program() {
+  const std::string file = program_file();
+  return file.empty() ? file : parent_folder(file);
+}
+
+}  // namespace quorvel::standard_folders

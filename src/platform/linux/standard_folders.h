@@ -1,21 +1,24 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
-#include "platform/files.h"
+/// Where things are on this machine, by the base-directory variables of the environment, and by the home folder where
+/// they are missing or relative. No folder ends in a separator; nothing is created, and nothing need be there.
+namespace quorvel::standard_folders {
 
-namespace quorvel {
+std::string settings_file();
 
-/// Where things are on this machine; no folder ends in a separator.
-struct StandardFolders {
-  std::string settings_file;
-  std::string application_data;
-  std::string program;
-};
+/// For the data of programs, below which each has a folder of its own.
+std::string application_data();
 
-/// Follows the base-directory variables of the environment, and the home folder where they are missing or relative.
-/// The application-data folder is created when it is missing; where that fails its path comes back all the same, and
-/// is not there. `program` is empty when the system does not tell.
-StandardFolders standard_folders(Files& files);
+/// For sockets and locks, reachable by the user alone; empty when the environment names none.
+std::optional<std::string> runtime();
 
-}  // namespace quorvel
+/// The running program; empty when the system does not tell.
+std::string program_file();
+
+/// The folder that holds it.
+std::string program();
+
+}  // namespace quorvel::standard_folders

@@ -1,0 +1,245 @@
+#include "platform/linux/desktop_entries.h"
+
+#include <gio/gio.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <charconv>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include "platform/linux/folders.h"
+#include "platform/linux/signed_text.h"
+#include "text/case.h"
+#include "text/cut.h"
+
+namespace quorvel {
+namespace {
+
+constexpr const char* entry_group = "Desktop Entry";
+constexpr const char* folders_and_videos = "DIR";
+constexpr const char* type_cache = "mimeinfo.cache";
+
+using Names = std::set<std::string>;
+
+/// The types that the system's database knows for the extensions. It knows none for some, and those go without.
+Names types_of(const Names& extensions) {
+  Names types;
+  for (const std::string& extension : extensions) {
+    g_autofree char* type = g_content_type_guess(("x." + extension).c_str(), nullptr, 0, nullptr);
+    if (g_content_type_is_unknown(type) == FALSE) types.insert(type);
+  }
+  if (!extensions.contains(folders_and_videos)) return types;
+  types.insert("inode/directory");
+  GList* const known = g_content_types_get_registered();
+  for (const GList* each = known; each != nullptr; each = each->next) {
+    const std::string type = static_cast<const char*>(each->data);
+    if (type.starts_with("video/")) types.insert(type);
+  }
+  g_list_free_full(known, g_free);
+  return types;
+}
+
+/// The program as the first word of an Exec value, which knows quotes of its own and "%" for its fields.
+std::string exec_word(const std::string& program) {
+  std::string word = "\"";
+  for (const char character : program) {
+    if (std::string_view("\"`$\\").find(character) != std::string_view::npos) word += '\\';
+    if (character == '%') word += '%';
+    word += character;
+  }
+  return word + "\"";
+}
+
+class KeyFile {
+ public:
+  KeyFile() = default;
+  ~KeyFile() { g_key_file_free(file_); }
+  KeyFile(const KeyFile&) = delete;
+  KeyFile& operator=(const KeyFile&) = delete;
+
+  void set(const char* group, const char* key, const std::string& value) {
+    g_key_file_set_string(file_, group, key, value.c_str());
+  }
+  void set_list(const char* group, const char* key, const Names& values) {
+    std::string list;
+    for (const std::string& value : values) list += value + ";";
+    set(group, key, list);
+  }
+  std::string text() const {
+    g_autofree char* bytes = g_key_file_to_data(file_, nullptr, nullptr);
+    return bytes;
+  }
+
+ private:
+  GKeyFile* const file_ = g_key_file_new();
+};
+
+/// Not shown among the programs, where a package may have put one of its own.
+std::string desktop_entry(const std::string& program, const Names& extensions) {
+  KeyFile file;
+  file.set(entry_group, "Type", "Application");
+  file.set(entry_group, "Name", "Quorvel");
+  file.set(entry_group, "Comment", "Rename television episode files");
+  file.set(entry_group, "Icon", "quorvel");
+  file.set(entry_group, "Exec", exec_word(program) + " %F");
+  file.set(entry_group, "NoDisplay", "true");
+  file.set_list(entry_group, "MimeType", types_of(extensions));
+  return file.text();
+}
+
+std::string service_menu(const std::string& program, const Names& extensions) {
+  static constexpr const char* action_group = "Desktop Action quorvel";
+  KeyFile file;
+  file.set(entry_group, "Type", "Service");
+  file.set(entry_group, "X-KDE-ServiceTypes", "KonqPopupMenu/Plugin");
+  file.set_list(entry_group, "MimeType", types_of(extensions));
+  file.set(entry_group, "Actions", "quorvel;");
+  file.set(action_group, "Name", "Quorvel");
+  file.set(action_group, "Icon", "quorvel");
+  file.set(action_group, "Exec", exec_word(program) + " %F");
+  return file.text();
+}
+
+/// Nautilus shows its scripts for files of all types.
+std::string script(const std::string& program, const Names&) {
+  g_autofree char* word = g_shell_quote(program.c_str());
+  return std::string("#!/bin/sh\nexec ") + word + " \"$@\"\n";
+}
+
+/// Links are never ours: what they lead to has been put in order by somebody.
+bool is_plain_file(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode);
+}
+
+bool is_missing(const std::string& path) {
+  struct stat found {};
+  return lstat(path.c_str(), &found) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
+void make_executable(const std::string& path) {
+  struct stat found {};
+  if (stat(path.c_str(), &found) != 0) return;
+  // Whoever may read it may run it.
+  chmod(path.c_str(), (found.st_mode & 0777) | ((found.st_mode & 0444) >> 2));
+}
+
+/// Upwards from `folder`, at most `count`.
+void remove_empty_folders(std::string folder, int count) {
+  for (; count > 0 && (rmdir(folder.c_str()) == 0 || errno == ENOENT); --count) folder = parent_folder(folder);
+}
+
+/// File managers look types up in a cache beside the entries. Where the tool for it is missing, so is the cache.
+void refresh_type_cache(const std::string& folder) {
+  std::string name = "update-desktop-database", quiet = "-q", argument = folder;
+  char* command[] = {name.data(), quiet.data(), argument.data(), nullptr};
+  const auto flags =
+      static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
+  g_spawn_sync(nullptr, command, nullptr, flags, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+}  // namespace
+
+struct DesktopEntries::Target {
+  const char* path;  // below the folder for data
+  bool is_executable;
+  std::string (*body)(const std::string& program, const Names& extensions);
+};
+
+const DesktopEntries::Target DesktopEntries::targets[] = {
+    {"/applications/quorvel-open.desktop", false, desktop_entry},
+    {"/kio/servicemenus/quorvel.desktop", true, service_menu},  // ignored when not executable
+    {"/nautilus/scripts/Quorvel", true, script},
+};
+
+/// What a file says of itself: for which extensions it is, and how many of the folders above it were made for it.
+struct DesktopEntries::State {
+  Names extensions;
+  int made_folders = 0;
+
+  static State from_note(const std::string& note) {
+    State state;
+    std::from_chars(note.data(), note.data() + note.size(), state.made_folders);
+    const std::vector<std::string_view> words = split(note, " ");
+    for (std::size_t i = 1; i < words.size(); ++i) {
+      g_autofree char* extension = g_uri_unescape_string(std::string(words[i]).c_str(), nullptr);
+      if (extension != nullptr) state.extensions.insert(extension);
+    }
+    return state;
+  }
+
+  std::string note() const {
+    std::string text = std::to_string(made_folders);
+    for (const std::string& extension : extensions) {
+      g_autofree char* word = g_uri_escape_string(extension.c_str(), nullptr, FALSE);
+      text += std::string(" ") + word;
+    }
+    return text;
+  }
+};
+
+void DesktopEntries::install(const std::string& extension) {
+  const bool usable = g_utf8_validate_len(program_.data(), program_.size(), nullptr) != FALSE;
+  if (extension.empty() || !usable || files_.kind(program_) != Files::Kind::File) return;
+  for (const Target& target : targets) change(target, extension, true);
+}
+
+void DesktopEntries::remove(const std::string& extension) {
+  // Backwards, so that a folder made for several goes with the one it was made for.
+  for (auto target = std::rbegin(targets); target != std::rend(targets); ++target) change(*target, extension, false);
+}
+
+void DesktopEntries::change(const Target& target, const std::string& given, bool add) {
+  const std::string path = data_folder_ + target.path;
+  const std::string extension = given == folders_and_videos ? given : lower_case(given);
+  State state;
+  std::string old_text;
+  if (!is_missing(path)) {
+    old_text = is_plain_file(path) ? files_.read(path).value_or("") : "";
+    const std::optional<std::string> note = note_in(old_text);
+    if (!note) return;
+    state = State::from_note(*note);
+  } else if (!add) {
+    return;
+  }
+  add ? (void)state.extensions.insert(extension) : (void)state.extensions.erase(extension);
+  if (state.extensions.empty()) return remove_file(path, state.made_folders);
+  if (!write(target, path, state)) return;
+  if (&target == &targets[0]) refresh_type_cache(parent_folder(path));
+}
+
+/// Whether the file has been changed.
+bool DesktopEntries::write(const Target& target, const std::string& path, State& state) {
+  int missing = 0;
+  for (std::string folder = parent_folder(path); is_missing(folder); folder = parent_folder(folder)) ++missing;
+  state.made_folders += missing;
+  const std::string text = signed_text(target.body(program_, state.extensions), state.note());
+  if (files_.read(path) == text) return false;
+  if (!create_folders(files_, parent_folder(path)) || !files_.replace(path, text)) {
+    remove_empty_folders(parent_folder(path), missing);
+    return false;
+  }
+  if (target.is_executable) make_executable(path);
+  return true;
+}
+
+void DesktopEntries::remove_file(const std::string& path, int made_folders) {
+  if (!files_.remove(path)) return;
+  const std::string folder = parent_folder(path);
+  const std::string cache = folder + "/" + type_cache;
+  bool alone = made_folders > 0;
+  files_.list(folder, [&](const FolderEntry& entry) { alone = alone && entry.name == type_cache; });
+  if (alone) {
+    files_.remove(cache);
+  } else if (files_.exists(cache)) {
+    refresh_type_cache(folder);
+  }
+  remove_empty_folders(folder, made_folders);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/instance_channel.h"
+
+namespace quorvel {
+
+/// Messages through a socket that only its owner can reach. A lock beside it, which ends with the process that holds
+/// it, decides which copy is the running one: two started at once cannot both be, and what a crashed one left behind
+/// hinders nobody. GLib's main loop does the receiving.
+///
+/// A message is four bytes with the length, the highest first, and the text; the answer is one byte, 'y' when the text
+/// was taken and 'n' when that failed.
+class SocketChannel : public InstanceChannel {
+ public:
+  static constexpr std::size_t longest_text = 16U << 20;
+
+  /// Socket and lock are made in `folder`; where that is not a folder that belongs to the user alone, in one below
+  /// `shared_folder` that is made for them.
+  explicit SocketChannel(std::string folder, std::string shared_folder = "/tmp");
+  ~SocketChannel() override;
+  SocketChannel(const SocketChannel&) = delete;
+  SocketChannel& operator=(const SocketChannel&) = delete;
+
+  /// When it answers false, this copy is the running one from then on, and others wait for it to receive.
+  /// Throws Failure when the folder cannot be used.
+  bool other_is_running() override;
+
+  /// Gives up after four seconds, or as soon as the other copy has ended.
+  void send(const std::string& text) override;
+
+  /// `handle` may process events, during which other texts are handled, and may call stop() or end the channel. When
+  /// it throws, the sender is told that its text was not taken.
+  void receive(std::function<void(const std::string&)> handle) override;
+
+  /// This copy stays the running one until the channel ends, so that no other starts work while it finishes its own.
+  void stop() override;
+
+ private:
+  class Place;
+  class Receiver;
+
+  Place& place();
+
+  const std::string folder_, shared_folder_;
+  std::unique_ptr<Place> place_;
+  std::shared_ptr<Receiver> receiver_;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,198 @@
+#include "shell/startup.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "../support/fake_ports.h"
+#include "../support/temporary_folder.h"
+#include "platform/linux/disk_files.h"
+#include "platform/linux/gio_file_operation.h"
+#include "platform/linux/key_file_store.h"
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using Texts = std::vector<std::string>;
+
+/// One copy of the program, on real files and settings.
+struct Copy {
+  Copy() {
+    for (const char* const name : {"data", "program"}) fs::create_directory(folder / name);
+    for (const char* const name : {"a.1x01.mkv", "b 1x02.avi", "--uninstall", "/uninstall/c.2x01.mkv"}) file(name);
+    session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };
+  }
+  std::string file(const std::string& name) {
+    fs::create_directories(fs::path(folder / name).parent_path());
+    std::ofstream(folder / name) << "x";
+    return folder / name;
+  }
+  StartResult run(const Texts& arguments) { return startup.run(arguments); }
+  Texts happened() { return std::exchange(events.list, {}); }
+
+  TemporaryFolder folder;
+  Events events;
+  FakeUi ui{events};
+  FakeWindow window{events};
+  FakeChannel channel{events};
+  FakeMenu menu{events};
+  FakeClock clock{events};
+  NoSocket socket;
+  DiskFiles files;
+  GioFileOperation shell{[](auto, auto) { return true; }};
+  KeyFileStore store{files, folder / "config/Quorvel/settings.ini"};
+  Session session{{store, shell, files, socket, ui, clock, &menu},
+                  {folder / "data", folder / "program", {}, "http://127.0.0.1"}};
+  Startup startup{session, window, channel};
+};
+
+TEST(Startup, BringsTheProgramUpInOrder) {
+  Copy copy;
+  copy.store.write_string("types", "avi;mkv");
+  EXPECT_EQ(copy.run({copy.folder / "a.1x01.mkv", "/startup"}), StartResult::Running);
+  const Texts tail = {"full rows", "row a.1x01", "timer", "centre", "minimise", "clicks"};
+  Texts all = {"caption Quorvel 3.4",
+               "receive",
+               "(t) Quorvel 3.4 (build 0) started",
+               "tray Quorvel",
+               "install avi",
+               "install mkv",
+               "install DIR",
+               "(t) Help File not found in program directory"};
+  all.insert(all.end(), tail.begin(), tail.end());
+  EXPECT_EQ(copy.happened(), all);
+  EXPECT_TRUE(copy.startup.loaded() && fs::exists(copy.folder / "data/Quorvel"));
+  copy.startup.unload();
+  copy.startup.unload();
+  EXPECT_THAT(copy.happened(), ElementsAre("stop", "no tray"));
+  EXPECT_THROW(copy.channel.handle("QV|PI|C="), Failure);
+
+  Copy helped;
+  helped.file("program/quorvel help.chm");
+  helped.store.write_number("context", 1);
+  helped.store.write_string("", "3.4");
+  EXPECT_EQ(helped.run({}), StartResult::Running);
+  EXPECT_THAT(helped.happened(), ElementsAre("caption Quorvel 3.4", "receive", all[2], "tray Quorvel", "help file",
+                                             "full rows", "timer", "clicks"));
+}
+
+TEST(CommandLine, TellsSwitchesFromPaths) {
+  Copy copy;
+  const std::string here = copy.folder.path(), a = here + "/a.1x01.mkv", b = here + "/b 1x02.avi";
+  const fs::path before = fs::current_path();
+  fs::current_path(here);
+  const std::pair<Texts, CommandLine> rows[] = {
+      {{}, {}},
+      {{"", "/uninstall"}, {true, false, {}}},
+      {{"--startup", "a.1x01.mkv", "b 1x02.avi"}, {false, true, {a, b}}},
+      {{"--uninstall"}, {false, false, {here + "/--uninstall"}}},
+      {{"./uninstall/c.2x01.mkv", here + "/uninstall"},
+       {false, false, {here + "/uninstall/c.2x01.mkv", here + "/uninstall"}}},
+      {{"/UNINSTALL", "x/uninstall", "/startup2"}, {false, false, {"/UNINSTALL", here + "/x/uninstall", "/startup2"}}},
+      {{"b", "1x02.avi"}, {false, false, {b}}},
+      {{"\"" + b + "\"", "\"gone.avi\""}, {false, false, {b, here + "/gone.avi"}}},
+      {{"file://" + here + "/b%201x02.avi", "FILE://localhost/p%25%fFq%4", "file:///a%00b", "file://host/x"},
+       {false, false, {b, "/p%\xFFq%4", here + "/file:/a%00b", here + "/file:/host/x"}}}};
+  for (const auto& [arguments, line] : rows) {
+    const CommandLine found = parse_command_line(arguments, copy.files, false);
+    EXPECT_EQ(found, line) << ::testing::PrintToString(arguments) << ::testing::PrintToString(found.paths);
+  }
+  EXPECT_EQ(parse_command_line({"/x/uninstall", "y/startup"}, copy.files, true),
+            (CommandLine{true, true, {"/x/uninstall y/startup"}}));
+  fs::current_path(before);
+}
+
+TEST(Startup, HandsOverToTheRunningCopy) {
+  Copy copy;
+  const std::string a = copy.folder / "a.1x01.mkv", odd = copy.file("q\"\n|\xFF.mkv");
+  copy.ui.on_events = [&] { copy.events.add("events"); };
+  copy.channel.others = {true};
+  EXPECT_EQ(copy.run({odd, "/startup", a}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=" + odd, "send QV|PI|C=" + a, "events"));
+  copy.channel.others = {true};
+  EXPECT_EQ(copy.run({}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=", "events"));
+
+  copy.events.fails = "send";
+  copy.channel.others = {true, true};
+  EXPECT_EQ(copy.run({a}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "message Quorvel: no send", "events"));
+  copy.channel.others = {true, false};  // it has ended meanwhile
+  EXPECT_EQ(copy.run({a}), StartResult::Running);
+  EXPECT_EQ(copy.session.queue.count(), 1);
+}
+
+TEST(Startup, EndsWithAMessageWhenAStepFails) {
+  const std::string text = "message Error loading Quorvel: Quorvel encountered an error loading and cannot continue. (";
+  for (const char* const step : {"caption", "receive", "tray", "full rows", "row", "timer", "centre", "clicks"}) {
+    Copy copy;
+    copy.events.fails = step;
+    EXPECT_EQ(copy.run({copy.folder / "a.1x01.mkv", "/startup"}), StartResult::Ended);
+    Texts events = copy.happened();
+    events.erase(events.begin(), events.end() - 5);
+    EXPECT_THAT(events, ElementsAre("stop", text + "no " + step + ")", "stop", "no tray", "unload"));
+    EXPECT_FALSE(copy.startup.loaded());
+  }
+  Copy copy;  // with settings that cannot be stored, of which the user has heard already
+  copy.file("config");
+  EXPECT_EQ(copy.run({}), StartResult::Ended);
+  const Texts events = copy.happened();
+  EXPECT_THAT(events, ::testing::Contains(::testing::StartsWith("message Error saving settings")));
+  EXPECT_THAT(events, ::testing::Not(::testing::Contains(::testing::StartsWith(text))));
+  EXPECT_EQ(events.back(), "unload");
+}
+
+TEST(Startup, UnderstandsMessages) {
+  Copy copy;
+  const std::string a = copy.folder / "a.1x01.mkv", b = copy.folder / "b 1x02.avi";
+  copy.startup.handle_message("QV|PI|C=" + a);  // kept
+  EXPECT_EQ(copy.session.queue.count(), 0);
+  copy.run({});
+  EXPECT_EQ(copy.session.queue.count(), 1);
+  for (const std::string& text : {"qv|PI|C=" + b, "QV|XX|C=" + b, "QV|PI|" + b, std::string("QV|PI|"), "PI|C=" + b,
+                                  std::string("QV|PI"), std::string("QV|UD"), std::string()}) {
+    copy.channel.handle(text);
+    EXPECT_EQ(copy.session.queue.count(), 1) << text;
+  }
+  copy.happened();
+  copy.channel.handle("QV|PI|\xC3\xA9\xFF" + b);  // two characters, whichever
+  EXPECT_THAT(copy.happened(), ElementsAre("row b 1x02", "timer"));
+
+  copy.ui.on_events = [&, first = true]() mutable {
+    if (!std::exchange(first, false)) return;
+    copy.channel.handle("QV|PI|C=" + copy.file("c.1x03.mkv"));
+    copy.channel.handle("QV|UD|whatever");
+  };
+  copy.session.processor.process_queue();
+  EXPECT_EQ(copy.session.queue.count(), 3);
+  EXPECT_EQ(copy.session.queue.at(2).state, QueueState::Inactive);  // the pass has ended after the first
+  EXPECT_THAT(copy.happened(),
+              ::testing::IsSupersetOf({"row c.1x03", "(t) Got quit signal, finishing up...", "stop", "unload"}));
+  EXPECT_TRUE(fs::exists(a) && fs::exists(b));
+}
+
+TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
+  Copy copy;
+  copy.store.write_string("types", "ogm;mkv");
+  copy.file("data/Quorvel/cache/x.qc");
+  const std::string strangers = copy.file("filters.dat"), other = copy.file("data/Other/file");
+  const fs::path before = fs::current_path();
+  fs::current_path(copy.folder.path());
+  copy.channel.others = {true};
+  EXPECT_EQ(copy.run({"/uninstall"}), StartResult::Ended);
+  fs::current_path(before);
+  EXPECT_THAT(copy.happened(), ElementsAre("remove ogm", "remove mkv", "remove DIR"));
+  EXPECT_FALSE(fs::exists(copy.folder / "data/Quorvel") || fs::exists(copy.folder / "config/Quorvel"));
+  EXPECT_TRUE(fs::exists(strangers) && fs::exists(other) && fs::exists(copy.folder / "a.1x01.mkv"));
+
+  copy.file("data/Quorvel/filters.dat");
+  copy.events.fails = "remove";
+  EXPECT_EQ(copy.run({"--uninstall", "x"}), StartResult::Ended);
+  EXPECT_FALSE(fs::exists(copy.folder / "data/Quorvel"));
+}
+
+}  // namespace
+}  // namespace quorvel::testing
