@@ -37,8 +37,6 @@ std::string reason(Refusal refusal) {
       return "its type is not listed in the settings";
     case Refusal::Sample:
       return "a sample, as its path says";
-    case Refusal::NoExtension:
-      return "the name has no extension";
   }
   return {};
 }
@@ -58,7 +56,7 @@ void refuse_foreign_cache(const Files& files, const std::string& work_dir) {
 }
 
 std::string checked_work_dir(const Files& files, const std::string& given) {
-  const std::string work_dir = with_separator(absolute_path(given));
+  std::string work_dir = with_separator(absolute_path(given));
   if (given.empty() || files.kind(work_dir) != Files::Kind::Folder) {
     throw Failure("The work folder \"" + given + "\" does not exist");
   }

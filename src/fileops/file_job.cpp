@@ -20,7 +20,7 @@ std::string list_of(const std::string& path, std::size_t nuls) {
 void refuse_nul(const FileJob& job) {
   for (const std::string* text : {&job.path, &job.dest_path, &job.new_name}) {
     if (text->find('\0') != std::string::npos) {
-      throw Failure("the name \"" + std::string(text->c_str()) + "...\" holds a NUL character");
+      throw Failure("the name \"" + text->substr(0, text->find('\0')) + "...\" holds a NUL character");
     }
   }
 }

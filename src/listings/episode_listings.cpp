@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "listings/answer.h"
 #include "listings/utf8_decode.h"
 #include "text/cut.h"
 #include "text/failure.h"
@@ -108,7 +109,7 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
     log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", 1);
     return nullptr;
   }
-  if (answer.find("\"id\"") == std::string::npos) {
+  if (answer.find("\"id\"") == std::string::npos || !is_whole_list(answer)) {
     log_.debug_log("Error parsing listings (Err 5)", 1);
     return nullptr;
   }

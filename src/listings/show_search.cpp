@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "listings/answer.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
@@ -50,7 +51,7 @@ std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
     log_.debug_log("Site reports no results for: \"" + search_name + "\"", 1);
     return std::nullopt;
   }
-  if (answer.find("\"show\"") == std::string::npos) {
+  if (answer.find("\"show\"") == std::string::npos || !is_whole_list(answer)) {
     log_.debug_log("Error parsing results (Err 2)", 1);
     return std::nullopt;
   }

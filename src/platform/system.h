@@ -34,10 +34,10 @@ std::unique_ptr<ContextMenu> system_context_menu(Files& files);
 
 std::unique_ptr<Launcher> system_launcher();
 
-/// The folder for programs' data, made when missing, without a separator at its end.
+/// The folder for programs' data, without a separator at its end; made when missing, and not there where that fails.
 std::string application_data_folder(Files& files);
 
-/// The folder of the running program, without a separator at its end.
+/// The folder of the running program, without a separator at its end; empty when the system does not tell.
 std::string program_folder();
 
 }  // namespace quorvel

@@ -5,7 +5,6 @@
 #include "queue/folder_scan.h"
 #include "text/case.h"
 #include "text/characters.h"
-#include "text/failure.h"
 
 namespace quorvel {
 namespace {
@@ -64,12 +63,7 @@ Refusal Intake::take_file(const std::string& path, bool start) {
   if (!is_listed(path)) return Refusal::TypeNotListed;
   if (lower_case(path).find("sample") != std::string::npos) return Refusal::Sample;
   std::string filename = getfname(path);
-  std::string shown;
-  try {
-    shown = remextension(filename);
-  } catch (const Failure&) {
-    return Refusal::NoExtension;
-  }
+  const std::string shown = remextension(filename);  // a listed extension means that there is one
   ui_.add_row(queue_.append(path, std::move(filename)), shown);
   if (start && !is_busy_()) ui_.arm_start_timer();
   return Refusal::None;

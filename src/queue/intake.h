@@ -11,7 +11,7 @@
 namespace quorvel {
 
 /// Why a path was not queued.
-enum class Refusal { None, TooShort, Missing, NotAFile, AlreadyQueued, TypeNotListed, Sample, NoExtension };
+enum class Refusal { None, TooShort, Missing, NotAFile, AlreadyQueued, TypeNotListed, Sample };
 
 /// What became of one path handed over.
 struct IntakeResult {

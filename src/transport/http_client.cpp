@@ -222,7 +222,7 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
   const std::size_t blank_line = answer.header.find("\r\n\r\n");
   if (blank_line == std::string::npos) return Outcome::Body;
   // The size of the body's first part comes from this read alone. It is right when the whole header arrived in it, and
-  // too small when an earlier read brought a part; the answer is then cut, and its lookup fails rather than misleads.
+  // too small when an earlier read brought a part: the body then lacks its start, which its readers must notice.
   const std::size_t header_size = blank_line + 4;
   if (answer.chunk.size() < header_size) throw Failure("The header arrived in parts");
   answer.chunk = answer.header.substr(answer.header.size() - (answer.chunk.size() - header_size));

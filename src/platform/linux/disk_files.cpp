@@ -44,7 +44,7 @@ std::optional<std::string> followed(std::string path) {
     std::error_code failed;
     const std::string target = std::filesystem::read_symlink(path, failed).native();
     if (failed) return {};
-    path = target.starts_with('/') ? target : parent_folder(path) + "/" + target;
+    path = target.starts_with('/') ? target : parent_folder(path).append("/").append(target);
   }
   return {};
 }

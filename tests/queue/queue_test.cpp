@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "file_tools.h"
+#include "session_fixture.h"
+
+namespace quorvel::testing {
+namespace {
+
+struct Queue : ::testing::Test, TestSession {
+  Queue() { start(); }
+  Processor& processor = session.processor;
+
+  /// Where a rule's files go; made so deep that the rule may make its own folders below it.
+  std::string target() { return files->create_folder(folder / "target"), folder / "target/"; }
+  void rule(int action, const std::string& path, const std::string& mask = std::string(default_mask)) {
+    AFilter filter = session.filters.at(1);
+    filter.action = action;
+    filter.path = path;
+    filter.mask = mask;
+    session.filters.at(1) = filter;
+  }
+  Refusal refusal(const std::string& path) { return session.intake.take(path, false).refusal; }
+};
+
+using Strings = std::vector<std::string>;
+constexpr const char* lights_file = "The.Harbour.Lights.S01E02.mkv";
+constexpr const char* lights_name = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
+
+TEST_F(Queue, IntakeTakesOnlyFilesThatFitAndSaysWhyNot) {
+  EXPECT_EQ(add("a.s01e01.AVI"), 1);
+  EXPECT_EQ(item(1).filename, "a.s01e01.AVI");
+  EXPECT_EQ(ui.rows, Strings{"a.s01e01||"});
+  const std::string path = folder / "in/a.s01e01.AVI";
+  EXPECT_EQ(refusal(path), Refusal::AlreadyQueued);
+  EXPECT_EQ(refusal("\"" + path + "\""), Refusal::AlreadyQueued);
+  EXPECT_EQ(refusal(folder / "in/none.avi"), Refusal::Missing);
+  EXPECT_EQ(refusal("/a"), Refusal::TooShort);
+  EXPECT_EQ(refusal("/dev/null"), Refusal::NotAFile);
+  const std::pair<const char*, Refusal> cases[] = {
+      {"b.txt", Refusal::TypeNotListed},  {"b.mp", Refusal::None},         {"mkv", Refusal::TypeNotListed},
+      {"my SAMPLE.avi", Refusal::Sample}, {"quote \".avi", Refusal::None}, {"line\nbreak.avi", Refusal::None},
+      {"caf\xE9.avi", Refusal::None}};
+  for (const auto& [name, expected] : cases) {
+    write(std::string("in/") + name, "x");
+    EXPECT_EQ(refusal(folder / (std::string("in/") + name)), expected) << name;
+  }
+  EXPECT_EQ(ui.timer_starts, 0);
+  write("in/c.avi", "x");
+  EXPECT_TRUE(session.intake.add_to_queue(folder / "in/c.avi", true));
+  EXPECT_EQ(ui.timer_starts, 1);
+}
+
+TEST_F(Queue, AFolderIsTakenWholeAndLoopsEnd) {
+  for (const char* sub : {"in/s", "in/s/Samples", "in/s/\"quoted\"", "elsewhere"}) files->create_folder(folder / sub);
+  for (const char* name :
+       {"in/x.avi", "in/s/y.mkv", "in/s/Samples/z.avi", "in/s/\"quoted\"/q.avi", "in/n.txt", "elsewhere/e.avi"}) {
+    write(name, name);
+  }
+  std::filesystem::create_directory_symlink(folder / "in", folder / "in/s/up");
+  std::filesystem::create_directory_symlink(folder.path(), folder / "in/top");
+  std::filesystem::create_directory_symlink("s", folder / "in/again");
+  std::filesystem::create_directory_symlink(folder / "elsewhere", folder / "in/there");
+  std::filesystem::create_symlink("nowhere.avi", folder / "in/dangling.avi");
+  const IntakeResult result = session.intake.take(folder / "in", false);
+  EXPECT_TRUE(result.is_folder);
+  EXPECT_EQ(result.queued, 4);
+  EXPECT_FALSE(session.intake.add_to_queue(folder / "in", false));
+  std::set<std::string> queued;
+  for (int i = 1; i <= session.queue.count(); ++i) queued.insert(item(i).path.substr(folder.path().size()));
+  EXPECT_EQ(queued, (std::set<std::string>{"/in/x.avi", "/in/s/y.mkv", "/in/s/\"quoted\"/q.avi", "/in/there/e.avi"}));
+}
+
+TEST_F(Queue, AFileGoesThroughEveryStageAndLeavesItsTrace) {
+  add(lights_file);
+  const std::size_t before = session.log.lines().size();
+  processor.process_queue();
+  EXPECT_EQ(log(before),
+            "Looking up filename filter for: in (p=1)|No filter found|"
+            "Looking up filename filter for: the.harbour.lights.s01e02.mkv (p=0)|Found filename filter with id: 1|"
+            "Found filename filter for: The.Harbour.Lights.S01E02.mkv|Checking exceptions|"
+            "Searching for: the harbour lights|Query not in cache|Updating query cache|No matches found in ep cache|"
+            "Getting listings for: The Harbour Lights|Updating ep cache|Found episode in listings|"
+            "Renaming The.Harbour.Lights.S01E02.mkv to The Harbour Lights - 1x02 - The Pilot Boat.mkv|"
+            "All items processed");
+  EXPECT_EQ(item(1).state, QueueState::Done);
+  EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
+  EXPECT_FALSE(exists(std::string("in/") + lights_file));
+  EXPECT_EQ(ui.rows, Strings{"The.Harbour.Lights.S01E02|The Harbour Lights - 1x02 - The Pilot Boat|Done"});
+  EXPECT_EQ(item(1).show_url, "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"");
+  EXPECT_FALSE(processor.queue_busy());
+}
+
+TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
+  add(lights_file);
+  rule(MoveAndRename, target() + "[show]/Season [ss]");
+  processor.process_queue();
+  const std::string moved = std::string("target/The Harbour Lights/Season 01/") + lights_name;
+  EXPECT_EQ(read(moved), lights_file);
+  EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Move/Rename", true}));
+  rule(CopyAndRename, target());  // the rules change before the undoing
+  session.undo.run(1);
+  EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
+  EXPECT_FALSE(exists(moved));
+  EXPECT_EQ(item(1).error_text, "The file operation has been undone");
+  EXPECT_EQ(ui.rows, Strings{"The.Harbour.Lights.S01E02||Cancelled"});
+  EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Rename", false}));
+
+  processor.retry_failed();
+  EXPECT_EQ(read(std::string("target/") + lights_name), lights_file);
+  EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
+  EXPECT_EQ(session.undo.entry(1).caption, "Undo Copy/Rename");
+}
+
+TEST_F(Queue, UndoNeverTouchesAFileThatIsNotItsOwn) {
+  add(lights_file);
+  processor.process_queue();
+  write(std::string("in/") + lights_file, "somebody else's");
+  session.undo.run(1);
+  EXPECT_EQ(item(1).state, QueueState::Failed);
+  EXPECT_EQ(item(1).error_text, "The file undo operation failed");
+  EXPECT_TRUE(logged("File rename failed. Destination already exists"));
+  EXPECT_TRUE(logged("Failed to undo file operation"));
+  EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
+  session.undo.run(1);  // no longer done, so nothing to undo
+  session.undo.run(0);
+  EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
+  EXPECT_EQ(read(std::string("in/") + lights_file), "somebody else's");
+}
+
+TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
+  rule(Rename, "");
+  const struct {
+    std::string name, error_text, log_line;
+  } cases[] = {{"nothing.avi", "Unable to find filename filter", "Unable to find filename filter for: nothing.avi"},
+               {"nobody.s01e02.avi", "Unable to find show on tvmaze.com\r\nSearched for: nobody",
+                "Unable to find show page for: nobody"},
+               {"the.harbour.lights.s09e09.avi",
+                "Unable to find listings on tvmaze.com\r\nSearched for: the harbour lights\r\n"
+                "Detected as: The Harbour Lights 9x9",
+                "Unable to find listings for: The Harbour Lights 9x9"},
+               {"specials.galore.s01e01.avi",
+                "Unable to find listings on tvmaze.com\r\nSearched for: specials galore\r\n"
+                "Detected as: Specials Galore x",
+                "Error getting listings: \"null\" is not a whole number of 32 bits"},
+               {"The Harbour Lights - 1x02 - the pilot boat.MKV", "The new filename is the same as the old filename",
+                "Unable to rename/move files for: The Harbour Lights - 1x02 - The Pilot Boat.mkv"},
+               {"The.Harbour.Lights.S01E03.mkv", "The destination aleady exists. File cannot be renamed",
+                "File rename failed. Destination already exists"}};
+  write("in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv", "there before");
+  for (const auto& c : cases) add(c.name);
+  add(lights_file);
+  processor.process_queue();
+  for (int i = 1; i <= 6; ++i) {
+    const auto& c = cases[i - 1];
+    EXPECT_EQ(item(i).state, QueueState::Failed) << c.name;
+    const std::string expected =
+        c.error_text.ends_with(" x") ? c.error_text.substr(0, c.error_text.size() - 1) + "1x1" : c.error_text;
+    EXPECT_EQ(item(i).error_text, expected) << c.name;
+    EXPECT_TRUE(logged(c.log_line)) << c.log_line;
+    EXPECT_EQ(read("in/" + c.name), c.name);
+  }
+  EXPECT_EQ(read("in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv"), "there before");
+  EXPECT_EQ(item(7).state, QueueState::Done);
+}
+
+TEST_F(Queue, AFailingFileOperationLeavesBothNames) {
+  files->create_folder(folder / "target");
+  const struct {
+    std::string path, mask, error;
+  } cases[] = {
+      {folder / "target/", std::string(300, 'x'), "36"}, {"/no-such-top/a/", "m", "2"}, {"relative/", "m", "2"}};
+  for (const auto& c : cases) {
+    rule(MoveAndRename, c.path, c.mask);
+    const int index = add("the.harbour.lights.s01e0" + std::to_string(session.queue.count() + 1) + ".avi");
+    processor.process_queue();
+    EXPECT_EQ(item(index).error_text, "The file operation failed. Linux reports error " + c.error);
+    EXPECT_TRUE(logged("File operation failed (" + c.error + ")"));
+    EXPECT_EQ(read("in/" + item(index).filename), item(index).filename);
+  }
+  rule(MoveAndRename, target());
+  write(std::string("target/") + lights_name, "there before");
+  const int taken = add(lights_file);
+  processor.process_queue();
+  EXPECT_EQ(item(taken).error_text, "The file operation failed. Linux reports error 17");
+  EXPECT_EQ(read(std::string("target/") + lights_name), "there before");
+
+  const int gone = add("the.harbour.lights.s01e05.avi");
+  std::filesystem::remove(item(gone).path);
+  processor.process_queue();
+  EXPECT_EQ(item(gone).error_text, "");
+  EXPECT_TRUE(logged("File rename failed. Source file not found"));
+}
+
+TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
+  rule(MoveAndRename, target() + "[show]/");
+  const struct {
+    const char *show, *title;
+  } cases[] = {{"..", "x"}, {".", "x"}, {"a", "..\xE0\x80\xAF..\xE0\x80\xAFx"}, {"a/../..", "/../x"}, {"a", "&#0;x"}};
+  int number = 0;
+  for (const auto& c : cases) {
+    service.misbehave([&](const std::string& target, const std::string&) -> std::vector<Piece> {
+      const std::string body = target.starts_with("/search")
+                                   ? std::string("[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"") + c.show + "\",}}]"
+                                   : std::string("[{\"id\":1,\"url\":\"u\",\"name\":\"") + c.title +
+                                         "\",\"season\":1,\"number\":1,\"airdate\":\"2015-01-01\",}]";
+      return {{"HTTP/1.1 200 OK\r\n\r\n" + body, {}}};
+    });
+    add("evil" + std::to_string(++number + 1) + ".s01e01.avi");
+    processor.process_queue();
+  }
+  for (const auto& [path, bytes] : everything_in(folder.path())) {
+    if (!bytes.starts_with("evil")) continue;
+    EXPECT_TRUE(path.starts_with(folder / "in/") || path.starts_with(folder / "target/a")) << path;
+    EXPECT_EQ(path.find("/../"), std::string::npos) << path;
+  }
+  EXPECT_EQ(item(1).error_text, "The show name \"..\" cannot be the name of a folder");
+}
+
+TEST_F(Queue, TheFoldersNameComesBeforeTheFilesAndExceptionsAreApplied) {
+  files->create_folder(folder / "in/harbor.s01e03.x");
+  write("data/Quorvel/man.dat", "Harbor\tThe Harbour Lights\r\n");
+  session.exceptions.loadefilters();
+  add("harbor.s01e03.x/other.s02e02.avi");
+  processor.process_queue();
+  EXPECT_TRUE(exists("in/harbor.s01e03.x/The Harbour Lights - 1x03 - A Lantern for Maud.avi"));
+  EXPECT_EQ(item(1).search_name, "the harbour lights");
+}
+
+TEST_F(Queue, TheUserIsAskedWhenTheSettingsSaySo) {
+  session.settings.confirm = true;
+  add(lights_file);
+  for (const auto& answer : {std::optional<bool>(), std::optional(false)}) {
+    ui.answer = answer;
+    processor.retry_failed();
+    EXPECT_EQ(item(1).state, QueueState::Cancelled);
+    EXPECT_EQ(item(1).error_text, "User cancelled the file operation");
+  }
+  EXPECT_TRUE(logged(std::string("Unable to rename/move files for: ") + lights_name + " (user cancelled)"));
+  ui.answer = true;
+  rule(CopyAndRename, target());
+  processor.retry_failed();
+  EXPECT_EQ(item(1).state, QueueState::Done);
+  EXPECT_EQ(ui.questions.front().title + ui.questions.front().question,
+            "Confirm File RenameContinue with file rename?");
+  EXPECT_EQ(ui.questions.back().title + ui.questions.back().question, "Confirm File CopyContinue with file copy?");
+  EXPECT_EQ(ui.questions.back().destination, folder / ("target/" + std::string(lights_name)));
+}
+
+TEST_F(Queue, ARetryStepsOverTheItemAfterASkippedOne) {
+  add(lights_file);
+  add("nothing.avi");
+  add("nothing more.avi");
+  processor.process_queue();
+  const std::size_t before = session.log.lines().size();
+  processor.retry_failed();
+  EXPECT_EQ(log(before).find("nothing.avi"), std::string::npos);
+  EXPECT_NE(log(before).find("nothing more.avi"), std::string::npos);
+  const std::size_t after = session.log.lines().size();
+  processor.process_queue();
+  EXPECT_EQ(log(after), "All items processed");
+}
+
+TEST_F(Queue, QuittingWaitsForTheStageAndAutocloseForTheEnd) {
+  processor.process_queue();
+  EXPECT_TRUE(logged("No work to do"));
+  session.settings.autoclose = true;
+  processor.process_queue();
+  EXPECT_EQ(ui.closed, 0) << "there was nothing to do";
+  EXPECT_TRUE(processor.may_close());
+  add(lights_file);
+  add("the.harbour.lights.s01e04.avi");
+  ui.on_events = [&] {
+    if (item(1).state != QueueState::Searching || ui.closed > 0) return;
+    EXPECT_FALSE(processor.may_close());
+  };
+  processor.process_queue();
+  EXPECT_TRUE(logged("Got quit signal, finishing up..."));
+  EXPECT_EQ(item(1).state, QueueState::FetchingListings);
+  EXPECT_EQ(item(2).state, QueueState::Inactive);
+  EXPECT_EQ(ui.closed, 1);
+  EXPECT_FALSE(processor.queue_busy());
+}
+
+TEST_F(Queue, FilesAddedDuringAPassBelongToItAndARetryWaits) {
+  add(lights_file);
+  ui.on_events = [&] {
+    if (session.queue.count() > 1) return;
+    write("in/the.harbour.lights.s01e04.avi", "x");
+    session.intake.add_to_queue(folder / "in/the.harbour.lights.s01e04.avi", true);
+    processor.retry_failed();
+  };
+  processor.process_queue();
+  EXPECT_EQ(item(2).state, QueueState::Done);
+  EXPECT_EQ(ui.timer_starts, 0);
+  session.settings.autoclose = true;
+  processor.process_queue();
+  EXPECT_EQ(ui.closed, 1);
+}
+
+TEST_F(Queue, ARowShowsItsState) {
+  add("x.s01e01.avi");
+  item(1).new_name = "Show - 1x01 - A.B.avi";
+  item(1).filter_index = 1;
+  const std::pair<QueueState, const char*> cases[] = {
+      {QueueState::Inactive, "x.s01e01||Inactive"},
+      {QueueState::CheckingFilters, "x.s01e01||Checking Filters"},
+      {QueueState::Processing, "x.s01e01|Show - 1x01 - A.B|Checking Filters"},
+      {QueueState::Failed, "x.s01e01|Show - 1x01 - A.B|Failed"},
+      {QueueState::Cancelled, "x.s01e01||Cancelled"},
+      {QueueState::Done, "x.s01e01|Show - 1x01 - A.B|Done"}};
+  for (const auto& [state, row] : cases) {
+    item(1).state = state;
+    EXPECT_TRUE(session.view.update_lv(1));
+    EXPECT_EQ(ui.rows, Strings{row});
+  }
+  EXPECT_EQ(ui.scrolls, 5);
+  item(1).state = QueueState::Processing;
+  for (const auto& [action, status] : {std::pair(1, "Renaming"), std::pair(2, "Moving"), std::pair(3, "Copying")}) {
+    item(1).action = action;
+    session.view.update_lv(1);
+    EXPECT_EQ(ui.rows, Strings{std::string("x.s01e01|Show - 1x01 - A.B|") + status});
+  }
+  item(1).filter_index = 9;
+  EXPECT_FALSE(session.view.update_lv(1));
+  EXPECT_FALSE(session.view.update_lv(2));
+}
+
+}  // namespace
+}  // namespace quorvel::testing

@@ -1,0 +1,125 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "session_fixture.h"
+
+namespace quorvel::testing {
+namespace {
+
+struct Rules : ::testing::Test, TestSession {
+  Rules() { start(); }
+  FilterList& filters = session.filters;
+  ExceptionList& exceptions = session.exceptions;
+
+  void load_filters(const std::string& bytes) {
+    write("data/Quorvel/filters.dat", bytes);
+    filters.loadfilters();
+  }
+};
+
+constexpr const char* mkv_line = "2\tTrue\tmkv\t\t/tv/\t[show]\tFile Type Equals mkv\t1\t0\r\n";
+constexpr const char* any_line = "1\tTrue\t\t*\t\t[title]\tShow Name Equals Anything\t0\t1\r\n";
+
+TEST_F(Rules, WithoutAFileThereIsTheDefaultRuleAndItIsNotWritten) {
+  ASSERT_EQ(filters.count(), 1);
+  EXPECT_EQ(ui.filters,
+            (std::vector<ListRow>{{"F1", {"Show Name Equals Anything", "Rename", "[show] - [s]x[ee] - [title]", ""}}}));
+  EXPECT_EQ(filters.first_fitting("avi", ""), 1);
+  EXPECT_FALSE(exists("data/Quorvel/filters.dat"));
+  EXPECT_EQ(exceptions.count(), 0);
+}
+
+TEST_F(Rules, TheFirstRuleOfWhichEitherConditionFitsIsTaken) {
+  const struct {
+    const char* line;
+    const char *extension, *show;
+    bool fits;
+  } cases[] = {{"1\tTrue\tmkv\t\t\tm\td\t1\t0", "mkv", "x", true},
+               {"1\tTrue\tmkv\t\t\tm\td\t1\t0", "avi", "x", false},
+               {"1\tTrue\tmkv\t\t\tm\td\t2\t0", "avi", "x", true},
+               {"1\tTrue\tmkv\t\t\tm\td\t2\t0", "mkv", "x", false},
+               {"1\tTrue\t\tthe *\t\tm\td\t0\t1", "avi", "The X", true},
+               {"1\tTrue\t\tthe *\t\tm\td\t0\t2", "avi", "The X", false},
+               {"1\tTrue\t\tThe *\t\tm\td\t0\t1", "avi", "The X", false},
+               {"1\tFalse\t\t*\t\tm\td\t0\t1", "avi", "x", false},
+               {"1\tTrue\tmkv\tx\t\tm\td\t1\t1", "avi", "X", true},
+               {"1\tTrue\tmkv\tx\t\tm\td\t1\t1", "mkv", "y", true}};
+  for (const auto& c : cases) {
+    load_filters(std::string(c.line) + "\r\n");
+    EXPECT_EQ(filters.first_fitting(c.extension, c.show).has_value(), c.fits) << c.line << " " << c.extension;
+  }
+  load_filters(std::string(mkv_line) + any_line + any_line);
+  EXPECT_EQ(filters.first_fitting("mkv", "x"), 1);
+  EXPECT_EQ(filters.first_fitting("avi", "x"), 2);
+}
+
+TEST_F(Rules, LoadingStopsAtABadLineAndSaysWhich) {
+  load_filters(std::string(mkv_line) + "1\tTrue\n\r\n" + any_line + "2\tTrue");
+  EXPECT_TRUE(logged("Error loading afilters: line 2 of filters.dat has 2 of 9 fields"));
+  EXPECT_EQ(filters.count(), 3) << "what follows the last line end is no rule";
+  EXPECT_EQ(filters.at(1).path, "/tv/");
+  EXPECT_EQ(filters.first_fitting("avi", "x"), std::nullopt);
+  load_filters("x\tTrue\t\t\t\t\t\t0\t0\r\n");
+  EXPECT_TRUE(logged("Error loading afilters: line 1 of filters.dat: \"x\" is not a whole number of 32 bits"));
+  write("data/Quorvel/man.dat", "no tab\r\n");
+  EXPECT_FALSE(exceptions.loadefilters());
+  EXPECT_TRUE(logged("Error loading efilters: line 1 of man.dat has 1 of 2 fields"));
+}
+
+TEST_F(Rules, SavingWritesJustWhatIsThereAndKeepsWhatWasNotUnderstood) {
+  load_filters(std::string(mkv_line) + any_line);
+  EXPECT_TRUE(filters.exchange(1, 2));
+  EXPECT_EQ(read("data/Quorvel/filters.dat"), std::string(any_line) + mkv_line);
+  EXPECT_FALSE(exists("data/Quorvel/filters.dat.bak"));
+  EXPECT_FALSE(filters.exchange(2, 3));
+
+  const std::string edited = std::string(mkv_line) + "by hand";
+  write("data/Quorvel/filters.dat", edited);
+  EXPECT_TRUE(filters.remove(2));
+  EXPECT_EQ(read("data/Quorvel/filters.dat"), any_line);
+  EXPECT_EQ(read("data/Quorvel/filters.dat.bak"), edited);
+  EXPECT_FALSE(filters.remove(1)) << "the last rule stays";
+  EXPECT_EQ(ui.messages, std::vector<std::string>{"Unable to remove filter: You must have at least one filter"});
+}
+
+TEST_F(Rules, WhatWouldNotComeBackIsNotWritten) {
+  load_filters(mkv_line);
+  for (const char* path : {"/Фильмы/", "/a\tb/", "/a\r\nb/", "/caf\xE9/"}) {
+    filters.at(1).path = path;
+    EXPECT_FALSE(filters.savefilters()) << path;
+    EXPECT_EQ(read("data/Quorvel/filters.dat"), mkv_line);
+  }
+  filters.at(1).path = "/café €/";
+  EXPECT_TRUE(filters.savefilters());
+  filters.loadfilters();
+  EXPECT_EQ(filters.at(1).path, "/café €/");
+}
+
+TEST_F(Rules, ExceptionsReplaceOnceAndIgnoreCase) {
+  write("data/Quorvel/man.dat", "The Office\tThe Office US\r\nthe office\tX\r\nthe office us\tY\r\n");
+  EXPECT_TRUE(exceptions.loadefilters());
+  EXPECT_EQ(exceptions.replacement("THE OFFICE"), "the office us");
+  EXPECT_EQ(exceptions.replacement("the office "), std::nullopt);
+  EXPECT_EQ(ui.exceptions.at(1), (ListRow{"F2", {"the office", "X"}}));
+  for (int i = 0; i < 3; ++i) EXPECT_TRUE(exceptions.remove(1));
+  EXPECT_FALSE(exists("data/Quorvel/man.dat"));
+}
+
+TEST_F(Rules, AKillAtAnyInstantLeavesTheOldListOrTheNewOneWhole) {
+  load_filters(std::string(mkv_line) + any_line);
+  for (int round = 0; round < 20; ++round) {
+    const pid_t child = fork();
+    if (child == 0) {
+      for (;;) filters.exchange(1, 2);
+    }
+    usleep(static_cast<useconds_t>(1000 + 700 * round));  // not waited for anything: any instant will do
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    const std::string bytes = read("data/Quorvel/filters.dat");
+    ASSERT_TRUE(bytes == std::string(mkv_line) + any_line || bytes == std::string(any_line) + mkv_line) << bytes;
+  }
+}
+
+}  // namespace
+}  // namespace quorvel::testing
