@@ -47,6 +47,16 @@ wxString file_filter(const std::string& types) {
   return to_wx("Supported Types|" + patterns + "|All Files|*.*");
 }
 
+/// 0 for the empty area. The toolkit's own test leaves the header out of account on some systems.
+int row_at(const wxListCtrl& list, const wxPoint& point) {
+  wxRect area;
+  for (long row = list.GetTopItem(); row < list.GetItemCount() && list.GetItemRect(row, area); ++row) {
+    if (point.y < area.y) break;
+    if (point.y <= area.GetBottom()) return static_cast<int>(row) + 1;
+  }
+  return 0;
+}
+
 /// Puts a value back at the end of a block.
 template <typename T>
 class Restored {
@@ -430,8 +440,7 @@ void MainFrame::add_paths(const wxArrayString& paths) {
 int MainFrame::menu_row(const wxListCtrl& list, const wxContextMenuEvent& event, wxPoint& at) const {
   if (event.GetPosition() != wxDefaultPosition) {
     at = list.ScreenToClient(event.GetPosition());
-    int where = 0;
-    return static_cast<int>(list.HitTest(at, where)) + 1;
+    return row_at(list, at);
   }
   // By key: over the selected row.
   const long row = list.GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED);

@@ -96,9 +96,10 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
 
  private:
   int Enter(wxDialog* dialog) override;
-  void Exit(wxDialog*) override {}
+  void Exit(wxDialog*) override { entered_ = nullptr; }
 
   std::deque<std::function<void(wxDialog&)>> drives_;
+  wxDialog* entered_ = nullptr;
 };
 
 /// The control below `parent` that has this name or, without mnemonics, this label; a failure when there is none.

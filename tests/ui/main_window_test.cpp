@@ -1,3 +1,4 @@
+#include <wx/hyperlink.h>
 #include <wx/listctrl.h>
 #include <wx/notebook.h>
 
