@@ -8,14 +8,18 @@ int CallStack::show_modal(wxDialog& dialog) {
   dialogs_.push_back(&dialog);
   const int result = dialog.ShowModal();
   dialogs_.pop_back();
+  if (ending_) end_top_dialog();
   return result;
 }
 
 void CallStack::end_dialogs() {
   ending_ = true;
-  for (auto dialog = dialogs_.rbegin(); dialog != dialogs_.rend(); ++dialog) {
-    if ((*dialog)->IsModal()) (*dialog)->EndModal(wxID_CANCEL);
-  }
+  end_top_dialog();
+}
+
+/// Only the innermost dialog's event loop can be ended; the others follow, each when the one above it has come back.
+void CallStack::end_top_dialog() {
+  if (has_dialog() && top_dialog()->IsModal()) top_dialog()->EndModal(wxID_CANCEL);
 }
 
 }  // namespace quorvel::ui

@@ -40,6 +40,7 @@ class CallStack {
   std::function<void()> on_empty = [] {};
 
  private:
+  void end_top_dialog();
   void leave() {
     if (--uses_ == 0) on_empty();
   }
