@@ -57,26 +57,29 @@ bool App::OnInit() {
   // What the toolkit has to say goes where developers look; users are told by messages of the program's own.
   delete wxLog::SetActiveTarget(new wxLogStderr);
   try {
-    return start();
+    start();
   } catch (const std::exception& failure) {
     wxMessageBox(to_wx(failure.what()), application_title, wxOK | wxICON_ERROR);
-    return false;
+    status_ = EXIT_FAILURE;
   }
+  return true;
 }
 
-bool App::start() {
+void App::start() {
   build();
   if (const std::optional<std::string> trouble = key_values_->trouble()) {
     frame_->show_message(0, application_title, *trouble, MessageIcon::Error);
-    delete frame_;
-    return false;
+    status_ = EXIT_FAILURE;
+  } else if (startup_->run(arguments_) == StartResult::Ended) {
+    status_ = EXIT_SUCCESS;
+  } else {
+    frame_->show_first();
   }
-  if (startup_->run(arguments_) == StartResult::Ended) {
-    delete frame_;
-    return false;
-  }
-  frame_->show_first();
-  return true;
+  if (status_) delete frame_;
+}
+
+int App::OnRun() {
+  return status_ ? *status_ : wxApp::OnRun();
 }
 
 int App::OnExit() {

@@ -21,15 +21,17 @@ class App : public wxApp {
   explicit App(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
 
   bool OnInit() override;
+  int OnRun() override;
   int OnExit() override;
   bool OnExceptionInMainLoop() override;
 
  private:
   void build();
-  bool start();
+  void start();
   Places places();
 
   const std::vector<std::string> arguments_;
+  std::optional<int> status_;   // how the program ends when there is nothing to run
   MainFrame* frame_ = nullptr;  // the toolkit's; gone before the session
   std::unique_ptr<Files> files_;
   std::unique_ptr<FileOperation> shell_;
