@@ -19,8 +19,8 @@ void ExceptionDialog::lay_out() {
   names->AddGrowableCol(1);
   const auto box = [&](const wxString& label, const char* name) {
     names->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
-    auto* const text = new wxTextCtrl(this, wxID_ANY, "", wxDefaultPosition, FromDIP(wxSize(260, -1)), 0,
-                                      wxDefaultValidator, name);
+    auto* const text =
+        new wxTextCtrl(this, wxID_ANY, "", wxDefaultPosition, FromDIP(wxSize(260, -1)), 0, wxDefaultValidator, name);
     names->Add(text, wxSizerFlags().Expand());
     return text;
   };
@@ -56,8 +56,8 @@ void ExceptionDialog::on_ok(wxCommandEvent&) {
   session_.exceptions.append({from_wx(detected_name_->GetValue()), from_wx(new_name_->GetValue())});
   if (!session_.exceptions.saveefilters()) {
     session_.exceptions.loadefilters();
-    session_.ports.ui.show_message(0, "Unable to save exception",
-                                   "The exception could not be saved. The log says why.", MessageIcon::Error);
+    session_.ports.ui.show_message(0, "Unable to save exception", "The exception could not be saved. The log says why.",
+                                   MessageIcon::Error);
     return;
   }
   session_.exceptions.refresh_lv3();

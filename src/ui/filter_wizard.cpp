@@ -45,7 +45,8 @@ FilterWizard::FilterWizard(wxWindow* parent, Session& session, std::function<int
 void FilterWizard::build() {
   heading_ = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, "heading");
   heading_->SetFont(heading_->GetFont().Bold().Larger());
-  subheading_ = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, "subheading");
+  subheading_ =
+      new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, "subheading");
   book_ = new wxSimplebook(this);
   for (wxWindow* const step : {build_conditions(), build_options(), build_path(), build_name(), build_summary()}) {
     book_->AddPage(step, wxString());
@@ -88,7 +89,8 @@ wxWindow* FilterWizard::build_conditions() {
   comparison_ = new wxChoice(panel, wxID_ANY);
   comparison_->Append(wxString("Equals"));
   comparison_->Append(wxString("Doesn't Equal"));
-  condition_ = new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "condition");
+  condition_ =
+      new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "condition");
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
   row->Add(field_, wxSizerFlags().CenterVertical());
   row->Add(comparison_, wxSizerFlags().CenterVertical().Border(wxLEFT));
@@ -164,8 +166,8 @@ void FilterWizard::setID(int index) {
 
 void FilterWizard::fill(const AFilter& filter) {
   // A rule changed from one kind to the other has two conditions; its description tells which is the newer.
-  const bool by_type = !filter.fileType.empty() &&
-                       (filter.showName.empty() || filter.description.starts_with("File Type"));
+  const bool by_type =
+      !filter.fileType.empty() && (filter.showName.empty() || filter.description.starts_with("File Type"));
   const std::string& pattern = by_type ? filter.fileType : filter.showName;
   const int comparison = by_type ? filter.fileTypeCondition : filter.showNameCondition;
   field_->SetSelection(by_type ? FileType : ShowName);
@@ -236,9 +238,10 @@ void FilterWizard::set_buttons() {
 }
 
 void FilterWizard::set_focus() {
-  wxWindow* const first[] = {condition_, action() == Rename          ? rename_
-                                         : action() == MoveAndRename ? move_
-                                                                     : copy_,
+  wxWindow* const first[] = {condition_,
+                             action() == Rename          ? rename_
+                             : action() == MoveAndRename ? move_
+                                                         : copy_,
                              path_, mask_, next_};
   first[step_ - 1]->SetFocus();
 }

@@ -24,11 +24,9 @@ wxString fitted(wxString text, int width, const std::function<int(const wxString
 }
 
 ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const WorkQueue& queue, Launcher& launcher, UserInterface& ui)
-    : wxDialog(parent, wxID_ANY, "Item Info"),
-      queue_(queue),
-      launcher_(launcher),
-      ui_(ui),
-      first_tick_(*this, [this] { fill(); }) {
+    : wxDialog(parent, wxID_ANY, "Item Info"), queue_(queue), launcher_(launcher), ui_(ui), first_tick_(*this, [this] {
+        fill();
+      }) {
   lay_out();
   show_link_->Bind(wxEVT_HYPERLINK, [this](wxHyperlinkEvent&) { open(queue_.at(index_).show_url); });
   episode_link_->Bind(wxEVT_HYPERLINK, [this](wxHyperlinkEvent&) { open(queue_.at(index_).episode_url); });

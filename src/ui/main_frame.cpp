@@ -98,7 +98,7 @@ void MainFrame::build() {
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
   TabStrip1_->AddPage(build_queue_page(), "File Queue");
   filter_page_.emplace(TabStrip1_, RulePage::Names{"ListView2", "Command3", "Command1", "Command2"},
-                       std::vector<RuleColumn>{{"Filter", 32}, {"Action", 15}, {"File Mask", 28}, {"Path", 25}});
+                       std::vector<RuleColumn>{{"Filter", 29}, {"Action", 18}, {"File Mask", 28}, {"Path", 25}});
   TabStrip1_->AddPage(filter_page_->panel, "Filter List");
   exception_page_.emplace(TabStrip1_, RulePage::Names{"ListView3", "Command4", "Command5", "Command6"},
                           std::vector<RuleColumn>{{"Detected Show Name", 50}, {"New Show Name", 50}});
@@ -125,7 +125,8 @@ wxWindow* MainFrame::build_queue_page() {
 
 void MainFrame::bind_commands() {
   const auto on = [this](MenuCommand command, std::function<void()> action) {
-    Bind(wxEVT_MENU, [action = std::move(action)](wxCommandEvent&) { action(); }, command);
+    Bind(
+        wxEVT_MENU, [action = std::move(action)](wxCommandEvent&) { action(); }, command);
   };
   on(mnuOpen, [this] { on_add_file(); });
   on(mnuExit, [this] { Close(); });
@@ -553,8 +554,9 @@ void MainFrame::show_preferences() {
 }
 
 void MainFrame::show_about() {
-  AboutBox dialog(dialog_parent(), session_->log, commands_->website_address(), [this] { commands_->website(); },
-                  session_->ports.socket.version());
+  AboutBox dialog(
+      dialog_parent(), session_->log, commands_->website_address(), [this] { commands_->website(); },
+      session_->ports.socket.version());
   stack_.show_modal(dialog);
 }
 

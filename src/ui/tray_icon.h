@@ -11,8 +11,8 @@ namespace quorvel::ui {
 class TrayIcon : public wxTaskBarIcon {
  public:
   struct Actions {
-    std::function<void()> toggle;             // a double-click
-    std::function<wxMenu*()> menu;            // a right click: a new menu, or null for none
+    std::function<void()> toggle;                  // a double-click
+    std::function<wxMenu*()> menu;                 // a right click: a new menu, or null for none
     std::function<void(wxCommandEvent&)> command;  // an entry of that menu
   };
 

@@ -1,7 +1,7 @@
 #include "test_window.h"
 
-#include <wx/evtloop.h>
 #include <wx/dnd.h>
+#include <wx/evtloop.h>
 #include <wx/listctrl.h>
 
 #include <cstdlib>

@@ -32,12 +32,19 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
     const char *option, *press;
     std::string then;
   };
-  const Move moves[] = {
-      {nullptr, "Next ", options},          {nullptr, "Back", conditions},        {nullptr, "Next ", options},
-      {"Rename", "Next ", third_name},      {nullptr, "Back", options},           {"Move & Rename", "Next ", move_path},
-      {nullptr, "Next ", move_path},        {nullptr, "Back", options},           {"Copy & Rename", "Next ", copy_path},
-      {nullptr, "Next ", fourth_name},      {nullptr, "Back", copy_path},         {nullptr, "Next ", fourth_name},
-      {nullptr, "Next ", "Filter Added|You have successfully added a filter"}};
+  const Move moves[] = {{nullptr, "Next ", options},
+                        {nullptr, "Back", conditions},
+                        {nullptr, "Next ", options},
+                        {"Rename", "Next ", third_name},
+                        {nullptr, "Back", options},
+                        {"Move & Rename", "Next ", move_path},
+                        {nullptr, "Next ", move_path},
+                        {nullptr, "Back", options},
+                        {"Copy & Rename", "Next ", copy_path},
+                        {nullptr, "Next ", fourth_name},
+                        {nullptr, "Back", copy_path},
+                        {nullptr, "Next ", fourth_name},
+                        {nullptr, "Next ", "Filter Added|You have successfully added a filter"}};
   start();
   on_dialog([&](wxDialog& wizard) {
     EXPECT_EQ(wizard.GetTitle(), "Add Filter Wizard");
@@ -132,8 +139,12 @@ TEST_F(TestWindow, PreferencesAreCheckedCleanedAndStored) {
   });
   command(ui::mnuPrefs);
   EXPECT_EQ(store.texts["types"], "avi;mkv");
-  EXPECT_EQ(store.numbers, (std::map<std::string, std::uint32_t>{{"context", 2}, {"confirm", 1}, {"nocache", 1},
-                                                                 {"noutf8", 1}, {"logging", 2}, {"autoclose", 1},
+  EXPECT_EQ(store.numbers, (std::map<std::string, std::uint32_t>{{"context", 2},
+                                                                 {"confirm", 1},
+                                                                 {"nocache", 1},
+                                                                 {"noutf8", 1},
+                                                                 {"logging", 2},
+                                                                 {"autoclose", 1},
                                                                  {"msgskip$1", 1}}));
   EXPECT_EQ(recorder.calls, (std::vector<std::string>{"remove avi", "remove mkv", "remove mpg", "remove mp4",
                                                       "install avi", "install mkv", "install DIR"}));

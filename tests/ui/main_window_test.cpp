@@ -49,8 +49,10 @@ TEST_F(TestWindow, EachTabShowsItsOwnListAndButtons) {
       }
     }
   }
-  EXPECT_EQ(label(*frame, "Command3") + label(*frame, "Command1") + label(*frame, "Command2"), "Move UpMove DownAdd New");
-  EXPECT_EQ(label(*frame, "Command4") + label(*frame, "Command5") + label(*frame, "Command6"), "Move UpMove DownAdd New");
+  EXPECT_EQ(label(*frame, "Command3") + label(*frame, "Command1") + label(*frame, "Command2"),
+            "Move UpMove DownAdd New");
+  EXPECT_EQ(label(*frame, "Command4") + label(*frame, "Command5") + label(*frame, "Command6"),
+            "Move UpMove DownAdd New");
 }
 
 TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStarts) {
@@ -172,10 +174,10 @@ TEST_F(TestWindow, TheHelpMenuLeadsOut) {
   command(ui::mnuWeb);
   command(ui::mnuUpdate);
   const std::string handle = std::to_string(reinterpret_cast<std::uintptr_t>(frame->GetHandle()));
-  EXPECT_EQ(recorder.calls, (std::vector<std::string>{
-                                "open https://quorvel.example/?v=3.4",
-                                "start /opt/tarn package=Quorvel,apppath=" + (folder / "program").string() +
-                                    ",runcount=123,version=3400,handle=" + handle}));
+  EXPECT_EQ(recorder.calls,
+            (std::vector<std::string>{"open https://quorvel.example/?v=3.4",
+                                      "start /opt/tarn package=Quorvel,apppath=" + (folder / "program").string() +
+                                          ",runcount=123,version=3400,handle=" + handle}));
   recorder.calls.clear();
   on_dialog([this](wxDialog& about) {
     EXPECT_EQ(about.GetTitle(), "About Quorvel");

@@ -3,7 +3,6 @@
 #include <wx/notebook.h>
 #include <wx/uiaction.h>
 
-
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -128,7 +127,9 @@ TEST_F(Running, AnItemKeepsToTheRuleItWasMatchedWith) {
   EXPECT_FALSE(exists("in/harbour.lights.s01e01.avi") || exists("out"));
   EXPECT_TRUE(exists("in/" + session->queue.at(1).new_name) && session->queue.at(1).new_name.starts_with("The "));
   frame->Bind(wxEVT_CONTEXT_MENU, [](wxContextMenuEvent&) {});
-  frame->pop_up = [](wxWindow&, wxMenu& menu, const wxPoint&) { EXPECT_EQ(menu.GetLabelText(ui::mnuUndo), "Undo Rename"); };
+  frame->pop_up = [](wxWindow&, wxMenu& menu, const wxPoint&) {
+    EXPECT_EQ(menu.GetLabelText(ui::mnuUndo), "Undo Rename");
+  };
   wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
   named(*frame, "ListView1")->ProcessWindowEvent(by_key);
   command(ui::mnuUndo);
