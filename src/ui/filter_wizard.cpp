@@ -129,7 +129,9 @@ wxWindow* FilterWizard::build_path() {
 wxWindow* FilterWizard::build_name() {
   wxPanel* const panel = page();
   mask_ = new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "mask");
-  panel->GetSizer()->Add(mask_, wxSizerFlags().Expand());
+  panel->GetSizer()->Add(mask_, wxSizerFlags().Expand().Border(wxBOTTOM));
+  panel->GetSizer()->Add(hint(panel, "[show], [title]: names of the show and the episode"));
+  panel->GetSizer()->Add(hint(panel, "[s], [e]: numbers of the season and the episode; [ss], [ee]: with two digits"));
   return panel;
 }
 
