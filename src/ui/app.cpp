@@ -44,8 +44,12 @@ void App::build() {
   session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *frame_, *clock_, context_menu_.get()}, places());
   startup_.emplace(*session_, *frame_, *channel_);
   frame_->attach(*session_, *launcher_, [this] { startup_->unload(); });
-  Bind(wxEVT_QUERY_END_SESSION, [this](wxCloseEvent& event) { frame_->query_end_session(event); });
-  Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) { frame_->end_session(); });
+  Bind(wxEVT_QUERY_END_SESSION, [this](wxCloseEvent& event) {
+    if (frame_ != nullptr) frame_->query_end_session(event);
+  });
+  Bind(wxEVT_END_SESSION, [this](wxCloseEvent&) {
+    if (frame_ != nullptr) frame_->end_session();
+  });
   frame_->Bind(wxEVT_DESTROY, [this](wxWindowDestroyEvent& event) {
     if (event.GetWindow() == frame_) frame_ = nullptr;
     event.Skip();
@@ -55,7 +59,7 @@ void App::build() {
 bool App::OnInit() {
   SetAppName(application_title);
   // What the toolkit has to say goes where developers look; users are told by messages of the program's own.
-  delete wxLog::SetActiveTarget(new wxLogStderr);
+  delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it is the log's
   try {
     start();
   } catch (const std::exception& failure) {

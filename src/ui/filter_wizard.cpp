@@ -26,6 +26,10 @@ wxStaticText* hint(wxWindow* parent, const wxString& text) {
   return label;
 }
 
+wxChoice* choice(wxWindow* parent, const char* name) {
+  return new wxChoice(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxArrayString(), 0, wxDefaultValidator, name);
+}
+
 /// Long texts end in "..." rather than widen the dialog.
 wxStaticText* value(wxWindow* parent, const char* name) {
   return new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
@@ -83,10 +87,10 @@ wxPanel* FilterWizard::page() {
 
 wxWindow* FilterWizard::build_conditions() {
   wxPanel* const panel = page();
-  field_ = new wxChoice(panel, wxID_ANY);
+  field_ = choice(panel, "field");
   field_->Append(wxString("Show Name"));
   field_->Append(wxString("File Type"));
-  comparison_ = new wxChoice(panel, wxID_ANY);
+  comparison_ = choice(panel, "comparison");
   comparison_->Append(wxString("Equals"));
   comparison_->Append(wxString("Doesn't Equal"));
   condition_ =

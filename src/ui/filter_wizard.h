@@ -3,6 +3,7 @@
 #include <wx/button.h>
 #include <wx/choice.h>
 #include <wx/dialog.h>
+#include <wx/panel.h>
 #include <wx/radiobut.h>
 #include <wx/simplebook.h>
 #include <wx/stattext.h>

@@ -2,7 +2,9 @@
 
 #include <wx/dnd.h>
 #include <wx/evtloop.h>
+#include <wx/hyperlink.h>
 #include <wx/listctrl.h>
+#include <wx/notebook.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -120,6 +122,63 @@ void TestWindow::command(int id) {
   frame->ProcessWindowEvent(event);
 }
 
+ui::RuleList& TestWindow::rules(std::size_t tab) {
+  find<wxNotebook>(*frame, "TabStrip1").SetSelection(tab - 1);
+  return find<ui::RuleList>(*frame, "ListView" + std::to_string(tab));
+}
+
+std::string TestWindow::menu_over(std::size_t tab, int row) {
+  find<wxNotebook>(*frame, "TabStrip1").SetSelection(tab - 1);
+  auto& list = find<wxListCtrl>(*frame, "ListView" + std::to_string(tab));
+  wxRect area;
+  wxPoint at(5, list.GetClientSize().y - 5);
+  if (row > 0 && list.GetItemRect(row - 1, area)) at = wxPoint(area.x + 30, area.y + area.height / 2);
+  std::string shown;
+  frame->pop_up = [&](wxWindow&, wxMenu& menu, const wxPoint&) { shown = captions(menu); };
+  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, list.GetId(), list.ClientToScreen(at));
+  list.ProcessWindowEvent(event);
+  return shown;
+}
+
+void TestWindow::choose_selected_item() {
+  frame->pop_up = [](wxWindow&, wxMenu&, const wxPoint&) {};
+  wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
+  named(*frame, "ListView1")->ProcessWindowEvent(by_key);
+}
+
+void TestWindow::open_item(int index) {
+  wxListEvent activated(wxEVT_LIST_ITEM_ACTIVATED);
+  activated.m_itemIndex = index - 1;
+  named(*frame, "ListView1")->ProcessWindowEvent(activated);
+}
+
+void TestWindow::in_the_pass(const std::function<void()>& action) {
+  wxTheApp->CallAfter([this, action] {
+    EXPECT_FALSE(idle());
+    action();
+  });
+}
+
+void TestWindow::wait_for_the_end() {
+  wait_until([this] { return frame == nullptr; });
+}
+
+void TestWindow::rule(int action, const std::string& to) {
+  session->filters.at(1).action = action;
+  session->filters.at(1).path = to + "/";
+}
+
+std::size_t TestWindow::files_in(const char* name) const {
+  if (!std::filesystem::exists(folder / name)) return 0;
+  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder / name), {}));
+}
+
+void TestWindow::focus(const char* name) {
+  wxWindow* const window = named(*frame, name);
+  window->SetFocus();
+  wait_until([&] { return wxWindow::FindFocus() != nullptr && window->IsDescendant(wxWindow::FindFocus()); });
+}
+
 std::string TestWindow::file(const std::string& name, const std::string& contents) {
   const std::filesystem::path path = folder / "in" / name;
   std::filesystem::create_directories(path.parent_path());
@@ -173,6 +232,32 @@ void press(const wxWindow& parent, const std::string& name) {
   wxCommandEvent event(wxEVT_BUTTON, button.GetId());
   event.SetEventObject(&button);
   button.ProcessWindowEvent(event);
+}
+
+std::string captions(const wxMenu& menu) {
+  std::string all;
+  for (const wxMenuItem* const item : menu.GetMenuItems()) {
+    all += (all.empty() ? "" : "|") + (item->IsSeparator() ? "-" : from_wx(item->GetItemLabelText()));
+  }
+  return all;
+}
+
+int count(const std::string& text, const std::string& what) {
+  int found = 0;
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; ++at) ++found;
+  return found;
+}
+
+void click(const wxWindow& parent, const std::string& link) {
+  wxCommandEvent event(wxEVT_HYPERLINK);
+  find<wxHyperlinkCtrl>(parent, link).ProcessWindowEvent(event);
+}
+
+void type(const wxWindow& dialog, int key, bool control) {
+  wxKeyEvent event(wxEVT_CHAR_HOOK);
+  event.m_keyCode = key;
+  event.m_controlDown = control;
+  dialog.GetEventHandler()->ProcessEvent(event);
 }
 
 void tick(const wxWindow& parent, const std::string& name, bool on) {

@@ -70,6 +70,23 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
   bool all_dialogs_came() const { return drives_.empty(); }
 
   void command(int id);
+  /// Shows a tab, counted from 1, and gives its list.
+  ui::RuleList& rules(std::size_t tab);
+  /// The entries of the menu that a right click on a row of the tab's list brings up, joined by "|", or one on the
+  /// empty area for row 0; empty when none comes.
+  std::string menu_over(std::size_t tab, int row);
+  /// Brings up the queue's menu by key, for the selected item, and leaves it at that.
+  void choose_selected_item();
+  /// A double-click on an item of the queue.
+  void open_item(int index);
+  /// Runs while the pass that is started next lets events run.
+  void in_the_pass(const std::function<void()>& action);
+  void wait_for_the_end();
+  /// One rule that copies or moves below that folder.
+  void rule(int action, const std::string& to);
+  std::size_t files_in(const char* name) const;
+  /// Gives the keyboard to a control.
+  void focus(const char* name);
   std::string file(const std::string& name, const std::string& contents = "x");  // below folder/in, made; its path
   bool exists(const std::string& name) const { return std::filesystem::exists(folder / name); }
   std::string cell(const char* list, int row, int column) const;
@@ -114,6 +131,10 @@ std::string label(const wxWindow& parent, const std::string& name);
 std::string text(const wxWindow& parent, const std::string& name);
 void set_text(const wxWindow& parent, const std::string& name, const std::string& text);
 void press(const wxWindow& parent, const std::string& button);
+std::string captions(const wxMenu& menu);
+int count(const std::string& text, const std::string& what);
+void click(const wxWindow& parent, const std::string& link);
+void type(const wxWindow& dialog, int key, bool control);
 void tick(const wxWindow& parent, const std::string& box, bool on = true);
 
 }  // namespace quorvel::testing

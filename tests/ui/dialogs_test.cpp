@@ -1,5 +1,4 @@
 #include <wx/choice.h>
-#include <wx/hyperlink.h>
 #include <wx/radiobut.h>
 
 #include "test_window.h"
@@ -7,25 +6,19 @@
 #include "ui/text.h"
 
 namespace quorvel::testing {
-namespace {
-
-using ui::from_wx;
 
 /// What the wizard shows: its heading and the line below.
-std::string step(const wxWindow& wizard) {
+static std::string step(const wxWindow& wizard) {
   return label(wizard, "heading") + "|" + label(wizard, "subheading");
 }
 
-void choose(const wxWindow& wizard, const std::string& option) {
-  find<wxRadioButton>(wizard, option).SetValue(true);
-}
-
-const std::string conditions = "Step 1 - Filter Conditions|Specify the critera of this filter";
-const std::string options = "Step 2 - Filter Options|Select what this filter will do";
-const std::string move_path = "Step 3 - File Path|Select where files will me moved to";
-const std::string copy_path = "Step 3 - File Path|Select where files will me copied to";
-const std::string third_name = "Step 3 - File Name|Specify the new file name format";
-const std::string fourth_name = "Step 4 - File Name|Specify the new file name format";
+static const std::vector<const char*> boxes = {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6"};
+static const std::string conditions = "Step 1 - Filter Conditions|Specify the critera of this filter";
+static const std::string options = "Step 2 - Filter Options|Select what this filter will do";
+static const std::string move_path = "Step 3 - File Path|Select where files will me moved to";
+static const std::string copy_path = "Step 3 - File Path|Select where files will me copied to";
+static const std::string third_name = "Step 3 - File Name|Specify the new file name format";
+static const std::string fourth_name = "Step 4 - File Name|Specify the new file name format";
 
 TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
   struct Move {
@@ -51,7 +44,7 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
     EXPECT_EQ(step(wizard), conditions);
     EXPECT_FALSE(named(wizard, "Back")->IsEnabled());
     for (const Move& move : moves) {
-      if (move.option != nullptr) choose(wizard, move.option);
+      if (move.option != nullptr) find<wxRadioButton>(wizard, move.option).SetValue(true);
       if (move.then == move_path && step(wizard) == move_path) {
         set_text(wizard, "path", "/x");
         on_dialog("Path not valid", "OK");
@@ -85,12 +78,8 @@ TEST_F(TestWindow, EditingARuleKeepsItsOtherConditionAndCancellingChangesNothing
   command(ui::mnuEditFilter);
   EXPECT_EQ(session->filters.at(1).showName, "*");
   on_dialog([](wxDialog& wizard) {
-    find<wxChoice>(wizard, "choice").SetSelection(1);
-    for (wxWindow* const child : named(wizard, "choice")->GetParent()->GetChildren()) {
-      if (auto* const choice = dynamic_cast<wxChoice*>(child); choice && choice->GetString(0) == "Equals") {
-        choice->SetSelection(1);
-      }
-    }
+    find<wxChoice>(wizard, "field").SetSelection(1);
+    find<wxChoice>(wizard, "comparison").SetSelection(1);
     set_text(wizard, "condition", "AVI");
     press(wizard, "Next ");
     press(wizard, "Next ");
@@ -124,12 +113,9 @@ TEST_F(TestWindow, PreferencesAreCheckedCleanedAndStored) {
     on_dialog("Filetypes Required", "OK");
     press(dialog, "OK");
     EXPECT_TRUE(store.texts.count("types") == 0 && dialog.IsModal());
-    for (const char* const box : {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6"}) tick(dialog, box);
+    for (const char* const box : boxes) tick(dialog, box);
     set_text(dialog, "txtTypes", ".AVI;.mkv;");
-    wxKeyEvent key(wxEVT_CHAR_HOOK);
-    key.m_keyCode = 'T';
-    key.m_controlDown = true;
-    dialog.ProcessWindowEvent(key);
+    type(dialog, 'T', true);
     on_dialog([](wxDialog& warning) {
       EXPECT_EQ(warning.GetTitle(), "Not Recommended");
       tick(warning, "Don't show this again");
@@ -151,7 +137,7 @@ TEST_F(TestWindow, PreferencesAreCheckedCleanedAndStored) {
   EXPECT_NE(log().find("Keep temp on"), std::string::npos);
   recorder.calls.clear();
   on_dialog([](wxDialog& dialog) {  // the warning has been switched off
-    for (const char* const box : {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6"}) {
+    for (const char* const box : boxes) {
       EXPECT_TRUE(find<wxCheckBox>(dialog, box).GetValue()) << box;
       if (box != std::string("Check3")) tick(dialog, box, false);
     }
@@ -185,16 +171,13 @@ TEST_F(TestWindow, ExceptionsNeedBothNames) {
   command(ui::mnuAddEx2);
   EXPECT_EQ(cell("ListView3", 1, 0) + "|" + cell("ListView3", 1, 1), "the office|The Office");
 
-  wxListEvent activated(wxEVT_LIST_ITEM_ACTIVATED);
-  activated.SetEventObject(named(*frame, "ListView1"));
-  activated.m_itemIndex = 0;
   on_dialog([](wxDialog& info) {
     wait_until([&] { return !label(info, "status").empty(); });
     EXPECT_EQ(label(info, "status"), "Status: Failed");
     EXPECT_EQ(text(info, "description"), "Error: Unable to find show on tvmaze.com\nSearched for: no such show");
     press(info, "OK");
   });
-  named(*frame, "ListView1")->ProcessWindowEvent(activated);
+  open_item(1);
   on_dialog([](wxDialog& dialog) {
     wait_until([&] { return !text(dialog, "detected_name").empty(); });
     EXPECT_EQ(text(dialog, "detected_name"), "no such show");
@@ -211,9 +194,8 @@ TEST_F(TestWindow, ExceptionsNeedBothNames) {
     EXPECT_EQ(label(info, "status"), "Status: Done");
     EXPECT_EQ(label(info, "filename"), "Filename: no.such.show.s01e01.avi");
     EXPECT_FALSE(named(info, "description")->IsShown());
-    wxCommandEvent click(wxEVT_HYPERLINK);
-    named(info, "show_link")->ProcessWindowEvent(click);
-    named(info, "episode_link")->ProcessWindowEvent(click);
+    click(info, "show_link");
+    click(info, "episode_link");
     press(info, "OK");
   });
   command(ui::mnuInfo);
@@ -258,5 +240,4 @@ TEST_F(TestWindow, MessagesBreakTheirLinesAndOfferABoxOnlyWithANumber) {
   }
 }
 
-}  // namespace
 }  // namespace quorvel::testing

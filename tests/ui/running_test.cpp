@@ -1,48 +1,21 @@
 // What may happen while a pass runs or a dialog is open.
 #include <wx/listctrl.h>
-#include <wx/notebook.h>
 #include <wx/uiaction.h>
 
 #include "test_window.h"
 #include "ui/text.h"
 
 namespace quorvel::testing {
-namespace {
-
-using ui::from_wx;
-
-int count(const std::string& text, const std::string& what) {
-  int found = 0;
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; ++at) ++found;
-  return found;
-}
-
 class Running : public TestWindow {
  protected:
   void start_with_files() {
     start();
     drop({file("harbour.lights.s01e01.avi"), file("harbour.lights.s01e02.avi")});
   }
-  /// Runs while the pass that is started next lets events run.
-  void in_the_pass(const std::function<void()>& action) {
-    wxTheApp->CallAfter([this, action] {
-      EXPECT_FALSE(idle());
-      action();
-    });
-  }
-  void wait_for_the_end() {
-    wait_until([this] { return frame == nullptr; });
-  }
-  /// One rule that copies or moves to another folder of the same disk.
-  void rule(int action) {
-    AFilter& rule = session->filters.at(1);
-    rule.action = action;
-    rule.path = (folder / "out/").string();
-  }
-  std::size_t files_in(const char* name) const {
-    return std::filesystem::exists(folder / name)
-               ? static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder / name), {}))
-               : 0;
+  void start_a_long_copy() {
+    start();
+    rule(CopyAndRename, folder / "out");
+    drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
   }
 };
 
@@ -119,27 +92,20 @@ TEST_F(Running, AnItemKeepsToTheRuleItWasMatchedWith) {
   start();
   drop({file("harbour.lights.s01e01.avi")});
   on_dialog([&](wxDialog& dialog) {
-    rule(CopyAndRename);
+    rule(CopyAndRename, folder / "out");
     session->filters.at(1).mask = "[title]";
     press(dialog, "OK");
   });
   run_pass();
   EXPECT_FALSE(exists("in/harbour.lights.s01e01.avi") || exists("out"));
   EXPECT_TRUE(exists("in/" + session->queue.at(1).new_name) && session->queue.at(1).new_name.starts_with("The "));
-  frame->Bind(wxEVT_CONTEXT_MENU, [](wxContextMenuEvent&) {});
-  frame->pop_up = [](wxWindow&, wxMenu& menu, const wxPoint&) {
-    EXPECT_EQ(menu.GetLabelText(ui::mnuUndo), "Undo Rename");
-  };
-  wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
-  named(*frame, "ListView1")->ProcessWindowEvent(by_key);
+  choose_selected_item();
   command(ui::mnuUndo);
   EXPECT_TRUE(exists("in/harbour.lights.s01e01.avi"));
 }
 
 TEST_F(Running, ACopyTellsHowFarItIsAndIsFinishedBeforeTheWindowCloses) {
-  start();
-  rule(CopyAndRename);
-  drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
+  start_a_long_copy();
   on_progress = [this] {
     if (progress_reports > 1) return;
     frame->copy_progress(42, 100);
@@ -154,9 +120,7 @@ TEST_F(Running, ACopyTellsHowFarItIsAndIsFinishedBeforeTheWindowCloses) {
 }
 
 TEST_F(Running, TheSessionsEndIsHeldUpAndThenGivesACopyUp) {
-  start();
-  rule(CopyAndRename);
-  drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
+  start_a_long_copy();
   on_progress = [this] {
     wxCloseEvent query(wxEVT_QUERY_END_SESSION);
     query.SetCanVeto(true);
@@ -175,14 +139,11 @@ TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
   start();
   std::string pattern = "/dev/shm/quorvel-XXXXXX";
   ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-  rule(MoveAndRename);
-  session->filters.at(1).path = pattern + "/";
+  rule(MoveAndRename, pattern);
   drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
   run_pass();
   EXPECT_TRUE(is_done(1)) << log();
-  frame->pop_up = [](wxWindow&, wxMenu&, const wxPoint&) {};
-  wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
-  named(*frame, "ListView1")->ProcessWindowEvent(by_key);
+  choose_selected_item();
   on_progress = [this] { command(ui::mnuUndo); };
   command(ui::mnuUndo);
   EXPECT_EQ(cell("ListView1", 1, 2), "Cancelled") << log();
@@ -197,7 +158,7 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   frame->add_tray_icon("Quorvel");
   const auto first_entry = [&] {
     const std::unique_ptr<wxMenu> menu(frame->open_tray_menu());
-    return menu ? from_wx(menu->FindItemByPosition(0)->GetItemLabelText()) : "";
+    return menu ? ui::from_wx(menu->FindItemByPosition(0)->GetItemLabelText()) : "";
   };
   EXPECT_EQ(first_entry(), "Hide");
   command(ui::mnuShow);
@@ -218,35 +179,18 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   wait_until([&] { return frame->IsShown() && frame->IsIconized(); });
 }
 
-TEST_F(Running, NamesThatAreNotUtf8AreQueuedByteForByte) {
-  start();
-  const std::string path = file("caf\xE9.s01e01.avi");
-  drop({path});
-  ASSERT_EQ(session->queue.count(), 1);
-  EXPECT_EQ(session->queue.at(1).path, path);
-  EXPECT_EQ(cell("ListView1", 1, 0), "caf\\351.s01e01");
-}
-
 // With real keys.
 
-class Keyboard : public TestWindow {
- protected:
-  void tab(std::size_t page) { find<wxNotebook>(*frame, "TabStrip1").SetSelection(page); }
-  void focus(const char* name) {
-    wxWindow* const window = named(*frame, name);
-    window->SetFocus();
-    wait_until([&] { return frame->FindFocus() != nullptr && window->IsDescendant(frame->FindFocus()); });
-  }
-  void key(int code, int modifiers = 0) { wxUIActionSimulator().Char(code, modifiers); }
-};
+static void key(int code, int modifiers = 0) {
+  wxUIActionSimulator().Char(code, modifiers);
+}
 
-TEST_F(Keyboard, RulesAreEditedAndRemoved) {
+TEST_F(TestWindow, RulesAreEditedAndRemoved) {
   start();
   session->filters.append(session->filters.at(1));
   ASSERT_TRUE(session->filters.savefilters());
   session->filters.refresh_lv2();
-  tab(1);
-  auto& list = find<ui::RuleList>(*frame, "ListView2");
+  auto& list = rules(2);
   list.select(1);
   focus("ListView2");
   for (const int code : {static_cast<int>(WXK_F2), static_cast<int>(WXK_RETURN)}) {
@@ -265,7 +209,7 @@ TEST_F(Keyboard, RulesAreEditedAndRemoved) {
   wait_until([&] { return list.GetItemCount() == 1; });
 }
 
-TEST_F(Keyboard, MenusOpenByKeyAndByTheRightButton) {
+TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   start();
   drop({file("nothing.avi"), file("harbour.lights.s01e01.avi")});
   run_pass();
@@ -287,14 +231,14 @@ TEST_F(Keyboard, MenusOpenByKeyAndByTheRightButton) {
   wait_until([&] { return came; });
 }
 
-TEST_F(Keyboard, TabGoesThroughThePreferencesInTheirOrder) {
+TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {
   start();
   std::string order;
   on_dialog([&](wxDialog& dialog) {
     wait_until([&] { return dialog.IsActive() && wxWindow::FindFocus() != nullptr; });
     for (int i = 0; i < 9; ++i) {
       wxWindow* const focused = wxWindow::FindFocus();
-      order += from_wx(wxControl::RemoveMnemonics(focused->GetLabel())).substr(0, 9) + "|";
+      order += ui::from_wx(wxControl::RemoveMnemonics(focused->GetLabel())).substr(0, 9) + "|";
       key(WXK_TAB);
       wait_until([&] { return wxWindow::FindFocus() != focused; });
     }
@@ -304,5 +248,4 @@ TEST_F(Keyboard, TabGoesThroughThePreferencesInTheirOrder) {
   EXPECT_EQ(order, "Close whe|Verbose L|Confirm F|Disable C|Disable U|Add To Co||OK|Cancel|");
 }
 
-}  // namespace
 }  // namespace quorvel::testing
