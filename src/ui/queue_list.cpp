@@ -18,9 +18,16 @@ QueueList::QueueList(wxWindow* parent, const QueueListModel& model)
 
   // A window of its own, over the list's: the list paints its whole area.
   hint_ = new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
-  hint_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
   auto* const text = new wxStaticText(hint_, wxID_ANY, "Drop files or folders here");
-  text->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+  const auto colour = [this, text] {
+    hint_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
+    text->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
+  };
+  colour();
+  Bind(wxEVT_SYS_COLOUR_CHANGED, [colour](wxSysColourChangedEvent& event) {
+    event.Skip();
+    colour();
+  });
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(text);
   hint_->SetSizerAndFit(sizer);
