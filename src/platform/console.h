@@ -24,7 +24,7 @@ std::optional<std::string> read_line();
 /// From now on Ctrl+C and its like are counted instead of ending the program, and a closed pipe ends nothing.
 void count_interrupts();
 
-/// How often the user has interrupted since.
+/// How often the user has interrupted since. An interrupt not yet told here ends read_line().
 int interrupts();
 
 }  // namespace quorvel::console

@@ -23,7 +23,8 @@ class FileOperation {
  public:
   virtual ~FileOperation() = default;
 
-  /// 0 on success, else the system's error code; nothing has changed then.
+  /// 0 on success, else the system's error code; nothing has changed then, but part of a folder deleted for good may be
+  /// gone.
   /// Delete with AllowUndo puts the file into the trash, and answers native::no_trash_code where there is none;
   /// without it the file, or the folder with all it holds, is gone for good.
   virtual int perform(const FileOperationRequest& request) = 0;

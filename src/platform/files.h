@@ -10,9 +10,9 @@ namespace quorvel {
 /// Tells one state of one file from another: a different stamp means other contents or another file.
 struct FileStamp {
   std::uint64_t device = 0;
-  std::uint64_t id = 0;           // of the file on its device
-  std::uint64_t size = 0;         // bytes
-  std::int64_t modified_ns = 0;   // since the system's epoch
+  std::uint64_t id = 0;          // of the file on its device
+  std::uint64_t size = 0;        // bytes
+  std::int64_t modified_ns = 0;  // since the system's epoch
   bool operator==(const FileStamp&) const = default;
   bool same_file(const FileStamp& other) const { return device == other.device && id == other.id; }
 };
@@ -37,7 +37,7 @@ class Files {
   virtual std::optional<FileStamp> stamp(const std::string& path) const = 0;
 
   /// Hands over each entry but "." and "..", in the order the system lists them.
-  /// False when the folder cannot be opened.
+  /// False when the folder cannot be opened or not be read to its end.
   virtual bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const = 0;
 
   /// The whole file; empty when it cannot be opened or read.
@@ -48,7 +48,7 @@ class Files {
   /// or the old file is write-protected, the disk is full, or the path is no file's.
   virtual bool replace(const std::string& path, const std::string& bytes) = 0;
 
-  /// False when the file is still there afterwards.
+  /// True as well when there was no file; false when it is still there afterwards, or is a folder.
   virtual bool remove(const std::string& path) = 0;
 
   /// One level; false when it cannot be created.

@@ -20,7 +20,7 @@ class SocketControl {
   /// 0 on success, else an error code.
   virtual int connect(const std::string& host, int port) = 0;
 
-  /// The number of bytes sent.
+  /// The number of bytes sent; fewer than all on error.
   virtual std::ptrdiff_t write(std::string_view bytes) = 0;
 
   /// The number of bytes placed into `buffer`, at most `size`; 0 when the peer has closed, -1 on error.

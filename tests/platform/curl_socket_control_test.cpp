@@ -43,6 +43,7 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   char buffer[8];
   EXPECT_EQ(socket.read(buffer, 8) + socket.write("x"), -1);
   ASSERT_EQ(socket.connect("127.0.0.1", port), 0) << socket.last_error_string();
+  unsetenv("all_proxy");
   const int peer = listener->accept();
   listener.reset();
   EXPECT_EQ(socket.write("hello"), 5);

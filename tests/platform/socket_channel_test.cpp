@@ -61,6 +61,7 @@ TEST(SocketChannel, OfFiftyStartedAtOnceOneRunsAndHearsAllOthers) {
   int gate[2];
   ASSERT_EQ(pipe(gate), 0);
   std::vector<pid_t> copies;
+  copies.reserve(50);
   for (int i = 0; i < 50; ++i) {
     copies.push_back(start_copy([&, i] {
       close(gate[1]);
@@ -112,7 +113,7 @@ TEST(SocketChannel, GivesUpOnACopyThatHangs) {
   const pid_t hung = start_copy([&] {
     SocketChannel channel(folder.path());
     channel.receive([](const std::string&) {});
-    raise(SIGSTOP);
+    EXPECT_EQ(raise(SIGSTOP), 0);
   });
   int status = 0;
   ASSERT_EQ(waitpid(hung, &status, WUNTRACED), hung);

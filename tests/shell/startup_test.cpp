@@ -3,13 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-
-#include "../support/fake_ports.h"
-#include "../support/temporary_folder.h"
-#include "platform/linux/disk_files.h"
-#include "platform/linux/gio_file_operation.h"
-#include "platform/linux/key_file_store.h"
+#include "../support/program_copy.h"
 
 namespace quorvel::testing {
 namespace {
@@ -18,52 +12,19 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using Texts = std::vector<std::string>;
 
-/// One copy of the program, on real files and settings.
-struct Copy {
-  Copy() {
-    for (const char* const name : {"data", "program"}) fs::create_directory(folder / name);
-    for (const char* const name : {"a.1x01.mkv", "b 1x02.avi", "--uninstall", "/uninstall/c.2x01.mkv"}) file(name);
-    session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };
-  }
-  std::string file(const std::string& name) {
-    fs::create_directories(fs::path(folder / name).parent_path());
-    std::ofstream(folder / name) << "x";
-    return folder / name;
-  }
-  StartResult run(const Texts& arguments) { return startup.run(arguments); }
-  Texts happened() { return std::exchange(events.list, {}); }
-
-  TemporaryFolder folder;
-  Events events;
-  FakeUi ui{events};
-  FakeWindow window{events};
-  FakeChannel channel{events};
-  FakeMenu menu{events};
-  FakeClock clock{events};
-  NoSocket socket;
-  DiskFiles files;
-  GioFileOperation shell{[](auto, auto) { return true; }};
-  KeyFileStore store{files, folder / "config/Quorvel/settings.ini"};
-  Session session{{store, shell, files, socket, ui, clock, &menu},
-                  {folder / "data", folder / "program", {}, "http://127.0.0.1"}};
+struct Copy : ProgramCopy {
+  const std::string a = file("a.1x01.mkv"), b = file("b 1x02.avi");
   Startup startup{session, window, channel};
 };
 
 TEST(Startup, BringsTheProgramUpInOrder) {
   Copy copy;
   copy.store.write_string("types", "avi;mkv");
-  EXPECT_EQ(copy.run({copy.folder / "a.1x01.mkv", "/startup"}), StartResult::Running);
-  const Texts tail = {"full rows", "row a.1x01", "timer", "centre", "minimise", "clicks"};
-  Texts all = {"caption Quorvel 3.4",
-               "receive",
-               "(t) Quorvel 3.4 (build 0) started",
-               "tray Quorvel",
-               "install avi",
-               "install mkv",
-               "install DIR",
-               "(t) Help File not found in program directory"};
-  all.insert(all.end(), tail.begin(), tail.end());
-  EXPECT_EQ(copy.happened(), all);
+  EXPECT_EQ(copy.startup.run({copy.a, "/startup"}), StartResult::Running);
+  const std::string banner = "(t) Quorvel 3.4 (build 0) started";
+  EXPECT_THAT(copy.happened(), ElementsAre("caption Quorvel 3.4", "receive", banner, "tray Quorvel", "install avi",
+                                           "install mkv", "install DIR", "(t) Help File not found in program directory",
+                                           "full rows", "row a.1x01", "timer", "centre", "minimise", "clicks"));
   EXPECT_TRUE(copy.startup.loaded() && fs::exists(copy.folder / "data/Quorvel"));
   copy.startup.unload();
   copy.startup.unload();
@@ -74,31 +35,29 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.file("program/quorvel help.chm");
   helped.store.write_number("context", 1);
   helped.store.write_string("", "3.4");
-  EXPECT_EQ(helped.run({}), StartResult::Running);
-  EXPECT_THAT(helped.happened(), ElementsAre("caption Quorvel 3.4", "receive", all[2], "tray Quorvel", "help file",
+  EXPECT_EQ(helped.startup.run({}), StartResult::Running);
+  EXPECT_THAT(helped.happened(), ElementsAre("caption Quorvel 3.4", "receive", banner, "tray Quorvel", "help file",
                                              "full rows", "timer", "clicks"));
 }
 
 TEST(CommandLine, TellsSwitchesFromPaths) {
   Copy copy;
-  const std::string here = copy.folder.path(), a = here + "/a.1x01.mkv", b = here + "/b 1x02.avi";
+  const std::string here = copy.folder.path(), c = copy.file("uninstall/c.mkv"), dashes = copy.file("--uninstall");
   const fs::path before = fs::current_path();
   fs::current_path(here);
   const std::pair<Texts, CommandLine> rows[] = {
       {{}, {}},
       {{"", "/uninstall"}, {true, false, {}}},
-      {{"--startup", "a.1x01.mkv", "b 1x02.avi"}, {false, true, {a, b}}},
-      {{"--uninstall"}, {false, false, {here + "/--uninstall"}}},
-      {{"./uninstall/c.2x01.mkv", here + "/uninstall"},
-       {false, false, {here + "/uninstall/c.2x01.mkv", here + "/uninstall"}}},
+      {{"--startup", "a.1x01.mkv", "b 1x02.avi"}, {false, true, {copy.a, copy.b}}},
+      {{"--uninstall"}, {false, false, {dashes}}},
+      {{"./uninstall/c.mkv", here + "/uninstall"}, {false, false, {c, here + "/uninstall"}}},
       {{"/UNINSTALL", "x/uninstall", "/startup2"}, {false, false, {"/UNINSTALL", here + "/x/uninstall", "/startup2"}}},
-      {{"b", "1x02.avi"}, {false, false, {b}}},
-      {{"\"" + b + "\"", "\"gone.avi\""}, {false, false, {b, here + "/gone.avi"}}},
+      {{"b", "1x02.avi"}, {false, false, {copy.b}}},
+      {{"\"" + copy.b + "\"", "\"gone.avi\""}, {false, false, {copy.b, here + "/gone.avi"}}},
       {{"file://" + here + "/b%201x02.avi", "FILE://localhost/p%25%fFq%4", "file:///a%00b", "file://host/x"},
-       {false, false, {b, "/p%\xFFq%4", here + "/file:/a%00b", here + "/file:/host/x"}}}};
+       {false, false, {copy.b, "/p%\xFFq%4", here + "/file:/a%00b", here + "/file:/host/x"}}}};
   for (const auto& [arguments, line] : rows) {
-    const CommandLine found = parse_command_line(arguments, copy.files, false);
-    EXPECT_EQ(found, line) << ::testing::PrintToString(arguments) << ::testing::PrintToString(found.paths);
+    EXPECT_EQ(parse_command_line(arguments, copy.files, false), line) << ::testing::PrintToString(arguments);
   }
   EXPECT_EQ(parse_command_line({"/x/uninstall", "y/startup"}, copy.files, true),
             (CommandLine{true, true, {"/x/uninstall y/startup"}}));
@@ -107,21 +66,21 @@ TEST(CommandLine, TellsSwitchesFromPaths) {
 
 TEST(Startup, HandsOverToTheRunningCopy) {
   Copy copy;
-  const std::string a = copy.folder / "a.1x01.mkv", odd = copy.file("q\"\n|\xFF.mkv");
+  const std::string odd = copy.file("q\"\n|\xFF.mkv");
   copy.ui.on_events = [&] { copy.events.add("events"); };
   copy.channel.others = {true};
-  EXPECT_EQ(copy.run({odd, "/startup", a}), StartResult::Ended);
-  EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=" + odd, "send QV|PI|C=" + a, "events"));
+  EXPECT_EQ(copy.startup.run({odd, "/startup", copy.a}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=" + odd, "send QV|PI|C=" + copy.a, "events"));
   copy.channel.others = {true};
-  EXPECT_EQ(copy.run({}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({}), StartResult::Ended);
   EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=", "events"));
 
   copy.events.fails = "send";
   copy.channel.others = {true, true};
-  EXPECT_EQ(copy.run({a}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Ended);
   EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "message Quorvel: no send", "events"));
   copy.channel.others = {true, false};  // it has ended meanwhile
-  EXPECT_EQ(copy.run({a}), StartResult::Running);
+  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Running);
   EXPECT_EQ(copy.session.queue.count(), 1);
 }
 
@@ -130,7 +89,7 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
   for (const char* const step : {"caption", "receive", "tray", "full rows", "row", "timer", "centre", "clicks"}) {
     Copy copy;
     copy.events.fails = step;
-    EXPECT_EQ(copy.run({copy.folder / "a.1x01.mkv", "/startup"}), StartResult::Ended);
+    EXPECT_EQ(copy.startup.run({copy.a, "/startup"}), StartResult::Ended);
     Texts events = copy.happened();
     events.erase(events.begin(), events.end() - 5);
     EXPECT_THAT(events, ElementsAre("stop", text + "no " + step + ")", "stop", "no tray", "unload"));
@@ -138,7 +97,7 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
   }
   Copy copy;  // with settings that cannot be stored, of which the user has heard already
   copy.file("config");
-  EXPECT_EQ(copy.run({}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({}), StartResult::Ended);
   const Texts events = copy.happened();
   EXPECT_THAT(events, ::testing::Contains(::testing::StartsWith("message Error saving settings")));
   EXPECT_THAT(events, ::testing::Not(::testing::Contains(::testing::StartsWith(text))));
@@ -147,18 +106,17 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
 
 TEST(Startup, UnderstandsMessages) {
   Copy copy;
-  const std::string a = copy.folder / "a.1x01.mkv", b = copy.folder / "b 1x02.avi";
-  copy.startup.handle_message("QV|PI|C=" + a);  // kept
+  copy.startup.handle_message("QV|PI|C=" + copy.a);  // kept
   EXPECT_EQ(copy.session.queue.count(), 0);
-  copy.run({});
+  copy.startup.run({});
   EXPECT_EQ(copy.session.queue.count(), 1);
-  for (const std::string& text : {"qv|PI|C=" + b, "QV|XX|C=" + b, "QV|PI|" + b, std::string("QV|PI|"), "PI|C=" + b,
-                                  std::string("QV|PI"), std::string("QV|UD"), std::string()}) {
-    copy.channel.handle(text);
-    EXPECT_EQ(copy.session.queue.count(), 1) << text;
+  for (const char* const start : {"qv|PI|C=", "QV|XX|C=", "QV|PI|", "PI|C=", "QV|UD", ""}) {
+    copy.channel.handle(start + copy.b);
+    EXPECT_EQ(copy.session.queue.count(), 1) << start;
   }
+  for (const char* const text : {"", "QV|PI", "QV|PI|", "QV|PI|C"}) copy.channel.handle(text);
   copy.happened();
-  copy.channel.handle("QV|PI|\xC3\xA9\xFF" + b);  // two characters, whichever
+  copy.channel.handle("QV|PI|\xC3\xA9\xFF" + copy.b);  // two characters, whichever
   EXPECT_THAT(copy.happened(), ElementsAre("row b 1x02", "timer"));
 
   copy.ui.on_events = [&, first = true]() mutable {
@@ -171,7 +129,6 @@ TEST(Startup, UnderstandsMessages) {
   EXPECT_EQ(copy.session.queue.at(2).state, QueueState::Inactive);  // the pass has ended after the first
   EXPECT_THAT(copy.happened(),
               ::testing::IsSupersetOf({"row c.1x03", "(t) Got quit signal, finishing up...", "stop", "unload"}));
-  EXPECT_TRUE(fs::exists(a) && fs::exists(b));
 }
 
 TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
@@ -182,15 +139,15 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
   const fs::path before = fs::current_path();
   fs::current_path(copy.folder.path());
   copy.channel.others = {true};
-  EXPECT_EQ(copy.run({"/uninstall"}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({"/uninstall"}), StartResult::Ended);
   fs::current_path(before);
   EXPECT_THAT(copy.happened(), ElementsAre("remove ogm", "remove mkv", "remove DIR"));
   EXPECT_FALSE(fs::exists(copy.folder / "data/Quorvel") || fs::exists(copy.folder / "config/Quorvel"));
-  EXPECT_TRUE(fs::exists(strangers) && fs::exists(other) && fs::exists(copy.folder / "a.1x01.mkv"));
+  EXPECT_TRUE(fs::exists(strangers) && fs::exists(other) && fs::exists(copy.a));
 
   copy.file("data/Quorvel/filters.dat");
   copy.events.fails = "remove";
-  EXPECT_EQ(copy.run({"--uninstall", "x"}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({"--uninstall", "x"}), StartResult::Ended);
   EXPECT_FALSE(fs::exists(copy.folder / "data/Quorvel"));
 }
 

@@ -25,6 +25,7 @@ class MemoryKeyValues : public KeyValueStore {
   std::optional<std::string> trouble() const override { return {}; }
   std::optional<std::string> read_string(const std::string& name) const override { return value(texts, name); }
   std::optional<std::uint32_t> read_number(const std::string& name) const override { return value(numbers, name); }
+  void erase_all() override { texts.clear(), numbers.clear(); }
   void write_string(const std::string& name, const std::string& text) override { set(texts, name, text); }
   void write_number(const std::string& name, std::uint32_t number) override { set(numbers, name, number); }
 
@@ -86,6 +87,7 @@ class FixedClock : public Clock {
  public:
   std::chrono::year_month_day today() const override { return std::chrono::year(2026) / 3 / 14; }
   std::string time_of_day() const override { return "14:05:33"; }
+  void wait(std::chrono::milliseconds) override {}
 };
 
 /// A whole session on real files and real connections, with the listings service beside it.
@@ -96,7 +98,7 @@ struct TestSession {
   RecordingUi ui;
   FixedClock clock;
   std::unique_ptr<Files> files = system_files();
-  std::unique_ptr<FileOperation> shell = system_file_operation({});
+  std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
   CurlSocketControl socket;
   Session session{
       {key_values, *shell, *files, socket, ui, clock},

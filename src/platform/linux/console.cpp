@@ -1,5 +1,6 @@
 #include "platform/console.h"
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -12,10 +13,31 @@ namespace {
 
 // A signal handler can reach nothing but a static.
 volatile std::sig_atomic_t interrupt_count = 0;
+std::sig_atomic_t interrupts_told = 0;
+
+constexpr std::array<int, 3> interrupting = {SIGINT, SIGTERM, SIGHUP};
 
 void on_interrupt(int) {
   interrupt_count = interrupt_count + 1;
 }
+
+/// Interrupts wait while it lives, so that none slips in between looking for one and waiting for the user.
+class WithoutInterrupts {
+ public:
+  WithoutInterrupts() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int signal : interrupting) sigaddset(&held, signal);
+    ::sigprocmask(SIG_BLOCK, &held, &before_);
+  }
+  ~WithoutInterrupts() { ::sigprocmask(SIG_SETMASK, &before_, nullptr); }
+  WithoutInterrupts(const WithoutInterrupts&) = delete;
+  WithoutInterrupts& operator=(const WithoutInterrupts&) = delete;
+  const sigset_t& mask_before() const { return before_; }
+
+ private:
+  sigset_t before_{};
+};
 
 void write_all(int descriptor, std::string_view text) {
   while (!text.empty()) {
@@ -51,8 +73,13 @@ int width() {
 
 std::optional<std::string> read_line() {
   if (::isatty(STDIN_FILENO) != 1) return std::nullopt;
+  const WithoutInterrupts without;
   std::string line;
-  for (std::array<char, 1> byte{}; ::read(STDIN_FILENO, byte.data(), 1) == 1;) {
+  while (interrupt_count == interrupts_told) {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (::ppoll(&input, 1, nullptr, &without.mask_before()) < 0) continue;  // only here can an interrupt come in
+    std::array<char, 1> byte{};
+    if (::read(STDIN_FILENO, byte.data(), 1) != 1) return std::nullopt;
     if (byte[0] == '\n') return line;
     line += byte[0];
   }
@@ -61,13 +88,15 @@ std::optional<std::string> read_line() {
 
 void count_interrupts() {
   struct sigaction action {};
-  action.sa_handler = on_interrupt;  // without SA_RESTART, so that it ends a question
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
-  std::signal(SIGPIPE, SIG_IGN);
+  action.sa_handler = on_interrupt;
+  action.sa_flags = SA_RESTART;
+  for (const int signal : interrupting) ::sigaction(signal, &action, nullptr);
+  action.sa_handler = SIG_IGN;
+  ::sigaction(SIGPIPE, &action, nullptr);
 }
 
 int interrupts() {
-  return interrupt_count;
+  return interrupts_told = interrupt_count;
 }
 
 }  // namespace quorvel::console

@@ -26,6 +26,15 @@ constexpr const char* type_cache = "mimeinfo.cache";
 
 using Names = std::set<std::string>;
 
+/// Those that the type database below `folder` lists, if there is one.
+void add_video_types(const char* folder, Names& types) {
+  g_autofree char* list = nullptr;
+  if (g_file_get_contents((std::string(folder) + "/mime/types").c_str(), &list, nullptr, nullptr) == FALSE) return;
+  for (const std::string_view type : split(list, "\n")) {
+    if (type.starts_with("video/")) types.emplace(type);
+  }
+}
+
 /// The types that the system's database knows for the extensions. It knows none for some, and those go without.
 Names types_of(const Names& extensions) {
   Names types;
@@ -35,24 +44,29 @@ Names types_of(const Names& extensions) {
   }
   if (!extensions.contains(folders_and_videos)) return types;
   types.insert("inode/directory");
-  GList* const known = g_content_types_get_registered();
-  for (const GList* each = known; each != nullptr; each = each->next) {
-    const std::string type = static_cast<const char*>(each->data);
-    if (type.starts_with("video/")) types.insert(type);
+  add_video_types(g_get_user_data_dir(), types);
+  for (const char* const* folder = g_get_system_data_dirs(); *folder != nullptr; ++folder) {
+    add_video_types(*folder, types);
   }
-  g_list_free_full(known, g_free);
   return types;
 }
 
-/// The program as the first word of an Exec value, which knows quotes of its own and "%" for its fields.
-std::string exec_word(const std::string& program) {
+/// A word of an Exec value, which knows quotes of its own and "%" for its fields.
+std::string exec_word(const std::string& text) {
   std::string word = "\"";
-  for (const char character : program) {
+  for (const char character : text) {
     if (std::string_view("\"`$\\").find(character) != std::string_view::npos) word += '\\';
     if (character == '%') word += '%';
     word += character;
   }
   return word + "\"";
+}
+
+std::string exec_value(const std::string& program) {
+  const std::string value = exec_word(program) + " %F";
+  // As the first word a "=" is not allowed, and GLib looks for a program with both of the "%" that stand for one.
+  return program.find_first_of("%=") == std::string::npos ? value
+                                                          : "sh -c " + exec_word("exec \"$0\" \"$@\"") + " " + value;
 }
 
 class KeyFile {
@@ -86,7 +100,7 @@ std::string desktop_entry(const std::string& program, const Names& extensions) {
   file.set(entry_group, "Name", "Quorvel");
   file.set(entry_group, "Comment", "Rename television episode files");
   file.set(entry_group, "Icon", "quorvel");
-  file.set(entry_group, "Exec", exec_word(program) + " %F");
+  file.set(entry_group, "Exec", exec_value(program));
   file.set(entry_group, "NoDisplay", "true");
   file.set_list(entry_group, "MimeType", types_of(extensions));
   return file.text();
@@ -101,7 +115,7 @@ std::string service_menu(const std::string& program, const Names& extensions) {
   file.set(entry_group, "Actions", "quorvel;");
   file.set(action_group, "Name", "Quorvel");
   file.set(action_group, "Icon", "quorvel");
-  file.set(action_group, "Exec", exec_word(program) + " %F");
+  file.set(action_group, "Exec", exec_value(program));
   return file.text();
 }
 

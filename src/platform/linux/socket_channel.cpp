@@ -27,7 +27,8 @@ namespace {
 using Time = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds sender_patience(4000), retry_interval(20);
+// The running copy may stand in one network call, which takes four seconds at the most.
+constexpr milliseconds sender_patience(6000), retry_interval(20);
 constexpr guint receiver_patience = 3000, accept_again = 50;  // milliseconds; the first shorter than the sender's
 constexpr std::size_t most_clients = 64, header_size = 4, chunk_size = 1U << 16;
 constexpr char taken = 'y', not_taken = 'n';
@@ -144,8 +145,8 @@ class SocketChannel::Place {
         fail("used");
       }
       // A copy that was just ending may have removed the file between the two calls; then somebody else may have it.
-      struct stat held {
-      }, named{};
+      struct stat held {};
+      struct stat named {};
       const bool is_named = fstat(lock->get(), &held) == 0 &&
                             fstatat(folder_.get(), lock_name_.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
                             held.st_dev == named.st_dev && held.st_ino == named.st_ino;
@@ -309,7 +310,7 @@ SocketChannel::SocketChannel(std::string folder, std::string shared_folder)
     : folder_(std::move(folder)), shared_folder_(std::move(shared_folder)) {}
 
 SocketChannel::~SocketChannel() {
-  stop();
+  SocketChannel::stop();
 }
 
 SocketChannel::Place& SocketChannel::place() {
