@@ -53,7 +53,7 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
       press(wizard, move.press);
       EXPECT_EQ(step(wizard), move.then);
       const auto& mask = find<wxTextCtrl>(wizard, "mask");
-      if (mask.IsShownOnScreen()) EXPECT_TRUE(mask.GetInsertionPoint() == 27 && mask.GetStringSelection().empty());
+      EXPECT_TRUE(!mask.IsShownOnScreen() || (mask.GetInsertionPoint() == 27 && mask.GetStringSelection().empty()));
     }
     EXPECT_EQ(label(wizard, "summary"), "The following filter has been successfully added:");
     EXPECT_EQ(label(wizard, "summary_filter") + "|" + label(wizard, "summary_path"), "Show Name Equals Anything|/tv/");
