@@ -30,9 +30,11 @@ Places App::places() {
 
 void App::build() {
   files_ = system_files();
-  shell_ = system_file_operation([this](std::uint64_t done, std::uint64_t total) {
-    return frame_ == nullptr || frame_->copy_progress(done, total);
-  });
+  shell_ = system_file_operation(
+      [this](std::uint64_t done, std::uint64_t total) {
+        return frame_ == nullptr || frame_->copy_progress(done, total);
+      },
+      [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
   key_values_ = system_key_values(*files_);
   socket_ = system_socket();
   clock_ = system_clock();
