@@ -10,22 +10,11 @@
 #include "ui/text.h"
 
 namespace quorvel::ui {
-namespace {
-
-std::string api_base() {
-  const char* const given = std::getenv("QUORVEL_API_BASE");
-  std::string base = given != nullptr && *given != '\0' ? given : default_api_base;
-  while (base.ends_with('/')) base.pop_back();
-  return base;
-}
-
-}  // namespace
-
 Places App::places() {
   return {.application_data = application_data_folder(*files_),
           .program = program_folder(),
           .work_dir = {},
-          .api_base = api_base()};
+          .api_base = listings_address()};
 }
 
 void App::build() {
