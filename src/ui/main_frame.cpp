@@ -29,6 +29,7 @@ constexpr int log_height = 120;
 constexpr int start_delay_ms = 1500;
 constexpr int tray_watch_ms = 2000;
 constexpr auto progress_interval = std::chrono::milliseconds(50);
+constexpr auto events_interval = std::chrono::milliseconds(40);
 
 class DropTarget : public wxFileDropTarget {
  public:
@@ -238,8 +239,12 @@ void MainFrame::show_exceptions(const std::vector<ListRow>& rows) {
 void MainFrame::process_events() {
   wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
   if (loop == nullptr) return;  // the program is starting: nothing can be pending yet
+  // A pass asks for this a dozen times a file, and painting the window takes longer than a file does. Nobody sees more
+  // pictures a second than this gives.
+  if (std::chrono::steady_clock::now() - last_yield_ < events_interval) return;
   const CallStack::Use use(stack_);
   loop->YieldFor(wxEVT_CATEGORY_ALL);
+  last_yield_ = std::chrono::steady_clock::now();
 }
 
 bool MainFrame::copy_progress(std::uint64_t done, std::uint64_t total) {

@@ -152,6 +152,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   CallStack stack_;
   Work work_;
   std::chrono::steady_clock::time_point last_progress_;
+  std::chrono::steady_clock::time_point last_yield_;
   int context_item_ = 0;  // the queue item that the last context menu was for
   bool keep_temp_ = false;
   bool tray_clicks_count_ = false;
