@@ -163,7 +163,10 @@ void EpisodeListings::update_cache(const std::string& show_name) {
   log_.debug_log("Updating ep cache", 2);
   std::string text;
   for (const Episode& episode : list_.all()) {
-    if (!is_aired(episode.airdate) || !fits_cache_field(episode.url) || !fits_cache_field(episode.title)) continue;
+    // What stands behind a date's third part is not looked at, and with tabs there it would become other fields.
+    const bool fits =
+        fits_cache_field(episode.airdate) && fits_cache_field(episode.url) && fits_cache_field(episode.title);
+    if (!fits || !is_aired(episode.airdate)) continue;
     text += episode.airdate + "\t" + std::to_string(episode.season) + "\t" + std::to_string(episode.number) + "\t" +
             episode.url + "\t" + episode.title + "\r\n";
   }

@@ -232,14 +232,18 @@ TEST_P(Faults, AnotherUsersFilesStayAsTheyAre) {
   for (const TemporaryFolder* folder : {&world.here, &world.there, &world.home}) {
     fs::permissions(fs::path(folder->path()).parent_path(), fs::perms(0755));
   }
+  // The second user has settings of his own.
+  fs::create_directory(world.home / "config");
+  ASSERT_EQ(chown((world.home / "config").c_str(), 65534, 65534), 0);
   const auto all = [&] {
     return std::tuple(everything_in(world.here.path()), everything_in(world.there.path()),
-                      everything_in(world.home.path()));
+                      everything_in(world.home / "work"));
   };
   const auto before = all();
   ASSERT_EQ(setegid(65534) + seteuid(65534), 0);
   FaultPlan plan;
   world.run(plan, service.base());
+  EXPECT_GT(plan.calls, 40) << "the run reaches its end";
   ASSERT_EQ(seteuid(0) + setegid(0), 0);
   EXPECT_EQ(all(), before);
 }

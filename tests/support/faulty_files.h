@@ -34,7 +34,7 @@ struct FaultPlan {
       outside();
     }
     if ((hit && fault == Fault::Fail) || (calls >= at && fault == Fault::Full && !written.empty())) return failed;
-    const Result result = call();
+    Result result = call();
     if (hit && fault == Fault::KillAfter) kill(getpid(), SIGKILL);
     return result;
   }
