@@ -9,7 +9,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
 endif()
 if(WIN32)
   # Address layout and data execution are guarded by flags of the program's header; the stack is probed by default.
-  add_link_options(-Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+  # The checks of stacks and buffers come from a library of the compiler's, which the linker must be told of too.
+  add_link_options(-fstack-protector-strong -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
 else()
   set(CMAKE_POSITION_INDEPENDENT_CODE ON)
   add_compile_options(-fstack-clash-protection)

@@ -125,8 +125,9 @@ TEST_F(Listings, TheCacheIsReadAnewWhenItsFileChanges) {
 
 TEST_F(Listings, ADateWithTabsBringsNoOtherEpisodeIntoTheCache) {
   const Show shift{9, "Shift", ""};
-  service.misbehave(scripts::body("[{\"id\":1,\"url\":\"u\",\"name\":\"Right\",\"season\":1,\"number\":1,"
-                                  "\"airdate\":\"2015-01-01-\t1\t5\tu\tWrong\",\"x\":0}]"));
+  service.misbehave(
+      scripts::body("[{\"id\":1,\"url\":\"u\",\"name\":\"Right\",\"season\":1,\"number\":1,"
+                    "\"airdate\":\"2015-01-01-\t1\t5\tu\tWrong\",\"x\":0}]"));
   EXPECT_TRUE(title(shift, 1, 1).starts_with("Right|"));
   EXPECT_TRUE(title(shift, 1, 5).starts_with("(none)|"));
 }

@@ -48,8 +48,9 @@ struct World {
     std::function<void()> quit = [] {};
     ui.on_events = [&] { quit(); };
     Session session{{store, shell, files, socket, ui, clock}, {{}, {}, home / "work/", api_base}};
+    int refused = 0;
     quit = [&] {
-      if (std::exchange(quit_requested, false)) session.processor.may_close();
+      if (std::exchange(quit_requested, false) && !session.processor.may_close()) ++refused;
     };
     try {
       session.start(DebugLog::verbose);
@@ -61,6 +62,7 @@ struct World {
       session.settings_store.write_number("nocache", 0);
       for (const std::string& path : {first, second}) session.intake.add_to_queue(path, false);
       session.processor.process_queue();
+      EXPECT_EQ(ui.closed, refused) << "a quit that had to wait is carried out";
       done = session.queue.count() > 0 && session.queue.at(1).state == QueueState::Done;
       for (int i = 1; i <= session.queue.count() && ui.closed == 0; ++i) expect_told(session, session.queue.at(i));
       session.undo.run(1);
@@ -125,6 +127,7 @@ struct Faults : ::testing::TestWithParam<int> {
     world.prepare();
     world.run(clean, service.base());
     ASSERT_TRUE(world.done);
+    RecordProperty("calls", clean.calls);
     for (int at = 1; at <= clean.calls && !HasFailure(); ++at) {
       SCOPED_TRACE("at call " + std::to_string(at) + " of " + std::to_string(clean.calls));
       world.prepare();
