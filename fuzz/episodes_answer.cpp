@@ -19,7 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto cached = later.getlistings({5, "show", "u"}, "show", 1, 2, {});
     // Of two entries with the same numbers the first may be one that is not cached.
     const std::string& text = files.held["/w/cache/show.epc"];
-    const bool may_differ = text.find("\t1\t2\t" + found->url + "\t") == std::string::npos;
+    const std::size_t line = text.find("\t1\t2\t");
+    const bool may_differ = line == std::string::npos || !text.substr(line + 5).starts_with(found->url + "\t");
     fuzz::check(may_differ || (cached && cached->url == found->url), "the cache gives back what the service gave");
   } catch (const Failure&) {
     fuzz::check(files.held.empty(), "nothing is cached of what cannot be read");
