@@ -28,6 +28,24 @@ std::chrono::sys_days to_day(std::string_view year, std::string_view month, std:
   return date;
 }
 
+// Far above every show there is, so that an insane list cannot eat up the memory.
+constexpr std::size_t most_episodes = 100'000;
+constexpr std::size_t most_text = std::size_t{8} << 20U;
+
+std::size_t text_size(const Episode& episode) {
+  return episode.airdate.size() + episode.url.size() + episode.title.size();
+}
+
+Episode episode_in(std::string_view piece) {
+  Episode episode;
+  episode.season = to_number(textbetween(piece, "\"season\":", ","));
+  episode.title = cleantitle(textbetween(piece, "\"name\":\"", "\","));
+  episode.number = to_number(textbetween(piece, "\"number\":", ","));
+  episode.url = textbetween(piece, "\"url\":", ",");
+  episode.airdate = textbetween(piece, "\"airdate\":\"", "\",");
+  return episode;
+}
+
 }  // namespace
 
 void EpisodeList::clear() {
@@ -103,33 +121,40 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
                                       bool use_cache) {
   log_.debug_log("Getting listings for: " + show.name, 2);
   std::string url = api_base_ + "/shows/" + std::to_string(show.id) + "/episodes";
-  const std::string answer = http_.GetData(url, "");
-  if (answer.empty()) return nullptr;
-  if (answer == "[]") {
-    log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", 1);
-    return nullptr;
-  }
-  if (answer.find("\"id\"") == std::string::npos || !is_whole_list(answer)) {
-    log_.debug_log("Error parsing listings (Err 5)", 1);
-    return nullptr;
-  }
-  read_answer(answer);
+  if (!take_answer(http_.GetData(url, ""), search_name)) return nullptr;
   if (use_cache) update_cache(show.name);
   return list_.find(season, episode);
 }
 
+/// The answer is gone again before its episodes are written: a long one takes much memory.
+bool EpisodeListings::take_answer(const std::string& answer, const std::string& search_name) {
+  if (answer.empty()) return false;
+  if (answer == "[]") {
+    log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", 1);
+    return false;
+  }
+  if (answer.find("\"id\"") == std::string::npos || !is_whole_list(answer)) {
+    log_.debug_log("Error parsing listings (Err 5)", 1);
+    return false;
+  }
+  read_answer(answer);
+  return true;
+}
+
 void EpisodeListings::read_answer(std::string_view answer) {
+  constexpr std::string_view mark = "\"id\":";
   list_.clear();
   loaded_stamp_.reset();
-  const std::vector<std::string_view> pieces = split(answer, "\"id\":");
-  for (std::size_t i = 1; i < pieces.size(); ++i) {
-    const std::string_view piece = pieces[i];
-    Episode episode;
-    episode.season = to_number(textbetween(piece, "\"season\":", ","));
-    episode.title = cleantitle(textbetween(piece, "\"name\":\"", "\","));
-    episode.number = to_number(textbetween(piece, "\"number\":", ","));
-    episode.url = textbetween(piece, "\"url\":", ",");
-    episode.airdate = textbetween(piece, "\"airdate\":\"", "\",");
+  std::size_t text = 0;
+  for (std::size_t at = answer.find(mark), next = 0; at != std::string_view::npos; at = next) {
+    at += mark.size();
+    next = answer.find(mark, at);
+    Episode episode = episode_in(answer.substr(at, next - at));
+    text += text_size(episode);
+    if (list_.all().size() == most_episodes || text > most_text) {
+      list_.clear();
+      throw Failure("the service lists more episodes than any show has");
+    }
     list_.append(std::move(episode));
   }
 }
@@ -138,7 +163,10 @@ void EpisodeListings::update_cache(const std::string& show_name) {
   log_.debug_log("Updating ep cache", 2);
   std::string text;
   for (const Episode& episode : list_.all()) {
-    if (!is_aired(episode.airdate) || !fits_cache_field(episode.url) || !fits_cache_field(episode.title)) continue;
+    // What stands behind a date's third part is not looked at, and with tabs there it would become other fields.
+    const bool fits =
+        fits_cache_field(episode.airdate) && fits_cache_field(episode.url) && fits_cache_field(episode.title);
+    if (!fits || !is_aired(episode.airdate)) continue;
     text += episode.airdate + "\t" + std::to_string(episode.season) + "\t" + std::to_string(episode.number) + "\t" +
             episode.url + "\t" + episode.title + "\r\n";
   }

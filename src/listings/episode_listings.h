@@ -57,8 +57,8 @@ class EpisodeListings {
       : http_(http), cache_(cache), log_(log), clock_(clock), api_base_(std::move(api_base)) {}
 
   /// `search_name` is what was searched for, for the log. Empty when the show has no such episode or the service
-  /// cannot be reached or understood. Throws Failure when one of the fetched episodes lacks a number: a list that
-  /// cannot be read to its end is not trusted.
+  /// cannot be reached or understood. Throws Failure when one of the fetched episodes lacks a number, or when there are
+  /// more of them than any show has: a list that cannot be read to its end is not trusted.
   std::optional<FoundEpisode> getlistings(const Show& show, const std::string& search_name, int season, int episode,
                                           Options options);
 
@@ -71,6 +71,7 @@ class EpisodeListings {
 
  private:
   const Episode* fetch(const Show& show, const std::string& search_name, int season, int episode, bool use_cache);
+  bool take_answer(const std::string& answer, const std::string& search_name);
   void read_answer(std::string_view answer);
   void update_cache(const std::string& show_name);
   void load_cache(const std::string& text);

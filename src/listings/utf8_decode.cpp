@@ -18,6 +18,7 @@ std::string decode_bytes(std::string_view bytes) {
     if (lead >= 224 && lead <= 239) {
       const char32_t character = bits(at, 15) << 12 | bits(at + 1, 63) << 6 | bits(at + 2, 63);
       if (character < 0x80) throw Failure("an ASCII character stands in three bytes");
+      if (character >= 0xD800 && character <= 0xDFFF) throw Failure("half a character stands alone");
       append(decoded, character);
       at += 3;
     } else if (lead >= 194 && lead <= 223) {

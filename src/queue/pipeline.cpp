@@ -3,6 +3,7 @@
 #include "naming/episode_patterns.h"
 #include "naming/file_names.h"
 #include "naming/mask.h"
+#include "naming/service_names.h"
 #include "text/case.h"
 #include "text/failure.h"
 
@@ -54,7 +55,7 @@ bool Pipeline::searchtv(int index) {
     const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
     if (!show) return false;
     item.show_id = show->id;
-    item.show_name = show->name;
+    item.show_name = without_control_characters(show->name, parts_.log);
     item.show_url = show->url;
     return true;
   } catch (const Failure& failure) {
@@ -70,7 +71,7 @@ bool Pipeline::getlistings(int index) {
         {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
         {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
     if (!episode) return false;
-    item.episode_title = episode->title;
+    item.episode_title = without_control_characters(episode->title, parts_.log);
     item.episode_url = episode->url;
     return true;
   } catch (const Failure& failure) {
@@ -91,9 +92,12 @@ bool Pipeline::dofilter(int index) {
     folder = getpath(item.path, 0);
   } else {
     refuse_as_folder(item.show_name);
+    if (const auto trouble = mask_trouble(filter.path, values, expand_folder)) throw Failure("The folder " + *trouble);
     folder = expand_folder(filter.path, values);
   }
-  item.new_name = expand_name(filter.mask + "." + extension, values);
+  const std::string mask = filter.mask + "." + extension;
+  if (const auto trouble = mask_trouble(mask, values, expand_name)) throw Failure("The new name " + *trouble);
+  item.new_name = expand_name(mask, values);
   item.dest_path = with_separator(folder);
   item.filter_index = *rule;
   item.action = filter.action;

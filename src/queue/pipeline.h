@@ -42,7 +42,8 @@ class Pipeline {
   /// episode_title and episode_url.
   bool getlistings(int index);
 
-  /// filter_index, new_name and dest_path. Throws Failure when a rule fits but its folder cannot be built.
+  /// filter_index, new_name and dest_path. Throws Failure when a rule fits but its folder or the new name
+  /// would not be what the system takes it for.
   bool dofilter(int index);
 
   /// Whether the operation may go on: asks the user when the settings say so.

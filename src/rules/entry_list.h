@@ -38,7 +38,7 @@ class EntryList {
   bool exchange(int a, int b) {
     if (!holds(a) || !holds(b)) return false;
     std::swap(at(a), at(b));
-    if (save()) return load();
+    if (save()) return reload();
     std::swap(at(a), at(b));
     return false;
   }
@@ -47,7 +47,7 @@ class EntryList {
   bool remove(int index) {
     if (!holds(index)) return false;
     at(index).deleted = true;
-    if (save()) return load();
+    if (save()) return reload();
     at(index).deleted = false;
     return false;
   }
@@ -101,6 +101,16 @@ class EntryList {
       if (!entry.deleted) records.push_back(Format::fields(entry));
     }
     return records;
+  }
+
+  /// After a save. A file that was just written and cannot be seen is on a drive in trouble: the rules stay what they
+  /// are, for with the default ones in their place files would go elsewhere.
+  bool reload() {
+    std::erase_if(entries_, [](const Entry& entry) { return entry.deleted; });
+    if (entries_.empty() || file_.exists()) return load();
+    log_.debug_log(std::string("Error loading ").append(Format::plural).append(": the file cannot be found"), 1);
+    refresh();
+    return true;
   }
 
   void load_file() {

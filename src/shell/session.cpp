@@ -21,7 +21,7 @@ Session::Session(Ports ports, Places places)
       settings_store(ports.key_values, ports.ui),
       filters(ports.files, log, ports.ui, settings.work_dir),
       exceptions(ports.files, log, ports.ui, settings.work_dir),
-      http(ports.socket, ports.ui),
+      http(ports.socket, ports.ui, log),
       cache(ports.files, settings.work_dir),
       search(http, cache, log, this->places.api_base),
       listings(http, cache, log, ports.clock, this->places.api_base),

@@ -17,6 +17,13 @@ constexpr int timeout_seconds = 4;
 constexpr std::size_t most_bytes_a_read = 2048;
 constexpr int highest_port = 65535;
 constexpr int unauthorized = 401;
+constexpr std::size_t longest_host = 253;
+
+/// The service goes beyond what any sane one does.
+class Excess : public Failure {
+ public:
+  using Failure::Failure;
+};
 
 struct HeaderField {
   std::string name;  // lower case
@@ -49,7 +56,7 @@ int status_of(std::string_view status_line) {
 struct HttpClient::Answer {
   std::string header;
   std::string chunk;  // what the last read brought
-  std::string body;
+  std::string body;   // decoded
   std::size_t received = 0;
   int expected = -1;  // bytes, as the header announces them; only told, never relied on
   bool in_header = true;
@@ -121,17 +128,25 @@ std::string HttpClient::PostData(std::string& url, std::string_view form, std::s
 }
 
 std::string HttpClient::fetch(std::string& url, std::string_view procedure, const RequestLines& request) {
+  deadline_ = std::chrono::steady_clock::now() + limits.time;
   try {
     Address address;  // outlives a redirect: a bare path stays with the last host and its security
     std::string body;
-    for (;;) {
+    for (int redirects = 0;; ++redirects) {
+      if (redirects > limits.redirects) {
+        throw Excess("it redirects more than " + std::to_string(limits.redirects) + " times");
+      }
       if (!spliturl(url, address)) {
         on_status("HTTP: The specified address is invalid");
         return {};
       }
       const Outcome outcome = exchange(url, address, request(address), body);
-      if (outcome != Outcome::Redirect) return from_code_page(body);
+      if (outcome != Outcome::Redirect) return body;
     }
+  } catch (const Excess& excess) {
+    socket_.disconnect();
+    log_.debug_log("The answer from " + last_host_.substr(0, longest_host) + " was given up: " + excess.what(), 1);
+    return {};
   } catch (const Failure& failure) {
     socket_.disconnect();
     on_status("Error in modHTTP." + std::string(procedure) + "()\r\nError Code: 0 Error Text: " + failure.what());
@@ -143,6 +158,7 @@ HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& addres
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
   ui_.process_events();
+  check_time();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
 }
@@ -208,18 +224,26 @@ HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
     }
     if (!answer.in_header) {
       answer.received += answer.chunk.size();
-      answer.body += answer.chunk;
+      answer.body += from_code_page(answer.chunk);
+      if (answer.body.size() > limits.body) {
+        throw Excess("its body is longer than " + std::to_string(limits.body) + " bytes");
+      }
     }
     const std::string of = answer.expected < 1 ? "" : " of " + std::to_string(answer.expected);
     on_status("HTTP: Got " + std::to_string(answer.received) + of + " bytes");
     ui_.process_events();
+    check_time();
   }
 }
 
 /// Takes the last chunk as a part of the header. When it completes the header, the chunk becomes what follows it.
 HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
+  const std::size_t looked_at = answer.header.size() - std::min<std::size_t>(answer.header.size(), 3);
   answer.header += answer.chunk;
-  const std::size_t blank_line = answer.header.find("\r\n\r\n");
+  const std::size_t blank_line = answer.header.find("\r\n\r\n", looked_at);
+  if (std::min(blank_line, answer.header.size()) > limits.header) {
+    throw Excess("its header is longer than " + std::to_string(limits.header) + " bytes");
+  }
   if (blank_line == std::string::npos) return Outcome::Body;
   // The size of the body's first part comes from this read alone. It is right when the whole header arrived in it, and
   // too small when an earlier read brought a part: the body then lacks its start, which its readers must notice.
@@ -249,6 +273,11 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
     if (field && field->name == "content-length") answer.expected = to_number(field->value);
   }
   return Outcome::Body;
+}
+
+void HttpClient::check_time() const {
+  if (std::chrono::steady_clock::now() < deadline_) return;
+  throw Excess("it takes longer than " + std::to_string(limits.time.count() / 1000) + " seconds");
 }
 
 bool HttpClient::take_cancel(std::string_view message) {

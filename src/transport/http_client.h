@@ -1,10 +1,13 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/log.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
 
@@ -19,15 +22,24 @@ struct Address {
   std::string file;  // the last component of the path, without the query; "/" when that is empty
 };
 
+/// What no sane service reaches. An answer that goes beyond is given up.
+struct HttpLimits {
+  std::size_t body = std::size_t{32} << 20U;  // bytes of decoded text, some 30,000 episodes
+  std::size_t header = std::size_t{64} << 10U;
+  int redirects = 50;
+  std::chrono::milliseconds time{
+      std::chrono::minutes(3)};  // for a request with its redirects; looked at after each read
+};
+
 /// Fetches resources by HTTP/1.0, one request at a time, and follows redirects. Pending events of the user interface
 /// run before connecting and after each read.
 class HttpClient {
  public:
-  HttpClient(SocketControl& socket, UserInterface& ui) : socket_(socket), ui_(ui) {}
+  HttpClient(SocketControl& socket, UserInterface& ui, Log& log) : socket_(socket), ui_(ui), log_(log) {}
 
   /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
-  /// unverified connection, time-out, cancelled, a status that is neither 2xx nor 401. After a redirect `url` is the
-  /// new address. `cookie` may be empty.
+  /// unverified connection, time-out, cancelled, a status that is neither 2xx nor 401, a limit exceeded, which the log
+  /// tells. After a redirect `url` is the new address. `cookie` may be empty.
   std::string GetData(std::string& url, std::string_view cookie);
 
   /// The same for a form; `form` is sent as it stands.
@@ -42,6 +54,8 @@ class HttpClient {
 
   /// Stops the transfer in progress, or the next one, at its next step.
   void cancel() { cancel_ = true; }
+
+  HttpLimits limits;
 
   /// Told every step; nobody listens unless told to.
   std::function<void(std::string_view)> on_status = [](std::string_view) {};
@@ -59,10 +73,13 @@ class HttpClient {
   Outcome receive(std::string& url, std::string& body);
   Outcome read_header(Answer& answer, std::string& url);
   bool take_cancel(std::string_view message);
+  void check_time() const;
 
   SocketControl& socket_;
   UserInterface& ui_;
+  Log& log_;
   bool cancel_ = false;
+  std::chrono::steady_clock::time_point deadline_;
   std::string last_host_;  // for an address that names none, such as a redirect to a bare path
 };
 

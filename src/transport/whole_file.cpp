@@ -14,10 +14,9 @@ std::string loadfile(const Files& files, const std::string& path) {
 }
 
 bool savefile(Files& files, const std::string& path, const std::string& text, bool keep_existing, OldTail old_tail) {
-  const bool exists = files.exists(path);
-  if (keep_existing && exists) return false;
+  if (keep_existing && files.exists(path)) return false;
   std::string bytes = to_code_page(text);
-  if (exists && old_tail == OldTail::Kept) {
+  if (old_tail == OldTail::Kept && files.exists(path)) {
     const std::optional<std::string> old = files.read(path);
     if (!old) return false;
     if (old->size() > bytes.size()) bytes.append(*old, bytes.size());

@@ -123,6 +123,15 @@ TEST_F(Listings, TheCacheIsReadAnewWhenItsFileChanges) {
                                "found in ep cache|"));
 }
 
+TEST_F(Listings, ADateWithTabsBringsNoOtherEpisodeIntoTheCache) {
+  const Show shift{9, "Shift", ""};
+  service.misbehave(
+      scripts::body("[{\"id\":1,\"url\":\"u\",\"name\":\"Right\",\"season\":1,\"number\":1,"
+                    "\"airdate\":\"2015-01-01-\t1\t5\tu\tWrong\",\"x\":0}]"));
+  EXPECT_TRUE(title(shift, 1, 1).starts_with("Right|"));
+  EXPECT_TRUE(title(shift, 1, 5).starts_with("(none)|"));
+}
+
 TEST_F(Listings, TitlesAreDecodedUnlessTheUserTurnsThatOff) {
   const Show noir{102, "CafÃ© Noir", ""};
   EXPECT_TRUE(title(noir, 1, 2).starts_with("Überfall|"));

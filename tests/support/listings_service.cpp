@@ -126,12 +126,14 @@ void ListingsService::converse(int client) {
   requests_.push_back(request);
   const Script script = script_;
   lock.unlock();
-  for (const auto& [bytes, pause] : script ? script(target, good) : std::vector<Piece>{{good}}) {
-    // A client that hung up ends the pause too, so that the next one is not kept waiting.
-    pollfd hangup{client, POLLRDHUP, 0};
-    if (pause.count() > 0 && poll(&hangup, 1, static_cast<int>(pause.count())) != 0) return;
+  for (const auto& [bytes, pause, times] : script ? script(target, good) : std::vector<Piece>{{good}}) {
     const int size = static_cast<int>(bytes.size());
-    if (size > 0 && BIO_write(stream.get(), bytes.data(), size) != size) return;
+    for (std::size_t i = 0; i < times; ++i) {
+      // A client that hung up ends the pause too, so that the next one is not kept waiting.
+      pollfd hangup{client, POLLRDHUP, 0};
+      if (pause.count() > 0 && poll(&hangup, 1, static_cast<int>(pause.count())) != 0) return;
+      if (size > 0 && BIO_write(stream.get(), bytes.data(), size) != size) return;
+    }
   }
 }
 

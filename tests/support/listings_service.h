@@ -13,10 +13,11 @@
 
 namespace quorvel::testing {
 
-/// One thing the service sends: `bytes`, after waiting `pause`.
+/// One thing the service sends: `bytes`, after waiting `pause`, and that as often as told.
 struct Piece {
   std::string bytes;
   std::chrono::milliseconds pause{0};
+  std::size_t times = 1;
 };
 
 /// Turns a request target ("/search/shows?q=x") and the complete good answer into the pieces really sent.

@@ -83,6 +83,13 @@ class RecordingUi : public UserInterface {
   std::vector<std::vector<std::string>> cells_;
 };
 
+/// A log that keeps its lines.
+class Lines : public Log {
+ public:
+  std::vector<std::string> list;
+  void debug_log(std::string_view text, int) override { list.emplace_back(text); }
+};
+
 class FixedClock : public Clock {
  public:
   std::chrono::year_month_day today() const override { return std::chrono::year(2026) / 3 / 14; }

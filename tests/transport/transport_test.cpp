@@ -61,7 +61,8 @@ class ScriptedSocket : public SocketControl {
 struct Http : ::testing::Test {
   ScriptedSocket socket;
   RecordingUi ui;
-  HttpClient http{socket, ui};
+  Lines log;
+  HttpClient http{socket, ui, log};
   std::string status;
   Http() {
     http.on_status = [this](std::string_view message) { status = message; };
@@ -94,7 +95,7 @@ TEST_F(Http, AddressesAreTakenApart) {
         << c.url;
   }
   Address none;
-  EXPECT_FALSE(HttpClient(socket, ui).spliturl("/path", none)) << "no host was ever named";
+  EXPECT_FALSE(HttpClient(socket, ui, log).spliturl("/path", none)) << "no host was ever named";
   EXPECT_EQ(HttpClient::URLEncode("A z9-é€日\x01"), "A+z9%2D%E9%80%3F%01");
 }
 
@@ -197,7 +198,8 @@ TEST(HttpsClient, TrustsOnlyACertificateForThisHostFromAKnownAuthority) {
     ListingsService service(c.identity);
     CurlSocketControl socket(ca_file);
     RecordingUi ui;
-    HttpClient http(socket, ui);
+    Lines log;
+    HttpClient http(socket, ui, log);
     std::string url = service.base() + "/shows/108/episodes";
     EXPECT_EQ(http.GetData(url, ""), c.trusted ? "[]" : "");
     EXPECT_EQ(service.requests().size(), c.trusted ? 1u : 0u);

@@ -1,0 +1,63 @@
+#include "naming/service_names.h"
+
+#include <algorithm>
+#include <array>
+
+#include "text/case.h"
+#include "text/characters.h"
+#include "text/cut.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::array<std::string_view, 6> devices = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+constexpr std::array<std::string_view, 2> numbered_devices = {"com", "lpt"};
+
+bool is_removed(char32_t character) {
+  const bool is_control = (character > 0 && character < U' ') || character == 0x7F;
+  const bool is_override = (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
+  return is_control || is_override;
+}
+
+bool is_device(std::string_view name) {
+  const std::string device = lower_case(trim(name.substr(0, name.find('.'))));
+  if (std::find(devices.begin(), devices.end(), device) != devices.end()) return true;
+  const std::u32string characters = decode(device);
+  // The superscripts 1, 2 and 3 count as digits there.
+  return characters.size() == 4 &&
+         std::u32string_view(U"0123456789\u00B9\u00B2\u00B3").find(characters[3]) != std::u32string_view::npos &&
+         std::find(numbered_devices.begin(), numbered_devices.end(), device.substr(0, 3)) != numbered_devices.end();
+}
+
+}  // namespace
+
+std::string without_control_characters(const std::string& name, Log& log) {
+  std::u32string characters = decode(name);
+  const std::size_t removed = std::erase_if(characters, is_removed);
+  if (removed == 0) return name;
+  std::string cleaned = encode(characters);
+  log.debug_log(
+      "Removed " + std::to_string(removed) + " control characters from the service's name \"" + cleaned + "\"", 1);
+  return cleaned;
+}
+
+std::optional<std::string> name_trouble(std::string_view name, char separator) {
+  const std::string quoted = "\"" + std::string(name) + "\"";
+  if (name == "." || name == "..") return quoted + " stands for a folder";
+  if (separator != '\\' || name.empty()) return std::nullopt;
+  if (name.find_first_not_of(". ") == std::string_view::npos) return quoted + " is dropped from paths";
+  if (is_device(name)) return quoted + " is the name of a device";
+  return std::nullopt;
+}
+
+std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues& values,
+                                        std::string (*expand)(std::string_view, const MaskValues&), char separator) {
+  for (const std::string_view part : split(mask, std::string_view(&separator, 1))) {
+    const std::string name = expand(part, values);
+    if (name == part) continue;
+    if (std::optional<std::string> trouble = name_trouble(name, separator)) return trouble;
+  }
+  return std::nullopt;
+}
+
+}  // namespace quorvel
