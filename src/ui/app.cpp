@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <exception>
 
+#include "shell/command_line.h"
 #include "shell/version.h"
 #include "ui/text.h"
 
@@ -32,6 +33,7 @@ void App::build() {
   channel_ = system_instance_channel();
 
   frame_ = new MainFrame;
+  frame_->comes_at_once = !parse_command_line(arguments_, *files_).startup;
   session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *frame_, *clock_, context_menu_.get()}, places());
   startup_.emplace(*session_, *frame_, *channel_);
   frame_->attach(*session_, *launcher_, [this] { startup_->unload(); });

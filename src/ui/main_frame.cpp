@@ -29,6 +29,7 @@ constexpr int log_height = 120;
 constexpr int start_delay_ms = 1500;
 constexpr int tray_watch_ms = 2000;
 constexpr auto progress_interval = std::chrono::milliseconds(50);
+constexpr auto longest_wait_for_frame = std::chrono::milliseconds(30);
 constexpr auto events_interval = std::chrono::milliseconds(40);
 
 class DropTarget : public wxFileDropTarget {
@@ -89,11 +90,8 @@ MainFrame::MainFrame()
   // what that costs, and nothing here updates itself so.
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
-  build();
-  bind_commands();
-  bind_lists();
-  SetDropTarget(new DropTarget(*this));
   stack_.on_empty = [this] { stack_is_empty(); };
+  Bind(wxEVT_CLOSE_WINDOW, &MainFrame::on_close, this);
 }
 
 MainFrame::~MainFrame() {
@@ -158,7 +156,6 @@ void MainFrame::bind_commands() {
   on(mnuRemEx, [this] { remove_exception(); });
   on(mnuAddEx2, [this] { add_exception(0); });
 
-  Bind(wxEVT_CLOSE_WINDOW, &MainFrame::on_close, this);
   Bind(wxEVT_ICONIZE, &MainFrame::on_iconize, this);
   Bind(wxEVT_TIMER, &MainFrame::on_start_timer, this, Timer1_.GetId());
   Bind(
@@ -302,6 +299,29 @@ void MainFrame::close() {
 
 void MainFrame::set_caption(const std::string& caption) {
   SetTitle(to_wx(caption));
+  if (comes_at_once) show_frame();
+  build();
+  bind_commands();
+  bind_lists();
+  SetDropTarget(new DropTarget(*this));
+}
+
+/// The lists, the menus and what is in them take as long again as the frame; it need not wait for them.
+void MainFrame::show_frame() {
+  SetClientSize(FromDIP(window_size));
+  Show();
+  wxGUIEventLoop loop;
+  const wxEventLoopActivator active(&loop);
+  Bind(wxEVT_PAINT, &MainFrame::on_first_paint, this);
+  // The window manager answers in its own time.
+  const auto until = std::chrono::steady_clock::now() + longest_wait_for_frame;
+  while (!is_painted_ && std::chrono::steady_clock::now() < until) loop.YieldFor(wxEVT_CATEGORY_UI);
+  Unbind(wxEVT_PAINT, &MainFrame::on_first_paint, this);
+}
+
+void MainFrame::on_first_paint(wxPaintEvent& event) {
+  is_painted_ = true;
+  event.Skip();
 }
 
 void MainFrame::add_tray_icon(const std::string& tip) {

@@ -43,6 +43,9 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   /// Both outlive the window. `on_unload` is called once, when the window really goes away.
   void attach(Session& session, Launcher& launcher, std::function<void()> on_unload);
 
+  /// Whether the frame is shown as soon as it has its caption, while the rest is still being made.
+  bool comes_at_once = false;
+
   /// The first time the window is seen, unless it has been minimised before.
   void show_first();
 
@@ -95,6 +98,8 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
     bool undoing = false;
   };
 
+  void show_frame();
+  void on_first_paint(wxPaintEvent& event);
   void build();
   wxWindow* build_queue_page();
   void bind_commands();
@@ -153,6 +158,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   Work work_;
   std::chrono::steady_clock::time_point last_progress_;
   std::chrono::steady_clock::time_point last_yield_;
+  bool is_painted_ = false;
   int context_item_ = 0;  // the queue item that the last context menu was for
   bool keep_temp_ = false;
   bool tray_clicks_count_ = false;
