@@ -1,28 +1,10 @@
-#include "fuzz_support.h"
+#include "rule_file.h"
 #include "rules/exceptions.h"
 
 using namespace quorvel;
 
-/// What a load understands, a save and a load give back, and no byte of the user's file is lost on the way.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  testing::Events events;
-  testing::FakeUi ui(events);
-  fuzz::NoLog log;
-  fuzz::MemoryFiles files;
-  const std::string work_dir = "/w/", path = "/w/man.dat", bytes(fuzz::text_of(data, size));
-  files.held[path] = bytes;
-  ExceptionList list(files, log, ui, work_dir);
-  const bool whole = list.loadefilters();
-  const int count = list.count();
-  const bool saved = list.saveefilters();
-  const bool kept = files.held.contains(path) && files.held[path] == bytes;
-  const bool copied = files.held.contains(path + ".bak") && files.held[path + ".bak"] == bytes;
-  fuzz::check(kept || copied || bytes.empty(), "the user's bytes are somewhere");
-  if (!whole || !saved) return 0;
-  if (count > 0) {
-    const std::string written = files.held[path];
-    fuzz::check(list.loadefilters() && list.count() == count, "every entry comes back");
-    fuzz::check(list.saveefilters() && files.held[path] == written, "and as it was");
-  }
+  fuzz::check_rule_file("man.dat", &ExceptionList::loadefilters, &ExceptionList::saveefilters,
+                        std::string(fuzz::text_of(data, size)));
   return 0;
 }

@@ -15,6 +15,8 @@ struct RulePage {
   };
 
   RulePage(wxWindow* parent, const Names& names, std::vector<RuleColumn> columns);
+  RulePage(const RulePage&) = delete;
+  RulePage& operator=(const RulePage&) = delete;
 
   wxPanel* panel;
   RuleList* list;

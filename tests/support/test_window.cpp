@@ -135,11 +135,11 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
   wxRect area;
   wxPoint at(5, list.GetClientSize().y - 5);
   if (row > 0 && list.GetItemRect(row - 1, area)) at = wxPoint(area.x + 30, area.y + area.height / 2);
-  std::string shown;
-  frame->pop_up = [&](wxWindow&, wxMenu& menu, const wxPoint&) { shown = captions(menu); };
+  auto shown = std::make_shared<std::string>();
+  frame->pop_up = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
   wxContextMenuEvent event(wxEVT_CONTEXT_MENU, list.GetId(), list.ClientToScreen(at));
   list.ProcessWindowEvent(event);
-  return shown;
+  return *shown;
 }
 
 void TestWindow::choose_selected_item() {
