@@ -31,7 +31,7 @@ void intake(benchmark::State& state) {
   const std::unique_ptr<Files> files = system_files();
   const Settings settings;
   NoUi ui;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     WorkQueue queue;
     Intake taking(queue, settings, *files, ui, [] { return false; });
     benchmark::DoNotOptimize(taking.take(folder.path(), true).queued);

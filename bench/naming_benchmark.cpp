@@ -15,14 +15,14 @@ constexpr const char* names[] = {"The.Harbour.Lights.S02E05.720p.HDTV.x264-GROUP
 
 void detection(benchmark::State& state) {
   const std::string name = names[state.range(0)];
-  for (auto _ : state) benchmark::DoNotOptimize(detect_in_file(lower_case(name)));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(detect_in_file(lower_case(name)));
   state.SetLabel(name);
 }
 BENCHMARK(detection)->DenseRange(0, 3);
 
 void cleaning(benchmark::State& state) {
   const std::string title = "Tom &amp; Jerry: \\\"The Movie\\\" &#39;Part 2&#39;";
-  for (auto _ : state) benchmark::DoNotOptimize(cleantitle(title));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(cleantitle(title));
 }
 BENCHMARK(cleaning);
 
@@ -30,7 +30,7 @@ void hostile_wildcard(benchmark::State& state) {
   const std::string subject(static_cast<std::size_t>(state.range(0)), 'a');
   std::string pattern;
   for (int i = 0; i < 20; ++i) pattern += "*a";
-  for (auto _ : state) benchmark::DoNotOptimize(matches(subject, pattern + "b"));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(matches(subject, pattern + "b"));
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(hostile_wildcard)->RangeMultiplier(4)->Range(64, 4096)->Complexity(benchmark::oN);
