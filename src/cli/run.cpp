@@ -121,7 +121,7 @@ int run(const Options& options) {
   TerminalUi ui(terminal);
   const std::unique_ptr<Files> real_files = system_files();
   const std::unique_ptr<FileOperation> real_shell =
-      system_file_operation([&](std::uint64_t done, std::uint64_t total) { return ui.copy_progress(done, total); });
+      system_file_operation([&](std::uint64_t done, std::uint64_t total) { return ui.copy_progress(done, total); }, {});
   DryRun dry_run(*real_files,
                  [&](const std::string& from, const std::string& to) { terminal.out_line(from + " -> " + to); });
   Files& files = options.dry_run ? dry_run : *real_files;

@@ -31,6 +31,9 @@ class SocketControl {
 
   virtual int last_error() const = 0;
   virtual std::string last_error_string() const = 0;
+
+  /// What makes the connections, and which version of it; empty when that has no name.
+  virtual std::string version() const { return {}; }
 };
 
 }  // namespace quorvel

@@ -20,7 +20,10 @@ namespace quorvel {
 std::unique_ptr<Files> system_files();
 
 /// `progress` is told the bytes done and to do now and then during a long copy; answering false gives the copy up.
-std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress);
+/// `replace` is asked whether the existing file at a path may go to the trash for the one that is moved or copied there;
+/// without it none may.
+std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress,
+                                                     std::function<bool(const std::string&)> replace);
 
 /// The user's settings; `files` outlives them.
 std::unique_ptr<KeyValueStore> system_key_values(Files& files);

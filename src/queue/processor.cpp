@@ -29,7 +29,12 @@ void Processor::retry_failed() {
 
 void Processor::process_queue() {
   queue_busy_ = true;
-  run_pass();
+  try {
+    run_pass();
+  } catch (...) {
+    queue_busy_ = false;  // else the window could never be closed again
+    throw;
+  }
 }
 
 void Processor::run_pass() {

@@ -19,11 +19,15 @@ void Commands::help() {
   session_.ports.files.exists(path) ? open(path) : tell(no_help_file);
 }
 
-std::string Commands::address() const {
+std::string Commands::website_address() const {
   std::string site = session_.settings_store.read_string("website");
   if (site.empty()) site = default_website;
   while (site.ends_with('/')) site.pop_back();
-  return site + "/?v=" + short_version;
+  return site;
+}
+
+std::string Commands::address() const {
+  return website_address() + "/?v=" + short_version;
 }
 
 void Commands::website() {

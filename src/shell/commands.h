@@ -26,6 +26,9 @@ class Commands {
   /// The product's pages: those of the text setting "website", else the program's own.
   void website();
 
+  /// Where they are, without a separator at its end.
+  std::string website_address() const;
+
   /// Starts the updater that the text setting "updater" names. `handle` is the main window's, for it to close.
   void update(std::uintptr_t handle);
 

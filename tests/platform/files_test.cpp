@@ -290,5 +290,32 @@ TEST(TrashDeathTest, DeletingWithUndoMeansTheTrash) {
   EXPECT_EXIT(std::_Exit(trash_is_used() ? 0 : 1), ::testing::ExitedWithCode(0), "");
 }
 
+bool a_given_up_file_goes_to_the_trash() {
+  const TemporaryFolder home, elsewhere("/dev/shm");
+  for (const char* const variable : {"HOME", "XDG_DATA_HOME"}) setenv(variable, home.path().c_str(), 1);
+  for (const char* const name : {"a", "b", "c"}) write_file(home / name, name);
+  for (const char* const name : {"c", "d"}) write_file(elsewhere / name, "other");
+  int asked = 0;
+  GioFileOperation shell({}, [&](const std::string&) { return ++asked > 1; });
+  const auto outcome = [&](int operation, const std::string& from, const std::string& to) {
+    return shell.perform({operation, from, to, Request::AllowUndo});
+  };
+  const bool kept = outcome(Request::Move, home / "a", home / "b") == EEXIST &&                   // the user says no
+                    outcome(Request::Rename, home / "a", home / "b") == EEXIST &&                 // never asked for
+                    outcome(Request::Copy, home / "a", home / "a") == EEXIST &&                   // the file itself
+                    outcome(Request::Move, home / "a", elsewhere / "d") == EEXIST && asked == 2;  // no trash there
+  const bool replaced = outcome(Request::Move, home / "a", home / "b") == 0 &&
+                        outcome(Request::Copy, elsewhere / "c", home / "c") == 0 && asked == 4;
+  const State left = state_of({&home, &elsewhere});
+  return kept && replaced && !left.contains(home / "a") && left.at(home / "b") == "a" &&
+         left.at(home / "Trash/files/b") == "b" && left.at(home / "c") == "other" &&
+         left.at(home / "Trash/files/c") == "c" && left.at(elsewhere / "d") == "other";
+}
+
+TEST(TrashDeathTest, AFileThatTheUserGivesUpGoesThere) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(std::_Exit(a_given_up_file_goes_to_the_trash() ? 0 : 1), ::testing::ExitedWithCode(0), "");
+}
+
 }  // namespace
 }  // namespace quorvel::testing

@@ -98,7 +98,7 @@ struct TestSession {
   RecordingUi ui;
   FixedClock clock;
   std::unique_ptr<Files> files = system_files();
-  std::unique_ptr<FileOperation> shell = system_file_operation({});
+  std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
   CurlSocketControl socket;
   Session session{
       {key_values, *shell, *files, socket, ui, clock},

@@ -193,4 +193,8 @@ void CurlSocketControl::set_error(int code, const std::string& text) {
   error_text_ = code == 0 || !text.empty() ? text : curl_easy_strerror(static_cast<CURLcode>(code));
 }
 
+std::string CurlSocketControl::version() const {
+  return std::string("libcurl ") + curl_version_info(CURLVERSION_NOW)->version;
+}
+
 }  // namespace quorvel

@@ -34,6 +34,7 @@ class CurlSocketControl : public SocketControl {
   /// The last failure since the last connect(); 0 and empty when there was none.
   int last_error() const override { return error_; }
   std::string last_error_string() const override { return error_text_; }
+  std::string version() const override;
 
  private:
   struct Connection;

@@ -64,6 +64,50 @@ int find_vacant(const std::string& path) {
   return errno == ENOENT ? 0 : errno;
 }
 
+int trash(const std::string& path) {
+  g_autoptr(GFile) file = local_file(path);
+  g_autoptr(GError) error = nullptr;
+  if (g_file_trash(file, nullptr, &error) != FALSE) return 0;
+  const bool no_trash = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_NOT_SUPPORTED) != FALSE;
+  return no_trash ? native::no_trash_code : errno_of(*error);
+}
+
+/// The name that a file is to get in the end.
+class FinalName {
+ public:
+  /// `replace` is asked when another file has the name.
+  FinalName(std::string path, const GioFileOperation::Replace& replace) : path_(std::move(path)), replace_(replace) {}
+
+  const std::string& path() const { return path_; }
+
+  /// 0 when the name is free, or the user gives up the file that has it; EEXIST when not. A name of `source` itself is
+  /// never free: to give that up would be to give up the file.
+  int check(const std::string& source) {
+    const int error = find_vacant(path_);
+    if (error != EEXIST || !replace_) return error;
+    struct stat existing {};
+    struct stat own {};
+    const bool is_another = lstat(path_.c_str(), &existing) == 0 && stat(source.c_str(), &own) == 0 &&
+                            S_ISREG(existing.st_mode) &&
+                            (existing.st_dev != own.st_dev || existing.st_ino != own.st_ino);
+    is_given_up_ = is_another && replace_(path_);
+    return is_given_up_ ? 0 : EEXIST;
+  }
+
+  /// Gives the name to the file at `from`. A file that was given up goes to the trash, and keeps its name where there
+  /// is none.
+  int take(const std::string& from) const {
+    const int error = exclusive_rename::rename(from, path_);
+    if (error != EEXIST || !is_given_up_ || trash(path_) != 0) return error;
+    return exclusive_rename::rename(from, path_);
+  }
+
+ private:
+  const std::string path_;
+  const GioFileOperation::Replace& replace_;
+  bool is_given_up_ = false;
+};
+
 /// Removes `source` after its copy at `destination` is on disk; when that cannot be, takes the copy away again.
 int remove_copied(const std::string& source, const std::string& destination) {
   // ENOENT: somebody else removed the source, and the copy is the last one.
@@ -95,16 +139,16 @@ class Copying {
   Copying(std::string source, int lookup, const GioFileOperation::Progress& progress)
       : source_(std::move(source)), lookup_(lookup), progress_(progress) {}
 
-  /// 0 when the copy is complete, on disk and at `destination`, and the source is as it was; else nothing has changed.
-  int copy_to(const std::string& destination) {
-    if (const int error = find_vacant(destination); error != 0) return error;
+  /// 0 when the copy is complete, on disk and has its name, and the source is as it was; else nothing has changed.
+  int copy_to(FinalName& name) {
+    if (const int error = name.check(source_); error != 0) return error;
     if (fstatat(AT_FDCWD, source_.c_str(), &before_, lookup_) != 0) return errno;
 
     std::string temporary;
-    int error = create_temporary(parent_folder(destination), temporary,
+    int error = create_temporary(parent_folder(name.path()), temporary,
                                  [this](const std::string& path) { return copy_contents(path); });
     // EEXIST: every name tried is somebody else's.
-    if (error != EEXIST) error = place(error, temporary, destination);
+    if (error != EEXIST) error = place(error, temporary, name);
     if (thrown_) std::rethrow_exception(thrown_);
     return error;
   }
@@ -147,15 +191,15 @@ class Copying {
   }
 
   /// Gives the copy its name, or removes it again when there was an `error` before or is one now.
-  int place(int error, const std::string& temporary, const std::string& destination) const {
+  int place(int error, const std::string& temporary, const FinalName& name) const {
     if (error == 0) error = finish(temporary);
-    if (error == 0) error = exclusive_rename::rename(temporary, destination);
+    if (error == 0) error = name.take(temporary);
     if (error != 0) {
       unlink(temporary.c_str());
       return error;
     }
-    error = sync_folder(parent_folder(destination));
-    if (error != 0) unlink(destination.c_str());
+    error = sync_folder(parent_folder(name.path()));
+    if (error != 0) unlink(name.path().c_str());
     return error;
   }
 
@@ -180,22 +224,22 @@ class Copying {
   std::exception_ptr thrown_;
 };
 
-int move_across(const std::string& source, const std::string& destination, const GioFileOperation::Progress& progress) {
+int move_across(const std::string& source, FinalName& name, const GioFileOperation::Progress& progress) {
   // Otherwise this would show only after the copying.
   if (faccessat(AT_FDCWD, parent_folder(source).c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
   Copying copying(source, AT_SYMLINK_NOFOLLOW, progress);
-  if (const int error = copying.copy_to(destination); error != 0) return error;
+  if (const int error = copying.copy_to(name); error != 0) return error;
   // The flush took its time; what was written to the source meanwhile must not go with it.
   if (const int error = copying.check_source(); error != 0 && error != ENOENT) {
-    unlink(destination.c_str());
+    unlink(name.path().c_str());
     return error;
   }
-  return remove_copied(source, destination);
+  return remove_copied(source, name.path());
 }
 
 /// Rename, or Move when files may also go to another file system.
-int move(const std::string& source, const std::string& destination, bool across,
-         const GioFileOperation::Progress& progress) {
+int move(const std::string& source, FinalName name, bool across, const GioFileOperation::Progress& progress) {
+  const std::string& destination = name.path();
   struct stat found {};
   if (lstat(source.c_str(), &found) != 0) return errno;
   if (S_ISDIR(found.st_mode)) return EISDIR;
@@ -212,25 +256,18 @@ int move(const std::string& source, const std::string& destination, bool across,
       return move_link(source, destination, target);
     }
   }
-  const int error = exclusive_rename::rename(source, destination);
+  int error = name.take(source);
+  if (error == EEXIST) error = name.check(source) == 0 ? name.take(source) : error;
   if (error != EXDEV || !across) return error;
-  return is_link ? move_link(source, destination, target) : move_across(source, destination, progress);
+  return is_link ? move_link(source, destination, target) : move_across(source, name, progress);
 }
 
-int copy(const std::string& source, const std::string& destination, const GioFileOperation::Progress& progress) {
+int copy(const std::string& source, FinalName name, const GioFileOperation::Progress& progress) {
   struct stat found {};
   if (stat(source.c_str(), &found) != 0) return errno;
   if (S_ISDIR(found.st_mode)) return EISDIR;
   if (!S_ISREG(found.st_mode)) return EINVAL;
-  return Copying(source, 0, progress).copy_to(destination);
-}
-
-int trash(const std::string& path) {
-  g_autoptr(GFile) file = local_file(path);
-  g_autoptr(GError) error = nullptr;
-  if (g_file_trash(file, nullptr, &error) != FALSE) return 0;
-  const bool no_trash = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_NOT_SUPPORTED) != FALSE;
-  return no_trash ? native::no_trash_code : errno_of(*error);
+  return Copying(source, 0, progress).copy_to(name);
 }
 
 int remove(std::string path, bool undoable) {
@@ -249,7 +286,8 @@ int remove(std::string path, bool undoable) {
 
 }  // namespace
 
-GioFileOperation::GioFileOperation(Progress progress) : progress_(std::move(progress)) {}
+GioFileOperation::GioFileOperation(Progress progress, Replace replace)
+    : progress_(std::move(progress)), replace_(std::move(replace)) {}
 
 int GioFileOperation::perform(const FileOperationRequest& request) {
   const std::string source = only_path(request.sources);
@@ -261,11 +299,11 @@ int GioFileOperation::perform(const FileOperationRequest& request) {
   if (destination.empty()) return EINVAL;
   switch (request.operation) {
     case FileOperationRequest::Rename:
-      return move(source, destination, false, progress_);
+      return move(source, {destination, never_}, false, progress_);
     case FileOperationRequest::Move:
-      return move(source, destination, true, progress_);
+      return move(source, {destination, replace_}, true, progress_);
     case FileOperationRequest::Copy:
-      return copy(source, destination, progress_);
+      return copy(source, {destination, replace_}, progress_);
     default:
       return EINVAL;
   }

@@ -20,12 +20,18 @@ class GioFileOperation : public FileOperation {
   /// behind; so does an exception, which perform() hands on.
   using Progress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
 
-  explicit GioFileOperation(Progress progress = {});
+  /// Whether the existing file at this path may go to the trash for the one that is moved or copied there. Without it
+  /// no file may, nor may one where there is no trash.
+  using Replace = std::function<bool(const std::string& destination)>;
+
+  explicit GioFileOperation(Progress progress = {}, Replace replace = {});
 
   int perform(const FileOperationRequest& request) override;
 
  private:
   Progress progress_;
+  Replace replace_;
+  const Replace never_;
 };
 
 }  // namespace quorvel

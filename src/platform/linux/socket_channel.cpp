@@ -27,7 +27,8 @@ namespace {
 using Time = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds sender_patience(4000), retry_interval(20);
+// The running copy may stand in one network call, which takes four seconds at the most.
+constexpr milliseconds sender_patience(6000), retry_interval(20);
 constexpr guint receiver_patience = 3000, accept_again = 50;  // milliseconds; the first shorter than the sender's
 constexpr std::size_t most_clients = 64, header_size = 4, chunk_size = 1U << 16;
 constexpr char taken = 'y', not_taken = 'n';

@@ -30,7 +30,7 @@ class SocketChannel : public InstanceChannel {
   /// Throws Failure when the folder cannot be used.
   bool other_is_running() override;
 
-  /// Gives up after four seconds, or as soon as the other copy has ended.
+  /// Gives up after six seconds, or as soon as the other copy has ended.
   void send(const std::string& text) override;
 
   /// `handle` may process events, during which other texts are handled, and may call stop() or end the channel. When

@@ -19,8 +19,9 @@ std::unique_ptr<Files> system_files() {
   return std::make_unique<DiskFiles>();
 }
 
-std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress) {
-  return std::make_unique<GioFileOperation>(std::move(progress));
+std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress,
+                                                     std::function<bool(const std::string&)> replace) {
+  return std::make_unique<GioFileOperation>(std::move(progress), std::move(replace));
 }
 
 std::unique_ptr<KeyValueStore> system_key_values(Files& files) {

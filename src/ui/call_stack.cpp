@@ -1,0 +1,25 @@
+#include "ui/call_stack.h"
+
+namespace quorvel::ui {
+
+int CallStack::show_modal(wxDialog& dialog) {
+  if (ending_) return wxID_CANCEL;
+  const Use use(*this);
+  dialogs_.push_back(&dialog);
+  const int result = dialog.ShowModal();
+  dialogs_.pop_back();
+  if (ending_) end_top_dialog();
+  return result;
+}
+
+void CallStack::end_dialogs() {
+  ending_ = true;
+  end_top_dialog();
+}
+
+/// Only the innermost dialog's event loop can be ended; the others follow, each when the one above it has come back.
+void CallStack::end_top_dialog() {
+  if (has_dialog() && top_dialog()->IsModal()) top_dialog()->EndModal(wxID_CANCEL);
+}
+
+}  // namespace quorvel::ui

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <wx/dialog.h>
+
+#include <functional>
+#include <vector>
+
+namespace quorvel::ui {
+
+/// What of the window is at work further down the call stack. Events run in the middle of passes and file operations
+/// and inside of dialogs, so the order to end can arrive in any of them; nothing may be destroyed before the last has
+/// come back.
+class CallStack {
+ public:
+  /// Lives as long as something is at work that needs the window.
+  class Use {
+   public:
+    explicit Use(CallStack& stack) : stack_(stack) { ++stack_.uses_; }
+    ~Use() { stack_.leave(); }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+   private:
+    CallStack& stack_;
+  };
+
+  bool empty() const { return uses_ == 0; }
+  bool has_dialog() const { return !dialogs_.empty(); }
+
+  /// The innermost open dialog; null when there is none.
+  wxDialog* top_dialog() const { return dialogs_.empty() ? nullptr : dialogs_.back(); }
+
+  /// What ShowModal gives; wxID_CANCEL at once, and nothing shown, after end_dialogs().
+  int show_modal(wxDialog& dialog);
+
+  /// Closes all open dialogs as if the user had, each as soon as those above it have come back.
+  void end_dialogs();
+
+  /// Called each time when nothing is at work any more.
+  std::function<void()> on_empty = [] {};
+
+ private:
+  void end_top_dialog();
+  void leave() {
+    if (--uses_ == 0) on_empty();
+  }
+
+  int uses_ = 0;
+  bool ending_ = false;
+  std::vector<wxDialog*> dialogs_;
+};
+
+}  // namespace quorvel::ui

@@ -1,0 +1,10 @@
+# Writes OUTPUT, a header that holds each of the SVG files named in INPUTS (separated by "|") as a text constant.
+string(REPLACE "|" ";" files "${INPUTS}")
+set(text "#pragma once\n\nnamespace quorvel::ui::icon_data {\n\n")
+foreach(file IN LISTS files)
+  get_filename_component(name "${file}" NAME_WE)
+  file(READ "${file}" svg)
+  string(APPEND text "inline constexpr const char* ${name} = R\"svg(${svg})svg\";\n\n")
+endforeach()
+string(APPEND text "}  // namespace quorvel::ui::icon_data\n")
+file(WRITE "${OUTPUT}" "${text}")

@@ -1,0 +1,27 @@
+#include "ui/text.h"
+
+#include <wx/strconv.h>
+
+#include <filesystem>
+
+namespace quorvel::ui {
+
+wxString to_wx(std::string_view text) {
+  wxString shown = wxString::FromUTF8(text.data(), text.size());
+  if (shown.empty() && !text.empty()) {
+    shown = wxString(text.data(), wxMBConvUTF8(wxMBConvUTF8::MAP_INVALID_UTF8_TO_OCTAL), text.size());
+  }
+  return shown;
+}
+
+std::string from_wx(const wxString& text) {
+  const auto bytes = text.utf8_str();
+  return {bytes.data(), bytes.length()};
+}
+
+std::string path_from_wx(const wxString& path) {
+  const std::u8string bytes = std::filesystem::path(path.fn_str().data()).u8string();
+  return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace quorvel::ui

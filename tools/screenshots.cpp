@@ -1,0 +1,140 @@
+// Each case brings the window into one state and takes its picture. Start it by the script beside it.
+#include <wx/listctrl.h>
+#include <wx/notebook.h>
+#include <wx/radiobut.h>
+
+#include <cstdlib>
+
+#include "test_window.h"
+
+namespace quorvel::testing {
+namespace {
+
+/// Lets the toolkit finish its drawing and its animations.
+void settle() {
+  const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(400);
+  wait_until([&] { return std::chrono::steady_clock::now() > until; });
+}
+
+class Screenshots : public TestWindow {
+ protected:
+  void picture(const wxWindow& window, const std::string& name) {
+    settle();
+    const char* const shots = std::getenv("QUORVEL_SCREENSHOTS");
+    ASSERT_NE(shots, nullptr) << "QUORVEL_SCREENSHOTS names no folder";
+    const wxRect area = window.GetScreenRect();
+    const std::string crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
+                             std::to_string(area.x) + "+" + std::to_string(area.y);
+    const std::string command =
+        "import -window root -crop " + crop + " +repage '" + std::string(shots) + "/" + name + ".png'";
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+  }
+
+  /// A session in which much has happened.
+  void prepare() {
+    start();
+    AFilter rule = session->filters.at(1);
+    rule.description = "File Type Equals mkv";
+    rule.action = MoveAndRename;
+    rule.showName.clear();
+    rule.fileType = "mkv";
+    rule.fileTypeCondition = Equals;
+    rule.path = (folder / "TV/[show]/Season [s]/").string();
+    rule.mask = "[show] - S[ss]E[ee] - [title]";
+    session->filters.append(rule);
+    session->filters.exchange(1, 2);
+    session->exceptions.append({"harbor lights uk", "the harbour lights", false});
+    session->exceptions.append({"tom sons", "tom & sons", false});
+    session->exceptions.saveefilters();
+    session->exceptions.refresh_lv3();
+    std::filesystem::create_directory(folder / "TV");
+    drop({file("The Harbour Lights/harbour.lights.s01e01.720p.avi"), file("The Harbour Lights/harbour.lights.1x02.mkv"),
+          file("the.daily.brief.s01e01.mkv"), file("no.such.show.s01e01.avi"), file("holiday video.avi"),
+          file("tomorrow.street.s01e01.avi")});
+    run_pass();
+    drop({file("tom.and.sons.s01e01.mp4"), file("night.train.s01e02.mkv")});
+    find<ui::QueueList>(*frame, "ListView1").row_changed(2, true, true);
+  }
+
+  void of_dialog(
+      int id, const std::string& name, std::function<void(wxDialog&)> before = [](wxDialog&) {}) {
+    on_dialog([this, name, before](wxDialog& dialog) {
+      before(dialog);
+      picture(dialog, name);
+      dialog.EndModal(wxID_CANCEL);
+    });
+    command(id);
+  }
+
+  void remember_item(int index) {
+    wxListEvent activated(wxEVT_LIST_ITEM_ACTIVATED);
+    activated.m_itemIndex = index - 1;
+    activated.SetEventObject(named(*frame, "ListView1"));
+    on_dialog([](wxDialog& dialog) { dialog.EndModal(wxID_CANCEL); });
+    named(*frame, "ListView1")->ProcessWindowEvent(activated);
+  }
+};
+
+TEST_F(Screenshots, Tabs) {
+  start();
+  picture(*frame, "queue-empty");
+  frame->unload();
+  wait_until([this] { return frame == nullptr; });
+  prepare();
+  picture(*frame, "queue");
+  find<wxNotebook>(*frame, "TabStrip1").SetSelection(1);
+  find<ui::RuleList>(*frame, "ListView2").select(1);
+  picture(*frame, "filters");
+  find<wxNotebook>(*frame, "TabStrip1").SetSelection(2);
+  picture(*frame, "exceptions");
+}
+
+TEST_F(Screenshots, Dialogs) {
+  prepare();
+  of_dialog(ui::mnuPrefs, "preferences");
+  of_dialog(ui::mnuAbout, "about");
+  of_dialog(ui::mnuAddEx, "exception");
+  of_dialog(ui::mnuHelpGuide, "message");
+  remember_item(1);
+  of_dialog(ui::mnuInfo, "item-done");
+  remember_item(4);
+  of_dialog(ui::mnuInfo, "item-failed");
+  of_dialog(ui::mnuSpecify, "exception-from-item");
+  on_dialog([this](wxDialog& dialog) {
+    picture(dialog, "message-with-box");
+    dialog.EndModal(wxID_CANCEL);
+  });
+  frame->show_message(1, "Not Recommended",
+                      "Disabling the cache is for troubleshooting only. The program will operate a lot slower with no "
+                      "cache",
+                      MessageIcon::Warning);
+  on_dialog([this](wxDialog& dialog) {
+    picture(dialog, "confirm");
+    dialog.EndModal(wxID_CANCEL);
+  });
+  frame->ask_confirmation({"Confirm File Move", "Continue with file move?",
+                           "/home/user/Downloads/The Harbour Lights Season 1/harbour.lights.1x02.720p.mkv",
+                           "/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv"});
+}
+
+TEST_F(Screenshots, Wizard) {
+  prepare();
+  on_dialog([this](wxDialog& wizard) {
+    picture(wizard, "wizard-1");
+    press(wizard, "Next ");
+    find<wxRadioButton>(wizard, "Move & Rename").SetValue(true);
+    picture(wizard, "wizard-2");
+    press(wizard, "Next ");
+    set_text(wizard, "path", "/srv/media/TV/[show]/Season [s]");
+    picture(wizard, "wizard-3");
+    press(wizard, "Next ");
+    picture(wizard, "wizard-4");
+    press(wizard, "Next ");
+    picture(wizard, "wizard-5");
+    press(wizard, "Finish");
+  });
+  command(ui::mnuAddFilter);
+}
+
+}  // namespace
+}  // namespace quorvel::testing
