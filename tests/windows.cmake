@@ -1,8 +1,11 @@
 # The tests that run under Wine: what needs no other system, and the platform's own.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_SOURCE_DIR}/support/with_wine)
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
+set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 if(CMAKE_CROSSCOMPILING)
-  string(REPLACE "/" "\\\\" shows "Z:${shows}")
+  # As Wine shows them.
+  string(PREPEND shows "Z:")
+  string(PREPEND programs "Z:")
 endif()
 
 add_library(quorvel-test-support STATIC support/listings_answers.cpp support/listings_service_windows.cpp)
@@ -12,6 +15,8 @@ target_link_libraries(quorvel-test-support PUBLIC quorvel-platform ws2_32)
 
 add_executable(quorvel-tests
   listings/listings_test.cpp naming/naming_test.cpp platform/windows_channel_test.cpp
-  platform/windows_files_test.cpp platform/windows_registry_test.cpp queue/queue_test.cpp rules/rules_test.cpp
-  shell/session_test.cpp text/text_test.cpp)
+  platform/windows_files_test.cpp platform/windows_program_test.cpp platform/windows_registry_test.cpp
+  queue/queue_test.cpp rules/rules_test.cpp shell/session_test.cpp text/text_test.cpp)
 target_link_libraries(quorvel-tests PRIVATE quorvel-test-support GTest::gmock GTest::gtest_main)
+target_compile_definitions(quorvel-tests PRIVATE QUORVEL_PROGRAMS="${programs}")
+add_dependencies(quorvel-tests quorvel-cli)

@@ -29,10 +29,11 @@ struct WindowsFiles : ::testing::Test {
   int perform(int operation, const std::string& from, const std::string& to = "", std::uint16_t flags = 64) {
     return shell.perform({operation, from, to, flags});
   }
-  std::string deep_folder() {
-    std::string deep = folder.path();
-    while (deep.size() < 300) EXPECT_TRUE(files.create_folder(deep += "\\" + std::string(50, 'd')));
-    return deep;
+  /// What the test itself cannot take away by the system's classic calls.
+  void remove_deep(std::string deep) {
+    for (; deep != folder.path(); deep = deep.substr(0, deep.rfind('\\'))) {
+      EXPECT_TRUE(RemoveDirectoryW(system_path(deep)->c_str()));
+    }
   }
 };
 
@@ -83,7 +84,9 @@ TEST_F(WindowsFiles, ProtectedAndOpenFilesStayAndNothingIsLeftBeside) {
 }
 
 TEST_F(WindowsFiles, LongPathsWorkAndTheShellLeavesThemAlone) {
-  const std::string deep = deep_folder(), file = deep + "\\x.mkv";
+  std::string deep = folder.path();
+  while (deep.size() < 300) EXPECT_TRUE(files.create_folder(deep += "\\" + std::string(50, 'd')));
+  const std::string file = deep + "\\x.mkv";
   EXPECT_TRUE(files.replace(file, "deep"));
   EXPECT_EQ(files.read(file), "deep");
   EXPECT_EQ(absolute_path(deep + "\\.\\x.mkv"), file);
@@ -92,6 +95,7 @@ TEST_F(WindowsFiles, LongPathsWorkAndTheShellLeavesThemAlone) {
   EXPECT_EQ(files.read(file), "deep");
   EXPECT_EQ(files.read(a), "A");
   EXPECT_TRUE(files.remove(file));
+  remove_deep(deep);
 }
 
 TEST_F(WindowsFiles, TheShellRenamesMovesCopiesAndTrashes) {

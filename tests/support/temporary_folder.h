@@ -1,4 +1,5 @@
 #pragma once
+#include <algorithm>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -16,7 +17,8 @@ class TemporaryFolder {
     create_directory(top_ / "t");
   }
   ~TemporaryFolder() {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(top_)) {
+    std::error_code failed;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(top_, failed)) {
       if (!entry.is_symlink() && entry.is_directory()) permissions(entry.path(), std::filesystem::perms::owner_all);
     }
     std::filesystem::remove_all(top_);
@@ -25,7 +27,9 @@ class TemporaryFolder {
   std::string path() const { return text(top_ / "t"); }
   /// With the system's separators.
   std::string operator/(const std::string& name) const {
-    return text(top_ / "t" / std::filesystem::path(std::u8string(name.begin(), name.end())));
+    std::string native = path() + "/" + name;
+    if (std::filesystem::path::preferred_separator == '\\') std::replace(native.begin(), native.end(), '/', '\\');
+    return native;
   }
 
  private:
