@@ -109,6 +109,11 @@ TEST_F(Screenshots, Dialogs) {
                       "cache",
                       MessageIcon::Warning);
   on_dialog([this](wxDialog& dialog) {
+    picture(dialog, "replace");
+    dialog.EndModal(wxID_CANCEL);
+  });
+  frame->ask_to_replace("/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv");
+  on_dialog([this](wxDialog& dialog) {
     picture(dialog, "confirm");
     dialog.EndModal(wxID_CANCEL);
   });

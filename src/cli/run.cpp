@@ -1,6 +1,5 @@
 #include "cli/run.h"
 
-#include <cstdlib>
 #include <map>
 
 #include "cli/dry_run.h"
@@ -12,7 +11,6 @@
 #include "platform/paths.h"
 #include "platform/system.h"
 #include "shell/session.h"
-#include "shell/version.h"
 #include "text/cut.h"
 #include "text/failure.h"
 
@@ -62,13 +60,6 @@ std::string checked_work_dir(const Files& files, const std::string& given) {
   }
   refuse_foreign_cache(files, work_dir);
   return work_dir;
-}
-
-std::string api_base() {
-  const char* const given = std::getenv("QUORVEL_API_BASE");
-  std::string base = given != nullptr && *given != '\0' ? given : default_api_base;
-  while (base.ends_with('/')) base.pop_back();
-  return base;
 }
 
 void queue_paths(Session& session, const std::vector<std::string>& paths, Terminal& terminal) {
@@ -137,7 +128,7 @@ int run(const Options& options) {
   for (const auto& [name, number] : options.numbers) store.replace_number(name, number);
   if (options.dry_run) store.replace_number("confirm", 0);  // nothing is done that would need a word
 
-  Places places{.application_data = {}, .program = program_folder(), .work_dir = {}, .api_base = api_base()};
+  Places places{.application_data = {}, .program = program_folder(), .work_dir = {}, .api_base = listings_address()};
   try {
     if (options.work_dir) {
       places.work_dir = checked_work_dir(files, *options.work_dir);

@@ -1,9 +1,18 @@
 #include "shell/session.h"
 
+#include <cstdlib>
+
 #include "shell/version.h"
 #include "shell/work_dir.h"
 
 namespace quorvel {
+
+std::string listings_address() {
+  const char* const given = std::getenv("QUORVEL_API_BASE");
+  std::string address = given != nullptr && *given != '\0' ? given : default_api_base;
+  while (address.ends_with('/')) address.pop_back();
+  return address;
+}
 
 Session::Session(Ports ports, Places places)
     : ports(ports),

@@ -47,6 +47,9 @@ struct Places {
   std::string api_base;                 // of the listings service, without a trailing slash
 };
 
+/// The listings service's address, without a trailing slash: the environment's QUORVEL_API_BASE, or else the build's.
+std::string listings_address();
+
 /// Everything that lives as long as the program runs. The ports outlive it.
 class Session {
  public:

@@ -10,29 +10,20 @@
 #include "ui/text.h"
 
 namespace quorvel::ui {
-namespace {
-
-std::string api_base() {
-  const char* const given = std::getenv("QUORVEL_API_BASE");
-  std::string base = given != nullptr && *given != '\0' ? given : default_api_base;
-  while (base.ends_with('/')) base.pop_back();
-  return base;
-}
-
-}  // namespace
-
 Places App::places() {
   return {.application_data = application_data_folder(*files_),
           .program = program_folder(),
           .work_dir = {},
-          .api_base = api_base()};
+          .api_base = listings_address()};
 }
 
 void App::build() {
   files_ = system_files();
-  shell_ = system_file_operation([this](std::uint64_t done, std::uint64_t total) {
-    return frame_ == nullptr || frame_->copy_progress(done, total);
-  });
+  shell_ = system_file_operation(
+      [this](std::uint64_t done, std::uint64_t total) {
+        return frame_ == nullptr || frame_->copy_progress(done, total);
+      },
+      [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
   key_values_ = system_key_values(*files_);
   socket_ = system_socket();
   clock_ = system_clock();

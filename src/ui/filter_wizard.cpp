@@ -192,10 +192,7 @@ int FilterWizard::action() const {
 
 void FilterWizard::showstep(int step) {
   if (step_ == FilePath && step > FilePath && !path_is_good()) return;
-  if (step == FileName && mask_->IsEmpty()) {
-    mask_->ChangeValue(to_wx(default_mask));
-    mask_->SetInsertionPointEnd();
-  }
+  if (step == FileName && mask_->IsEmpty()) mask_->ChangeValue(to_wx(default_mask));
   if (step == Summary && !store()) return;
   if (step == End) {
     if (IsModal()) EndModal(wxID_OK);
@@ -250,6 +247,7 @@ void FilterWizard::set_focus() {
                                                          : copy_,
                              path_, mask_, next_};
   first[step_ - 1]->SetFocus();
+  if (step_ == FileName) mask_->SetInsertionPointEnd();  // rather than all of it selected
 }
 
 void FilterWizard::on_next() {

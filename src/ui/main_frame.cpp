@@ -3,7 +3,11 @@
 #include <wx/dnd.h>
 #include <wx/evtloop.h>
 #include <wx/filedlg.h>
+#include <wx/msgdlg.h>
 #include <wx/sizer.h>
+
+// Behind the header that it leans on.
+#include <wx/generic/msgdlgg.h>
 
 #include "shell/version.h"
 #include "text/cut.h"
@@ -251,6 +255,14 @@ bool MainFrame::copy_progress(std::uint64_t done, std::uint64_t total) {
   }
   process_events();
   return !gives_copies_up_;
+}
+
+bool MainFrame::ask_to_replace(const std::string& path) {
+  wxGenericMessageDialog dialog(dialog_parent(), "There is a file of that name already:", "Confirm File Replace",
+                                wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
+  dialog.SetExtendedMessage(to_wx(path) + "\n\nShall it be put into the trash and replaced?");
+  dialog.SetYesNoLabels("&Replace", "&Keep");
+  return stack_.show_modal(dialog) == wxID_YES && !unloading_;
 }
 
 std::optional<bool> MainFrame::ask_confirmation(const ConfirmationQuestion& question) {

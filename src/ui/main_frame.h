@@ -49,6 +49,9 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   /// `done` of `total` bytes are moved or copied; false when that is to be given up.
   bool copy_progress(std::uint64_t done, std::uint64_t total);
 
+  /// Whether the file at `path` may go to the trash for another; true only when the user has said so.
+  bool ask_to_replace(const std::string& path);
+
   /// Queues what the user has dropped or picked, in this order.
   void add_paths(const wxArrayString& paths);
 

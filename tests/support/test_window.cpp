@@ -58,11 +58,13 @@ TestWindow::TestWindow() {
   for (const char* const sub : {"in", "data", "program", "program/work"}) {
     std::filesystem::create_directory(folder / sub);
   }
-  shell = system_file_operation([this](std::uint64_t done, std::uint64_t total) {
-    ++progress_reports;
-    on_progress();
-    return frame->copy_progress(done, total);
-  });
+  shell = system_file_operation(
+      [this](std::uint64_t done, std::uint64_t total) {
+        ++progress_reports;
+        on_progress();
+        return frame->copy_progress(done, total);
+      },
+      [this](const std::string& path) { return frame->ask_to_replace(path); });
   Register();
 }
 

@@ -52,6 +52,8 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
       if (step(wizard) == copy_path) set_text(wizard, "path", "/tv");
       press(wizard, move.press);
       EXPECT_EQ(step(wizard), move.then);
+      const auto& mask = find<wxTextCtrl>(wizard, "mask");
+      EXPECT_TRUE(!mask.IsShownOnScreen() || (mask.GetInsertionPoint() == 27 && mask.GetStringSelection().empty()));
     }
     EXPECT_EQ(label(wizard, "summary"), "The following filter has been successfully added:");
     EXPECT_EQ(label(wizard, "summary_filter") + "|" + label(wizard, "summary_path"), "Show Name Equals Anything|/tv/");

@@ -134,6 +134,20 @@ TEST_F(Running, TheSessionsEndIsHeldUpAndThenGivesACopyUp) {
   EXPECT_EQ(std::to_string(files_in("in")) + std::to_string(files_in("out")), "10");
 }
 
+TEST_F(Running, AnExistingFileIsReplacedOnlyOnTheUsersWord) {
+  start();
+  rule(MoveAndRename, folder / "out");
+  file("../out/The Harbour Lights - 1x01 - Slack Water.avi", "old");
+  drop({file("harbour.lights.s01e01.avi", "new")});
+  on_dialog("Confirm File Replace", "Keep");
+  run_pass();
+  EXPECT_EQ(cell("ListView1", 1, 2), "Failed");
+  on_dialog([this](wxDialog&) { recorder.handle("QV|UD|"); });
+  run_pass();
+  wait_for_the_end();
+  EXPECT_EQ(files_in("in") + files_in("out"), 2U);
+}
+
 TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
   if (!std::filesystem::is_directory("/dev/shm")) GTEST_SKIP() << "no second file system";
   start();
