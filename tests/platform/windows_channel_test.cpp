@@ -20,6 +20,7 @@ struct WindowsChannel : ::testing::Test {
                                       nullptr, nullptr, nullptr);
   CopyDataChannel running{caption, caption};
   Texts taken;
+  WindowsChannel() { EXPECT_NE(window, nullptr) << error_text(GetLastError()); }
   ~WindowsChannel() override { DestroyWindow(window); }
 
   /// On a thread of its own, as another copy would; this one answers meanwhile.
@@ -96,8 +97,9 @@ TEST(WindowsLauncher, OpensNothingThatWouldRun) {
                launcher.start(folder / "none.exe", "") || launcher.start("C:\\windows\\win.ini", ""));
   const std::string made = folder / "made here";
   EXPECT_TRUE(launcher.start("C:\\windows\\system32\\cmd.exe", "/c mkdir \"" + made + "\""));
-  for (int i = 0; i < 3000 && GetFileAttributesW(to_utf16(made)->c_str()) == INVALID_FILE_ATTRIBUTES; ++i) Sleep(10);
-  EXPECT_NE(GetFileAttributesW(to_utf16(made)->c_str()), INVALID_FILE_ATTRIBUTES);
+  int waits = 0;
+  while (!RemoveDirectoryW(to_utf16(made)->c_str()) && ++waits < 3000) Sleep(10);  // made, and let go of
+  EXPECT_LT(waits, 3000);
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <list>
+
 #include "listings_service.h"
 #include "platform/system.h"
 #include "platform/windows/registry.h"
@@ -38,6 +41,73 @@ TEST_F(WindowsProgram, TheTerminalProgramRenamesWhatItIsGivenAndKeepsASecondFile
   EXPECT_TRUE(files->exists(taken) && files->exists(first) && files->exists(other));
   EXPECT_TRUE(files->exists(folder / "data/cache"));
   EXPECT_EQ(Process(program, "--nonsense").status(), 2u);
+}
+
+void wait_until(const std::function<bool()>& done) {
+  for (int i = 0; i < 12'000 && !done(); ++i) Sleep(10);
+  EXPECT_TRUE(done());
+}
+
+HWND window_of(const Process& program, const wchar_t* type, const wchar_t* caption) {
+  DWORD owner = 0;
+  for (HWND window = nullptr; (window = FindWindowExW(nullptr, window, type, caption)) != nullptr;) {
+    if (GetWindowThreadProcessId(window, &owner) != 0 && owner == program.id()) return window;
+  }
+  return nullptr;
+}
+
+HWND visible_list(HWND window) {
+  HWND list = nullptr;
+  const auto take = [](HWND child, LPARAM found) -> BOOL {
+    wchar_t type[32];
+    GetClassNameW(child, type, 32);
+    if (std::wstring_view(type) != L"SysListView32" || !IsWindowVisible(child)) return TRUE;
+    *reinterpret_cast<HWND*>(found) = child;
+    return FALSE;
+  };
+  EnumChildWindows(window, take, reinterpret_cast<LPARAM>(&list));
+  return list;
+}
+
+TEST_F(WindowsProgram, FiftyCopiesStartedAtOnceHandOverTheirFilesAndOneIsUndoneAndUninstallLeavesNothing) {
+  const std::string program = programs + "/quorvel.exe", name = "harbour.lights.s01e02.mkv";
+  const std::string good = "The Harbour Lights - 1x02 - The Pilot Boat.mkv", command = "\\shell\\Quorvel\\command";
+  const auto key_is_there = [] { return registry::read_string(HKEY_CURRENT_USER, "SOFTWARE\\Quorvel", "").has_value(); };
+  RegDeleteTreeW(HKEY_CURRENT_USER, L"SOFTWARE\\Quorvel");
+  std::vector<std::string> folders;
+  for (int i = 0; i < 51; ++i) {
+    folders.push_back(folder / ("in/a b " + std::to_string(i)));
+    ASSERT_TRUE(files->create_folder(folders.back()) && files->replace(folders.back() + "\\" + name, name));
+  }
+  const Process first(program, folders[50] + "\\" + name);  // without quotes, as the file manager gives it
+  wait_until([&] { return files->exists(folders[50] + "\\" + good); });
+  std::list<Process> others;
+  for (int i = 0; i < 50; ++i) others.emplace_back(program, folders[static_cast<std::size_t>(i)] + "\\" + name);
+  for (const Process& other : others) EXPECT_EQ(other.status(), 0u);
+  for (const std::string& each : folders) wait_until([&] { return files->exists(each + "\\" + good); });
+
+  const HWND window = window_of(first, nullptr, L"Quorvel 3.4"), list = visible_list(window);
+  POINT row{20, 28};  // the first below the header
+  ClientToScreen(list, &row);
+  PostMessageW(list, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(list), MAKELPARAM(row.x, row.y));
+  wait_until([&] { return window_of(first, L"#32768", nullptr) != nullptr; });
+  PostMessageW(list, WM_CHAR, 'u', 0);  // "Undo Rename"
+  wait_until([&] { return files->exists(folders[50] + "\\" + name); });
+  EXPECT_FALSE(files->exists(folders[50] + "\\" + good));
+  EXPECT_TRUE(files->exists(folders[49] + "\\" + good));
+
+  EXPECT_TRUE(key_is_there());
+  const auto verb = [&](const std::string& of) { return registry::read_string(HKEY_CLASSES_ROOT, of + command, ""); };
+  EXPECT_TRUE(verb("Directory").value_or("").ends_with("quorvel.exe\" %1"));
+  EXPECT_TRUE(verb("SystemFileAssociations\\.mkv"));
+  const auto channel = system_instance_channel();
+  EXPECT_TRUE(channel->other_is_running());
+  channel->send("QV|UD|");
+  EXPECT_EQ(first.status(), 0u);
+  EXPECT_TRUE(files->exists(folder / "data/Quorvel"));
+  EXPECT_EQ(Process(program, "/uninstall").status(), 0u);
+  EXPECT_FALSE(key_is_there() || files->exists(folder / "data/Quorvel"));
+  EXPECT_FALSE(verb("Directory") || verb("SystemFileAssociations\\.mkv"));
 }
 
 }  // namespace

@@ -148,6 +148,9 @@ bool CopyDataChannel::other_is_running() {
 }
 
 void CopyDataChannel::send(const std::string& text) {
+  if (text.size() > longest_text || text.find('\0') != std::string::npos) {
+    throw Failure("What was to be handed to the running program is no path");
+  }
   std::string bytes = text;
   COPYDATASTRUCT record{};
   if (const std::optional<std::string> plain = in_code_page(text)) {
@@ -156,9 +159,6 @@ void CopyDataChannel::send(const std::string& text) {
     record.cbData = static_cast<DWORD>(bytes.size() + 1);
     bytes.resize(buffer_size, '\0');
   } else {
-    if (text.size() > longest_text || text.find('\0') != std::string::npos) {
-      throw Failure("What was to be handed to the running program is no path");
-    }
     record.dwData = own_record;
     record.cbData = static_cast<DWORD>(bytes.size() + 1);
   }

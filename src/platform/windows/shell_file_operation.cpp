@@ -62,6 +62,8 @@ bool has_recycle_bin(const std::wstring& path) {
 int ShellFileOperation::perform(const FileOperationRequest& request) {
   std::wstring source, destination;
   if (const int refused = take_path(request.sources, source); refused != 0) return refused;
+  // The shell may take the absence of the file for the end of its work.
+  if (GetFileAttributesW(source.c_str()) == INVALID_FILE_ATTRIBUTES) return static_cast<int>(GetLastError());
   if (request.operation != Request::Delete) {
     if (const int refused = take_path(request.destinations, destination); refused != 0) return refused;
     if (const int refused = check_destination(source, destination, may_ask_); refused != 0) return refused;
