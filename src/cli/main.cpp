@@ -1,14 +1,21 @@
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "cli/options.h"
 #include "cli/run.h"
+#include "platform/arguments.h"
 #include "platform/console.h"
 
 int main(int argc, char** argv) {
   using namespace quorvel;
   try {
-    const auto parsed = cli::parse_options(argc, argv);
+    std::vector<std::string> arguments = separate_arguments(argc, argv);
+    arguments.insert(arguments.begin(), "quorvel-cli");
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    const auto parsed = cli::parse_options(static_cast<int>(arguments.size()), pointers.data());
     if (const auto* const ending = std::get_if<cli::Ending>(&parsed)) {
       ending->status == 0 ? console::write_out(ending->text) : console::write_error(ending->text);
       return ending->status;

@@ -20,7 +20,8 @@ std::string from_wx(const wxString& text) {
 }
 
 std::string path_from_wx(const wxString& path) {
-  const std::u8string bytes = std::filesystem::path(path.fn_str().data()).u8string();
+  using Native = std::filesystem::path::value_type;
+  const std::u8string bytes = std::filesystem::path(static_cast<const Native*>(path.fn_str())).u8string();
   return {bytes.begin(), bytes.end()};
 }
 

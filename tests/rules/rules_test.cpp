@@ -1,6 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "session_fixture.h"
 
@@ -104,21 +102,6 @@ TEST_F(Rules, ExceptionsReplaceOnceAndIgnoreCase) {
   EXPECT_EQ(ui.exceptions.at(1), (ListRow{"F2", {"the office", "X"}}));
   for (int i = 0; i < 3; ++i) EXPECT_TRUE(exceptions.remove(1));
   EXPECT_FALSE(exists("data/Quorvel/man.dat"));
-}
-
-TEST_F(Rules, AKillAtAnyInstantLeavesTheOldListOrTheNewOneWhole) {
-  load_filters(std::string(mkv_line) + any_line);
-  for (int round = 0; round < 20; ++round) {
-    const pid_t child = fork();
-    if (child == 0) {
-      for (;;) filters.exchange(1, 2);
-    }
-    usleep(static_cast<useconds_t>(1000 + 700 * round));  // not waited for anything: any instant will do
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
-    const std::string bytes = read("data/Quorvel/filters.dat");
-    ASSERT_TRUE(bytes == std::string(mkv_line) + any_line || bytes == std::string(any_line) + mkv_line) << bytes;
-  }
 }
 
 }  // namespace

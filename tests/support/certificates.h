@@ -1,9 +1,12 @@
 #pragma once
 
-#include <openssl/types.h>
-
 #include <memory>
 #include <string>
+
+// As OpenSSL declares them; a test without TLS needs no more of it.
+typedef struct evp_pkey_st EVP_PKEY;
+typedef struct ssl_ctx_st SSL_CTX;
+typedef struct x509_st X509;
 
 namespace quorvel::testing {
 

@@ -8,25 +8,34 @@
 
 namespace quorvel::testing {
 
+inline std::string text_of(const std::filesystem::path& path) {
+  const std::u8string bytes = path.u8string();
+  return {bytes.begin(), bytes.end()};
+}
+
+inline std::filesystem::path path_of(const std::string& text) {
+  return std::u8string(text.begin(), text.end());
+}
+
 inline void write_file(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
+  std::ofstream(path_of(path), std::ios::binary) << bytes;
 }
 
 inline std::string contents(const std::string& path) {
   std::ostringstream bytes;
-  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  bytes << std::ifstream(path_of(path), std::ios::binary).rdbuf();
   return bytes.str();
 }
 
 /// What a folder holds, at every depth: links to folders as "-> target", files by their bytes.
 inline std::map<std::string, std::string> everything_in(const std::string& folder) {
   std::map<std::string, std::string> found;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-    std::string& value = found[entry.path().native()];
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(path_of(folder))) {
+    std::string& value = found[text_of(entry.path())];
     if (entry.is_symlink() && !entry.is_regular_file()) {
-      value = "-> " + read_symlink(entry.path()).native();
+      value = "-> " + text_of(read_symlink(entry.path()));
     } else if (entry.is_regular_file()) {
-      value = contents(entry.path().native());
+      value = contents(text_of(entry.path()));
     }
   }
   return found;

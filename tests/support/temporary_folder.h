@@ -1,26 +1,43 @@
 #pragma once
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
+#include <random>
 #include <string>
 
 namespace quorvel::testing {
 /// A fresh folder, gone with all it holds when the test ends.
 class TemporaryFolder {
  public:
-  explicit TemporaryFolder(const std::string& parent = "/tmp") : top_(parent + "/quorvel-XXXXXX") {
-    if (mkdtemp(top_.data()) == nullptr || !std::filesystem::create_directory(path())) std::abort();
+  explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::random_device random;
+    do {
+      top_ = parent / ("quorvel-" + std::to_string(random()));
+    } while (!create_directory(top_));
+    permissions(top_, std::filesystem::perms::owner_all);
+    create_directory(top_ / "t");
   }
   ~TemporaryFolder() {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(top_)) {
+    std::error_code failed;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(top_, failed)) {
       if (!entry.is_symlink() && entry.is_directory()) permissions(entry.path(), std::filesystem::perms::owner_all);
     }
     std::filesystem::remove_all(top_);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
-  std::string path() const { return top_ + "/t"; }
-  std::string operator/(const std::string& name) const { return path() + "/" + name; }
+  std::string path() const { return text(top_ / "t"); }
+  /// With the system's separators.
+  std::string operator/(const std::string& name) const {
+    std::string native = path() + "/" + name;
+    if (std::filesystem::path::preferred_separator == '\\') std::replace(native.begin(), native.end(), '/', '\\');
+    return native;
+  }
 
  private:
-  std::string top_;
+  static std::string text(std::filesystem::path path) {
+    const std::u8string bytes = path.make_preferred().u8string();
+    return {bytes.begin(), bytes.end()};
+  }
+
+  std::filesystem::path top_;
 };
 }  // namespace quorvel::testing

@@ -1,0 +1,210 @@
+#include "platform/windows/disk_files.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <random>
+#include <string_view>
+
+#include "platform/windows/handle.h"
+#include "platform/windows/wide.h"
+
+namespace quorvel {
+namespace {
+
+constexpr DWORD share_all = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kept_attributes =
+    FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+constexpr DWORD chunk_size = 1U << 20;
+constexpr std::uint64_t ticks_before_1970 = 116'444'736'000'000'000;
+
+std::uint64_t joined(DWORD high, DWORD low) {
+  return std::uint64_t{high} << 32 | low;
+}
+
+/// What is at the end of all links.
+HANDLE open_existing(const std::wstring& path, DWORD access) {
+  return CreateFileW(path.c_str(), access, share_all, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+}
+
+bool is_missing(DWORD error) {
+  return error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED;
+}
+
+Files::Kind kind_of(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    return is_missing(GetLastError()) ? Files::Kind::Missing : Files::Kind::Other;
+  }
+  const Handle handle(open_existing(path, 0));
+  BY_HANDLE_FILE_INFORMATION found{};
+  if (!handle) {
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+      return is_missing(GetLastError()) ? Files::Kind::Missing : Files::Kind::Other;
+    }
+    return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? Files::Kind::Folder : Files::Kind::File;
+  }
+  if (GetFileType(handle.get()) != FILE_TYPE_DISK || !GetFileInformationByHandle(handle.get(), &found)) {
+    return Files::Kind::Other;
+  }
+  return (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? Files::Kind::Folder : Files::Kind::File;
+}
+
+bool leads_elsewhere(const WIN32_FIND_DATAW& found) {
+  return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+         (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+}
+
+/// Where `path` leads when it is a link; empty when it leads nowhere.
+std::optional<std::wstring> followed(const std::wstring& path) {
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
+  const Handle handle(open_existing(path, 0));
+  if (!handle) return {};
+  std::wstring target(GetFinalPathNameByHandleW(handle.get(), nullptr, 0, 0), L'\0');
+  const DWORD size = GetFinalPathNameByHandleW(handle.get(), target.data(), static_cast<DWORD>(target.size()), 0);
+  if (size == 0 || size >= target.size()) return {};
+  target.resize(size);
+  return target;
+}
+
+/// A file that is there may be replaced only if it might be written to: protecting it was meant seriously.
+bool may_be_replaced(const std::wstring& path, DWORD attributes) {
+  if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) return false;
+  const Handle handle(open_existing(path, GENERIC_WRITE));
+  return handle && GetFileType(handle.get()) == FILE_TYPE_DISK;
+}
+
+bool write_all(HANDLE file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto size = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), chunk_size));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), size, &written, nullptr) || written == 0) return false;
+    bytes.remove_prefix(written);
+  }
+  return true;
+}
+
+std::wstring temporary_name(const std::wstring& beside) {
+  static constexpr std::wstring_view letters = L"abcdefghijklmnopqrstuvwxyz0123456789";
+  std::random_device random;
+  std::uniform_int_distribution<std::size_t> letter(0, letters.size() - 1);
+  const std::size_t folder_end = beside.find_last_of(L"\\/:");
+  std::wstring name = folder_end == std::wstring::npos ? L"" : beside.substr(0, folder_end + 1);
+  name += L".quorvel-";
+  for (int i = 0; i < 6; ++i) name += letters[letter(random)];
+  return name;
+}
+
+/// The name of a new file with these bytes, flushed, in the folder of `beside`; empty when it cannot be made.
+std::optional<std::wstring> write_temporary(const std::wstring& beside, const std::string& bytes, DWORD attributes) {
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    std::wstring name = temporary_name(beside);
+    Handle file(CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, attributes, nullptr));
+    if (!file && GetLastError() == ERROR_FILE_EXISTS) continue;
+    if (!file) return {};
+    if (write_all(file.get(), bytes) && FlushFileBuffers(file.get())) return name;
+    file.close();
+    DeleteFileW(name.c_str());
+    return {};
+  }
+  return {};
+}
+
+}  // namespace
+
+Files::Kind DiskFiles::kind(const std::string& path) const {
+  const std::optional<std::wstring> wide = system_path(path);
+  return wide ? kind_of(*wide) : Kind::Missing;
+}
+
+std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
+  const std::optional<std::wstring> wide = system_path(path);
+  if (!wide) return {};
+  const Handle handle(open_existing(*wide, 0));
+  BY_HANDLE_FILE_INFORMATION found{};
+  if (!handle || !GetFileInformationByHandle(handle.get(), &found)) return {};
+  const std::uint64_t modified = joined(found.ftLastWriteTime.dwHighDateTime, found.ftLastWriteTime.dwLowDateTime);
+  return FileStamp{.device = found.dwVolumeSerialNumber,
+                   .id = joined(found.nFileIndexHigh, found.nFileIndexLow),
+                   .size = joined(found.nFileSizeHigh, found.nFileSizeLow),
+                   .modified_ns = static_cast<std::int64_t>(modified - ticks_before_1970) * 100};
+}
+
+bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
+  const bool complete = folder.ends_with('\\') || folder.ends_with('/');
+  const std::string base = complete ? folder : folder + "\\";
+  const std::optional<std::wstring> wide = system_path(base);
+  // With wildcards it would be a pattern.
+  if (!wide || folder.empty() || folder.find('*') != std::string::npos || folder.find('?', 4) != std::string::npos) {
+    return false;
+  }
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW((*wide + L"*").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) {
+    // The root of an empty drive has not even the entry ".".
+    return GetLastError() == ERROR_FILE_NOT_FOUND && kind_of(*wide) == Kind::Folder;
+  }
+  struct Closing {
+    HANDLE search;
+    ~Closing() { FindClose(search); }
+  } const closing{search};
+  do {
+    const std::wstring_view name = found.cFileName;
+    if (name.ends_with(L'.') || name.ends_with(L' ')) continue;
+    FolderEntry listed{.name = to_utf8(name),
+                       .is_folder = (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
+                       .is_link = leads_elsewhere(found)};
+    if (listed.is_link) listed.is_folder = kind(base + listed.name) == Kind::Folder;
+    entry(std::move(listed));
+  } while (FindNextFileW(search, &found));
+  return GetLastError() == ERROR_NO_MORE_FILES;
+}
+
+std::optional<std::string> DiskFiles::read(const std::string& path) const {
+  const std::optional<std::wstring> wide = system_path(path);
+  if (!wide) return {};
+  const Handle file(CreateFileW(wide->c_str(), GENERIC_READ, share_all, nullptr, OPEN_EXISTING, 0, nullptr));
+  if (!file || GetFileType(file.get()) != FILE_TYPE_DISK) return {};
+  std::string bytes;
+  while (true) {
+    const std::size_t filled = bytes.size();
+    bytes.resize(filled + chunk_size);
+    DWORD got = 0;
+    if (!ReadFile(file.get(), bytes.data() + filled, chunk_size, &got, nullptr)) return {};
+    bytes.resize(filled + got);
+    if (got == 0) return bytes;
+  }
+}
+
+bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
+  const std::optional<std::wstring> wide = system_path(path);
+  const std::optional<std::wstring> target = wide ? followed(*wide) : std::nullopt;
+  if (!target) return false;
+  const DWORD old = GetFileAttributesW(target->c_str());
+  const bool exists = old != INVALID_FILE_ATTRIBUTES;
+  if (exists ? !may_be_replaced(*target, old) : !is_missing(GetLastError())) return false;
+
+  const DWORD attributes = exists ? old & kept_attributes : FILE_ATTRIBUTE_NORMAL;
+  const std::optional<std::wstring> temporary = write_temporary(*target, bytes, attributes);
+  if (!temporary) return false;
+  const DWORD how = MOVEFILE_WRITE_THROUGH | (exists ? MOVEFILE_REPLACE_EXISTING : 0);
+  if (MoveFileExW(temporary->c_str(), target->c_str(), how)) return true;
+  DeleteFileW(temporary->c_str());
+  return false;
+}
+
+bool DiskFiles::remove(const std::string& path) {
+  const std::optional<std::wstring> wide = system_path(path);
+  if (!wide) return false;
+  if (DeleteFileW(wide->c_str())) return true;
+  const DWORD error = GetLastError();
+  return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+
+bool DiskFiles::create_folder(const std::string& path) {
+  const std::optional<std::wstring> wide = system_path(path);
+  return wide && CreateDirectoryW(wide->c_str(), nullptr);
+}
+
+}  // namespace quorvel

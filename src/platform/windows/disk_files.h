@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/files.h"
+
+namespace quorvel {
+
+/// The files of this machine and of those it reaches.
+class DiskFiles : public Files {
+ public:
+  /// What is there but may not be looked at is Other, so that nothing is ever put in its place.
+  Kind kind(const std::string& path) const override;
+  std::optional<FileStamp> stamp(const std::string& path) const override;
+
+  /// Names that end in a dot or a blank are left out: the system's ordinary calls reach another file by them.
+  bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const override;
+
+  /// Empty as well for whatever is no file on a disk.
+  std::optional<std::string> read(const std::string& path) const override;
+
+  /// A link stays a link: the file it leads to is replaced. The file keeps its attributes.
+  bool replace(const std::string& path, const std::string& bytes) override;
+  bool remove(const std::string& path) override;
+  bool create_folder(const std::string& path) override;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,67 @@
+#include "platform/windows/explorer_verbs.h"
+
+#include "platform/windows/registry.h"
+#include "platform/windows/wide.h"
+#include "text/case.h"
+
+namespace quorvel {
+namespace {
+
+const std::string folders_and_videos = "DIR";
+const std::string verb = "\\shell\\Quorvel";
+const std::string command = verb + "\\command";
+
+std::string class_of(const std::string& extension) {
+  return registry::read_string(HKEY_CLASSES_ROOT, "." + extension, "").value_or(std::string());
+}
+
+/// Failures are ignored: without the rights to write here the entry is missing.
+void write(const std::string& key, const std::string& text) {
+  static_cast<void>(registry::write_string(HKEY_CLASSES_ROOT, key, "", text));
+}
+
+/// Keys that hold other keys stay.
+void remove_key(const std::string& key) {
+  static_cast<void>(RegDeleteKeyW(HKEY_CLASSES_ROOT, to_utf16_or_marks(key).c_str()));
+}
+
+void remove_verb(const std::string& of) {
+  // Earlier versions have written the "ddeexec" keys.
+  for (const char* const leaf : {"\\ddeexec\\Application", "\\ddeexec\\Topic", "\\ddeexec", "\\command", ""}) {
+    remove_key(of + verb + leaf);
+  }
+}
+
+}  // namespace
+
+void ExplorerVerbs::install(const std::string& extension) {
+  const std::string text = "\"" + program_ + "\" %1";
+  if (extension == folders_and_videos) {
+    write("SystemFileAssociations\\video" + command, text);
+    write("Directory" + command, text);
+    return;
+  }
+  std::string name = class_of(extension);
+  write("SystemFileAssociations\\." + lower_case(extension) + command, text);
+  if (name.empty()) {
+    name = lower_case(extension) + "file";
+    write("." + extension, name);
+  }
+  write(name + command, text);
+}
+
+void ExplorerVerbs::remove(const std::string& extension) {
+  if (extension == folders_and_videos) {
+    remove_verb("Directory");
+    // Without "\shell", so the entry for videos stays; installations count on finding it.
+    remove_key("SystemFileAssociations\\video\\Quorvel\\command");
+    remove_key("SystemFileAssociations\\video\\Quorvel");
+    return;
+  }
+  const std::string name = class_of(extension);
+  if (name.empty()) return;
+  remove_verb(name);
+  remove_key("SystemFileAssociations\\." + lower_case(extension) + command);
+}
+
+}  // namespace quorvel

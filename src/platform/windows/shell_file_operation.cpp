@@ -1,0 +1,89 @@
+#include "platform/windows/shell_file_operation.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <optional>
+#include <string_view>
+
+#include "platform/native.h"
+#include "platform/windows/wide.h"
+
+namespace quorvel {
+namespace {
+
+using Request = FileOperationRequest;
+
+bool is_full(std::wstring_view path) {
+  const bool on_drive = path.size() >= 3 && path[1] == L':' && (path[2] == L'\\' || path[2] == L'/');
+  return on_drive || path.starts_with(L"\\\\");
+}
+
+/// Whether `path` names something that can be deleted, not a drive, a folder's own entry or the folder above it.
+bool has_name(std::wstring path) {
+  path.erase(path.find_last_not_of(L"\\/") + 1);
+  const std::wstring name = path.substr(path.find_last_of(L"\\/") + 1);
+  return !name.empty() && name != L"." && name != L".." && !name.ends_with(L':');
+}
+
+/// Takes the one path of a list, which may end in any number of NULs, into `path`. 0, or why it is refused.
+int take_path(const std::string& list, std::wstring& path) {
+  const std::string bare = list.substr(0, list.find_last_not_of('\0') + 1);
+  const std::optional<std::wstring> wide = to_utf16(bare);
+  if (!wide || bare.find('\0') != std::string::npos || !is_full(*wide) || !has_name(*wide) ||
+      wide->find_first_of(L"*?") != std::wstring::npos) {
+    return ShellFileOperation::invalid_path;
+  }
+  if (wide->size() >= MAX_PATH) return ShellFileOperation::path_too_deep;
+  path = *wide;
+  return 0;
+}
+
+/// 0 when the shell may be asked to put a file there.
+int check_destination(const std::wstring& source, const std::wstring& destination, bool may_ask) {
+  const DWORD attributes = GetFileAttributesW(destination.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return 0;
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return ShellFileOperation::destination_is_folder;
+  // A name may change its case alone.
+  const bool is_source = CompareStringOrdinal(source.c_str(), -1, destination.c_str(), -1, TRUE) == CSTR_EQUAL;
+  return !is_source && !may_ask ? ShellFileOperation::name_taken : 0;
+}
+
+/// Where there is no recycle bin, the shell would delete for good what was to go there.
+bool has_recycle_bin(const std::wstring& path) {
+  std::wstring root(MAX_PATH + 1, L'\0');
+  return GetVolumePathNameW(path.c_str(), root.data(), static_cast<DWORD>(root.size())) &&
+         GetDriveTypeW(root.c_str()) == DRIVE_FIXED;
+}
+
+}  // namespace
+
+int ShellFileOperation::perform(const FileOperationRequest& request) {
+  std::wstring source, destination;
+  if (const int refused = take_path(request.sources, source); refused != 0) return refused;
+  // The shell may take the absence of the file for the end of its work.
+  if (GetFileAttributesW(source.c_str()) == INVALID_FILE_ATTRIBUTES) return static_cast<int>(GetLastError());
+  if (request.operation != Request::Delete) {
+    if (const int refused = take_path(request.destinations, destination); refused != 0) return refused;
+    if (const int refused = check_destination(source, destination, may_ask_); refused != 0) return refused;
+  } else if ((request.flags & Request::AllowUndo) != 0 && !has_recycle_bin(source)) {
+    return native::no_trash_code;
+  }
+  // Two NULs end a list: one here, one that every string has.
+  source += L'\0';
+  destination += L'\0';
+  SHFILEOPSTRUCTW order{};
+  order.wFunc = static_cast<UINT>(request.operation);
+  order.pFrom = source.c_str();
+  order.pTo = request.operation == Request::Delete ? nullptr : destination.c_str();
+  order.fFlags = request.flags;
+  if (!may_ask_) order.fFlags |= FOF_SILENT | FOF_NOERRORUI | FOF_NOCONFIRMMKDIR;
+  // Only there: for the others it would be the word to replace a file.
+  if (!may_ask_ && request.operation == Request::Delete) order.fFlags |= FOF_NOCONFIRMATION;
+  const int code = SHFileOperationW(&order);
+  if (code != 0) return code;
+  return order.fAnyOperationsAborted ? aborted : 0;
+}
+
+}  // namespace quorvel
