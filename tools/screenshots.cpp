@@ -57,7 +57,7 @@ class Screenshots : public TestWindow {
   }
 
   void of_dialog(
-      int id, const std::string& name, std::function<void(wxDialog&)> before = [](wxDialog&) {}) {
+      int id, const std::string& name, const std::function<void(wxDialog&)>& before = [](wxDialog&) {}) {
     on_dialog([this, name, before](wxDialog& dialog) {
       before(dialog);
       picture(dialog, name);

@@ -31,7 +31,7 @@ struct WindowsFiles : ::testing::Test {
   }
   /// What the test itself cannot take away by the system's classic calls.
   void remove_deep(std::string deep) {
-    for (; deep != folder.path(); deep = deep.substr(0, deep.rfind('\\'))) {
+    for (; deep != folder.path(); deep.resize(deep.rfind('\\'))) {
       EXPECT_TRUE(RemoveDirectoryW(system_path(deep)->c_str()));
     }
   }

@@ -3,11 +3,11 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include <unistd.h>
+
 #include <cstdlib>
 
 #include "test_window.h"
-
-extern char** environ;
 
 namespace quorvel::testing {
 

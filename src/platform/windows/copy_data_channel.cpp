@@ -126,7 +126,7 @@ CopyDataChannel::CopyDataChannel(std::string caption, std::string name)
     : caption_(std::move(caption)), name_(to_utf16_or_marks("Local\\" + name)) {}
 
 CopyDataChannel::~CopyDataChannel() {
-  stop();
+  CopyDataChannel::stop();
   if (running_ != nullptr) CloseHandle(running_);
 }
 
