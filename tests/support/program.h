@@ -2,7 +2,6 @@
 
 #include <spawn.h>
 #include <sys/wait.h>
-
 #include <unistd.h>
 
 #include <cstdlib>
