@@ -44,8 +44,12 @@ struct WindowsChannel : ::testing::Test {
 TEST_F(WindowsChannel, TextsOfEveryKindArriveWholeAndInOrder) {
   EXPECT_FALSE(running.other_is_running());
   running.receive([&](const std::string& text) { taken.push_back(text); });
-  const Texts texts = {"QV|PI|C=",           "QV|PI|C=C:\\caf\u00E9.mkv", std::string(254, 'x'),
-                       std::string(255, 'y'), "QV|PI|C=日本 \xED\xA0\x80",  std::string(70'000, 'z')};
+  const Texts texts = {"QV|PI|C=",
+                       "QV|PI|C=C:\\caf\u00E9.mkv",
+                       std::string(254, 'x'),
+                       std::string(255, 'y'),
+                       "QV|PI|C=日本 \xED\xA0\x80",
+                       std::string(70'000, 'z')};
   meanwhile([&] {
     CopyDataChannel second(caption, caption);
     EXPECT_TRUE(second.other_is_running());

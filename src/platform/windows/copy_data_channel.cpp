@@ -49,9 +49,8 @@ bool deliver(const std::string& caption, COPYDATASTRUCT& record, ULONGLONG until
     const ULONGLONG now = GetTickCount64();
     if (now >= until) return false;
     DWORD_PTR taken = 0;
-    const LRESULT answered =
-        SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&record), SMTO_NORMAL,
-                            static_cast<UINT>(until - now), &taken);
+    const LRESULT answered = SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&record), SMTO_NORMAL,
+                                                 static_cast<UINT>(until - now), &taken);
     if (answered != 0 && taken == TRUE) return true;
   }
   return false;

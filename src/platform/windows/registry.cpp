@@ -44,8 +44,8 @@ std::optional<std::vector<BYTE>> read(HKEY hive, const std::string& path, const 
 LSTATUS write(HKEY hive, const std::string& path, const std::string& name, DWORD type, const void* bytes,
               std::size_t size) {
   HKEY opened = nullptr;
-  const LSTATUS result = RegCreateKeyExW(hive, to_utf16_or_marks(path).c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr,
-                                         &opened, nullptr);
+  const LSTATUS result =
+      RegCreateKeyExW(hive, to_utf16_or_marks(path).c_str(), 0, nullptr, 0, KEY_SET_VALUE, nullptr, &opened, nullptr);
   if (result != ERROR_SUCCESS) return result;
   const Key key(opened);
   return RegSetValueExW(key.get(), to_utf16_or_marks(name).c_str(), 0, type, static_cast<const BYTE*>(bytes),

@@ -79,6 +79,8 @@ int ShellFileOperation::perform(const FileOperationRequest& request) {
   order.pTo = request.operation == Request::Delete ? nullptr : destination.c_str();
   order.fFlags = request.flags;
   if (!may_ask_) order.fFlags |= FOF_SILENT | FOF_NOERRORUI | FOF_NOCONFIRMMKDIR;
+  // Only there: for the others it would be the word to replace a file.
+  if (!may_ask_ && request.operation == Request::Delete) order.fFlags |= FOF_NOCONFIRMATION;
   const int code = SHFileOperationW(&order);
   if (code != 0) return code;
   return order.fAnyOperationsAborted ? aborted : 0;

@@ -116,9 +116,9 @@ std::optional<std::wstring> system_path(const std::string& path) {
 
 std::string error_text(DWORD code) {
   wchar_t* text = nullptr;
-  const DWORD size = FormatMessageW(
-      FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
-      reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+  const DWORD size =
+      FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                     nullptr, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
   std::string said = size == 0 ? "error " + std::to_string(code) : to_utf8({text, size});
   LocalFree(text);
   said.erase(said.find_last_not_of("\r\n ") + 1);
