@@ -13,6 +13,7 @@ int main(int argc, char** argv) {
     std::vector<std::string> arguments = separate_arguments(argc, argv);
     arguments.insert(arguments.begin(), "quorvel-cli");
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     const auto parsed = cli::parse_options(static_cast<int>(arguments.size()), pointers.data());
