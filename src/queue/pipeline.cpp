@@ -14,13 +14,6 @@ FileJob job(const QueueItem& item) {
   return {item.path, item.filename, item.new_name, item.dest_path, item.action};
 }
 
-/// A show of such a name would lead a rule's "[show]" folder out of the place that the user has given.
-void refuse_as_folder(const std::string& show_name) {
-  if (show_name == "." || show_name == "..") {
-    throw Failure("The show name \"" + show_name + "\" cannot be the name of a folder");
-  }
-}
-
 }  // namespace
 
 bool Pipeline::getbits(int index, bool parentFolder) {
@@ -91,7 +84,6 @@ bool Pipeline::dofilter(int index) {
   if (filter.action < MoveAndRename) {
     folder = getpath(item.path, 0);
   } else {
-    refuse_as_folder(item.show_name);
     if (const auto trouble = mask_trouble(filter.path, values, expand_folder)) throw Failure("The folder " + *trouble);
     folder = expand_folder(filter.path, values);
   }

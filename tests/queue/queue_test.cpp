@@ -215,7 +215,7 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
     EXPECT_TRUE(path.starts_with(folder / "in/") || path.starts_with(folder / "target/a")) << path;
     EXPECT_EQ(path.find("/../"), std::string::npos) << path;
   }
-  EXPECT_EQ(item(1).error_text, "The show name \"..\" cannot be the name of a folder");
+  EXPECT_EQ(item(1).error_text, "The folder \"..\" stands for a folder");
 }
 
 TEST_F(Queue, TheFoldersNameComesBeforeTheFilesAndExceptionsAreApplied) {
