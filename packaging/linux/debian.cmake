@@ -6,11 +6,10 @@ set(CPACK_PACKAGE_CONTACT ${QUORVEL_MAINTAINER})
 set(CPACK_PACKAGE_HOMEPAGE_URL ${QUORVEL_WEBSITE})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_STRIP_FILES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-# Packages of one version are the same bytes whenever they are made.
+# Packages of the same sources are the same bytes, whenever and wherever they are made.
 configure_file(package_time.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/package_time.cmake @ONLY)
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_BINARY_DIR}/package_time.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_SOURCE_DIR}/repack.cmake)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
