@@ -2,6 +2,7 @@
 # gives folders the permissions that its user's umask leaves, so its packages differ from one machine to the next.
 foreach(package IN LISTS CPACK_PACKAGE_FILES)
   set(folder ${package}.d)
+  file(REMOVE_RECURSE ${folder})
   execute_process(COMMAND dpkg-deb --raw-extract ${package} ${folder} COMMAND_ERROR_IS_FATAL ANY)
   file(GLOB_RECURSE entries LIST_DIRECTORIES true ${folder}/usr/*)
   set(folders ${folder} ${folder}/DEBIAN ${folder}/usr)
