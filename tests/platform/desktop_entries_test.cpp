@@ -23,6 +23,12 @@ void write(const std::string& path, const std::string& text) {
   std::ofstream(path) << text;
 }
 
+/// The text of the entry that is found as the installed one, whatever the system has.
+void set_installed_entry(const TemporaryFolder& folder, const std::string& text) {
+  write(folder / "home/applications/quorvel.desktop", text);
+  setenv("XDG_DATA_HOME", (folder / "home").c_str(), 1);
+}
+
 class ProgramPath : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
                          ::testing::Values("plain", "it's \"my\" $HOME `x`\\n ü", "100%f a=b `\"\\"));
@@ -30,6 +36,7 @@ INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
 TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
   const TemporaryFolder folder;
   DiskFiles files;
+  set_installed_entry(folder, "");
   const std::string program = folder / GetParam() + "/quorvel";
   write(program, "#!/bin/sh\nfor a; do printf '%s|' \"$a\"; done >'" + (folder / "out") + "'\n");
   fs::permissions(program, fs::perms::owner_all);
@@ -90,6 +97,23 @@ TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
   EXPECT_FALSE(fs::exists(folder / "kio"));
   EXPECT_EQ(contents(entry), "[Desktop Entry]\n");
   EXPECT_TRUE(fs::is_symlink(script) && contents(folder / "mine").empty());
+}
+
+TEST(DesktopEntries, LeaveTheTypesOfTheInstalledEntryToIt) {
+  const TemporaryFolder folder;
+  DiskFiles files;
+  set_installed_entry(folder, contents(QUORVEL_DESKTOP_ENTRY));
+  const std::string program = folder / "quorvel", data = folder / "data";
+  write(program, "");
+  DesktopEntries entries(files, data, program);
+  for (const char* const extension : {"avi", "mkv", "mpg", "mp4", "webm", "DIR"}) entries.install(extension);
+  const std::string types = contents(data + "/applications/quorvel-open.desktop");
+  EXPECT_NE(types.find("video/webm;"), std::string::npos);
+  for (const char* const type :
+       {"video/x-msvideo;", "video/x-matroska;", "video/mpeg;", "video/mp4;", "inode/directory;"}) {
+    EXPECT_EQ(types.find(type), std::string::npos) << type;
+    EXPECT_NE(contents(data + "/kio/servicemenus/quorvel.desktop").find(type), std::string::npos) << type;
+  }
 }
 
 }  // namespace

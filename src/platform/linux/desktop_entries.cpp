@@ -93,8 +93,20 @@ class KeyFile {
   GKeyFile* const file_ = g_key_file_new();
 };
 
-/// Not shown among the programs, where a package may have put one of its own.
+/// Those of the entry that was installed with the program, if it was.
+Names installed_types() {
+  g_autoptr(GKeyFile) file = g_key_file_new();
+  g_key_file_load_from_data_dirs(file, "applications/quorvel.desktop", nullptr, G_KEY_FILE_NONE, nullptr);
+  g_auto(GStrv) list = g_key_file_get_string_list(file, entry_group, "MimeType", nullptr, nullptr);
+  Names types;
+  for (char** type = list; type != nullptr && *type != nullptr; ++type) types.insert(*type);
+  return types;
+}
+
+/// For the types alone that the installed entry leaves, and not shown among the programs: nobody wants to see two.
 std::string desktop_entry(const std::string& program, const Names& extensions) {
+  Names types = types_of(extensions);
+  for (const std::string& type : installed_types()) types.erase(type);
   KeyFile file;
   file.set(entry_group, "Type", "Application");
   file.set(entry_group, "Name", "Quorvel");
@@ -102,7 +114,7 @@ std::string desktop_entry(const std::string& program, const Names& extensions) {
   file.set(entry_group, "Icon", "quorvel");
   file.set(entry_group, "Exec", exec_value(program));
   file.set(entry_group, "NoDisplay", "true");
-  file.set_list(entry_group, "MimeType", types_of(extensions));
+  file.set_list(entry_group, "MimeType", types);
   return file.text();
 }
 

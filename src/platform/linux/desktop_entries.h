@@ -10,7 +10,7 @@ namespace quorvel {
 
 /// Three files below the folder for programs' data: a desktop entry for "Open With" everywhere, a service menu for
 /// Dolphin and a script for Nautilus. Thunar keeps its own actions in one file that belongs to the user, so there the
-/// desktop entry must do.
+/// desktop entry must do. It leaves out the types of a desktop entry that was installed with the program.
 ///
 /// Each file tells by itself for which extensions it was made. One that the program has not written, or that was
 /// edited since, is neither changed nor removed. The last extension takes the files with it, and the folders that

@@ -1,0 +1,27 @@
+# Puts the packages that CPack has made together anew. CPack counts a folder as large as the file system has it, and
+# gives folders the permissions that its user's umask leaves, so its packages differ from one machine to the next.
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  set(folder ${package}.d)
+  file(REMOVE_RECURSE ${folder})
+  execute_process(COMMAND dpkg-deb --raw-extract ${package} ${folder} COMMAND_ERROR_IS_FATAL ANY)
+  file(GLOB_RECURSE entries LIST_DIRECTORIES true ${folder}/usr/*)
+  set(folders ${folder} ${folder}/DEBIAN ${folder}/usr)
+  set(kilobytes 0)
+  foreach(entry IN LISTS entries)
+    set(size 1024)
+    if(IS_DIRECTORY ${entry})
+      list(APPEND folders ${entry})
+    else()
+      file(SIZE ${entry} size)
+    endif()
+    math(EXPR kilobytes "${kilobytes} + (${size} + 1023) / 1024")
+  endforeach()
+  file(CHMOD ${folders} PERMISSIONS
+       OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  file(READ ${folder}/DEBIAN/control control)
+  string(REGEX REPLACE "Installed-Size: [0-9]+" "Installed-Size: ${kilobytes}" control "${control}")
+  file(WRITE ${folder}/DEBIAN/control "${control}")
+  execute_process(COMMAND dpkg-deb --root-owner-group --threads-max=1 -Zxz --build ${folder} ${package} OUTPUT_QUIET
+                  COMMAND_ERROR_IS_FATAL ANY)
+  file(REMOVE_RECURSE ${folder})
+endforeach()
