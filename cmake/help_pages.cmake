@@ -128,17 +128,23 @@ write_sitemap(index.hhk "${index}")
 file(GLOB_RECURSE files RELATIVE ${OUTPUT} ${OUTPUT}/*.html ${OUTPUT}/*.css ${OUTPUT}/*.png)
 list(SORT files)
 list(JOIN files "\n" files)
+# The window has contents, index and search (0x20520), and buttons to hide them, to go back and forth and home, for
+# options and to print (0x304E).
 # Without the binary index: the compiler leaves bytes in it that differ from one time to the other.
 file(WRITE ${OUTPUT}/${PROJECT} "[OPTIONS]
 Compiled file=help.chm
 Contents file=contents.hhc
 Index file=index.hhk
 Default topic=index.html
+Default Window=main
 Title=${product}
 Language=0x0409 English (United States)
 Full-text search=Yes
 Binary TOC=No
 Binary Index=No
+
+[WINDOWS]
+main=\"${product}\",\"contents.hhc\",\"index.hhk\",\"index.html\",\"index.html\",,,,,0x20520,250,0x304E,[60,40,1020,760],,,,,,,0
 
 [FILES]
 ${files}
