@@ -83,6 +83,9 @@ TEST_F(Screenshots, Tabs) {
   prepare();
   picture(*frame, "queue");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(1);
+  AFilter shown = session->filters.at(1);
+  shown.path = "/home/anna/TV/[show]/";  // the real one has another name each time
+  frame->show_filters({{"F1", FilterFormat::cells(shown)}, {"F2", FilterFormat::cells(session->filters.at(2))}});
   find<ui::RuleList>(*frame, "ListView2").select(1);
   picture(*frame, "filters");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(2);

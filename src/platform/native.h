@@ -18,6 +18,9 @@ extern const int no_trash_code;
 /// argument is a switch or a path of its own.
 extern const bool command_line_is_one_text;
 
+/// Where the help is, from the program's folder on.
+extern const std::string_view help_file;
+
 /// Whether uninstalling also deletes a "filters.dat" in the current folder, which is the program's own where programs
 /// are started in their folder.
 extern const bool uninstall_clears_current_folder;

@@ -1,13 +1,14 @@
 #include "shell/commands.h"
 
 #include "naming/file_names.h"
+#include "platform/native.h"
+#include "platform/paths.h"
 #include "shell/version.h"
-#include "text/case.h"
 
 namespace quorvel {
 
 std::string help_file(const Places& places) {
-  return with_separator(places.program) + lower_case(application_title) + " help.chm";
+  return absolute_path(with_separator(places.program).append(native::help_file));
 }
 
 std::string compact_version(int major, int minor, int revision) {

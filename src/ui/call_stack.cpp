@@ -5,6 +5,11 @@ namespace quorvel::ui {
 int CallStack::show_modal(wxDialog& dialog) {
   if (ending_) return wxID_CANCEL;
   const Use use(*this);
+  // Menus and their keys do not work from inside a dialog.
+  dialog.Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+    event.Skip();
+    if (event.GetKeyCode() == WXK_F1 && !event.HasAnyModifiers()) on_help();
+  });
   dialogs_.push_back(&dialog);
   const int result = dialog.ShowModal();
   dialogs_.pop_back();

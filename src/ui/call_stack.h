@@ -39,6 +39,9 @@ class CallStack {
   /// Called each time when nothing is at work any more.
   std::function<void()> on_empty = [] {};
 
+  /// Called for F1 in an open dialog.
+  std::function<void()> on_help = [] {};
+
  private:
   void end_top_dialog();
   void leave() {

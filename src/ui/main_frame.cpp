@@ -91,6 +91,7 @@ MainFrame::MainFrame()
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
   stack_.on_empty = [this] { stack_is_empty(); };
+  stack_.on_help = [this] { commands_->help(); };
   Bind(wxEVT_CLOSE_WINDOW, &MainFrame::on_close, this);
 }
 

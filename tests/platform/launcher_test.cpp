@@ -38,7 +38,7 @@ std::string recorded(const std::string& path) {
 TEST(Launcher, OpensAddressesAndDocumentsAndRunsNothing) {
   if (const char* const target = std::getenv("QUORVEL_TEST_TARGET")) _exit(GioLauncher().open(target) ? 7 : 8);
   const TemporaryFolder folder;
-  const std::string recorder = folder / "recorder", out = folder / "out", page = folder / "help page.chm";
+  const std::string recorder = folder / "recorder", out = folder / "out", page = folder / "help page.html";
   std::ofstream(recorder) << "#!/bin/sh\necho \"$#\" \"$1\" >" << out << ".new\nmv " << out << ".new " << out << "\n";
   fs::permissions(recorder, fs::perms::owner_all);
   fs::create_directory(folder / "applications");
@@ -47,7 +47,7 @@ TEST(Launcher, OpensAddressesAndDocumentsAndRunsNothing) {
   std::ofstream list(folder / "mimeapps.list");
   list << "[Default Applications]\n";
   for (const char* const type : {"x-scheme-handler/http", "x-scheme-handler/https", "x-scheme-handler/file",
-                                 "x-scheme-handler/smb", "x-scheme-handler/javascript", "application/octet-stream"}) {
+                                 "x-scheme-handler/smb", "x-scheme-handler/javascript", "text/html"}) {
     list << type << "=r.desktop\n";
   }
   list.close();
@@ -63,7 +63,7 @@ TEST(Launcher, OpensAddressesAndDocumentsAndRunsNothing) {
   EXPECT_TRUE(opened(folder.path(), page));
   EXPECT_EQ(recorded(out), "1 " + page + "\n");
   for (const std::string& refused :
-       {"file://" + page, std::string("javascript:1"), std::string("smb://127.0.0.1/x"), std::string("help page.chm"),
+       {"file://" + page, std::string("javascript:1"), std::string("smb://127.0.0.1/x"), std::string("help page.html"),
         std::string("http:///x"), std::string("https://"), std::string("http://a\nb"), std::string("\"\""),
         std::string(), "\"\"" + address + "\"\"", folder / "none", folder / "program", folder / "a.desktop",
         folder / "out/x"}) {

@@ -28,11 +28,11 @@ TEST(Commands, OpenWhatTheyNameOrSayWhyNot) {
     commands.update(18446744073709551615U);
     return copy.happened();
   };
-  const std::string site = "https://quorvel.example/?v=3.4", help = copy.folder / "program/quorvel help.chm";
+  const std::string site = "https://quorvel.example/?v=3.4", help = copy.folder / "share/doc/quorvel/help/index.html";
   EXPECT_THAT(run_all(),
               ::testing::ElementsAre("message Quorvel: Help File not found in program directory", "open " + site,
                                      "message Quorvel: No updater is set up.##New versions can be found at " + site));
-  copy.file("program/quorvel help.chm");
+  copy.file("share/doc/quorvel/help/index.html");
   copy.store.write_string("website", "http://127.0.0.1/q/");
   copy.store.write_string("updater", "/opt/up date");
   const std::string open_help = "open " + help, open_site = "open http://127.0.0.1/q/?v=3.4",

@@ -32,7 +32,7 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   EXPECT_THROW(copy.channel.handle("QV|PI|C="), Failure);
 
   Copy helped;
-  helped.file("program/quorvel help.chm");
+  helped.file("share/doc/quorvel/help/index.html");
   helped.store.write_number("context", 1);
   helped.store.write_string("", "3.4");
   EXPECT_EQ(helped.startup.run({}), StartResult::Running);

@@ -1,4 +1,5 @@
 #include "program.h"
+#include "shell/commands.h"
 
 namespace quorvel::testing {
 
@@ -18,6 +19,11 @@ TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
   channel->send("QV|UD|");
   EXPECT_EQ(first.status(), 0);
   EXPECT_FALSE(channel->other_is_running());
+}
+
+TEST(TheProgram, FindsTheHelpThatTheBuildHasMade) {
+  const std::string folder = std::filesystem::path(QUORVEL_PROGRAM).parent_path();
+  EXPECT_TRUE(system_files()->exists(help_file({folder, folder, {}, {}})));
 }
 
 }  // namespace quorvel::testing

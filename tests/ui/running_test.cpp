@@ -2,6 +2,8 @@
 #include <wx/listctrl.h>
 #include <wx/uiaction.h>
 
+#include <fstream>
+
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -243,6 +245,23 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   on_dialog([&](wxDialog& dialog) { came = true, dialog.EndModal(wxID_CANCEL); });
   key('O', wxMOD_CONTROL);
   wait_until([&] { return came; });
+}
+
+TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
+  const std::filesystem::path help = folder / "share/doc/quorvel/help/index.html";
+  std::filesystem::create_directories(help.parent_path());
+  std::ofstream(help) << "x";
+  start();
+  key(WXK_F1);
+  wait_until([&] { return recorder.calls.size() == 1; });
+  on_dialog([&](wxDialog& dialog) {
+    wait_until([&] { return dialog.IsActive() && wxWindow::FindFocus() != nullptr; });
+    key(WXK_F1);
+    wait_until([&] { return recorder.calls.size() == 2; });
+    key(WXK_ESCAPE);
+  });
+  command(ui::mnuPrefs);
+  EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help.string()));
 }
 
 TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {

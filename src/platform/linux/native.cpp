@@ -8,6 +8,9 @@ const char separator = '/';
 const std::string_view system_name = "Linux";
 const int no_trash_code = ENOTSUP;
 
+// Of programs in "bin", installed or just built.
+const std::string_view help_file = "../share/doc/quorvel/help/index.html";
+
 // A path may hold any text here, so a folder called "uninstall" must not be taken for the switch.
 const bool command_line_is_one_text = false;
 
