@@ -23,12 +23,6 @@ void write(const std::string& path, const std::string& text) {
   std::ofstream(path) << text;
 }
 
-/// The text of the entry that is found as the installed one, whatever the system has.
-void set_installed_entry(const TemporaryFolder& folder, const std::string& text) {
-  write(folder / "home/applications/quorvel.desktop", text);
-  setenv("XDG_DATA_HOME", (folder / "home").c_str(), 1);
-}
-
 class ProgramPath : public ::testing::TestWithParam<const char*> {};
 INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
                          ::testing::Values("plain", "it's \"my\" $HOME `x`\\n ü", "100%f a=b `\"\\"));
@@ -36,7 +30,6 @@ INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
 TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
   const TemporaryFolder folder;
   DiskFiles files;
-  set_installed_entry(folder, "");
   const std::string program = folder / GetParam() + "/quorvel";
   write(program, "#!/bin/sh\nfor a; do printf '%s|' \"$a\"; done >'" + (folder / "out") + "'\n");
   fs::permissions(program, fs::perms::owner_all);
@@ -47,11 +40,10 @@ TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
   }
   EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
   for (const char* const type : {"video/x-matroska;", "video/x-msvideo;", "inode/directory;", "video/webm;"}) {
-    EXPECT_NE(contents(entry).find(type), std::string::npos) << type;
     EXPECT_NE(contents(menu).find(type), std::string::npos) << type;
   }
-  EXPECT_NE(contents(data + "/applications/mimeinfo.cache").find("quorvel-open"), std::string::npos);
-  EXPECT_EQ(contents(entry).find("octet-stream"), std::string::npos);
+  EXPECT_EQ(contents(menu).find("octet-stream"), std::string::npos);
+  EXPECT_EQ(contents(entry).find("MimeType"), std::string::npos);  // or a double click might rename
   EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
   const std::string out = folder / "out", a = folder / "a b.mkv", c = folder / "c.mkv";
   write(a, "x");
@@ -67,7 +59,7 @@ TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
   again.install("mp4");
   for (const char* const extension : {"mkv", "no such type;\n", "DIR"})
     DesktopEntries(files, data, program).remove(extension);
-  EXPECT_NE(contents(entry).find("MimeType=video/x-msvideo;\n"), std::string::npos);
+  EXPECT_NE(contents(menu).find("MimeType=video/x-msvideo;\n"), std::string::npos);
   again.remove("avi");
   EXPECT_FALSE(fs::exists(folder / "new"));
 }
@@ -99,21 +91,18 @@ TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
   EXPECT_TRUE(fs::is_symlink(script) && contents(folder / "mine").empty());
 }
 
-TEST(DesktopEntries, LeaveTheTypesOfTheInstalledEntryToIt) {
+TEST(DesktopEntries, AreNotSeenAmongTheProgramsBesideAnInstalledOne) {
   const TemporaryFolder folder;
   DiskFiles files;
-  set_installed_entry(folder, contents(QUORVEL_DESKTOP_ENTRY));
-  const std::string program = folder / "quorvel", data = folder / "data";
+  const std::string program = folder / "quorvel", entry = folder / "data/applications/quorvel-open.desktop";
   write(program, "");
-  DesktopEntries entries(files, data, program);
-  for (const char* const extension : {"avi", "mkv", "mpg", "mp4", "webm", "DIR"}) entries.install(extension);
-  const std::string types = contents(data + "/applications/quorvel-open.desktop");
-  EXPECT_NE(types.find("video/webm;"), std::string::npos);
-  for (const char* const type :
-       {"video/x-msvideo;", "video/x-matroska;", "video/mpeg;", "video/mp4;", "inode/directory;"}) {
-    EXPECT_EQ(types.find(type), std::string::npos) << type;
-    EXPECT_NE(contents(data + "/kio/servicemenus/quorvel.desktop").find(type), std::string::npos) << type;
-  }
+  DesktopEntries entries(files, folder / "data", program);
+  setenv("XDG_DATA_HOME", (folder / "home").c_str(), 1);
+  const std::string installed = contents(QUORVEL_DESKTOP_ENTRY);
+  EXPECT_EQ(installed.find("MimeType"), std::string::npos);
+  write(folder / "home/applications/quorvel.desktop", installed);
+  entries.install("avi");
+  EXPECT_NE(contents(entry).find("NoDisplay=true"), std::string::npos);
 }
 
 }  // namespace

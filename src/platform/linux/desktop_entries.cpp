@@ -22,7 +22,6 @@ namespace {
 
 constexpr const char* entry_group = "Desktop Entry";
 constexpr const char* folders_and_videos = "DIR";
-constexpr const char* type_cache = "mimeinfo.cache";
 
 using Names = std::set<std::string>;
 
@@ -93,28 +92,22 @@ class KeyFile {
   GKeyFile* const file_ = g_key_file_new();
 };
 
-/// Those of the entry that was installed with the program, if it was.
-Names installed_types() {
+/// Whether an entry was installed with the program, which is the one to be seen then.
+bool entry_is_installed() {
   g_autoptr(GKeyFile) file = g_key_file_new();
-  g_key_file_load_from_data_dirs(file, "applications/quorvel.desktop", nullptr, G_KEY_FILE_NONE, nullptr);
-  g_auto(GStrv) list = g_key_file_get_string_list(file, entry_group, "MimeType", nullptr, nullptr);
-  Names types;
-  for (char** type = list; type != nullptr && *type != nullptr; ++type) types.insert(*type);
-  return types;
+  return g_key_file_load_from_data_dirs(file, "applications/quorvel.desktop", nullptr, G_KEY_FILE_NONE, nullptr) !=
+         FALSE;
 }
 
-/// For the types alone that the installed entry leaves, and not shown among the programs: nobody wants to see two.
-std::string desktop_entry(const std::string& program, const Names& extensions) {
-  Names types = types_of(extensions);
-  for (const std::string& type : installed_types()) types.erase(type);
+/// Without any types: who handles a type may become what a double click starts, and here that would rename the file.
+std::string desktop_entry(const std::string& program, const Names&) {
   KeyFile file;
   file.set(entry_group, "Type", "Application");
   file.set(entry_group, "Name", "Quorvel");
   file.set(entry_group, "Comment", "Rename television episode files");
   file.set(entry_group, "Icon", "quorvel");
   file.set(entry_group, "Exec", exec_value(program));
-  file.set(entry_group, "NoDisplay", "true");
-  file.set_list(entry_group, "MimeType", types);
+  file.set(entry_group, "NoDisplay", entry_is_installed() ? "true" : "false");
   return file.text();
 }
 
@@ -158,15 +151,6 @@ void make_executable(const std::string& path) {
 /// Upwards from `folder`, at most `count`.
 void remove_empty_folders(std::string folder, int count) {
   for (; count > 0 && (rmdir(folder.c_str()) == 0 || errno == ENOENT); --count) folder = parent_folder(folder);
-}
-
-/// File managers look types up in a cache beside the entries. Where the tool for it is missing, so is the cache.
-void refresh_type_cache(const std::string& folder) {
-  std::string name = "update-desktop-database", quiet = "-q", argument = folder;
-  char* command[] = {name.data(), quiet.data(), argument.data(), nullptr};
-  const auto flags =
-      static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL | G_SPAWN_STDERR_TO_DEV_NULL);
-  g_spawn_sync(nullptr, command, nullptr, flags, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
 }  // namespace
@@ -235,37 +219,24 @@ void DesktopEntries::change(const Target& target, const std::string& given, bool
   }
   add ? (void)state.extensions.insert(extension) : (void)state.extensions.erase(extension);
   if (state.extensions.empty()) return remove_file(path, state.made_folders);
-  if (!write(target, path, state)) return;
-  if (&target == &targets[0]) refresh_type_cache(parent_folder(path));
+  write(target, path, state);
 }
 
-/// Whether the file has been changed.
-bool DesktopEntries::write(const Target& target, const std::string& path, State& state) {
+void DesktopEntries::write(const Target& target, const std::string& path, State& state) {
   int missing = 0;
   for (std::string folder = parent_folder(path); is_missing(folder); folder = parent_folder(folder)) ++missing;
   state.made_folders += missing;
   const std::string text = signed_text(target.body(program_, state.extensions), state.note());
-  if (files_.read(path) == text) return false;
+  if (files_.read(path) == text) return;
   if (!create_folders(files_, parent_folder(path)) || !files_.replace(path, text)) {
     remove_empty_folders(parent_folder(path), missing);
-    return false;
+  } else if (target.is_executable) {
+    make_executable(path);
   }
-  if (target.is_executable) make_executable(path);
-  return true;
 }
 
 void DesktopEntries::remove_file(const std::string& path, int made_folders) {
-  if (!files_.remove(path)) return;
-  const std::string folder = parent_folder(path);
-  const std::string cache = folder + "/" + type_cache;
-  bool alone = made_folders > 0;
-  files_.list(folder, [&](const FolderEntry& entry) { alone = alone && entry.name == type_cache; });
-  if (alone) {
-    files_.remove(cache);
-  } else if (files_.exists(cache)) {
-    refresh_type_cache(folder);
-  }
-  remove_empty_folders(folder, made_folders);
+  if (files_.remove(path)) remove_empty_folders(parent_folder(path), made_folders);
 }
 
 }  // namespace quorvel

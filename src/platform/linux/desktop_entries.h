@@ -8,9 +8,10 @@
 
 namespace quorvel {
 
-/// Three files below the folder for programs' data: a desktop entry for "Open With" everywhere, a service menu for
-/// Dolphin and a script for Nautilus. Thunar keeps its own actions in one file that belongs to the user, so there the
-/// desktop entry must do. It leaves out the types of a desktop entry that was installed with the program.
+/// Three files below the folder for programs' data: a desktop entry by which "Open With" offers Quorvel among all
+/// programs, a service menu for Dolphin and a script for Nautilus. Thunar keeps its own actions in one file that
+/// belongs to the user, so there the desktop entry must do. It is not shown among the programs where another was
+/// installed.
 ///
 /// Each file tells by itself for which extensions it was made. One that the program has not written, or that was
 /// edited since, is neither changed nor removed. The last extension takes the files with it, and the folders that
@@ -30,7 +31,7 @@ class DesktopEntries : public ContextMenu {
   static const Target targets[];
 
   void change(const Target& target, const std::string& extension, bool add);
-  bool write(const Target& target, const std::string& path, State& state);
+  void write(const Target& target, const std::string& path, State& state);
   void remove_file(const std::string& path, int made_folders);
 
   Files& files_;
