@@ -14,4 +14,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(wxWidgets_CONFIG_EXECUTABLE ${dependencies}/bin/wx-config CACHE FILEPATH "Tells how to link wxWidgets")
+set(CMAKE_FIND_PACKAGE_PREFER_CONFIG ON)  # of wxWidgets, CMake's own module would find only another system's
+add_compile_definitions(wxDEBUG_LEVEL=0)  # as wxWidgets was built there, which its configuration does not tell
