@@ -36,7 +36,6 @@ if(QUORVEL_DESKTOP)
   list(APPEND CPACK_COMPONENTS_ALL desktop)
   set(CPACK_COMPONENT_DESKTOP_DEPENDS cli)
   set(CPACK_DEBIAN_DESKTOP_PACKAGE_NAME quorvel)
-  set(CPACK_DEBIAN_DESKTOP_PACKAGE_RECOMMENDS desktop-file-utils)
   set(CPACK_COMPONENT_DESKTOP_DESCRIPTION "give television episode files their right names
 ${what_it_does}
 Files are dropped on its window, and every operation can be undone. quorvel-cli
