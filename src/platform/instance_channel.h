@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -9,13 +10,16 @@ namespace quorvel {
 /// they were given and end.
 class InstanceChannel {
  public:
+  /// For a running copy that is in the middle of something: a large file takes minutes to be copied and flushed.
+  static constexpr std::chrono::milliseconds usual_patience = std::chrono::minutes(10);
+
   virtual ~InstanceChannel() = default;
 
   /// Whether another copy of the same user's is there to be sent to. What a crashed copy left behind is none.
   virtual bool other_is_running() = 0;
 
-  /// Comes back when the running copy has taken the text. Throws Failure, readable by the user, when it does not within
-  /// a few seconds.
+  /// Comes back when the running copy has taken the text, for which it may need as long as its work takes. Throws
+  /// Failure, readable by the user, when it does not, has ended, or stays busy beyond all patience.
   virtual void send(const std::string& text) = 0;
 
   /// From now on this copy is the running one: `handle` is called for each text, while events are processed. Throws

@@ -2,6 +2,7 @@
 
 #include "listings/utf8_decode.h"
 #include "session_fixture.h"
+#include "text/code_page.h"
 
 namespace quorvel::testing {
 namespace {

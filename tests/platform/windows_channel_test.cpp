@@ -73,6 +73,26 @@ TEST_F(WindowsChannel, TheRecordOfOtherProgramsIsTakenAndForeignOnesDoNoHarm) {
   EXPECT_EQ(taken.size(), 2u);
 }
 
+TEST_F(WindowsChannel, ASenderWaitsForABusyCopyAndGivesUpOnOneThatHangs) {
+  running.receive([&](const std::string& text) { taken.push_back(text); });
+  EXPECT_FALSE(running.other_is_running());
+  std::thread impatient(
+      [&] { EXPECT_THROW(CopyDataChannel(caption, caption, std::chrono::milliseconds(200)).send("lost"), Failure); });
+  impatient.join();  // no events have run meanwhile
+  std::atomic<bool> sending = false;
+  std::thread patient([&] {
+    sending = true;
+    CopyDataChannel(caption, caption).send("kept");
+    PostMessageW(window, WM_NULL, 0, 0);
+  });
+  while (!sending) std::this_thread::yield();
+  EXPECT_TRUE(taken.empty());
+  MSG message;
+  while (taken.empty() && GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+  patient.join();
+  EXPECT_EQ(taken, Texts{"kept"});
+}
+
 TEST_F(WindowsChannel, ASenderLearnsThatNobodyTookItsText) {
   CopyDataChannel second(caption, caption);
   EXPECT_THROW(second.send("x"), Failure);  // nobody is there, and it is this copy that runs from now on

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "file_tools.h"
+#include "platform/disk_files.h"
 #include "platform/paths.h"
-#include "platform/windows/disk_files.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/shell_file_operation.h"
 #include "platform/windows/wide.h"

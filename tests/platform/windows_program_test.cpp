@@ -17,7 +17,7 @@ struct WindowsProgram : ::testing::Test {
   const std::string programs = QUORVEL_PROGRAMS;
   TemporaryFolder folder;
   ListingsService service;
-  const Variable base{L"QUORVEL_API_BASE", service.base()}, data{L"APPDATA", folder / "data"};
+  const Variable base{"QUORVEL_API_BASE", service.base()}, data{"APPDATA", folder / "data"};
   const std::unique_ptr<Files> files = system_files();
 
   WindowsProgram() { files->create_folder(folder / "data"), files->create_folder(folder / "in"); }

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "../support/program_copy.h"
+#include "program_copy.h"
 
 namespace quorvel::testing {
 namespace {
@@ -28,13 +28,13 @@ TEST(Commands, OpenWhatTheyNameOrSayWhyNot) {
     commands.update(18446744073709551615U);
     return copy.happened();
   };
-  const std::string site = "https://quorvel.example/?v=3.4", help = copy.folder / "share/doc/quorvel/help/index.html";
+  const std::string site = "https://quorvel.example/?v=3.4", help = help_file(copy.session.places);
   EXPECT_THAT(run_all(),
               ::testing::ElementsAre("message Quorvel: Help File not found in program directory", "open " + site,
                                      "message Quorvel: No updater is set up.##New versions can be found at " + site));
-  copy.file("share/doc/quorvel/help/index.html");
-  copy.store.write_string("website", "http://127.0.0.1/q/");
-  copy.store.write_string("updater", "/opt/up date");
+  copy.make(help);
+  copy.key_values.write_string("website", "http://127.0.0.1/q/");
+  copy.key_values.write_string("updater", "/opt/up date");
   const std::string open_help = "open " + help, open_site = "open http://127.0.0.1/q/?v=3.4",
                     update = "/opt/up date|package=Quorvel,apppath=" + (copy.folder / "program") +
                              ",runcount=123,version=3400,handle=18446744073709551615";

@@ -48,19 +48,15 @@ TEST_F(Shell, SettingsAreReadWithTheirDefaults) {
 }
 
 TEST_F(Shell, TheContextMenuIsInstalledOnceForEveryTypeAndFolders) {
-  struct Recorder : ContextMenu {
-    std::string calls;
-    void install(const std::string& extension) override { calls += "+" + extension; }
-    void remove(const std::string& extension) override { calls += "-" + extension; }
-  } menu;
+  FakeMenu menu{events};
   const SettingsEnvironment environment{*files, *shell, session.log, &menu};
   key_values.texts["types"] = "avi;mkv";
   load_settings(session.settings_store, session.settings, environment);
-  EXPECT_EQ(menu.calls, "+avi+mkv+DIR");
+  EXPECT_EQ(events.list, (std::vector<std::string>{"install avi", "install mkv", "install DIR"}));
   EXPECT_EQ(session.settings.context, Settings::Installed);
   key_values.numbers["context"] = 1;
   load_settings(session.settings_store, session.settings, environment);
-  EXPECT_EQ(menu.calls, "+avi+mkv+DIR");
+  EXPECT_EQ(events.list, (std::vector<std::string>{"install avi", "install mkv", "install DIR"}));
 }
 
 TEST_F(Shell, AFailedWriteIsToldAndEndsTheProgram) {

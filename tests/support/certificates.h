@@ -22,6 +22,7 @@ std::shared_ptr<T> owned(T* handle, void (*free)(T*)) {
 
 struct TlsIdentity {
   std::string certificate_pem, key_pem;
+  bool gives_notice = true;  // before a connection is closed
 };
 
 enum class Validity { Current, Expired };

@@ -1,12 +1,15 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "platform/clock.h"
 #include "platform/context_menu.h"
 #include "platform/instance_channel.h"
+#include "platform/key_value_store.h"
+#include "platform/log.h"
 #include "platform/main_window.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
@@ -24,21 +27,51 @@ struct Events {
   }
 };
 
+/// Records what the user would see, and does what the user would do.
 struct FakeUi : UserInterface {
   explicit FakeUi(Events& events) : events(events) {}
   Events& events;
+  std::vector<std::string> rows;  // "filename|new name|status"
+  std::vector<ListRow> filters, exceptions;
+  std::vector<std::string> messages;
+  std::vector<ConfirmationQuestion> questions;
+  std::optional<bool> answer = true;
   std::function<void()> on_events = [] {};
-  void add_row(int, const std::string& filename) override { events.add("row " + filename); }
-  void update_row(int, const RowUpdate&) override {}
-  void show_filters(const std::vector<ListRow>&) override {}
-  void show_exceptions(const std::vector<ListRow>&) override {}
-  void process_events() override { on_events(); }
-  std::optional<bool> ask_confirmation(const ConfirmationQuestion&) override { return true; }
-  void show_message(int, const std::string& title, const std::string& text, MessageIcon) override {
-    events.add("message " + title + ": " + text);
+  int timer_starts = 0, closed = 0, scrolls = 0;
+
+  void add_row(int, const std::string& filename) override {
+    events.add("row " + filename);
+    cells_.push_back({filename, "", ""});
+    redraw();
   }
-  void arm_start_timer() override { events.add("timer"); }
-  void close() override { events.add("close"); }
+  void update_row(int index, const RowUpdate& update) override {
+    if (index < 1 || index > static_cast<int>(cells_.size())) throw Failure("no such row");
+    std::vector<std::string>& cells = cells_[static_cast<std::size_t>(index) - 1];
+    if (update.new_name) cells[1] = *update.new_name;
+    if (update.status) cells[2] = *update.status;
+    scrolls += update.scroll_into_view ? 1 : 0;
+    redraw();
+  }
+  void show_filters(const std::vector<ListRow>& shown) override { filters = shown; }
+  void show_exceptions(const std::vector<ListRow>& shown) override { exceptions = shown; }
+  void process_events() override { on_events(); }
+  std::optional<bool> ask_confirmation(const ConfirmationQuestion& question) override {
+    questions.push_back(question);
+    return answer;
+  }
+  void show_message(int, const std::string& title, const std::string& text, MessageIcon) override {
+    messages.push_back(title + ": " + text);
+    events.add("message " + messages.back());
+  }
+  void arm_start_timer() override { events.add("timer"), ++timer_starts; }
+  void close() override { events.add("close"), ++closed; }
+
+ private:
+  void redraw() {
+    rows.clear();
+    for (const auto& cells : cells_) rows.push_back(cells[0] + "|" + cells[1] + "|" + cells[2]);
+  }
+  std::vector<std::vector<std::string>> cells_;
 };
 
 struct FakeWindow : MainWindow {
@@ -85,9 +118,42 @@ struct FakeMenu : ContextMenu {
 struct FakeClock : Clock {
   explicit FakeClock(Events& events) : events(events) {}
   Events& events;
-  std::chrono::year_month_day today() const override { return std::chrono::year(2024) / 5 / 6; }
-  std::string time_of_day() const override { return "t"; }
+  std::chrono::year_month_day today() const override { return std::chrono::year(2026) / 3 / 14; }
+  std::string time_of_day() const override { return "14:05:33"; }
   void wait(std::chrono::milliseconds time) override { events.add("wait " + std::to_string(time.count())); }
+};
+
+/// Settings in memory; writing fails on demand.
+class FakeKeyValues : public KeyValueStore {
+ public:
+  std::map<std::string, std::string> texts;
+  std::map<std::string, std::uint32_t> numbers;
+  bool fails = false;
+
+  std::optional<std::string> trouble() const override { return {}; }
+  std::optional<std::string> read_string(const std::string& name) const override { return value(texts, name); }
+  std::optional<std::uint32_t> read_number(const std::string& name) const override { return value(numbers, name); }
+  void erase_all() override { texts.clear(), numbers.clear(); }
+  void write_string(const std::string& name, const std::string& text) override { set(texts, name, text); }
+  void write_number(const std::string& name, std::uint32_t number) override { set(numbers, name, number); }
+
+ private:
+  template <typename Value>
+  static std::optional<Value> value(const std::map<std::string, Value>& values, const std::string& name) {
+    const auto found = values.find(name);
+    return found == values.end() ? std::nullopt : std::optional(found->second);
+  }
+  template <typename Value>
+  void set(std::map<std::string, Value>& values, const std::string& name, const Value& value) {
+    if (fails) throw Failure("no room");
+    values[name] = value;
+  }
+};
+
+/// A log that keeps its lines.
+struct Lines : Log {
+  std::vector<std::string> list;
+  void debug_log(std::string_view text, int) override { list.emplace_back(text); }
 };
 
 /// A machine without a network.

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <cerrno>
-#include <csignal>
 #include <functional>
 #include <map>
 #include <set>
 #include <string>
 
+#include "child_process.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
 
@@ -28,14 +26,14 @@ struct FaultPlan {
   template <typename Result>
   Result pass(const std::string& written, const Result& failed, const std::function<Result()>& call) {
     const bool hit = ++calls == at;
-    if (hit && fault == Fault::KillBefore) kill(getpid(), SIGKILL);
+    if (hit && fault == Fault::KillBefore) kill_this_process();
     if (hit && fault == Fault::Outside) {
       last_write = written;
       outside();
     }
     if ((hit && fault == Fault::Fail) || (calls >= at && fault == Fault::Full && !written.empty())) return failed;
     Result result = call();
-    if (hit && fault == Fault::KillAfter) kill(getpid(), SIGKILL);
+    if (hit && fault == Fault::KillAfter) kill_this_process();
     return result;
   }
 };

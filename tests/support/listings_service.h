@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "certificates.h"
+#include "loopback.h"
 
 namespace quorvel::testing {
 
@@ -38,7 +38,7 @@ class ListingsService {
 
   /// "http://127.0.0.1:PORT", with TLS "https://localhost:PORT".
   std::string base() const;
-  std::uint16_t port() const { return port_; }
+  std::uint16_t port() const { return listener_.port(); }
   /// Every complete request so far, byte for byte up to and including the blank line; recorded before it is answered.
   std::vector<std::string> requests() const;
   /// From the next request on; an empty script behaves again.
@@ -46,18 +46,17 @@ class ListingsService {
 
  private:
   void serve();
-  void converse(int client);
+  void converse(Peer& client);
   std::string good_answer(const std::string& target) const;
 
   const std::filesystem::path shows_;
-  const std::shared_ptr<SSL_CTX> tls_;  // none: plain HTTP
-  const int listener_;
-  std::uint16_t port_ = 0;
+  const bool secure_;
+  Listener listener_;
   mutable std::mutex mutex_;  // guards all below
   std::vector<std::string> requests_;
   Script script_;
   bool stopping_ = false;
-  int client_ = -1;  // the connection being served
+  std::shared_ptr<Peer> client_;  // the one being served
   std::thread thread_;
 };
 

@@ -7,6 +7,7 @@
 
 #include "platform/windows/handle.h"
 #include "platform/windows/wide.h"
+#include "variable.h"
 
 namespace quorvel::testing {
 
@@ -41,20 +42,6 @@ class Process {
 
  private:
   PROCESS_INFORMATION started_{};
-};
-
-/// A variable of the environment that programs started meanwhile see.
-class Variable {
- public:
-  Variable(std::wstring name, const std::string& value) : name_(std::move(name)) {
-    SetEnvironmentVariableW(name_.c_str(), to_utf16_or_marks(value).c_str());
-  }
-  ~Variable() { SetEnvironmentVariableW(name_.c_str(), nullptr); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  const std::wstring name_;
 };
 
 }  // namespace quorvel::testing

@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <fstream>
-
+#include "child_process.h"
 #include "file_tools.h"
 #include "naming/service_names.h"
 #include "session_fixture.h"
@@ -100,22 +96,14 @@ TEST_F(HostileService, TheProgramStaysSmallWhateverItIsSent) {
     service.misbehave([&, search = search, listings = listings](const std::string& target, const std::string&) {
       return target.starts_with("/search") ? search : listings;
     });
-    std::filesystem::remove_all(folder / "data/.local");
-    const pid_t child = fork();
-    if (child == 0) {
-      setenv("HOME", (folder / "data").c_str(), 1);
-      setenv("QUORVEL_API_BASE", service.base().c_str(), 1);
-      for (const char* variable : {"XDG_DATA_HOME", "XDG_CONFIG_HOME"}) unsetenv(variable);
-      if (std::freopen((folder / "out").c_str(), "w", stdout) == nullptr || dup2(1, 2) < 0) _exit(9);
-      execl(QUORVEL_CLI, QUORVEL_CLI, file.c_str(), nullptr);
-      _exit(9);
-    }
-    int status = 0;
-    rusage used{};
-    ASSERT_EQ(wait4(child, &status, 0, &used), child);
-    EXPECT_EQ(WEXITSTATUS(status), 1) << contents(folder / "out");
+    std::filesystem::remove_all(path_of(data_folder_of(folder / "data")));
+    ChildProcess program({.program = QUORVEL_CLI,
+                          .arguments = {file},
+                          .environment = user_at(folder / "data", service.base()),
+                          .out = folder / "out"});
+    EXPECT_EQ(program.status(), 1) << contents(folder / "out");
 #ifndef __SANITIZE_ADDRESS__
-    EXPECT_LT(used.ru_maxrss, 100 * 1024) << search[0].bytes << (listings.empty() ? "" : listings[0].bytes);
+    EXPECT_LT(program.most_memory(), 100U << 20U) << search[0].bytes << (listings.empty() ? "" : listings[0].bytes);
 #endif
     EXPECT_EQ(contents(file), "x");
   }

@@ -60,7 +60,8 @@ class ScriptedSocket : public SocketControl {
 
 struct Http : ::testing::Test {
   ScriptedSocket socket;
-  RecordingUi ui;
+  Events events;
+  FakeUi ui{events};
   Lines log;
   HttpClient http{socket, ui, log};
   std::string status;
@@ -180,30 +181,6 @@ TEST_F(Http, ACancelEndsTheTransferAndIsThenForgotten) {
     if (++events == 2) http.cancel();  // after the first read
   };
   EXPECT_EQ(get("http://a/", {"HTTP/1.1 200 OK\r\n\r\nx", "y"}), "");
-}
-
-TEST(HttpsClient, TrustsOnlyACertificateForThisHostFromAKnownAuthority) {
-  const TestAuthority authority, stranger;
-  const TemporaryFolder folder;
-  const std::string ca_file = folder / "ca.pem";
-  ASSERT_TRUE(system_files()->replace(ca_file, authority.pem()));
-  const struct {
-    TlsIdentity identity;
-    bool trusted;
-  } cases[] = {{authority.issue("localhost"), true},
-               {authority.issue("example.org"), false},
-               {authority.issue("localhost", Validity::Expired), false},
-               {stranger.issue("localhost"), false}};
-  for (const auto& c : cases) {
-    ListingsService service(c.identity);
-    CurlSocketControl socket(ca_file);
-    RecordingUi ui;
-    Lines log;
-    HttpClient http(socket, ui, log);
-    std::string url = service.base() + "/shows/108/episodes";
-    EXPECT_EQ(http.GetData(url, ""), c.trusted ? "[]" : "");
-    EXPECT_EQ(service.requests().size(), c.trusted ? 1u : 0u);
-  }
 }
 
 }  // namespace

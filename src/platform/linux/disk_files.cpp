@@ -1,4 +1,4 @@
-#include "platform/linux/disk_files.h"
+#include "platform/disk_files.h"
 
 #include <dirent.h>
 #include <fcntl.h>

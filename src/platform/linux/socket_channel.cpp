@@ -27,9 +27,8 @@ namespace {
 using Time = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// The running copy may stand in one network call, which takes four seconds at the most.
-constexpr milliseconds sender_patience(6000), retry_interval(20);
-constexpr guint receiver_patience = 3000, accept_again = 50;  // milliseconds; the first shorter than the sender's
+constexpr milliseconds retry_interval(20);
+constexpr guint receiver_patience = 3000, accept_again = 50;  // milliseconds
 constexpr std::size_t most_clients = 64, header_size = 4, chunk_size = 1U << 16;
 constexpr char taken = 'y', not_taken = 'n';
 
@@ -306,8 +305,8 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
   Clients clients_;
 };
 
-SocketChannel::SocketChannel(std::string folder, std::string shared_folder)
-    : folder_(std::move(folder)), shared_folder_(std::move(shared_folder)) {}
+SocketChannel::SocketChannel(std::string folder, std::string shared_folder, milliseconds patience)
+    : folder_(std::move(folder)), shared_folder_(std::move(shared_folder)), patience_(patience) {}
 
 SocketChannel::~SocketChannel() {
   SocketChannel::stop();
@@ -324,7 +323,7 @@ bool SocketChannel::other_is_running() {
 
 void SocketChannel::send(const std::string& text) {
   if (text.size() > longest_text) throw Failure("The text is too long to be handed to the running copy");
-  const Time::time_point until = Time::now() + sender_patience;
+  const Time::time_point until = Time::now() + patience_;
   const std::string message = header(text.size()) + text;
   while (Time::now() < until) {
     const Descriptor socket(new_socket());

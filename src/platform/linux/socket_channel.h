@@ -21,7 +21,8 @@ class SocketChannel : public InstanceChannel {
 
   /// Socket and lock are made in `folder`; where that is not a folder that belongs to the user alone, in one below
   /// `shared_folder` that is made for them.
-  explicit SocketChannel(std::string folder, std::string shared_folder = "/tmp");
+  explicit SocketChannel(std::string folder, std::string shared_folder = "/tmp",
+                         std::chrono::milliseconds patience = usual_patience);
   ~SocketChannel() override;
   SocketChannel(const SocketChannel&) = delete;
   SocketChannel& operator=(const SocketChannel&) = delete;
@@ -30,7 +31,7 @@ class SocketChannel : public InstanceChannel {
   /// Throws Failure when the folder cannot be used.
   bool other_is_running() override;
 
-  /// Gives up after six seconds, or as soon as the other copy has ended.
+  /// Gives up when its patience ends, or as soon as the other copy has ended.
   void send(const std::string& text) override;
 
   /// `handle` may process events, during which other texts are handled, and may call stop() or end the channel. When
@@ -47,6 +48,7 @@ class SocketChannel : public InstanceChannel {
   Place& place();
 
   const std::string folder_, shared_folder_;
+  const std::chrono::milliseconds patience_;
   std::unique_ptr<Place> place_;
   std::shared_ptr<Receiver> receiver_;
 };

@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "platform/curl/curl_socket_control.h"
+#include "platform/disk_files.h"
 #include "platform/linux/desktop_entries.h"
-#include "platform/linux/disk_files.h"
 #include "platform/linux/folders.h"
 #include "platform/linux/gio_file_operation.h"
 #include "platform/linux/gio_launcher.h"

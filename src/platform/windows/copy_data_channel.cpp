@@ -13,7 +13,6 @@
 namespace quorvel {
 namespace {
 
-constexpr ULONGLONG patience_ms = 30'000;
 constexpr DWORD retry_ms = 20;
 
 /// The text in the system's code page; empty when that does not hold it.
@@ -122,8 +121,8 @@ class CopyDataChannel::Receiver : public std::enable_shared_from_this<Receiver> 
   const std::function<void(const std::string&)> handle_;
 };
 
-CopyDataChannel::CopyDataChannel(std::string caption, std::string name)
-    : caption_(std::move(caption)), name_(to_utf16_or_marks("Local\\" + name)) {}
+CopyDataChannel::CopyDataChannel(std::string caption, std::string name, std::chrono::milliseconds patience)
+    : caption_(std::move(caption)), name_(to_utf16_or_marks("Local\\" + name)), patience_(patience) {}
 
 CopyDataChannel::~CopyDataChannel() {
   CopyDataChannel::stop();
@@ -162,9 +161,10 @@ void CopyDataChannel::send(const std::string& text) {
     record.cbData = static_cast<DWORD>(bytes.size() + 1);
   }
   record.lpData = bytes.data();
-  const ULONGLONG until = GetTickCount64() + patience_ms;
+  const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(patience_.count());
   while (!deliver(caption_, record, until)) {
-    if (GetTickCount64() >= until || !other_is_running()) throw Failure("The running program did not take the files");
+    if (GetTickCount64() >= until || !other_is_running())
+      throw Failure("Quorvel is already running but did not take what it was given.");
     Sleep(retry_ms);
   }
 }

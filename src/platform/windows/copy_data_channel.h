@@ -21,7 +21,7 @@ class CopyDataChannel : public InstanceChannel {
   static constexpr std::size_t buffer_size = 255, longest_text = 16U << 20;
 
   /// `caption` is that of the main window, `name` that of the program among those of the user's session.
-  CopyDataChannel(std::string caption, std::string name);
+  CopyDataChannel(std::string caption, std::string name, std::chrono::milliseconds patience = usual_patience);
   ~CopyDataChannel() override;
   CopyDataChannel(const CopyDataChannel&) = delete;
   CopyDataChannel& operator=(const CopyDataChannel&) = delete;
@@ -29,7 +29,7 @@ class CopyDataChannel : public InstanceChannel {
   /// When it answers false, this copy is the running one from then on, until the channel ends.
   bool other_is_running() override;
 
-  /// Waits while the other copy has no window yet, and while it is busy, for up to half a minute.
+  /// Waits while the other copy has no window yet, and while it is busy: the shell's operations let no events run.
   void send(const std::string& text) override;
 
   /// The window with the caption must exist in this thread. `handle` is called in the middle of whatever events are
@@ -42,6 +42,7 @@ class CopyDataChannel : public InstanceChannel {
 
   const std::string caption_;
   const std::wstring name_;
+  const std::chrono::milliseconds patience_;
   HANDLE running_ = nullptr;
   std::shared_ptr<Receiver> receiver_;
 };

@@ -1,4 +1,4 @@
-#include "platform/windows/disk_files.h"
+#include "platform/disk_files.h"
 
 #include <windows.h>
 

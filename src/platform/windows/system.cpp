@@ -4,8 +4,8 @@
 
 #include "naming/file_names.h"
 #include "platform/curl/curl_socket_control.h"
+#include "platform/disk_files.h"
 #include "platform/windows/copy_data_channel.h"
-#include "platform/windows/disk_files.h"
 #include "platform/windows/explorer_verbs.h"
 #include "platform/windows/registry_store.h"
 #include "platform/windows/shell_file_operation.h"

@@ -118,7 +118,7 @@ TEST(SocketChannel, GivesUpOnACopyThatHangs) {
   int status = 0;
   ASSERT_EQ(waitpid(hung, &status, WUNTRACED), hung);
   ASSERT_TRUE(WIFSTOPPED(status));
-  SocketChannel channel(folder.path());
+  SocketChannel channel(folder.path(), "/tmp", std::chrono::milliseconds(300));
   ASSERT_TRUE(channel.other_is_running());
   const auto reason = [&] {
     try {

@@ -9,21 +9,24 @@
 
 namespace quorvel {
 
-/// The files of this machine and of those it reaches.
+/// The files of this machine and of those it reaches. One definition per system, chosen by the build.
 class DiskFiles : public Files {
  public:
-  /// What is there but may not be looked at is Other, so that nothing is ever put in its place.
+  /// What is there but, on Windows, may not be looked at is Other, so that nothing is ever put in its place.
   Kind kind(const std::string& path) const override;
   std::optional<FileStamp> stamp(const std::string& path) const override;
 
-  /// Names that end in a dot or a blank are left out: the system's ordinary calls reach another file by them.
+  /// False as well when the system stops listing half-way; the entries handed over until then are real. On Windows
+  /// names that end in a dot or a blank are left out: the system's ordinary calls reach another file by them.
   bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const override;
 
-  /// Empty as well for whatever is no file on a disk.
+  /// Empty as well for whatever is no regular file.
   std::optional<std::string> read(const std::string& path) const override;
 
-  /// A link stays a link: the file it leads to is replaced. The file keeps its attributes.
+  /// A link stays a link: the file it leads to is replaced. The file keeps its permissions or attributes.
   bool replace(const std::string& path, const std::string& bytes) override;
+
+  /// True as well when there was nothing; false for a folder.
   bool remove(const std::string& path) override;
   bool create_folder(const std::string& path) override;
 };

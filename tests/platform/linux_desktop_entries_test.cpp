@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "../support/temporary_folder.h"
-#include "platform/linux/disk_files.h"
+#include "platform/disk_files.h"
 
 namespace quorvel::testing {
 namespace {

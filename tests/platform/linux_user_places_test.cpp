@@ -5,44 +5,30 @@
 #include <map>
 #include <regex>
 
-#include "../support/temporary_folder.h"
-#include "platform/linux/disk_files.h"
+#include "platform/disk_files.h"
 #include "platform/linux/key_file_store.h"
 #include "platform/linux/standard_folders.h"
 #include "platform/linux/system_clock.h"
 #include "platform/system.h"
+#include "temporary_folder.h"
 #include "text/failure.h"
+#include "variable.h"
 
 namespace quorvel::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A variable of the environment for the length of a test.
-class Variable {
- public:
-  Variable(const char* name, const char* value) : name_(name) {
-    if (const char* const old = std::getenv(name)) old_ = old;
-    set(value);
-  }
-  ~Variable() { set(old_ ? old_->c_str() : nullptr); }
-
- private:
-  void set(const char* value) const { value != nullptr ? setenv(name_, value, 1) : unsetenv(name_); }
-  const char* name_;
-  std::optional<std::string> old_;
-};
-
 TEST(StandardFolders, FollowTheEnvironmentWhereItIsAbsolute) {
   const TemporaryFolder folder;
   DiskFiles files;
-  const Variable home("HOME", folder.path().c_str());
+  const Variable home("HOME", folder.path());
+  using Value = std::optional<std::string>;
   const std::string config = folder / "c/", data = folder / "d/e//";
   for (const auto& [config_home, data_home, settings, data_folder] :
-       {std::tuple(config.c_str(), data.c_str(), "c/Quorvel/settings.ini", "d/e"),
-        std::tuple("relative", "", ".config/Quorvel/settings.ini", ".local/share"),
-        std::tuple<const char*, const char*, const char*, const char*>({}, {}, ".config/Quorvel/settings.ini",
-                                                                       ".local/share")}) {
+       {std::tuple<Value, Value, const char*, const char*>(config, data, "c/Quorvel/settings.ini", "d/e"),
+        {"relative", "", ".config/Quorvel/settings.ini", ".local/share"},
+        {Value(), Value(), ".config/Quorvel/settings.ini", ".local/share"}}) {
     const Variable one("XDG_CONFIG_HOME", config_home), other("XDG_DATA_HOME", data_home);
     EXPECT_EQ(standard_folders::settings_file(), folder / settings);
     EXPECT_EQ(application_data_folder(files), folder / data_folder);

@@ -8,7 +8,7 @@
 
 #include "../support/file_tools.h"
 #include "../support/temporary_folder.h"
-#include "platform/linux/disk_files.h"
+#include "platform/disk_files.h"
 #include "platform/linux/exclusive_rename.h"
 #include "platform/linux/gio_file_operation.h"
 #include "platform/native.h"

@@ -1,0 +1,49 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "program_copy.h"
+#include "shell/command_line.h"
+#include "shell/startup.h"
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+TEST(CommandLine, TellsSwitchesFromPaths) {
+  ProgramCopy copy;
+  const std::string here = copy.folder.path(), a = copy.file("a.1x01.mkv"), b = copy.file("b 1x02.avi"),
+                    c = copy.file("uninstall/c.mkv"), dashes = copy.file("--uninstall");
+  const fs::path before = fs::current_path();
+  fs::current_path(here);
+  const std::pair<Texts, CommandLine> rows[] = {
+      {{}, {}},
+      {{"", "/uninstall"}, {true, false, {}}},
+      {{"--startup", "a.1x01.mkv", "b 1x02.avi"}, {false, true, {a, b}}},
+      {{"--uninstall"}, {false, false, {dashes}}},
+      {{"./uninstall/c.mkv", here + "/uninstall"}, {false, false, {c, here + "/uninstall"}}},
+      {{"/UNINSTALL", "x/uninstall", "/startup2"}, {false, false, {"/UNINSTALL", here + "/x/uninstall", "/startup2"}}},
+      {{"b", "1x02.avi"}, {false, false, {b}}},
+      {{"\"" + b + "\"", "\"gone.avi\""}, {false, false, {b, here + "/gone.avi"}}},
+      {{"file://" + here + "/b%201x02.avi", "FILE://localhost/p%25%fFq%4", "file:///a%00b", "file://host/x"},
+       {false, false, {b, "/p%\xFFq%4", here + "/file:/a%00b", here + "/file:/host/x"}}}};
+  for (const auto& [arguments, line] : rows) {
+    EXPECT_EQ(parse_command_line(arguments, *copy.files, false), line) << ::testing::PrintToString(arguments);
+  }
+  EXPECT_EQ(parse_command_line({"/x/uninstall", "y/startup"}, *copy.files, true),
+            (CommandLine{true, true, {"/x/uninstall y/startup"}}));
+  fs::current_path(before);
+}
+
+TEST(Startup, HandsOverEachPathInAMessageOfItsOwn) {
+  ProgramCopy copy;
+  Startup startup(copy.session, copy.window, copy.channel);
+  const std::string odd = copy.file("q\"\n|\xFF.mkv"), plain = copy.file("a.1x01.mkv");
+  copy.channel.others = {true};
+  EXPECT_EQ(startup.run({odd, "/startup", plain}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ::testing::ElementsAre("wait 100", "send QV|PI|C=" + odd, "send QV|PI|C=" + plain));
+}
+
+}  // namespace
+}  // namespace quorvel::testing
