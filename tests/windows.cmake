@@ -19,7 +19,7 @@ add_executable(quorvel-tests
   listings/listings_test.cpp naming/naming_test.cpp platform/windows_channel_test.cpp
   platform/windows_files_test.cpp platform/windows_program_test.cpp platform/windows_registry_test.cpp
   queue/queue_test.cpp rules/rules_test.cpp shell/session_test.cpp text/text_test.cpp)
-target_link_libraries(quorvel-tests PRIVATE quorvel-test-support GTest::gmock GTest::gtest_main)
+target_link_libraries(quorvel-tests PRIVATE quorvel-test-support GTest::gmock GTest::gtest_main version)
 target_compile_definitions(quorvel-tests PRIVATE QUORVEL_PROGRAMS="${programs}")
 add_dependencies(quorvel-tests quorvel-cli)
 if(QUORVEL_DESKTOP)
@@ -34,3 +34,7 @@ gtest_discover_tests(quorvel-tests TEST_FILTER "-${not_here}:WindowsProgram.*" D
 # Whole programs share the user's settings, and only one copy works.
 gtest_discover_tests(quorvel-tests TEST_FILTER "WindowsProgram.*" DISCOVERY_TIMEOUT 120
                      PROPERTIES TIMEOUT 300 RESOURCE_LOCK user)
+
+if(QUORVEL_DESKTOP)
+  add_subdirectory(ui)
+endif()
