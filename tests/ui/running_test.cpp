@@ -2,8 +2,7 @@
 #include <wx/listctrl.h>
 #include <wx/uiaction.h>
 
-#include <fstream>
-
+#include "shell/commands.h"
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -247,9 +246,9 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
 }
 
 TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
-  const std::filesystem::path help = folder / "share/doc/quorvel/help/index.html";
-  std::filesystem::create_directories(help.parent_path());
-  std::ofstream(help) << "x";
+  const std::string help = help_file({path("data"), path("program"), {}, {}});
+  std::filesystem::create_directories(path_of(help).parent_path());
+  write_file(help, "x");
   start();
   key(WXK_F1);
   wait_until([&] { return recorder.calls.size() == 1; });
@@ -260,7 +259,7 @@ TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
     key(WXK_ESCAPE);
   });
   command(ui::mnuPrefs);
-  EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help.string()));
+  EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help));
 }
 
 TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {
