@@ -1,7 +1,7 @@
 # What the tests need on Windows, and to run under Wine where they are cross-compiled.
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-set(system_libraries ws2_32 crypt32 psapi)
+set(system_libraries ws2_32 crypt32 psapi version)
 set(whole_program_properties RESOURCE_LOCK user)
 
 if(CMAKE_CROSSCOMPILING)

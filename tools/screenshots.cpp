@@ -39,7 +39,7 @@ class Screenshots : public TestWindow {
     rule.showName.clear();
     rule.fileType = "mkv";
     rule.fileTypeCondition = Equals;
-    rule.path = (folder / "TV/[show]/Season [s]/").string();
+    rule.path = path("TV/[show]/Season [s]/");
     rule.mask = "[show] - S[ss]E[ee] - [title]";
     session->filters.append(rule);
     session->filters.exchange(1, 2);

@@ -1,6 +1,17 @@
 #include "ui/call_stack.h"
 
+#include "ui/system_dialogs.h"
+
 namespace quorvel::ui {
+namespace {
+
+constexpr int retry_ms = 50;
+
+}  // namespace
+
+CallStack::CallStack() {
+  retry_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { end_top_dialog(); });
+}
 
 int CallStack::show_modal(wxDialog& dialog) {
   if (ending_) return wxID_CANCEL;
@@ -24,7 +35,12 @@ void CallStack::end_dialogs() {
 
 /// Only the innermost dialog's event loop can be ended; the others follow, each when the one above it has come back.
 void CallStack::end_top_dialog() {
-  if (has_dialog() && top_dialog()->IsModal()) top_dialog()->EndModal(wxID_CANCEL);
+  if (has_dialog() && top_dialog()->IsModal()) {
+    top_dialog()->EndModal(wxID_CANCEL);
+  } else if (!empty()) {
+    cancel_system_dialogs();
+    retry_.StartOnce(retry_ms);  // it may still be about to come up
+  }
 }
 
 }  // namespace quorvel::ui

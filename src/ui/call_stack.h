@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/dialog.h>
+#include <wx/timer.h>
 
 #include <functional>
 #include <vector>
@@ -24,6 +25,8 @@ class CallStack {
     CallStack& stack_;
   };
 
+  CallStack();
+
   bool empty() const { return uses_ == 0; }
   bool has_dialog() const { return !dialogs_.empty(); }
 
@@ -33,7 +36,7 @@ class CallStack {
   /// What ShowModal gives; wxID_CANCEL at once, and nothing shown, after end_dialogs().
   int show_modal(wxDialog& dialog);
 
-  /// Closes all open dialogs as if the user had, each as soon as those above it have come back.
+  /// Closes all open dialogs as if the user had, the system's too, each as soon as those above it have come back.
   void end_dialogs();
 
   /// Called each time when nothing is at work any more.
@@ -50,6 +53,7 @@ class CallStack {
 
   int uses_ = 0;
   bool ending_ = false;
+  wxTimer retry_;
   std::vector<wxDialog*> dialogs_;
 };
 

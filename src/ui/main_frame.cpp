@@ -83,7 +83,7 @@ MainFrame::MainFrame()
     : wxFrame(nullptr, wxID_ANY, application_title, wxDefaultPosition, wxDefaultSize,
               wxDEFAULT_FRAME_STYLE & ~(wxRESIZE_BORDER | wxMAXIMIZE_BOX)),
       pop_up([](wxWindow& over, wxMenu& menu, const wxPoint& at) { over.PopupMenu(&menu, at); }),
-      tray_is_available(&wxTaskBarIcon::IsAvailable),
+      tray_is_available(&TrayIcon::is_available),
       Timer1_(this),
       tray_watch_(this) {
   // A pass lets events run many times a file; asking every control each time what it might want to update is half of
@@ -119,6 +119,7 @@ void MainFrame::build() {
   sizer->Add(List3_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   panel->SetSizer(sizer);
   SetClientSize(FromDIP(window_size));
+  SetSizeHints(GetSize(), GetSize());
   ListView1_->SetFocus();
 }
 
@@ -327,15 +328,17 @@ void MainFrame::on_first_paint(wxPaintEvent& event) {
 
 void MainFrame::add_tray_icon(const std::string& tip) {
   if (!tray_is_available()) return;
+  const auto show = [this](wxMenu& menu) {
+    const CallStack::Use use(stack_);
+    pop_up(*this, menu, wxDefaultPosition);
+  };
+  remove_tray_icon();
   tray_icon_ = std::make_unique<TrayIcon>(
-      tip, TrayIcon::Actions{[this] { toggle_from_tray(); }, [this] { return open_tray_menu(); },
-                             [this](wxCommandEvent& event) { ProcessWindowEvent(event); }});
+      *this, tip, TrayIcon::Actions{[this] { toggle_from_tray(); }, [this] { return open_tray_menu(); }, show});
 }
 
 void MainFrame::remove_tray_icon() {
-  if (tray_icon_ == nullptr) return;
-  tray_icon_->RemoveIcon();
-  tray_icon_.release()->Destroy();  // later: an event of its own may have led here
+  tray_icon_.reset();
 }
 
 void MainFrame::minimise() {

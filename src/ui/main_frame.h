@@ -133,7 +133,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   int menu_row(const wxListCtrl& list, const wxContextMenuEvent& event, wxPoint& at) const;
   void toggle();
   void restore();
-  bool lives_in_tray() const { return tray_icon_ != nullptr && tray_is_available(); }
+  bool lives_in_tray() const { return tray_icon_ != nullptr && tray_icon_->is_in() && tray_is_available(); }
   void begin_unload();
   void stack_is_empty();
   void finish_unload();

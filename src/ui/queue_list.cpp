@@ -4,6 +4,8 @@
 #include <wx/sizer.h>
 #include <wx/stattext.h>
 
+#include <utility>
+
 #include "ui/icons.h"
 #include "ui/text.h"
 
@@ -51,18 +53,30 @@ void QueueList::lay_out() {
 }
 
 void QueueList::row_added() {
-  SetItemCount(model_.count());
-  if (hint_->IsShown()) hint_->Hide();
+  change_later();
 }
 
 void QueueList::row_changed(int index, bool scroll_into_view, bool select) {
-  const long row = index - 1;
-  if (scroll_into_view) EnsureVisible(row);
-  if (select && GetItemState(row, wxLIST_STATE_SELECTED) == 0) {
-    constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
-    SetItemState(row, chosen, chosen);
-  }
-  RefreshItem(row);
+  if (scroll_into_view) row_to_show_ = index;
+  if (select) row_to_select_ = index;
+  if (index <= GetItemCount()) RefreshItem(index - 1);
+  change_later();
+}
+
+/// A pass brings changes in much faster than they can be seen, and with each the system would measure, scroll and
+/// paint.
+void QueueList::change_later() {
+  if (!std::exchange(changes_wait_, true)) CallAfter(&QueueList::change);
+}
+
+void QueueList::change() {
+  changes_wait_ = false;
+  if (GetItemCount() != model_.count()) SetItemCount(model_.count());
+  if (hint_->IsShown()) hint_->Hide();
+  const int show = std::exchange(row_to_show_, 0), row = std::exchange(row_to_select_, 0) - 1;
+  if (show > 0) EnsureVisible(show - 1);
+  constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
+  if (row >= 0 && GetItemState(row, wxLIST_STATE_SELECTED) == 0) SetItemState(row, chosen, chosen);
 }
 
 int QueueList::selected() const {

@@ -12,9 +12,9 @@ class QueueList : public wxListCtrl {
  public:
   QueueList(wxWindow* parent, const QueueListModel& model);
 
-  /// The model has a new last row.
+  /// The model has a new last row. Both are seen as soon as events run.
   void row_added();
-  /// Repaints the row; brings it into view and makes it the selected one when asked to.
+  /// Paints the row anew; brings it into view and makes it the selected one when asked to.
   void row_changed(int index, bool scroll_into_view, bool select);
 
   /// 0 when none is.
@@ -26,10 +26,14 @@ class QueueList : public wxListCtrl {
   wxString OnGetItemText(long row, long column) const override;
   int OnGetItemImage(long row) const override;
   void lay_out();
+  void change_later();
+  void change();
 
   const QueueListModel& model_;
   wxPanel* hint_;  // what to do, while there is nothing to show
   bool columns_are_set_ = false;
+  bool changes_wait_ = false;
+  int row_to_show_ = 0, row_to_select_ = 0;  // 0 for none
 };
 
 }  // namespace quorvel::ui

@@ -1,27 +1,38 @@
 #pragma once
 
-#include <wx/taskbar.h>
+#include <wx/frame.h>
+#include <wx/menu.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace quorvel::ui {
 
-/// The icon in the tray. What it does is the window's.
-class TrayIcon : public wxTaskBarIcon {
+/// The icon in the tray, which comes back by itself when the tray does. What it does is the window's.
+class TrayIcon {
  public:
   struct Actions {
-    std::function<void()> toggle;                  // a double-click
-    std::function<wxMenu*()> menu;                 // a right click: a new menu, or null for none
-    std::function<void(wxCommandEvent&)> command;  // an entry of that menu
+    std::function<void()> toggle;         // a double-click
+    std::function<wxMenu*()> menu;        // a right click: a new menu, or null for none
+    std::function<void(wxMenu&)> pop_up;  // shows that menu and comes back, where the toolkit does not do it itself
   };
 
-  TrayIcon(const std::string& tip, Actions actions);
+  /// `window` outlives it and is sent the commands of the menu.
+  TrayIcon(wxFrame& window, const std::string& tip, Actions actions);
+  /// Takes the icon away, also in the middle of an event of its own.
+  ~TrayIcon();
+  TrayIcon(const TrayIcon&) = delete;
+  TrayIcon& operator=(const TrayIcon&) = delete;
+
+  /// Whether this desktop has a tray.
+  static bool is_available();
+  /// Whether the tray has taken the icon.
+  bool is_in() const;
 
  private:
-  wxMenu* CreatePopupMenu() override { return actions_.menu(); }
-
-  const Actions actions_;
+  class Icon;
+  std::shared_ptr<Icon> icon_;
 };
 
 }  // namespace quorvel::ui

@@ -6,10 +6,11 @@
 #include <wx/listctrl.h>
 #include <wx/notebook.h>
 
-#include <cstdlib>
-#include <fstream>
 #include <utility>
 
+#include "file_tools.h"
+#include "naming/file_names.h"
+#include "ui/system_dialogs.h"
 #include "ui/text.h"
 
 namespace quorvel::testing {
@@ -52,9 +53,6 @@ void MemoryStore::write_number(const std::string& name, std::uint32_t number) {
 }
 
 TestWindow::TestWindow() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "quorvel-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  folder = pattern;
   for (const char* const sub : {"in", "data", "program", "program/work"}) {
     std::filesystem::create_directory(folder / sub);
   }
@@ -75,7 +73,6 @@ TestWindow::~TestWindow() {
     wait_until([this] { return frame == nullptr; });
   }
   EXPECT_TRUE(all_dialogs_came());
-  std::filesystem::remove_all(folder);
 }
 
 void TestWindow::start() {
@@ -85,7 +82,7 @@ void TestWindow::start() {
     event.Skip();
   });
   session.emplace(Ports{store, *shell, *files, *socket, *frame, *clock, &recorder},
-                  Places{folder / "data", folder / "program", (folder / "program/work/").string(), service.base()});
+                  Places{path("data"), path("program"), with_separator(path("program/work")), service.base()});
   startup.emplace(*session, *frame, recorder);
   frame->attach(*session, recorder, [this] { startup->unload(); });
   ASSERT_EQ(startup->run({}), StartResult::Running);
@@ -101,12 +98,12 @@ int TestWindow::Enter(wxDialog* dialog) {
   }
   auto drive = std::move(drives_.front());
   drives_.pop_front();
-  wxTheApp->CallAfter([dialog, drive = std::move(drive)] {
+  wxTheApp->CallAfter([this, dialog, drive = std::move(drive)] {
     try {
       drive(*dialog);
     } catch (const std::exception& failure) {
       ADD_FAILURE() << from_wx(dialog->GetTitle()) << ": " << failure.what();
-      if (dialog->IsModal()) dialog->EndModal(wxID_CANCEL);
+      cancel(*dialog);
     }
   });
   return wxID_NONE;
@@ -117,6 +114,11 @@ void TestWindow::on_dialog(const std::string& title, const std::string& button) 
     EXPECT_EQ(from_wx(dialog.GetTitle()), title);
     press(dialog, button);
   });
+}
+
+void TestWindow::cancel(wxDialog& dialog) {
+  if (dialog.IsModal()) return dialog.EndModal(wxID_CANCEL);
+  wait_until([] { return ui::cancel_system_dialogs(); });
 }
 
 void TestWindow::command(int id) {
@@ -167,7 +169,7 @@ void TestWindow::wait_for_the_end() {
 
 void TestWindow::rule(int action, const std::string& to) {
   session->filters.at(1).action = action;
-  session->filters.at(1).path = to + "/";
+  session->filters.at(1).path = with_separator(to);
 }
 
 std::size_t TestWindow::files_in(const char* name) const {
@@ -182,14 +184,20 @@ void TestWindow::focus(const char* name) {
 }
 
 std::string TestWindow::file(const std::string& name, const std::string& contents) {
-  const std::filesystem::path path = folder / "in" / name;
-  std::filesystem::create_directories(path.parent_path());
-  std::ofstream(path) << contents;
+  const std::string path = this->path("in/" + name);
+  std::filesystem::create_directories(path_of(path).parent_path());
+  write_file(path, contents);
   return path;
 }
 
+std::string TestWindow::path(const std::string& below) const {
+  return text_of((folder / path_of(below)).make_preferred());
+}
+
 std::string TestWindow::cell(const char* list, int row, int column) const {
-  return from_wx(find<wxListCtrl>(*frame, list).GetItemText(row - 1, column));
+  const auto& shown = find<wxListCtrl>(*frame, list);
+  wait_until([&] { return shown.GetItemCount() >= row; });
+  return from_wx(shown.GetItemText(row - 1, column));
 }
 
 std::string TestWindow::log() const {
@@ -201,7 +209,7 @@ std::string TestWindow::log() const {
 
 void TestWindow::drop(const std::vector<std::string>& paths) {
   wxArrayString dropped;
-  for (const std::string& path : paths) dropped.Add(wxString(path.c_str(), *wxConvFileName));
+  for (const std::string& path : paths) dropped.Add(wxString(path_of(path).c_str(), *wxConvFileName));
   static_cast<wxFileDropTarget*>(frame->GetDropTarget())->OnDropFiles(1, 1, dropped);
 }
 

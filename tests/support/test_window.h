@@ -10,14 +10,32 @@
 #include <map>
 #include <optional>
 
+#include "file_tools.h"
 #include "listings_service.h"
 #include "platform/launcher.h"
 #include "platform/system.h"
 #include "shell/startup.h"
+#include "temporary_folder.h"
 #include "ui/main_frame.h"
 
 /// The real window, with real files and rules in a folder of its own, and the stand-in service behind it.
 namespace quorvel::testing {
+
+/// A file name that gives trouble to whoever takes the system's names for text, and what is seen of it.
+struct OddName {
+  std::string bytes, shown;
+};
+/// What brings up a control's menu.
+struct MenuKey {
+  int code, modifiers;
+};
+#ifdef _WIN32
+inline const OddName odd_name{"caf\u00E9 \U0001F600", "caf\u00E9 \U0001F600"};  // no code page holds it
+inline constexpr MenuKey menu_key{WXK_WINDOWS_MENU, 0};  // Wine goes on to the menu bar after Shift+F10
+#else
+inline const OddName odd_name{"caf\xE9", "caf\\351"};     // not UTF-8
+inline constexpr MenuKey menu_key{WXK_F10, wxMOD_SHIFT};  // the display's keyboard has no menu key
+#endif
 
 /// Lets events run until `done`; fails after half a minute.
 void wait_until(const std::function<bool()>& done);
@@ -67,6 +85,8 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
   void on_dialog(std::function<void(wxDialog&)> drive) { drives_.push_back(std::move(drive)); }
   /// The dialog is to have this title, and is closed by this button.
   void on_dialog(const std::string& title, const std::string& button);
+  /// Closes a dialog by its "Cancel", the system's own ones too.
+  static void cancel(wxDialog& dialog);
   bool all_dialogs_came() const { return drives_.empty(); }
 
   void command(int id);
@@ -88,6 +108,8 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
   /// Gives the keyboard to a control.
   void focus(const char* name);
   std::string file(const std::string& name, const std::string& contents = "x");  // below folder/in, made; its path
+  /// Of something in the folder, as the core knows it.
+  std::string path(const std::string& below) const;
   bool exists(const std::string& name) const { return std::filesystem::exists(folder / name); }
   std::string cell(const char* list, int row, int column) const;
   std::string log() const;
@@ -97,7 +119,8 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
   /// All that was dropped goes through a pass, at once.
   void run_pass() { command(ui::mnuRetry); }
 
-  std::filesystem::path folder;
+  const TemporaryFolder temporary;
+  const std::filesystem::path folder = path_of(temporary.path());
   ListingsService service;
   MemoryStore store;
   Recorder recorder;

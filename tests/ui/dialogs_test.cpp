@@ -1,6 +1,7 @@
 #include <wx/choice.h>
 #include <wx/radiobut.h>
 
+#include "naming/file_names.h"
 #include "test_window.h"
 #include "ui/item_info_dialog.h"
 #include "ui/text.h"
@@ -46,7 +47,7 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
     for (const Move& move : moves) {
       if (move.option != nullptr) find<wxRadioButton>(wizard, move.option).SetValue(true);
       if (move.then == move_path && step(wizard) == move_path) {
-        set_text(wizard, "path", "/x");
+        set_text(wizard, "path", "D:");
         on_dialog("Path not valid", "OK");
       }
       if (step(wizard) == copy_path) set_text(wizard, "path", "/tv");
@@ -56,7 +57,8 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
       EXPECT_TRUE(!mask.IsShownOnScreen() || (mask.GetInsertionPoint() == 27 && mask.GetStringSelection().empty()));
     }
     EXPECT_EQ(label(wizard, "summary"), "The following filter has been successfully added:");
-    EXPECT_EQ(label(wizard, "summary_filter") + "|" + label(wizard, "summary_path"), "Show Name Equals Anything|/tv/");
+    EXPECT_EQ(label(wizard, "summary_filter") + "|" + label(wizard, "summary_path"),
+              "Show Name Equals Anything|" + with_separator("/tv"));
     EXPECT_FALSE(named(wizard, "Back")->IsEnabled());
     press(wizard, "Finish");
   });
@@ -64,7 +66,7 @@ TEST_F(TestWindow, TheWizardGoesByItsTransitions) {
   EXPECT_EQ(cell("ListView2", 2, 0) + "|" + cell("ListView2", 2, 1) + "|" + cell("ListView2", 2, 2),
             "Show Name Equals Anything|Copy & Rename|[show] - [s]x[ee] - [title]");
   const AFilter& rule = session->filters.at(2);
-  EXPECT_EQ(rule.showName + rule.fileType + rule.path, "*/tv/");
+  EXPECT_EQ(rule.showName + rule.fileType + rule.path, "*" + with_separator("/tv"));
   EXPECT_TRUE(rule.enabled && rule.showNameCondition == Equals && rule.fileTypeCondition == 0);
 }
 

@@ -8,11 +8,11 @@ TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
   const std::string early = file("harbour.lights.s01e01.avi"), late = file("Lights/harbour.lights.s01e02.avi");
   Program first({early});
   wait_until([&] { return !std::filesystem::exists(early); });
-  Program second({(folder / "in/Lights").string()});
+  Program second({path("in/Lights")});
   EXPECT_EQ(second.status(), 0);
   wait_until([&] { return !std::filesystem::exists(late); });
   EXPECT_TRUE(exists("in/The Harbour Lights - 1x01 - Slack Water.avi"));
-  const auto renamed = std::filesystem::directory_iterator(folder / "in/Lights")->path().filename().string();
+  const auto renamed = text_of(std::filesystem::directory_iterator(folder / "in/Lights")->path().filename());
   EXPECT_TRUE(renamed.starts_with("The Harbour Lights - 1x02 - ")) << renamed;
   const auto channel = system_instance_channel();
   ASSERT_TRUE(channel->other_is_running());

@@ -2,8 +2,7 @@
 #include <wx/listctrl.h>
 #include <wx/uiaction.h>
 
-#include <fstream>
-
+#include "shell/commands.h"
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -16,7 +15,7 @@ class Running : public TestWindow {
   }
   void start_a_long_copy() {
     start();
-    rule(CopyAndRename, folder / "out");
+    rule(CopyAndRename, path("out"));
     drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
   }
 };
@@ -94,7 +93,7 @@ TEST_F(Running, AnItemKeepsToTheRuleItWasMatchedWith) {
   start();
   drop({file("harbour.lights.s01e01.avi")});
   on_dialog([&](wxDialog& dialog) {
-    rule(CopyAndRename, folder / "out");
+    rule(CopyAndRename, path("out"));
     session->filters.at(1).mask = "[title]";
     press(dialog, "OK");
   });
@@ -118,7 +117,8 @@ TEST_F(Running, ACopyTellsHowFarItIsAndIsFinishedBeforeTheWindowCloses) {
   wait_for_the_end();
   ASSERT_GT(progress_reports, 0);
   EXPECT_EQ(files_in("in") + files_in("out"), 2U);
-  EXPECT_EQ(std::filesystem::file_size(session->queue.at(1).dest_path + session->queue.at(1).new_name), 1U << 22);
+  EXPECT_EQ(std::filesystem::file_size(path_of(session->queue.at(1).dest_path + session->queue.at(1).new_name)),
+            1U << 22);
 }
 
 TEST_F(Running, TheSessionsEndIsHeldUpAndThenGivesACopyUp) {
@@ -138,7 +138,7 @@ TEST_F(Running, TheSessionsEndIsHeldUpAndThenGivesACopyUp) {
 
 TEST_F(Running, AnExistingFileIsReplacedOnlyOnTheUsersWord) {
   start();
-  rule(MoveAndRename, folder / "out");
+  rule(MoveAndRename, path("out"));
   file("../out/The Harbour Lights - 1x01 - Slack Water.avi", "old");
   drop({file("harbour.lights.s01e01.avi", "new")});
   on_dialog("Confirm File Replace", "Keep");
@@ -153,9 +153,8 @@ TEST_F(Running, AnExistingFileIsReplacedOnlyOnTheUsersWord) {
 TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
   if (!std::filesystem::is_directory("/dev/shm")) GTEST_SKIP() << "no second file system";
   start();
-  std::string pattern = "/dev/shm/quorvel-XXXXXX";
-  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-  rule(MoveAndRename, pattern);
+  const TemporaryFolder there("/dev/shm");
+  rule(MoveAndRename, there.path());
   drop({file("harbour.lights.s01e01.avi", std::string(1 << 22, 'x'))});
   run_pass();
   EXPECT_TRUE(is_done(1)) << log();
@@ -164,7 +163,6 @@ TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
   command(ui::mnuUndo);
   EXPECT_EQ(cell("ListView1", 1, 2), "Cancelled") << log();
   EXPECT_EQ(files_in("in"), 1U);
-  std::filesystem::remove_all(pattern);
 }
 
 TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
@@ -232,7 +230,7 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   int shown = 0;
   frame->pop_up = [&](wxWindow&, wxMenu& menu, const wxPoint&) { shown = menu.IsEnabled(ui::mnuUndo) ? 2 : 1; };
   focus("ListView1");
-  key(WXK_F10, wxMOD_SHIFT);
+  key(menu_key.code, menu_key.modifiers);
   wait_until([&] { return shown == 2; });
   auto& list = find<wxListCtrl>(*frame, "ListView1");
   wxRect area;
@@ -242,15 +240,15 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   mouse.MouseClick(wxMOUSE_BTN_RIGHT);
   wait_until([&] { return shown == 1; });
   bool came = false;
-  on_dialog([&](wxDialog& dialog) { came = true, dialog.EndModal(wxID_CANCEL); });
+  on_dialog([&](wxDialog& dialog) { came = true, cancel(dialog); });
   key('O', wxMOD_CONTROL);
   wait_until([&] { return came; });
 }
 
 TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
-  const std::filesystem::path help = folder / "share/doc/quorvel/help/index.html";
-  std::filesystem::create_directories(help.parent_path());
-  std::ofstream(help) << "x";
+  const std::string help = help_file({path("data"), path("program"), {}, {}});
+  std::filesystem::create_directories(path_of(help).parent_path());
+  write_file(help, "x");
   start();
   key(WXK_F1);
   wait_until([&] { return recorder.calls.size() == 1; });
@@ -261,7 +259,7 @@ TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
     key(WXK_ESCAPE);
   });
   command(ui::mnuPrefs);
-  EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help.string()));
+  EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help));
 }
 
 TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {

@@ -1,0 +1,40 @@
+#include "ui/tray_icon.h"
+
+#include <wx/taskbar.h>
+
+#include "ui/icons.h"
+#include "ui/text.h"
+
+namespace quorvel::ui {
+
+class TrayIcon::Icon : public wxTaskBarIcon {
+ public:
+  Icon(wxFrame& window, const std::string& tip, Actions actions) : actions_(std::move(actions)) {
+    SetIcon(icons::tray(), to_wx(tip));
+    Bind(wxEVT_TASKBAR_LEFT_DCLICK, [this](wxTaskBarIconEvent&) { actions_.toggle(); });
+    Bind(wxEVT_MENU, [&window](wxCommandEvent& event) { window.ProcessWindowEvent(event); });
+  }
+
+ private:
+  wxMenu* CreatePopupMenu() override { return actions_.menu(); }
+
+  const Actions actions_;
+};
+
+TrayIcon::TrayIcon(wxFrame& window, const std::string& tip, Actions actions)
+    : icon_(new Icon(window, tip, std::move(actions)), [](Icon* icon) {
+        icon->RemoveIcon();
+        icon->Destroy();  // later: an event of its own may have led here
+      }) {}
+
+TrayIcon::~TrayIcon() = default;
+
+bool TrayIcon::is_available() {
+  return wxTaskBarIcon::IsAvailable();
+}
+
+bool TrayIcon::is_in() const {
+  return true;
+}
+
+}  // namespace quorvel::ui

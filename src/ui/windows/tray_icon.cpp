@@ -1,0 +1,106 @@
+#include "ui/tray_icon.h"
+
+#include <wx/msw/private.h>
+#include <wx/settings.h>
+
+#include <commctrl.h>
+#include <shellapi.h>
+
+#include <string_view>
+
+#include "ui/icons.h"
+
+namespace quorvel::ui {
+
+/// The toolkit's own class would give the icon to a window of its own; here it belongs to the program's window, which
+/// is what other programs look for.
+class TrayIcon::Icon : public std::enable_shared_from_this<Icon> {
+ public:
+  Icon(wxFrame& window, const std::string& tip, Actions actions)
+      : window_(GetHwndOf(&window)),
+        icon_(icons::tray().GetIcon(wxSize(wxSystemSettings::GetMetric(wxSYS_SMALLICON_X, &window),
+                                           wxSystemSettings::GetMetric(wxSYS_SMALLICON_Y, &window)))),
+        tip_(tip),
+        actions_(std::move(actions)) {
+    SetWindowSubclass(window_, procedure, icon_id, reinterpret_cast<DWORD_PTR>(this));
+    add();
+  }
+  ~Icon() {
+    RemoveWindowSubclass(window_, procedure, icon_id);
+    NOTIFYICONDATAA record = this->record();
+    Shell_NotifyIconA(NIM_DELETE, &record);
+  }
+  Icon(const Icon&) = delete;
+  Icon& operator=(const Icon&) = delete;
+
+  bool is_in() const { return is_in_; }
+
+ private:
+  static constexpr UINT icon_id = 1;
+  static constexpr UINT callback_message = WM_MOUSEMOVE;
+
+  NOTIFYICONDATAA record() const {
+    NOTIFYICONDATAA record{};
+    record.cbSize = NOTIFYICONDATAA_V1_SIZE;
+    record.hWnd = window_;
+    record.uID = icon_id;
+    record.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+    record.uCallbackMessage = callback_message;
+    record.hIcon = GetHiconOf(icon_);
+    tip_.copy(record.szTip, tip_length - 1);
+    return record;
+  }
+
+  void add() {
+    NOTIFYICONDATAA record = this->record();
+    // The tray also says so when only its looks have changed, and has the icon then.
+    is_in_ = Shell_NotifyIconA(NIM_ADD, &record) || Shell_NotifyIconA(NIM_MODIFY, &record);
+  }
+
+  void on_mouse(LPARAM event) {
+    if (event == WM_LBUTTONDBLCLK) actions_.toggle();
+    if (event == WM_RBUTTONUP) pop_up();
+  }
+
+  void pop_up() {
+    const std::unique_ptr<wxMenu> menu(actions_.menu());
+    if (menu == nullptr) return;
+    SetForegroundWindow(window_);  // else a click elsewhere would not close the menu
+    actions_.pop_up(*menu);
+    PostMessageW(window_, WM_NULL, 0, 0);  // else the next menu would close at once
+  }
+
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR data) {
+    static const UINT taskbar_created = RegisterWindowMessageW(L"TaskbarCreated");
+    const std::shared_ptr<Icon> self = reinterpret_cast<Icon*>(data)->shared_from_this();
+    if (message == taskbar_created) {
+      self->add();
+      return 0;
+    }
+    if (message == callback_message && first == icon_id) self->on_mouse(second);
+    return DefSubclassProc(window, message, first, second);
+  }
+
+  static constexpr std::size_t tip_length = 64;
+
+  const HWND window_;
+  const wxIcon icon_;
+  const std::string tip_;
+  const Actions actions_;
+  bool is_in_ = false;
+};
+
+TrayIcon::TrayIcon(wxFrame& window, const std::string& tip, Actions actions)
+    : icon_(std::make_shared<Icon>(window, tip, std::move(actions))) {}
+
+TrayIcon::~TrayIcon() = default;
+
+bool TrayIcon::is_available() {
+  return true;
+}
+
+bool TrayIcon::is_in() const {
+  return icon_->is_in();
+}
+
+}  // namespace quorvel::ui
