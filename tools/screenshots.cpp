@@ -2,6 +2,7 @@
 #include <wx/listctrl.h>
 #include <wx/notebook.h>
 #include <wx/radiobut.h>
+#include <wx/utils.h>
 
 #include <cstdlib>
 
@@ -9,6 +10,19 @@
 
 namespace quorvel::testing {
 namespace {
+
+#ifdef _WIN32
+constexpr const char* import = "start /unix /usr/bin/import";  // from inside Wine, which does not wait for it
+const std::string drive = "D:";
+#else
+constexpr const char* import = "import";
+const std::string drive;
+#endif
+
+/// A path that is only shown, as this system writes it.
+std::string shown(const std::string& path) {
+  return text_of(path_of(drive + path).make_preferred());
+}
 
 /// Lets the toolkit finish its drawing and its animations.
 void settle() {
@@ -25,9 +39,12 @@ class Screenshots : public TestWindow {
     const wxRect area = window.GetScreenRect();
     const std::string crop = std::to_string(area.width) + "x" + std::to_string(area.height) + "+" +
                              std::to_string(area.x) + "+" + std::to_string(area.y);
-    const std::string command =
-        "import -window root -crop " + crop + " +repage '" + std::string(shots) + "/" + name + ".png'";
-    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    const std::string file = std::string(shots) + "/" + name + ".png";
+    std::filesystem::remove(file);
+    const std::string command = import + (" -window root -crop " + crop + " +repage ") + file;
+    wxExecute(command, wxEXEC_ASYNC | wxEXEC_HIDE_CONSOLE);
+    std::error_code none_yet;
+    wait_until([&] { return std::filesystem::file_size(file, none_yet) > 0 && !none_yet; });
   }
 
   /// A session in which much has happened.
@@ -83,9 +100,9 @@ TEST_F(Screenshots, Tabs) {
   prepare();
   picture(*frame, "queue");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(1);
-  AFilter shown = session->filters.at(1);
-  shown.path = "/home/anna/TV/[show]/";  // the real one has another name each time
-  frame->show_filters({{"F1", FilterFormat::cells(shown)}, {"F2", FilterFormat::cells(session->filters.at(2))}});
+  AFilter example = session->filters.at(1);
+  example.path = shown("/home/anna/TV/[show]/");  // the real one has another name each time
+  frame->show_filters({{"F1", FilterFormat::cells(example)}, {"F2", FilterFormat::cells(session->filters.at(2))}});
   find<ui::RuleList>(*frame, "ListView2").select(1);
   picture(*frame, "filters");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(2);
@@ -115,14 +132,14 @@ TEST_F(Screenshots, Dialogs) {
     picture(dialog, "replace");
     dialog.EndModal(wxID_CANCEL);
   });
-  frame->ask_to_replace("/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv");
+  frame->ask_to_replace(shown("/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv"));
   on_dialog([this](wxDialog& dialog) {
     picture(dialog, "confirm");
     dialog.EndModal(wxID_CANCEL);
   });
   frame->ask_confirmation({"Confirm File Move", "Continue with file move?",
-                           "/home/user/Downloads/The Harbour Lights Season 1/harbour.lights.1x02.720p.mkv",
-                           "/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv"});
+                           shown("/home/user/Downloads/The Harbour Lights Season 1/harbour.lights.1x02.720p.mkv"),
+                           shown("/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv")});
 }
 
 TEST_F(Screenshots, Wizard) {
@@ -133,7 +150,7 @@ TEST_F(Screenshots, Wizard) {
     find<wxRadioButton>(wizard, "Move & Rename").SetValue(true);
     picture(wizard, "wizard-2");
     press(wizard, "Next ");
-    set_text(wizard, "path", "/srv/media/TV/[show]/Season [s]");
+    set_text(wizard, "path", shown("/srv/media/TV/[show]/Season [s]"));
     picture(wizard, "wizard-3");
     press(wizard, "Next ");
     picture(wizard, "wizard-4");

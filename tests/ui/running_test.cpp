@@ -262,7 +262,7 @@ TEST_F(TestWindow, TheHelpOpensByItsKeyFromTheWindowAndFromADialog) {
   EXPECT_EQ(recorder.calls, std::vector<std::string>(2, "open " + help));
 }
 
-TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {
+TEST_F(TestWindow, TabAndTheUnderlinedLettersGoThroughThePreferences) {
   start();
   std::string order;
   on_dialog([&](wxDialog& dialog) {
@@ -273,6 +273,8 @@ TEST_F(TestWindow, TabGoesThroughThePreferencesInTheirOrder) {
       key(WXK_TAB);
       wait_until([&] { return wxWindow::FindFocus() != focused; });
     }
+    key('U', wxMOD_ALT);
+    wait_until([&] { return find<wxCheckBox>(dialog, "Check4").GetValue(); });
     key(WXK_ESCAPE);
   });
   command(ui::mnuPrefs);
