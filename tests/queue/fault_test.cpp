@@ -1,5 +1,4 @@
 #include <iomanip>
-#include <latch>
 #include <random>
 #include <sstream>
 #include <thread>
@@ -46,24 +45,23 @@ TEST_P(Faults, AFailureOrAFullDiskAtAnyCallCostsNothing) {
   }
 }
 
-/// In a process of its own: all that `told` names.
-void run_until_killed(const std::string& told) {
+/// One run with all that it is told.
+TEST(SecondProcess, RunsUntilKilled) {
   int action = 0, fault = 0, at = 0;
   std::string base, here, home, there;
-  std::istringstream(told) >> action >> fault >> at >> base >> std::quoted(here) >> std::quoted(home) >>
+  std::istringstream(told_by_first()) >> action >> fault >> at >> base >> std::quoted(here) >> std::quoted(home) >>
       std::quoted(there);
   FaultPlan plan{.fault = static_cast<Fault>(fault), .at = at};
   World(action, here, home, there).run(plan, base);
 }
 
 TEST_P(Faults, AKillAtAnyCallCostsNothing) {
-  if (!second_process().empty()) return run_until_killed(second_process());
   for (const Fault fault : {Fault::KillBefore, Fault::KillAfter}) {
     at_every_call([&](const FaultPlan& clean, int at) {
       std::ostringstream told;
       told << GetParam() << " " << static_cast<int>(fault) << " " << at << " " << service.base() << " "
            << std::quoted(world.here) << std::quoted(world.home) << std::quoted(world.there);
-      ChildProcess process(this_test_again(told.str()));
+      ChildProcess process(second_process("RunsUntilKilled", told.str()));
       EXPECT_EQ(process.status(), ChildProcess::killed);
       world.expect_nothing_lost();
       world.expect_whole_files(clean);
@@ -126,10 +124,7 @@ TEST_P(Faults, NothingThatOthersDoMeanwhileCostsAFile) {
 TEST_P(Faults, ADriveThatStallsAtAnyCallOnlyDelaysAndAQuitIsHeardAfterwards) {
   at_every_call([&](const FaultPlan&, int at) {
     FaultPlan plan{.fault = Fault::Outside, .at = at, .outside = [&] {
-                     std::latch drive(1);
-                     std::jthread other([&] { drive.count_down(); });
-                     drive.wait();
-                     world.quit_requested = true;
+                     std::thread([&] { world.quit_requested = true; }).join();
                    }};
     world.run(plan, service.base());
     world.expect_nothing_lost();

@@ -43,10 +43,10 @@ class ChildProcess {
   std::unique_ptr<System> system_;
 };
 
-/// This test program once more, for the test that runs now; in there second_process() is what is given here.
-Start this_test_again(const std::string& told);
-/// Empty in the first.
-std::string second_process();
+/// This test program once more, for the test "SecondProcess.NAME" alone, which is no test by itself. To be killed it
+/// must leave nothing behind, so it makes no folder of its own: told_by_first() is what is given here.
+Start second_process(const std::string& name, const std::string& told);
+std::string told_by_first();
 
 /// Ends this process as a kill from outside does: nothing more is done.
 [[noreturn]] void kill_this_process();

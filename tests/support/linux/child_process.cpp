@@ -1,7 +1,6 @@
 #include "child_process.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -76,14 +75,13 @@ std::uint64_t ChildProcess::most_memory() const {
   return static_cast<std::uint64_t>(system_->used.ru_maxrss) * 1024;
 }
 
-Start this_test_again(const std::string& told) {
-  const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
+Start second_process(const std::string& name, const std::string& told) {
   return {.program = "/proc/self/exe",
-          .arguments = {std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name()},
+          .arguments = {"--gtest_filter=SecondProcess." + name},
           .environment = {{second, told}}};
 }
 
-std::string second_process() {
+std::string told_by_first() {
   return Variable::get(second).value_or("");
 }
 

@@ -1,6 +1,5 @@
 #include "child_process.h"
 
-#include <gtest/gtest.h>
 #include <windows.h>
 
 #include <psapi.h>
@@ -106,14 +105,12 @@ std::uint64_t ChildProcess::most_memory() const {
   return system_->used.PeakWorkingSetSize;
 }
 
-Start this_test_again(const std::string& told) {
-  const auto* const test = ::testing::UnitTest::GetInstance()->current_test_info();
-  return {.program = own_name(),
-          .arguments = {std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name()},
-          .environment = {{second, told}}};
+Start second_process(const std::string& name, const std::string& told) {
+  return {
+      .program = own_name(), .arguments = {"--gtest_filter=SecondProcess." + name}, .environment = {{second, told}}};
 }
 
-std::string second_process() {
+std::string told_by_first() {
   return Variable::get(second).value_or("");
 }
 
