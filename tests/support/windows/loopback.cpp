@@ -7,11 +7,17 @@
 namespace quorvel::testing {
 namespace {
 
+/// No program that a test starts may hold it open after the test has closed it.
+SOCKET not_inherited(SOCKET socket) {
+  SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+  return socket;
+}
+
 SOCKET new_socket() {
   static WSADATA data;
   static const int started = WSAStartup(MAKEWORD(2, 2), &data);
   if (started != 0) throw std::runtime_error("no sockets");
-  return socket(AF_INET, SOCK_STREAM, 0);
+  return not_inherited(socket(AF_INET, SOCK_STREAM, 0));
 }
 
 class SocketPeer : public Peer {
@@ -67,7 +73,7 @@ Listener::Listener(std::uint16_t port, const std::optional<TlsIdentity>& tls) : 
 Listener::~Listener() = default;
 
 std::shared_ptr<Peer> Listener::accept() {
-  const SOCKET client = ::accept(system_->socket, nullptr, nullptr);
+  const SOCKET client = not_inherited(::accept(system_->socket, nullptr, nullptr));
   return client == INVALID_SOCKET ? nullptr : std::make_shared<SocketPeer>(client);
 }
 
