@@ -12,7 +12,7 @@ constexpr const char* by_hand = "1\tTrue\t\tby hand\t\tx\tmine\t0\t1\r\n";
 const std::string first_name = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
 
 struct Faults : ::testing::TestWithParam<int> {
-  const WorldFolders folders;
+  const WorldFolders folders{};
   ListingsService service;
   World world = folders.world(GetParam());
 
@@ -134,7 +134,7 @@ TEST_P(Faults, ADriveThatStallsAtAnyCallOnlyDelaysAndAQuitIsHeardAfterwards) {
 
 TEST(KilledProgram, LeavesEveryFileWholeUnderItsOldOrItsNewName) {
   const ListingsService service;
-  const WorldFolders folders;
+  const WorldFolders folders{};
   const World world = folders.world(MoveAndRename);
   const std::string data = data_folder_of(world.home), file = data + native::separator + "filters.dat";
   const std::string rule = "2\tTrue\t\t*\t" + world.target + "\t[title]\td\t0\t1\r\n";

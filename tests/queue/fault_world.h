@@ -130,7 +130,7 @@ struct World {
 };
 
 struct WorldFolders {
-  const TemporaryFolder here, home{facts::other_device}, there{facts::other_device};
+  const TemporaryFolder here{fs::temp_directory_path()}, home{facts::other_device}, there{facts::other_device};
   World world(int action) const { return {action, here.path(), home.path(), there.path()}; }
 };
 

@@ -98,7 +98,7 @@ int TestWindow::Enter(wxDialog* dialog) {
   }
   auto drive = std::move(drives_.front());
   drives_.pop_front();
-  wxTheApp->CallAfter([this, dialog, drive = std::move(drive)] {
+  wxTheApp->CallAfter([dialog, drive = std::move(drive)] {
     try {
       drive(*dialog);
     } catch (const std::exception& failure) {
@@ -184,7 +184,7 @@ void TestWindow::focus(const char* name) {
 }
 
 std::string TestWindow::file(const std::string& name, const std::string& contents) {
-  const std::string path = this->path("in/" + name);
+  std::string path = this->path("in/" + name);
   std::filesystem::create_directories(path_of(path).parent_path());
   write_file(path, contents);
   return path;

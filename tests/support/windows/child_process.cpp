@@ -50,10 +50,15 @@ std::string own_name() {
   return to_utf8(path);
 }
 
+std::string key_for(const std::string& folder) {
+  std::string name = folder;
+  std::replace(name.begin(), name.end(), '\\', '/');  // a backslash would begin a key below
+  return "SOFTWARE\\Quorvel test " + name;
+}
+
 /// A key of its own, which ends with it.
 struct PassingStore : RegistryStore {
-  explicit PassingStore(std::string folder)
-      : RegistryStore((std::replace(folder.begin(), folder.end(), '\\', '/'), "SOFTWARE\\Quorvel test " + folder)) {}
+  explicit PassingStore(const std::string& folder) : RegistryStore(key_for(folder)) {}
   ~PassingStore() override { erase_all(); }
 };
 
