@@ -72,8 +72,8 @@ VIAddVersionKey "LegalCopyright" "Copyright © ${COPYRIGHT}"
 
 ; --- A copy that is running ---------------------------------------------------------------------------------------------
 
-; Nobody can write the file of a program that runs: $0 is then "running", else empty.
-!macro LOOK_FOR_RUNNING PROGRAM
+; Nobody can write the file of a program that runs.
+!macro LOOK_AT PROGRAM
   ${If} ${FileExists} "$INSTDIR\${PROGRAM}"
     ClearErrors
     FileOpen $1 "$INSTDIR\${PROGRAM}" a
@@ -83,6 +83,13 @@ VIAddVersionKey "LegalCopyright" "Copyright © ${COPYRIGHT}"
       FileClose $1
     ${EndIf}
   ${EndIf}
+!macroend
+
+; $0 is then "running", else empty.
+!macro LOOK_FOR_RUNNING
+  StrCpy $0 ""
+  !insertmacro LOOK_AT quorvel.exe
+  !insertmacro LOOK_AT quorvel-cli.exe
 !macroend
 
 ; The message that asks the window to close, as the updater sends it: record number 3, the text and its NUL.
@@ -101,9 +108,7 @@ VIAddVersionKey "LegalCopyright" "Copyright © ${COPYRIGHT}"
   ; Closes a copy that runs from $INSTDIR; ends the setup, with nothing changed, where that is not wanted or fails.
   Function ${UN}CloseRunning
     look:
-      StrCpy $0 ""
-      !insertmacro LOOK_FOR_RUNNING quorvel.exe
-      !insertmacro LOOK_FOR_RUNNING quorvel-cli.exe
+      !insertmacro LOOK_FOR_RUNNING
       StrCmp $0 "" done
     MessageBox MB_OKCANCEL|MB_ICONEXCLAMATION \
       "${PRODUCT} is running, or its files in $INSTDIR cannot be written.$\r$\n$\r$\nOK closes it and goes on. Files \
@@ -120,9 +125,7 @@ VIAddVersionKey "LegalCopyright" "Copyright © ${COPYRIGHT}"
       StrCpy $5 0
       ${Do}
         Sleep 200
-        StrCpy $0 ""
-        !insertmacro LOOK_FOR_RUNNING quorvel.exe
-        !insertmacro LOOK_FOR_RUNNING quorvel-cli.exe
+        !insertmacro LOOK_FOR_RUNNING
         StrCmp $0 "" done
         IntOp $5 $5 + 1
       ${LoopUntil} $5 = 100

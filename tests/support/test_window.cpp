@@ -32,27 +32,9 @@ void wait_until(const std::function<bool()>& done) {
   }
 }
 
-std::optional<std::string> MemoryStore::read_string(const std::string& name) const {
-  const auto found = texts.find(name);
-  return found == texts.end() ? std::nullopt : std::optional(found->second);
-}
-
-std::optional<std::uint32_t> MemoryStore::read_number(const std::string& name) const {
-  const auto found = numbers.find(name);
-  return found == numbers.end() ? std::nullopt : std::optional(found->second);
-}
-
-void MemoryStore::write_string(const std::string& name, const std::string& text) {
-  if (refuses) throw Failure("the disk is full");
-  texts[name] = text;
-}
-
-void MemoryStore::write_number(const std::string& name, std::uint32_t number) {
-  if (refuses) throw Failure("the disk is full");
-  numbers[name] = number;
-}
-
 TestWindow::TestWindow() {
+  store.texts[""] = "3.4";
+  store.numbers["context"] = 1;  // the menu entries are left alone
   for (const char* const sub : {"in", "data", "program", "program/work"}) {
     std::filesystem::create_directory(folder / sub);
   }

@@ -7,9 +7,9 @@
 
 #include <deque>
 #include <filesystem>
-#include <map>
 #include <optional>
 
+#include "fake_ports.h"
 #include "file_tools.h"
 #include "listings_service.h"
 #include "platform/launcher.h"
@@ -39,21 +39,6 @@ inline constexpr MenuKey menu_key{WXK_F10, wxMOD_SHIFT};  // the display's keybo
 
 /// Lets events run until `done`; fails after half a minute.
 void wait_until(const std::function<bool()>& done);
-
-/// Settings that end with the test.
-class MemoryStore : public KeyValueStore {
- public:
-  std::map<std::string, std::string> texts{{"", "3.4"}};
-  std::map<std::string, std::uint32_t> numbers{{"context", 1}};
-  bool refuses = false;
-
-  std::optional<std::string> trouble() const override { return {}; }
-  std::optional<std::string> read_string(const std::string& name) const override;
-  std::optional<std::uint32_t> read_number(const std::string& name) const override;
-  void write_string(const std::string& name, const std::string& text) override;
-  void write_number(const std::string& name, std::uint32_t number) override;
-  void erase_all() override { texts.clear(), numbers.clear(); }
-};
 
 class Recorder : public Launcher, public ContextMenu, public InstanceChannel {
  public:
@@ -122,7 +107,7 @@ class TestWindow : public ::testing::Test, private wxModalDialogHook {
   const TemporaryFolder temporary;
   const std::filesystem::path folder = path_of(temporary.path());
   ListingsService service;
-  MemoryStore store;
+  FakeKeyValues store;
   Recorder recorder;
   std::unique_ptr<Files> files = system_files();
   std::unique_ptr<SocketControl> socket = system_socket();
