@@ -35,7 +35,7 @@ inline bool fits_file_name(std::string_view name) {
 }
 
 struct NoLog : Log {
-  void debug_log(std::string_view, int) override {}
+  void debug_log(std::string_view, LogLevel) override {}
 };
 
 /// Files in memory; folders are always there.

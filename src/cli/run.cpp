@@ -98,7 +98,7 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.http.cancel(); };
   console::count_interrupts();
-  session.start(options.verbose ? std::optional(DebugLog::verbose) : std::nullopt);
+  session.start(options.verbose ? std::optional(LogLevel::Verbose) : std::nullopt);
   queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});

@@ -31,7 +31,7 @@ FileJobResult FileJobs::run(const FileJob& job) {
   try {
     return run_checked(job);
   } catch (const Failure& failure) {
-    log_.debug_log(std::string("Error renaming/moving: ") + failure.what(), 1);
+    log_.debug_log(std::string("Error renaming/moving: ") + failure.what(), LogLevel::Normal);
     return {};
   }
 }
@@ -39,18 +39,18 @@ FileJobResult FileJobs::run(const FileJob& job) {
 FileJobResult FileJobs::run_checked(const FileJob& job) {
   refuse_nul(job);
   if (!files_.exists(job.path)) {
-    log_.debug_log("File rename failed. Source file not found", 2);
+    log_.debug_log("File rename failed. Source file not found", LogLevel::Verbose);
     return {};
   }
   switch (job.action) {
     case Rename:
       return rename(job);
     case MoveAndRename:
-      log_.debug_log("Moving " + job.path + " to " + job.destination(), 2);
+      log_.debug_log("Moving " + job.path + " to " + job.destination(), LogLevel::Verbose);
       make_tree(job.dest_path);
       return perform({Request::Move, list_of(job.path, 2), list_of(job.destination(), 2), Request::AllowUndo});
     case CopyAndRename:
-      log_.debug_log("Copying " + job.path + " to " + job.destination(), 2);
+      log_.debug_log("Copying " + job.path + " to " + job.destination(), LogLevel::Verbose);
       make_tree(job.dest_path);
       return perform({Request::Copy, list_of(job.path, 1), list_of(job.destination(), 1), Request::AllowUndo});
     default:
@@ -59,13 +59,13 @@ FileJobResult FileJobs::run_checked(const FileJob& job) {
 }
 
 FileJobResult FileJobs::rename(const FileJob& job) {
-  log_.debug_log("Renaming " + job.filename + " to " + job.new_name, 2);
+  log_.debug_log("Renaming " + job.filename + " to " + job.new_name, LogLevel::Verbose);
   if (lower_case(job.destination()) == lower_case(job.path)) {
-    log_.debug_log("File rename failed. New name = old name", 2);
+    log_.debug_log("File rename failed. New name = old name", LogLevel::Verbose);
     return {false, "The new filename is the same as the old filename"};
   }
   if (files_.exists(job.destination())) {
-    log_.debug_log("File rename failed. Destination already exists", 2);
+    log_.debug_log("File rename failed. Destination already exists", LogLevel::Verbose);
     return {false, "The destination aleady exists. File cannot be renamed"};
   }
   return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo});
@@ -77,7 +77,7 @@ FileJobResult FileJobs::perform(const FileOperationRequest& request) {
 
 FileJobResult FileJobs::result_of(int code) {
   if (code == 0) return {true, std::nullopt};
-  log_.debug_log("File operation failed (" + std::to_string(code) + ")", 1);
+  log_.debug_log("File operation failed (" + std::to_string(code) + ")", LogLevel::Normal);
   return {false, std::string("The file operation failed. ").append(native::system_name) + " reports error " +
                      std::to_string(code)};
 }
@@ -86,7 +86,7 @@ FileJobResult FileJobs::undo(const FileJob& job) {
   try {
     return undo_checked(job);
   } catch (const Failure& failure) {
-    log_.debug_log(std::string("Error undoing: ") + failure.what(), 1);
+    log_.debug_log(std::string("Error undoing: ") + failure.what(), LogLevel::Normal);
     return {};
   }
 }
@@ -95,7 +95,7 @@ FileJobResult FileJobs::undo_checked(const FileJob& job) {
   refuse_nul(job);
   const std::string current = job.destination();
   if (!files_.exists(current)) {
-    log_.debug_log("Undo rename failed. Source file not found", 2);
+    log_.debug_log("Undo rename failed. Source file not found", LogLevel::Verbose);
     return {};
   }
   FileJobResult result;
@@ -106,7 +106,7 @@ FileJobResult FileJobs::undo_checked(const FileJob& job) {
     case Rename:
       if (files_.exists(job.path)) {
         constexpr const char* taken = "File rename failed. Destination already exists";
-        log_.debug_log(taken, 2);
+        log_.debug_log(taken, LogLevel::Verbose);
         return {false, taken};
       }
       result = back(Request::Rename);
@@ -120,7 +120,7 @@ FileJobResult FileJobs::undo_checked(const FileJob& job) {
     default:
       break;
   }
-  log_.debug_log("Undone file operatrion", 2);
+  log_.debug_log("Undone file operatrion", LogLevel::Verbose);
   return result;
 }
 

@@ -66,18 +66,18 @@ const Episode* EpisodeList::find(int season, int number) const {
 std::optional<FoundEpisode> EpisodeListings::getlistings(const Show& show, const std::string& search_name, int season,
                                                          int episode, Options options) {
   if (!options.use_cache) {
-    log_.debug_log("Ep cache disabled", 2);
+    log_.debug_log("Ep cache disabled", LogLevel::Verbose);
   } else {
     const Episode* cached = checkepcache(show.name) ? list_.find(season, episode) : nullptr;
     if (cached != nullptr) {
-      log_.debug_log("Found episode in cache", 2);
+      log_.debug_log("Found episode in cache", LogLevel::Verbose);
       return finish(*cached, options.decode_utf8);
     }
-    log_.debug_log("No matches found in ep cache", 2);
+    log_.debug_log("No matches found in ep cache", LogLevel::Verbose);
   }
   const Episode* fetched = fetch(show, search_name, season, episode, options.use_cache);
   if (fetched == nullptr) return std::nullopt;
-  log_.debug_log("Found episode in listings", 2);
+  log_.debug_log("Found episode in listings", LogLevel::Verbose);
   return finish(*fetched, options.decode_utf8);
 }
 
@@ -95,7 +95,7 @@ bool EpisodeListings::checkepcache(const std::string& show_name) {
   try {
     load_cache(text);
   } catch (const Failure& failure) {
-    log_.debug_log(std::string("Error checking ep cache: ") + failure.what(), 1);
+    log_.debug_log(std::string("Error checking ep cache: ") + failure.what(), LogLevel::Normal);
     return false;
   }
   loaded_file_ = file;
@@ -119,7 +119,7 @@ void EpisodeListings::load_cache(const std::string& text) {
 
 const Episode* EpisodeListings::fetch(const Show& show, const std::string& search_name, int season, int episode,
                                       bool use_cache) {
-  log_.debug_log("Getting listings for: " + show.name, 2);
+  log_.debug_log("Getting listings for: " + show.name, LogLevel::Verbose);
   std::string url = api_base_ + "/shows/" + std::to_string(show.id) + "/episodes";
   if (!take_answer(http_.GetData(url, ""), search_name)) return nullptr;
   if (use_cache) update_cache(show.name);
@@ -130,11 +130,11 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
 bool EpisodeListings::take_answer(const std::string& answer, const std::string& search_name) {
   if (answer.empty()) return false;
   if (answer == "[]") {
-    log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", 1);
+    log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", LogLevel::Normal);
     return false;
   }
   if (answer.find("\"id\"") == std::string::npos || !is_whole_list(answer)) {
-    log_.debug_log("Error parsing listings (Err 5)", 1);
+    log_.debug_log("Error parsing listings (Err 5)", LogLevel::Normal);
     return false;
   }
   read_answer(answer);
@@ -160,7 +160,7 @@ void EpisodeListings::read_answer(std::string_view answer) {
 }
 
 void EpisodeListings::update_cache(const std::string& show_name) {
-  log_.debug_log("Updating ep cache", 2);
+  log_.debug_log("Updating ep cache", LogLevel::Verbose);
   std::string text;
   for (const Episode& episode : list_.all()) {
     // What stands behind a date's third part is not looked at, and with tabs there it would become other fields.
@@ -181,7 +181,7 @@ bool EpisodeListings::is_aired(std::string_view airdate) {
     if (parts[1] == "00" || parts[2] == "00") return false;
     return to_day(parts[0], parts[1], parts[2]) <= std::chrono::sys_days(clock_.today());
   } catch (const Failure&) {
-    log_.debug_log("Error checking date", 1);
+    log_.debug_log("Error checking date", LogLevel::Normal);
     return false;
   }
 }

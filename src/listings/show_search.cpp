@@ -26,16 +26,16 @@ std::optional<Show> ShowSearch::checkqcache(const std::string& search_name) cons
 std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool use_cache) {
   if (use_cache) {
     if (std::optional<Show> cached = checkqcache(search_name)) {
-      log_.debug_log("Found query in cache", 2);
+      log_.debug_log("Found query in cache", LogLevel::Verbose);
       return cached;
     }
-    log_.debug_log("Query not in cache", 2);
+    log_.debug_log("Query not in cache", LogLevel::Verbose);
   } else {
-    log_.debug_log("Query cache disabled", 2);
+    log_.debug_log("Query cache disabled", LogLevel::Verbose);
   }
   std::optional<Show> show = search_service(search_name);
   if (show && use_cache) {
-    log_.debug_log("Updating query cache", 2);
+    log_.debug_log("Updating query cache", LogLevel::Verbose);
     if (fits_cache_field(show->url) && fits_cache_field(show->name)) {
       cache_.store(cache_.file(search_name, ".qc"), std::to_string(show->id) + "\t" + show->url + "\t" + show->name);
     }
@@ -48,11 +48,11 @@ std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   const std::string answer = http_.GetData(url, "");
   if (answer.empty()) return std::nullopt;
   if (answer == "[]") {
-    log_.debug_log("Site reports no results for: \"" + search_name + "\"", 1);
+    log_.debug_log("Site reports no results for: \"" + search_name + "\"", LogLevel::Normal);
     return std::nullopt;
   }
   if (answer.find("\"show\"") == std::string::npos || !is_whole_list(answer)) {
-    log_.debug_log("Error parsing results (Err 2)", 1);
+    log_.debug_log("Error parsing results (Err 2)", LogLevel::Normal);
     return std::nullopt;
   }
   const std::string_view page = textbetween(answer, "\"url\":", ",");

@@ -40,7 +40,7 @@ std::string UTF8Decode(std::string_view text, Log& log) {
   try {
     return decode_bytes(bytes);
   } catch (const Failure& failure) {
-    log.debug_log(std::string("Error converting string from UTF-8: ") + failure.what(), 1);
+    log.debug_log(std::string("Error converting string from UTF-8: ") + failure.what(), LogLevel::Normal);
     return std::string(text);
   }
 }

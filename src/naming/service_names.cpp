@@ -37,7 +37,8 @@ std::string without_control_characters(const std::string& name, Log& log) {
   if (removed == 0) return name;
   std::string cleaned = encode(characters);
   log.debug_log(
-      "Removed " + std::to_string(removed) + " control characters from the service's name \"" + cleaned + "\"", 1);
+      "Removed " + std::to_string(removed) + " control characters from the service's name \"" + cleaned + "\"",
+      LogLevel::Normal);
   return cleaned;
 }
 

@@ -20,19 +20,20 @@ bool Pipeline::getbits(int index, bool parentFolder) {
   QueueItem& item = parts_.queue.at(index);
   try {
     const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
-    parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"), 2);
+    parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
+                         LogLevel::Verbose);
     const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
     if (!found) {
-      parts_.log.debug_log("No filter found", 2);
+      parts_.log.debug_log("No filter found", LogLevel::Verbose);
       return false;
     }
     item.search_name = found->show;
     item.season = found->season;
     item.episode = found->episode;
-    parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), 2);
+    parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
     return true;
   } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error getting filename filter: ") + failure.what(), 1);
+    parts_.log.debug_log(std::string("Error getting filename filter: ") + failure.what(), LogLevel::Normal);
     return false;
   }
 }
@@ -52,7 +53,7 @@ bool Pipeline::searchtv(int index) {
     item.show_url = show->url;
     return true;
   } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error searching for show: ") + failure.what(), 1);
+    parts_.log.debug_log(std::string("Error searching for show: ") + failure.what(), LogLevel::Normal);
     return false;
   }
 }
@@ -68,7 +69,7 @@ bool Pipeline::getlistings(int index) {
     item.episode_url = episode->url;
     return true;
   } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error getting listings: ") + failure.what(), 1);
+    parts_.log.debug_log(std::string("Error getting listings: ") + failure.what(), LogLevel::Normal);
     return false;
   }
 }

@@ -15,7 +15,7 @@ std::string episode_text(const QueueItem& item) {
 
 bool Processor::may_close() {
   if (!queue_busy_) return true;
-  log_.debug_log("Got quit signal, finishing up...", 1);
+  log_.debug_log("Got quit signal, finishing up...", LogLevel::Normal);
   quit_ = true;
   return false;
 }
@@ -43,9 +43,9 @@ void Processor::run_pass() {
       retry_mode_ = false;
       queue_busy_ = false;
       if (queue_cursor_ == 0) {
-        log_.debug_log("No work to do", 2);
+        log_.debug_log("No work to do", LogLevel::Verbose);
       } else {
-        log_.debug_log("All items processed", 1);
+        log_.debug_log("All items processed", LogLevel::Normal);
         if (settings_.autoclose) ui_.close();
       }
       return;
@@ -76,7 +76,7 @@ void Processor::set_state(int index, QueueState state) {
 }
 
 void Processor::fail(int index, const std::string& log_line, const std::string& error_text) {
-  log_.debug_log(log_line, 1);
+  log_.debug_log(log_line, LogLevel::Normal);
   queue_.at(index).error_text = error_text;
   set_state(index, QueueState::Failed);
 }
@@ -89,11 +89,11 @@ void Processor::process_item(int index) {
     return fail(index, "Unable to find filename filter for: " + item.filename, "Unable to find filename filter");
   }
 
-  log_.debug_log("Found filename filter for: " + item.filename, 2);
+  log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
   set_state(index, QueueState::Searching);
-  log_.debug_log("Checking exceptions", 2);
+  log_.debug_log("Checking exceptions", LogLevel::Verbose);
   pipeline_.checkex(index);
-  log_.debug_log("Searching for: " + item.search_name, 2);
+  log_.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
   const std::string searched = "\r\nSearched for: " + item.search_name;
   if (!pipeline_.searchtv(index)) {
     return fail(index, "Unable to find show page for: " + item.search_name,
@@ -122,12 +122,12 @@ void Processor::process_item(int index) {
   set_state(index, QueueState::Processing);
   if (take_quit()) return;
   if (!pipeline_.confirm(index)) {
-    log_.debug_log("Unable to rename/move files for: " + item.new_name + " (user cancelled)", 1);
+    log_.debug_log("Unable to rename/move files for: " + item.new_name + " (user cancelled)", LogLevel::Normal);
     item.error_text = "User cancelled the file operation";
     return set_state(index, QueueState::Cancelled);
   }
   if (pipeline_.fileops(index)) return set_state(index, QueueState::Done);
-  log_.debug_log("Unable to rename/move files for: " + item.new_name, 1);
+  log_.debug_log("Unable to rename/move files for: " + item.new_name, LogLevel::Normal);
   set_state(index, QueueState::Failed);
 }
 

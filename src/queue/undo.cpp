@@ -24,7 +24,7 @@ void Undo::run(int index) {
     item.state = QueueState::Cancelled;
     item.error_text = "The file operation has been undone";
   } else {
-    log_.debug_log("Failed to undo file operation", 1);
+    log_.debug_log("Failed to undo file operation", LogLevel::Normal);
     item.error_text = "The file undo operation failed";
     item.state = QueueState::Failed;
   }

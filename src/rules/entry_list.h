@@ -64,7 +64,8 @@ class EntryList {
         entries_ = Format::defaults();
       }
     } catch (const Failure& failure) {
-      log_.debug_log(std::string("Error loading ").append(Format::plural).append(": ") + failure.what(), 1);
+      log_.debug_log(std::string("Error loading ").append(Format::plural).append(": ") + failure.what(),
+                     LogLevel::Normal);
       whole = false;
     }
     file_.loaded_as(records());
@@ -79,7 +80,8 @@ class EntryList {
       file_.save(records());
       return true;
     } catch (const Failure& failure) {
-      log_.debug_log(std::string("Error saving ").append(Format::plural).append(": ") + failure.what(), 1);
+      log_.debug_log(std::string("Error saving ").append(Format::plural).append(": ") + failure.what(),
+                     LogLevel::Normal);
       return false;
     }
   }
@@ -108,7 +110,8 @@ class EntryList {
   bool reload() {
     std::erase_if(entries_, [](const Entry& entry) { return entry.deleted; });
     if (entries_.empty() || file_.exists()) return load();
-    log_.debug_log(std::string("Error loading ").append(Format::plural).append(": the file cannot be found"), 1);
+    log_.debug_log(std::string("Error loading ").append(Format::plural).append(": the file cannot be found"),
+                   LogLevel::Normal);
     refresh();
     return true;
   }

@@ -4,7 +4,7 @@
 
 namespace quorvel {
 
-void DebugLog::debug_log(std::string_view text, int level) {
+void DebugLog::debug_log(std::string_view text, LogLevel level) {
   if (level > level_) return;
   try {
     if (lines_.size() == capacity) {

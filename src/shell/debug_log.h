@@ -12,17 +12,15 @@ namespace quorvel {
 /// The lines that the user sees, oldest first, at most 1000.
 class DebugLog : public Log {
  public:
-  static constexpr int normal = 1;
-  static constexpr int verbose = 2;
   static constexpr std::size_t capacity = 1000;
 
   explicit DebugLog(const Clock& clock) : clock_(clock) {}
 
   /// Lines above this level are dropped.
-  void set_level(int level) { level_ = level; }
-  int level() const { return level_; }
+  void set_level(LogLevel level) { level_ = level; }
+  LogLevel level() const { return level_; }
 
-  void debug_log(std::string_view text, int level) override;
+  void debug_log(std::string_view text, LogLevel level) override;
 
   const std::deque<std::string>& lines() const { return lines_; }
 
@@ -33,7 +31,7 @@ class DebugLog : public Log {
   void add(std::string line, bool cleared);
 
   const Clock& clock_;
-  int level_ = normal;
+  LogLevel level_ = LogLevel::Normal;
   std::deque<std::string> lines_;
 };
 

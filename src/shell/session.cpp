@@ -36,17 +36,18 @@ Pipeline::Parts Session::parts() {
   return {queue, settings, filters, exceptions, search, listings, jobs, ports.ui, log};
 }
 
-void Session::start(std::optional<int> log_level) {
+void Session::start(std::optional<LogLevel> log_level) {
   write_banner(log_level);
   find_work_dir();
   read_settings(log_level);
   load_rules();
 }
 
-void Session::write_banner(std::optional<int> log_level) {
-  log.set_level(log_level.value_or(DebugLog::normal));
+void Session::write_banner(std::optional<LogLevel> log_level) {
+  log.set_level(log_level.value_or(LogLevel::Normal));
   log.debug_log(
-      std::string(application_title) + " " + short_version + " (build " + std::to_string(revision) + ") started", 1);
+      std::string(application_title) + " " + short_version + " (build " + std::to_string(revision) + ") started",
+      LogLevel::Normal);
 }
 
 void Session::find_work_dir() {
@@ -54,7 +55,7 @@ void Session::find_work_dir() {
       places.work_dir ? *places.work_dir : setworkdir(ports.files, log, places.application_data, places.program);
 }
 
-void Session::read_settings(std::optional<int> log_level) {
+void Session::read_settings(std::optional<LogLevel> log_level) {
   const SettingsEnvironment environment{ports.files, ports.shell, log, ports.context_menu};
   update_settings_version(settings_store, short_version, settings.work_dir, environment);
   log.set_level(log_level.value_or(load_settings(settings_store, settings, environment)));
@@ -62,14 +63,14 @@ void Session::read_settings(std::optional<int> log_level) {
 
 void Session::load_rules() {
   if (filters.loadfilters()) {
-    log.debug_log("Loaded " + std::to_string(filters.count()) + " afilters", 2);
+    log.debug_log("Loaded " + std::to_string(filters.count()) + " afilters", LogLevel::Verbose);
   } else {
-    log.debug_log("Failed to load afilters", 1);
+    log.debug_log("Failed to load afilters", LogLevel::Normal);
   }
   if (exceptions.loadefilters()) {
-    log.debug_log("Loaded " + std::to_string(exceptions.count()) + " efilters", 2);
+    log.debug_log("Loaded " + std::to_string(exceptions.count()) + " efilters", LogLevel::Verbose);
   } else {
-    log.debug_log("Failed to load efilters", 1);
+    log.debug_log("Failed to load efilters", LogLevel::Normal);
   }
 }
 

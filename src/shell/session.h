@@ -57,12 +57,12 @@ class Session {
 
   /// Writes the banner, finds the work directory, reads the settings and loads the rules. A level given here is the
   /// log's in place of the one that the settings hold.
-  void start(std::optional<int> log_level = {});
+  void start(std::optional<LogLevel> log_level = {});
 
   /// The steps of start(), in their order.
-  void write_banner(std::optional<int> log_level = {});
+  void write_banner(std::optional<LogLevel> log_level = {});
   void find_work_dir();
-  void read_settings(std::optional<int> log_level = {});
+  void read_settings(std::optional<LogLevel> log_level = {});
   void load_rules();
 
   const Ports ports;

@@ -22,11 +22,12 @@ void drop_caches(const std::string& work_dir, const SettingsEnvironment& environ
   if (!environment.files.exists(cache)) return;
   const int code = environment.shell.perform({Request::Delete, cache + std::string(2, '\0'), "",
                                               Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
-  if (code != 0) environment.log.debug_log("Unable to delete " + cache + " (" + std::to_string(code) + ")", 1);
+  if (code != 0)
+    environment.log.debug_log("Unable to delete " + cache + " (" + std::to_string(code) + ")", LogLevel::Normal);
 }
 
 void install_context_menu(const std::string& types, const SettingsEnvironment& environment) {
-  environment.log.debug_log("Setting up context menu entries", 2);
+  environment.log.debug_log("Setting up context menu entries", LogLevel::Verbose);
   for (const std::string_view type : split(types, ";")) environment.context_menu->install(std::string(type));
   environment.context_menu->install("DIR");
 }
@@ -82,7 +83,7 @@ void update_settings_version(SettingsStore& store, const std::string& version, c
   if (stored.empty()) store.write_number("context", Settings::NotInstalled);
 }
 
-int load_settings(const SettingsStore& store, Settings& settings, const SettingsEnvironment& environment) {
+LogLevel load_settings(const SettingsStore& store, Settings& settings, const SettingsEnvironment& environment) {
   settings.types = stored_types(store);
   settings.context = std::clamp<int>(store.read_number("context"), Settings::NotInstalled, Settings::Installed);
   if (settings.context == Settings::NotInstalled && environment.context_menu != nullptr) {
@@ -93,7 +94,7 @@ int load_settings(const SettingsStore& store, Settings& settings, const Settings
   settings.nocache = store.read_number("nocache") != 0;
   settings.noutf8 = store.read_number("noutf8") != 0;
   settings.autoclose = store.read_number("autoclose") == 1;
-  return store.read_number("logging") == DebugLog::verbose ? DebugLog::verbose : DebugLog::normal;
+  return store.read_number("logging") == static_cast<int>(LogLevel::Verbose) ? LogLevel::Verbose : LogLevel::Normal;
 }
 
 }  // namespace quorvel

@@ -57,6 +57,6 @@ void update_settings_version(SettingsStore& store, const std::string& version, c
 
 /// Fills in all but the work directory and gives the log level. Installs the context menu's entries when the user has
 /// not decided on them yet.
-int load_settings(const SettingsStore& store, Settings& settings, const SettingsEnvironment& environment);
+LogLevel load_settings(const SettingsStore& store, Settings& settings, const SettingsEnvironment& environment);
 
 }  // namespace quorvel

@@ -87,7 +87,7 @@ void Startup::find_help_file() {
   if (session_.ports.files.exists(path)) {
     window_.set_help_file(path);
   } else {
-    session_.log.debug_log(no_help_file, 1);
+    session_.log.debug_log(no_help_file, LogLevel::Normal);
   }
 }
 

@@ -145,7 +145,8 @@ std::string HttpClient::fetch(std::string& url, std::string_view procedure, cons
     }
   } catch (const Excess& excess) {
     socket_.disconnect();
-    log_.debug_log("The answer from " + last_host_.substr(0, longest_host) + " was given up: " + excess.what(), 1);
+    log_.debug_log("The answer from " + last_host_.substr(0, longest_host) + " was given up: " + excess.what(),
+                   LogLevel::Normal);
     return {};
   } catch (const Failure& failure) {
     socket_.disconnect();

@@ -48,7 +48,7 @@ AboutBox::AboutBox(wxWindow* parent, Log& log, const std::string& address, std::
 
 void AboutBox::on_key(wxKeyEvent& event) {
   event.Skip();
-  log_.debug_log("Using SocketWrench " + socket_version_, 1);
+  log_.debug_log("Using SocketWrench " + socket_version_, LogLevel::Normal);
 }
 
 }  // namespace quorvel::ui

@@ -80,7 +80,7 @@ void PreferencesDialog::fill() {
   confirm_->SetValue(settings.confirm);
   nocache_->SetValue(settings.nocache);
   noutf8_->SetValue(settings.noutf8);
-  verbose_->SetValue(session_.log.level() != DebugLog::normal);
+  verbose_->SetValue(session_.log.level() != LogLevel::Normal);
   autoclose_->SetValue(settings.autoclose);
 }
 
@@ -139,15 +139,15 @@ void PreferencesDialog::save_rest() {
   save("confirm", confirm_, settings.confirm);
   save("nocache", nocache_, settings.nocache);
   save("noutf8", noutf8_, settings.noutf8);
-  session_.log.set_level(verbose_->IsChecked() ? DebugLog::verbose : DebugLog::normal);
-  store.write_number("logging", session_.log.level());
+  session_.log.set_level(verbose_->IsChecked() ? LogLevel::Verbose : LogLevel::Normal);
+  store.write_number("logging", static_cast<int>(session_.log.level()));
   save("autoclose", autoclose_, settings.autoclose);
 }
 
 void PreferencesDialog::on_key(wxKeyEvent& event) {
   if (!event.ControlDown() || event.GetKeyCode() != 'T') return event.Skip();
   keep_temp_ = !keep_temp_;
-  session_.log.debug_log(keep_temp_ ? "Keep temp on" : "Keep temp off", 1);
+  session_.log.debug_log(keep_temp_ ? "Keep temp on" : "Keep temp off", LogLevel::Normal);
 }
 
 }  // namespace quorvel::ui

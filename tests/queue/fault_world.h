@@ -57,7 +57,7 @@ struct World {
       if (std::exchange(quit_requested, false) && !session.processor.may_close()) ++refused;
     };
     try {
-      session.start(DebugLog::verbose);
+      session.start(LogLevel::Verbose);
       session.filters.append({"new", action, true, target, std::string(default_mask), "*", Equals, "", 0, false});
       session.filters.savefilters();
       session.filters.exchange(1, 2);

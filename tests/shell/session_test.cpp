@@ -36,14 +36,14 @@ TEST_F(Shell, SettingsAreReadWithTheirDefaults) {
   const SettingsEnvironment environment{*files, *shell, session.log, nullptr};
   key_values.texts["types"] = "mp";
   key_values.numbers = {{"confirm", 5}, {"logging", 3}, {"autoclose", 2}, {"context", 7}, {"nocache", 70000}};
-  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), 1);
+  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), LogLevel::Normal);
   const Settings& settings = session.settings;
   EXPECT_EQ(settings.types, "avi;mkv;mpg;mp4");
   EXPECT_TRUE(settings.confirm && !settings.autoclose && !settings.nocache && !settings.noutf8);
   EXPECT_EQ(settings.context, 2);
   key_values.texts["types"] = std::string("mp4\0x", 5);
   key_values.numbers["logging"] = 2;
-  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), 2);
+  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), LogLevel::Verbose);
   EXPECT_EQ(settings.types, "mp4");
 }
 
@@ -76,16 +76,16 @@ TEST_F(Shell, TheWorkDirectoryFallsBackToTheProgramsFolder) {
 }
 
 TEST_F(Shell, TheLogHoldsAThousandLinesAndThenStartsAgain) {
-  session.log.set_level(1);
-  session.log.debug_log("step", 2);
+  session.log.set_level(LogLevel::Normal);
+  session.log.debug_log("step", LogLevel::Verbose);
   EXPECT_TRUE(session.log.lines().empty());
-  for (int i = 0; i < 1000; ++i) session.log.debug_log("", 1);
+  for (int i = 0; i < 1000; ++i) session.log.debug_log("", LogLevel::Normal);
   EXPECT_EQ(session.log.lines().size(), 1000u);
   EXPECT_EQ(session.log.lines().front(), "(14:05:33) ");
   std::string told;
   session.log.on_line = [&](const std::string& line, bool cleared) { told += line + (cleared ? "!" : "."); };
-  session.log.debug_log("step", 2);
-  session.log.debug_log("last", 1);
+  session.log.debug_log("step", LogLevel::Verbose);
+  session.log.debug_log("last", LogLevel::Normal);
   EXPECT_EQ(told, "Log has exceeded maximum allowed limit and will be cleared.!(14:05:33) last.");
   EXPECT_EQ(session.log.lines().size(), 2u);
 }

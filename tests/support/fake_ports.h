@@ -153,7 +153,7 @@ class FakeKeyValues : public KeyValueStore {
 /// A log that keeps its lines.
 struct Lines : Log {
   std::vector<std::string> list;
-  void debug_log(std::string_view text, int) override { list.emplace_back(text); }
+  void debug_log(std::string_view text, LogLevel) override { list.emplace_back(text); }
 };
 
 /// A machine without a network.

@@ -77,7 +77,7 @@ TEST_F(TestWindow, TenThousandRowsCostNoMoreThanThoseInSight) {
 
 TEST_F(TestWindow, TheLogFollowsItsNewestLineWithoutAHighlight) {
   start();
-  for (int i = 0; i < 1200; ++i) session->log.debug_log("line " + std::to_string(i), 1);
+  for (int i = 0; i < 1200; ++i) session->log.debug_log("line " + std::to_string(i), LogLevel::Normal);
   const auto& box = find<wxListBox>(*frame, "List3");
   EXPECT_EQ(box.GetCount(), session->log.lines().size());
   EXPECT_EQ(from_wx(box.GetString(box.GetCount() - 1)), session->log.lines().back());
