@@ -10,8 +10,7 @@ struct Values : KeyValueStore {
   std::optional<std::string> trouble() const override { return {}; }
   std::optional<std::string> read_string(const std::string&) const override { return "3.4"; }
   std::optional<std::uint32_t> read_number(const std::string&) const override { return 1; }
-  void write_string(const std::string&, const std::string&) override {}
-  void write_number(const std::string&, std::uint32_t) override {}
+  void write(const std::vector<Named>&) override {}
   void erase_all() override {}
 };
 

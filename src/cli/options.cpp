@@ -7,6 +7,7 @@
 #include <limits>
 #include <string_view>
 
+#include "queue/settings.h"
 #include "shell/version.h"
 #include "text/characters.h"
 #include "text/failure.h"
@@ -15,23 +16,31 @@
 namespace quorvel::cli {
 namespace {
 
-constexpr const char* help = R"(Usage: quorvel-cli [options] PATH...
+constexpr const char* help_start = R"(Usage: quorvel-cli [options] PATH...
 Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
 
   -v, --verbose         tell every step
   -n, --dry-run         tell what would become of each file, and change nothing
   -w, --work-dir DIR    keep rules, exceptions and caches in DIR
       --set NAME=VALUE  a setting for this run; may be given again. NAME is one of
-                        types (text, such as "avi;mkv"), confirm, nocache, noutf8, autoclose (0 or 1),
-                        logging (1 or 2), context (0 to 2)
-  -h, --help            show this text
+)";
+constexpr const char* help_end = R"(  -h, --help            show this text
       --version         show the version
 
 Exit status: 0 every file taken is done; 1 something failed or was cancelled, or there was nothing to do; 2 wrong usage.
 )";
 
-constexpr std::array<std::string_view, 6> number_settings = {"confirm", "nocache",   "noutf8",
-                                                             "logging", "autoclose", "context"};
+std::string help() {
+  std::string text = help_start;
+  const auto add = [&text](const auto& setting) {
+    std::string name(setting.name);
+    name.resize(10, ' ');
+    text.append(24, ' ').append(name).append(setting.meaning).append("\n");
+  };
+  std::for_each(text_settings.begin(), text_settings.end(), add);
+  std::for_each(number_settings.begin(), number_settings.end(), add);
+  return text + help_end;
+}
 
 [[noreturn]] void refuse(const std::string& reason) {
   throw Failure(reason);
@@ -53,11 +62,16 @@ void add_setting(Options& options, const std::string& text) {
   const std::size_t equals = text.find('=');
   if (equals == std::string::npos) refuse("--set wants NAME=VALUE, not \"" + text + "\"");
   const std::string name = text.substr(0, equals), value = text.substr(equals + 1);
-  if (name == "types") {
-    if (length(value) < 3) refuse("--set types wants at least one extension of 3 characters, not \"" + value + "\"");
-    options.texts.emplace_back(name, value);
-  } else if (std::find(number_settings.begin(), number_settings.end(), name) != number_settings.end()) {
-    options.numbers.emplace_back(name, setting_number(name, value));
+  const auto has_name = [&name](const auto& setting) { return setting.name == name; };
+  const auto* const as_text = std::find_if(text_settings.begin(), text_settings.end(), has_name);
+  if (as_text != text_settings.end()) {
+    if (length(value) < as_text->min_length) {
+      refuse("--set " + name + " wants at least one extension of " + std::to_string(as_text->min_length) +
+             " characters, not \"" + value + "\"");
+    }
+    options.settings.emplace_back(name, value);
+  } else if (std::any_of(number_settings.begin(), number_settings.end(), has_name)) {
+    options.settings.emplace_back(name, setting_number(name, value));
   } else {
     refuse("There is no setting \"" + name + "\"");
   }
@@ -73,12 +87,13 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                    {"version", no_argument, nullptr, Version},
                                                    {nullptr, 0, nullptr, 0}}};
   Options options;
+  bool verbose = false;
   opterr = 0;
   for (int found; (found = getopt_long(argc, argv, ":vnw:h", known.data(), nullptr)) != -1;) {
     const std::string given = argv[optind - 1];
     switch (found) {
       case 'v':
-        options.verbose = true;
+        verbose = true;
         break;
       case 'n':
         options.dry_run = true;
@@ -90,7 +105,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         add_setting(options, optarg);
         break;
       case 'h':
-        return Ending{0, help};
+        return Ending{0, help()};
       case Version:
         return Ending{0, std::string("quorvel-cli ") + full_version + "\n"};
       case ':':
@@ -100,6 +115,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                           : "There is no option " + given);
     }
   }
+  if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
   if (options.paths.empty()) refuse("No path is given");
   return options;

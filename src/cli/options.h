@@ -2,19 +2,18 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
+
+#include "platform/key_value_store.h"
 
 namespace quorvel::cli {
 
 /// What the user has asked for.
 struct Options {
-  bool verbose = false;
   bool dry_run = false;
   std::optional<std::string> work_dir;
-  std::vector<std::pair<std::string, std::string>> texts;      // settings for this run: name and value
-  std::vector<std::pair<std::string, std::uint32_t>> numbers;  // likewise
+  std::vector<KeyValueStore::Named> settings;  // for this run
   std::vector<std::string> paths;
 };
 

@@ -93,13 +93,13 @@ bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
   return queue.count() > 0 && count[QueueState::Done] == queue.count();
 }
 
-int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
+int run_session(Session& session, const std::vector<std::string>& paths, TerminalUi& ui, Terminal& terminal) {
   session.log.on_line = [&](const std::string& line, bool) { terminal.out_line(line); };
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.http.cancel(); };
   console::count_interrupts();
-  session.start(options.verbose ? std::optional(LogLevel::Verbose) : std::nullopt);
-  queue_paths(session, options.paths, terminal);
+  session.start();
+  queue_paths(session, paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});
   return tell_outcome(session.queue, terminal) ? all_done : something_failed;
@@ -124,9 +124,8 @@ int run(const Options& options) {
     return something_failed;
   }
   RunStore store(*key_values, options.dry_run);
-  for (const auto& [name, text] : options.texts) store.replace_string(name, text);
-  for (const auto& [name, number] : options.numbers) store.replace_number(name, number);
-  if (options.dry_run) store.replace_number("confirm", 0);  // nothing is done that would need a word
+  store.replace(options.settings);
+  if (options.dry_run) store.replace({{"confirm", 0U}});  // nothing is done that would need a word
 
   Places places{.application_data = {}, .program = program_folder(), .work_dir = {}, .api_base = listings_address()};
   try {
@@ -144,7 +143,7 @@ int run(const Options& options) {
   const std::unique_ptr<Clock> clock = system_clock();
   Session session({store, shell, files, *socket, ui, *clock}, std::move(places));
   try {
-    return run_session(session, options, ui, terminal);
+    return run_session(session, options.paths, ui, terminal);
   } catch (const ProgramEnd&) {
     return something_failed;  // the user has been told
   }

@@ -1,22 +1,61 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
+#include <string_view>
+
+#include "platform/log.h"
 
 namespace quorvel {
-
-inline constexpr const char* default_types = "avi;mkv;mpg;mp4";
 
 /// The user's preferences, as start-up has read them.
 struct Settings {
   enum ContextState { NotInstalled = 0, TurnedOff = 1, Installed = 2 };
 
-  std::string types = default_types;  // accepted extensions without dots, separated by ";"
-  int context = NotInstalled;         // the entries in the file manager's context menu
-  bool confirm = false;               // ask before each file operation
+  std::string types = "avi;mkv;mpg;mp4";  // accepted extensions without dots, separated by ";"
+  ContextState context = NotInstalled;    // the entries in the file manager's context menu
+  bool confirm = false;                   // ask before each file operation
   bool nocache = false;
   bool noutf8 = false;
+  LogLevel logging = LogLevel::Normal;
   bool autoclose = false;  // end the program when the queue has been processed
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
 };
+
+/// A preference that is stored as a text. `name` is that of the stored value, and of the command line.
+struct TextSetting {
+  std::string_view name;
+  std::string Settings::*member;
+  std::size_t min_length;  // characters; anything shorter counts as missing
+  std::string_view meaning;
+};
+
+/// A preference that is stored as a number and shown as a check box.
+struct NumberSetting {
+  enum Others { MeanOff, MeanOn };
+
+  std::string_view name;
+  int (*get)(const Settings&);
+  void (*set)(Settings&, int);
+  int missing;  // what 0 stands for, as a value that is missing reads as 0
+  int off, on;
+  Others others;  // what a number that is none of these stands for
+  std::string_view meaning;
+
+  bool is_on(const Settings& settings) const { return get(settings) == on; }
+  void turn(Settings& settings, bool to_on) const { set(settings, to_on ? on : off); }
+  /// From the number that is stored.
+  void read(Settings& settings, int stored) const;
+};
+
+/// Everything that is known of each preference, in the order in which they are stored: reading, writing, the command
+/// line, its help and the preferences dialog all follow from these two tables.
+extern const std::array<TextSetting, 1> text_settings;
+extern const std::array<NumberSetting, 6> number_settings;
+
+/// The accepted extensions.
+inline const TextSetting& types_setting = text_settings[0];
 
 }  // namespace quorvel

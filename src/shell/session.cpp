@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "shell/preferences.h"
 #include "shell/version.h"
 #include "shell/work_dir.h"
 
@@ -36,15 +37,15 @@ Pipeline::Parts Session::parts() {
   return {queue, settings, filters, exceptions, search, listings, jobs, ports.ui, log};
 }
 
-void Session::start(std::optional<LogLevel> log_level) {
-  write_banner(log_level);
+void Session::start() {
+  write_banner();
   find_work_dir();
-  read_settings(log_level);
+  load_preferences(*this);
   load_rules();
 }
 
-void Session::write_banner(std::optional<LogLevel> log_level) {
-  log.set_level(log_level.value_or(LogLevel::Normal));
+void Session::write_banner() {
+  log.set_level(LogLevel::Normal);
   log.debug_log(
       std::string(application_title) + " " + short_version + " (build " + std::to_string(revision) + ") started",
       LogLevel::Normal);
@@ -53,12 +54,6 @@ void Session::write_banner(std::optional<LogLevel> log_level) {
 void Session::find_work_dir() {
   settings.work_dir =
       places.work_dir ? *places.work_dir : setworkdir(ports.files, log, places.application_data, places.program);
-}
-
-void Session::read_settings(std::optional<LogLevel> log_level) {
-  const SettingsEnvironment environment{ports.files, ports.shell, log, ports.context_menu};
-  update_settings_version(settings_store, short_version, settings.work_dir, environment);
-  log.set_level(log_level.value_or(load_settings(settings_store, settings, environment)));
 }
 
 void Session::load_rules() {

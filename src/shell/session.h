@@ -55,14 +55,12 @@ class Session {
  public:
   Session(Ports ports, Places places);
 
-  /// Writes the banner, finds the work directory, reads the settings and loads the rules. A level given here is the
-  /// log's in place of the one that the settings hold.
-  void start(std::optional<LogLevel> log_level = {});
+  /// Writes the banner, finds the work directory, loads the preferences and the rules.
+  void start();
 
-  /// The steps of start(), in their order.
-  void write_banner(std::optional<LogLevel> log_level = {});
+  /// The steps of start() that are the session's own.
+  void write_banner();
   void find_work_dir();
-  void read_settings(std::optional<LogLevel> log_level = {});
   void load_rules();
 
   const Ports ports;

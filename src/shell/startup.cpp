@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "shell/commands.h"
+#include "shell/preferences.h"
 #include "shell/uninstall.h"
 #include "shell/version.h"
 #include "text/characters.h"
@@ -67,7 +68,7 @@ void Startup::start(const CommandLine& line) {
   session_.write_banner();
   window_.add_tray_icon(application_title);
   session_.find_work_dir();
-  session_.read_settings();
+  load_preferences(session_);
   find_help_file();
   session_.load_rules();
   window_.select_full_rows();

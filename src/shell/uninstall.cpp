@@ -5,8 +5,8 @@
 
 #include "naming/file_names.h"
 #include "platform/native.h"
+#include "shell/preferences.h"
 #include "shell/version.h"
-#include "text/cut.h"
 
 namespace quorvel {
 namespace {
@@ -17,14 +17,6 @@ void ignoring_failures(const std::function<void()>& step) {
   } catch (const std::exception&) {
     return;  // there is nobody left to tell, and the other steps still count
   }
-}
-
-void remove_menu_entries(Session& session) {
-  ContextMenu* const menu = session.ports.context_menu;
-  if (menu == nullptr) return;
-  const std::string types = stored_types(session.settings_store);
-  for (const std::string_view type : split(types, ";")) menu->remove(std::string(type));
-  menu->remove("DIR");
 }
 
 void remove_data_folder(Session& session) {

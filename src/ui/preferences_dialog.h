@@ -4,6 +4,8 @@
 #include <wx/dialog.h>
 #include <wx/textctrl.h>
 
+#include <vector>
+
 #include "shell/session.h"
 
 namespace quorvel::ui {
@@ -15,16 +17,12 @@ class PreferencesDialog : public wxDialog {
 
  private:
   void lay_out();
-  void fill();
   void on_ok(wxCommandEvent& event);
   void on_key(wxKeyEvent& event);
-  bool types_are_given();
-  void save_types_and_context();
-  void save_rest();
 
   Session& session_;
   bool& keep_temp_;
-  wxCheckBox *autoclose_, *verbose_, *confirm_, *nocache_, *noutf8_, *context_;
+  std::vector<wxCheckBox*> boxes_;
   wxTextCtrl* types_;
 };
 

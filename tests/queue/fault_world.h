@@ -57,7 +57,8 @@ struct World {
       if (std::exchange(quit_requested, false) && !session.processor.may_close()) ++refused;
     };
     try {
-      session.start(LogLevel::Verbose);
+      session.start();
+      session.log.set_level(LogLevel::Verbose);
       session.filters.append({"new", action, true, target, std::string(default_mask), "*", Equals, "", 0, false});
       session.filters.savefilters();
       session.filters.exchange(1, 2);

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "session_fixture.h"
+#include "shell/preferences.h"
 
 namespace quorvel::testing {
 namespace {
 
+using Texts = std::vector<std::string>;
 struct Shell : ::testing::Test, TestSession {};
 
 TEST_F(Shell, TheFirstRunWritesItsVersionAndTellsWhatItLoads) {
@@ -32,31 +36,64 @@ TEST_F(Shell, OnlyOlderVersionsDropTheCaches) {
   }
 }
 
-TEST_F(Shell, SettingsAreReadWithTheirDefaults) {
-  const SettingsEnvironment environment{*files, *shell, session.log, nullptr};
-  key_values.texts["types"] = "mp";
-  key_values.numbers = {{"confirm", 5}, {"logging", 3}, {"autoclose", 2}, {"context", 7}, {"nocache", 70000}};
-  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), LogLevel::Normal);
-  const Settings& settings = session.settings;
-  EXPECT_EQ(settings.types, "avi;mkv;mpg;mp4");
-  EXPECT_TRUE(settings.confirm && !settings.autoclose && !settings.nocache && !settings.noutf8);
-  EXPECT_EQ(settings.context, 2);
-  key_values.texts["types"] = std::string("mp4\0x", 5);
-  key_values.numbers["logging"] = 2;
-  EXPECT_EQ(load_settings(session.settings_store, session.settings, environment), LogLevel::Verbose);
-  EXPECT_EQ(settings.types, "mp4");
+TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
+  // What is stored for context, confirm, nocache, noutf8, logging and autoclose, and what that means.
+  using Numbers = std::array<int, 6>;
+  const std::pair<Numbers, Numbers> rows[] = {{{0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0}},
+                                              {{1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1}},
+                                              {{2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0}},
+                                              {{7, 32767, 32768, 7, 3, 7}, {2, 1, 0, 1, 1, 0}}};
+  const std::pair<std::string, std::string> types[] = {
+      {"mp", "avi;mkv;mpg;mp4"}, {"mp4", "mp4"}, {"", "avi;mkv;mpg;mp4"}, {std::string("mp4\0x", 5), "mp4"}};
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    key_values.texts["types"] = types[i].first;
+    for (std::size_t k = 0; k < number_settings.size(); ++k) {
+      key_values.numbers[std::string(number_settings[k].name)] = static_cast<std::uint32_t>(rows[i].first[k]);
+    }
+    key_values.texts[""] = "3.4";
+    events.list.clear();
+    load_preferences(session);
+    Numbers read{};
+    for (std::size_t k = 0; k < read.size(); ++k) read[k] = number_settings[k].get(session.settings);
+    EXPECT_EQ(read, rows[i].second) << i;
+    EXPECT_EQ(session.settings.types, types[i].second);
+    EXPECT_EQ(static_cast<int>(session.log.level()), rows[i].second[4]);
+    EXPECT_EQ(events.list,
+              i > 0 ? Texts() : Texts({"install avi", "install mkv", "install mpg", "install mp4", "install DIR"}));
+  }
 }
 
-TEST_F(Shell, TheContextMenuIsInstalledOnceForEveryTypeAndFolders) {
-  FakeMenu menu{events};
-  const SettingsEnvironment environment{*files, *shell, session.log, &menu};
-  key_values.texts["types"] = "avi;mkv";
-  load_settings(session.settings_store, session.settings, environment);
-  EXPECT_EQ(events.list, (std::vector<std::string>{"install avi", "install mkv", "install DIR"}));
-  EXPECT_EQ(session.settings.context, Settings::Installed);
-  key_values.numbers["context"] = 1;
-  load_settings(session.settings_store, session.settings, environment);
-  EXPECT_EQ(events.list, (std::vector<std::string>{"install avi", "install mkv", "install DIR"}));
+TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
+  start();
+  Settings wanted = session.settings;
+  wanted.types = "a;";
+  EXPECT_FALSE(apply_preferences(session, wanted));
+  EXPECT_EQ(events.list,
+            Texts({"message Filetypes Required: Please enter at least one filetype. Multiple filetypes can "
+                   "be seperated with semicolons."}));
+  wanted.types = ".AVI;.mov;";
+  for (const NumberSetting& setting : number_settings) setting.turn(wanted, true);
+  events.list.clear();
+  key_values.writes = 0;
+  EXPECT_TRUE(apply_preferences(session, wanted));
+  EXPECT_EQ(key_values.writes, 1);
+  EXPECT_EQ(
+      events.list,
+      Texts({"message Not Recommended: Disabling the cache is for troubleshooting only. The program will operate "
+             "a lot slower with no cache",
+             "remove avi", "remove mkv", "remove mpg", "remove mp4", "install avi", "install mov", "install DIR"}));
+  EXPECT_EQ(session.settings.types + key_values.texts["types"], "avi;movavi;mov");
+  using Numbers = std::map<std::string, std::uint32_t>;
+  EXPECT_EQ(key_values.numbers,
+            (Numbers{{"autoclose", 1}, {"confirm", 1}, {"context", 2}, {"logging", 2}, {"nocache", 1}, {"noutf8", 1}}));
+  EXPECT_EQ(session.log.level(), LogLevel::Verbose);
+
+  for (const NumberSetting& setting : number_settings) setting.turn(wanted, false);
+  events.list.clear();
+  EXPECT_TRUE(apply_preferences(session, wanted));
+  EXPECT_EQ(events.list, Texts({"remove avi", "remove mov", "remove DIR"}));
+  EXPECT_EQ(key_values.numbers,
+            (Numbers{{"autoclose", 0}, {"confirm", 0}, {"context", 1}, {"logging", 1}, {"nocache", 0}, {"noutf8", 0}}));
 }
 
 TEST_F(Shell, AFailedWriteIsToldAndEndsTheProgram) {

@@ -124,29 +124,30 @@ struct FakeClock : Clock {
 };
 
 /// Settings in memory; writing fails on demand.
-class FakeKeyValues : public KeyValueStore {
- public:
+struct FakeKeyValues : KeyValueStore {
   std::map<std::string, std::string> texts;
   std::map<std::string, std::uint32_t> numbers;
   bool fails = false;
+  int writes = 0;
 
   std::optional<std::string> trouble() const override { return {}; }
   std::optional<std::string> read_string(const std::string& name) const override { return value(texts, name); }
   std::optional<std::uint32_t> read_number(const std::string& name) const override { return value(numbers, name); }
   void erase_all() override { texts.clear(), numbers.clear(); }
-  void write_string(const std::string& name, const std::string& text) override { set(texts, name, text); }
-  void write_number(const std::string& name, std::uint32_t number) override { set(numbers, name, number); }
+  void write(const std::vector<Named>& values) override {
+    if (fails) throw Failure("no room");
+    ++writes;
+    for (const auto& [name, value] : values) {
+      if (const auto* const text = std::get_if<std::string>(&value)) texts[name] = *text;
+      if (const auto* const number = std::get_if<std::uint32_t>(&value)) numbers[name] = *number;
+    }
+  }
 
  private:
   template <typename Value>
   static std::optional<Value> value(const std::map<std::string, Value>& values, const std::string& name) {
     const auto found = values.find(name);
     return found == values.end() ? std::nullopt : std::optional(found->second);
-  }
-  template <typename Value>
-  void set(std::map<std::string, Value>& values, const std::string& name, const Value& value) {
-    if (fails) throw Failure("no room");
-    values[name] = value;
   }
 };
 

@@ -32,10 +32,11 @@ struct TestPorts {
 
 /// A whole session on real connections, with the listings service beside it.
 struct TestSession : TestPorts {
+  FakeMenu menu{events};
   ListingsService service;
   CurlSocketControl socket;
   Session session{
-      {key_values, *shell, *files, socket, ui, clock},
+      {key_values, *shell, *files, socket, ui, clock, &menu},
       {.application_data = folder / "data", .program = folder / "program", .work_dir = {}, .api_base = service.base()}};
 
   TestSession() { files->create_folder(folder / "in"); }
@@ -46,6 +47,7 @@ struct TestSession : TestPorts {
   void start() {
     key_values.numbers["logging"] = 2;
     session.start();
+    events.list.clear();
   }
 
   /// Puts a file that holds its own name into "in" and queues it; its index.

@@ -32,6 +32,12 @@ bool is_key(const std::string& key) {
   return is_utf8(key) && key.front() != '#' && key.front() != ' ' && key.back() != ' ';
 }
 
+std::string text_of(const KeyValueStore::Value& value) {
+  if (const auto* const number = std::get_if<std::uint32_t>(&value)) return std::to_string(*number);
+  const std::string& text = std::get<std::string>(value);
+  return text.substr(0, text.find('\0'));
+}
+
 template <class Number>
 std::optional<std::uint32_t> whole_number(const std::string& text) {
   Number number = 0;
@@ -89,28 +95,24 @@ std::optional<std::uint32_t> KeyFileStore::read_number(const std::string& name) 
   return text->starts_with('-') ? whole_number<std::int32_t>(*text) : whole_number<std::uint32_t>(*text);
 }
 
-void KeyFileStore::write_string(const std::string& name, const std::string& text) {
-  const std::string key = key_of(name);
-  if (!is_key(key)) throw Failure("\"" + name + "\" cannot be the name of a setting");
-  const std::string stored = text.substr(0, text.find('\0'));
-  if (!is_utf8(stored)) throw Failure("The setting \"" + key + "\" cannot be stored: its text is not UTF-8");
-
+void KeyFileStore::write(const std::vector<Named>& values) {
   std::unique_ptr<Values> current = load();
   if (trouble_) {
     values_ = std::move(current);
     throw Failure(*trouble_);
   }
-  g_key_file_set_string(current->file, group, key.c_str(), stored.c_str());
+  for (const auto& [name, value] : values) {
+    const std::string key = key_of(name), text = text_of(value);
+    if (!is_key(key)) throw Failure("\"" + name + "\" cannot be the name of a setting");
+    if (!is_utf8(text)) throw Failure("The setting \"" + key + "\" cannot be stored: its text is not UTF-8");
+    g_key_file_set_string(current->file, group, key.c_str(), text.c_str());
+  }
   gsize size = 0;
   g_autofree char* bytes = g_key_file_to_data(current->file, &size, nullptr);
   if (!create_folders(files_, parent_folder(path_)) || !files_.replace(path_, std::string(bytes, size))) {
     throw Failure("The settings file " + path_ + " cannot be written");
   }
   values_ = std::move(current);
-}
-
-void KeyFileStore::write_number(const std::string& name, std::uint32_t number) {
-  write_string(name, std::to_string(number));
 }
 
 void KeyFileStore::erase_all() {

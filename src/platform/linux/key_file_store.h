@@ -29,8 +29,7 @@ class KeyFileStore : public KeyValueStore {
   std::optional<std::uint32_t> read_number(const std::string& name) const override;
 
   /// What another process has written to the file meanwhile is kept. A text is stored up to its first NUL.
-  void write_string(const std::string& name, const std::string& text) override;
-  void write_number(const std::string& name, std::uint32_t number) override;
+  void write(const std::vector<Named>& values) override;
 
   /// Removes the file, also one that could not be understood, and its folder when nothing else is in it.
   void erase_all() override;

@@ -21,12 +21,12 @@ std::optional<std::uint32_t> RegistryStore::read_number(const std::string& name)
   return registry::read_number(HKEY_CURRENT_USER, key_, name);
 }
 
-void RegistryStore::write_string(const std::string& name, const std::string& text) {
-  require(registry::write_string(HKEY_CURRENT_USER, key_, name, text));
-}
-
-void RegistryStore::write_number(const std::string& name, std::uint32_t number) {
-  require(registry::write_number(HKEY_CURRENT_USER, key_, name, number));
+void RegistryStore::write(const std::vector<Named>& values) {
+  for (const auto& [name, value] : values) {
+    const auto* const text = std::get_if<std::string>(&value);
+    require(text != nullptr ? registry::write_string(HKEY_CURRENT_USER, key_, name, *text)
+                            : registry::write_number(HKEY_CURRENT_USER, key_, name, std::get<std::uint32_t>(value)));
+  }
 }
 
 void RegistryStore::erase_all() {

@@ -16,8 +16,7 @@ class RegistryStore : public KeyValueStore {
   std::optional<std::string> trouble() const override { return {}; }
   std::optional<std::string> read_string(const std::string& name) const override;
   std::optional<std::uint32_t> read_number(const std::string& name) const override;
-  void write_string(const std::string& name, const std::string& text) override;
-  void write_number(const std::string& name, std::uint32_t number) override;
+  void write(const std::vector<Named>& values) override;
   void erase_all() override;
 
  private:

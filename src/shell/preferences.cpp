@@ -1,0 +1,110 @@
+#include "shell/preferences.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "shell/version.h"
+#include "text/case.h"
+#include "text/characters.h"
+#include "text/cut.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::array<std::string_view, 3> versions_with_old_caches = {"3.1", "3.2", "3.3"};
+constexpr const char* folders_and_videos = "DIR";
+constexpr int cache_warning = 1;  // the message's number, by which the user can switch it off
+
+void drop_caches(Session& session) {
+  using Request = FileOperationRequest;
+  const std::string cache = session.settings.work_dir + "cache";
+  if (!session.ports.files.exists(cache)) return;
+  const int code = session.ports.shell.perform({Request::Delete, cache + std::string(2, '\0'), "",
+                                                Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
+  if (code != 0) {
+    session.log.debug_log("Unable to delete " + cache + " (" + std::to_string(code) + ")", LogLevel::Normal);
+  }
+}
+
+void update_version(Session& session) {
+  SettingsStore& store = session.settings_store;
+  const std::string stored = store.read_string("");
+  const bool has_old_caches = std::find(versions_with_old_caches.begin(), versions_with_old_caches.end(), stored) !=
+                              versions_with_old_caches.end();
+  if (!stored.empty() && !has_old_caches) return;
+  store.write_string("", short_version);
+  drop_caches(session);
+  if (stored.empty()) store.write_number("context", Settings::NotInstalled);
+}
+
+void install_types(ContextMenu* menu, const std::string& types) {
+  if (menu == nullptr) return;
+  for (const std::string_view type : split(types, ";")) menu->install(std::string(type));
+  menu->install(folders_and_videos);
+}
+
+void remove_types(ContextMenu* menu, const std::string& types) {
+  if (menu == nullptr) return;
+  for (const std::string_view type : split(types, ";")) menu->remove(std::string(type));
+}
+
+/// Without dots, without a ";" at the end, and in lower case.
+std::string cleaned(std::string types) {
+  std::erase(types, '.');
+  if (types.ends_with(';')) types.pop_back();
+  return lower_case(types);
+}
+
+}  // namespace
+
+void load_preferences(Session& session) {
+  update_version(session);
+  Settings& settings = session.settings;
+  session.settings_store.read_preferences(settings);
+  if (settings.context == Settings::NotInstalled && session.ports.context_menu != nullptr) {
+    session.log.debug_log("Setting up context menu entries", LogLevel::Verbose);
+    install_types(session.ports.context_menu, settings.types);
+    settings.context = Settings::Installed;
+  }
+  session.log.set_level(settings.logging);
+}
+
+bool apply_preferences(Session& session, Settings wanted) {
+  UserInterface& ui = session.ports.ui;
+  if (length(wanted.types) < types_setting.min_length) {
+    ui.show_message(0, "Filetypes Required",
+                    "Please enter at least one filetype. Multiple filetypes can be seperated with semicolons.",
+                    MessageIcon::Information);
+    return false;
+  }
+  if (wanted.nocache) {
+    ui.show_message(
+        cache_warning, "Not Recommended",
+        "Disabling the cache is for troubleshooting only. The program will operate a lot slower with no cache",
+        MessageIcon::Warning);
+  }
+  wanted.types = cleaned(wanted.types);
+  ContextMenu* const menu = session.ports.context_menu;
+  remove_types(menu, session.settings.types);
+  session.settings = wanted;
+  session.log.set_level(wanted.logging);
+  session.settings_store.write_preferences(wanted);
+  if (wanted.context == Settings::Installed) {
+    install_types(menu, wanted.types);
+  } else if (menu != nullptr) {
+    menu->remove(folders_and_videos);
+  }
+  return true;
+}
+
+void remove_menu_entries(Session& session) {
+  Settings stored;
+  session.settings_store.read_preferences(stored);
+  ContextMenu* const menu = session.ports.context_menu;
+  remove_types(menu, stored.types);
+  if (menu != nullptr) menu->remove(folders_and_videos);
+}
+
+}  // namespace quorvel
