@@ -14,10 +14,6 @@ std::string key(std::string path) {
   return path;
 }
 
-std::string first_of(const std::string& list) {
-  return list.substr(0, list.find('\0'));
-}
-
 }  // namespace
 
 const DryRun::Change* DryRun::change(const std::string& path) const {
@@ -73,8 +69,8 @@ bool DryRun::create_folder(const std::string& path) {
 }
 
 int DryRun::perform(const FileOperationRequest& request) {
-  const std::string source = first_of(request.sources), destination = first_of(request.destinations);
-  if (request.operation == FileOperationRequest::Delete) {
+  const auto& [operation, source, destination, flags] = request;
+  if (operation == FileOperationRequest::Delete) {
     set(source, Kind::Missing);
     removed_folders_.push_back(with_separator(source));
     return 0;
@@ -83,7 +79,7 @@ int DryRun::perform(const FileOperationRequest& request) {
   if (kind(getpath(destination, 0)) != Kind::Folder) return static_cast<int>(std::errc::no_such_file_or_directory);
   tell_(source, destination);
   set(destination, Kind::File);
-  if (request.operation != FileOperationRequest::Copy) set(source, Kind::Missing);
+  if (operation != FileOperationRequest::Copy) set(source, Kind::Missing);
   return 0;
 }
 

@@ -11,11 +11,6 @@ namespace {
 
 using Request = FileOperationRequest;
 
-/// The lists of the three operations have always ended in different numbers of NULs.
-std::string list_of(const std::string& path, std::size_t nuls) {
-  return path + std::string(nuls, '\0');
-}
-
 /// A NUL would end the name early and hit another file.
 void refuse_nul(const FileJob& job) {
   for (const std::string* text : {&job.path, &job.dest_path, &job.new_name}) {
@@ -48,11 +43,11 @@ FileJobResult FileJobs::run_checked(const FileJob& job) {
     case MoveAndRename:
       log_.debug_log("Moving " + job.path + " to " + job.destination(), LogLevel::Verbose);
       make_tree(job.dest_path);
-      return perform({Request::Move, list_of(job.path, 2), list_of(job.destination(), 2), Request::AllowUndo});
+      return perform({Request::Move, job.path, job.destination(), Request::AllowUndo});
     case CopyAndRename:
       log_.debug_log("Copying " + job.path + " to " + job.destination(), LogLevel::Verbose);
       make_tree(job.dest_path);
-      return perform({Request::Copy, list_of(job.path, 1), list_of(job.destination(), 1), Request::AllowUndo});
+      return perform({Request::Copy, job.path, job.destination(), Request::AllowUndo});
     default:
       throw Failure("the rule's action " + std::to_string(job.action) + " is none of rename, move and copy");
   }
@@ -100,7 +95,7 @@ FileJobResult FileJobs::undo_checked(const FileJob& job) {
   }
   FileJobResult result;
   const auto back = [&](Request::Operation operation) {
-    return perform({operation, list_of(current, 2), list_of(job.path, 2), Request::AllowUndo});
+    return perform({operation, current, job.path, Request::AllowUndo});
   };
   switch (job.action) {
     case Rename:
@@ -125,10 +120,10 @@ FileJobResult FileJobs::undo_checked(const FileJob& job) {
 }
 
 int FileJobs::delete_copy(const FileJob& job) {
-  const std::string copy = list_of(job.destination(), 2);
+  const std::string copy = job.destination();
   const int code = shell_.perform({Request::Delete, copy, "", Request::AllowUndo | Request::NoConfirmation});
   if (code != native::no_trash_code) return code;
-  const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(job.destination());
+  const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(copy);
   if (!source || !copied || source->size != copied->size || source->same_file(*copied)) return code;
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
 }

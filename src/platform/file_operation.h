@@ -11,8 +11,8 @@ struct FileOperationRequest {
   enum Flag : std::uint16_t { Silent = 4, NoConfirmation = 16, AllowUndo = 64, SimpleProgress = 256 };
 
   int operation = 0;
-  std::string sources;       // a path and the NULs that end the list; what reaches the system always ends in enough
-  std::string destinations;  // likewise; empty for Delete
+  std::string source;
+  std::string destination;  // empty for Delete
   std::uint16_t flags = 0;
   bool operator==(const FileOperationRequest&) const = default;
 };

@@ -21,8 +21,8 @@ void drop_caches(Session& session) {
   using Request = FileOperationRequest;
   const std::string cache = session.settings.work_dir + "cache";
   if (!session.ports.files.exists(cache)) return;
-  const int code = session.ports.shell.perform({Request::Delete, cache + std::string(2, '\0'), "",
-                                                Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
+  const int code = session.ports.shell.perform(
+      {Request::Delete, cache, "", Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
   if (code != 0) {
     session.log.debug_log("Unable to delete " + cache + " (" + std::to_string(code) + ")", LogLevel::Normal);
   }

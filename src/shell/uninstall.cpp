@@ -24,8 +24,8 @@ void remove_data_folder(Session& session) {
   if (session.places.application_data.empty()) return;
   const std::string folder = with_separator(session.places.application_data) + application_title;
   if (!session.ports.files.exists(folder)) return;
-  session.ports.shell.perform({Request::Delete, folder + std::string(2, '\0'), "",
-                               Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
+  session.ports.shell.perform(
+      {Request::Delete, folder, "", Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
 }
 
 }  // namespace

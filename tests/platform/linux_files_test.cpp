@@ -35,8 +35,7 @@ State state_of(std::initializer_list<const TemporaryFolder*> folders) {
 }
 
 int perform(int operation, const std::string& from, const std::string& to, GioFileOperation::Progress progress = {}) {
-  const std::string end(2, '\0');
-  return GioFileOperation(std::move(progress)).perform({operation, from + end, to + end, Request::AllowUndo});
+  return GioFileOperation(std::move(progress)).perform({operation, from, to, Request::AllowUndo});
 }
 
 /// Root may write everywhere, these tests must not.

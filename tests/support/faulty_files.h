@@ -74,7 +74,7 @@ class FaultyOperation : public FileOperation {
  public:
   FaultyOperation(FileOperation& real, FaultPlan& plan) : real_(real), plan_(plan) {}
   int perform(const FileOperationRequest& request) override {
-    const std::string written = request.operation == FileOperationRequest::Delete ? "" : request.destinations;
+    const std::string written = request.operation == FileOperationRequest::Delete ? "" : request.destination;
     return plan_.pass<int>(written, plan_.fault == Fault::Full ? ENOSPC : EIO, [&] { return real_.perform(request); });
   }
 

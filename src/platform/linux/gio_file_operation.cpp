@@ -22,10 +22,9 @@
 namespace quorvel {
 namespace {
 
-/// The one path of a list, without the NULs that end it; empty when there is none, or more than one.
-std::string only_path(const std::string& list) {
-  const std::string path = list.substr(0, list.find_last_not_of('\0') + 1);
-  return path.find('\0') == std::string::npos ? path : "";
+/// A NUL would cut the path off, and what is left would name another file.
+bool is_path(const std::string& text) {
+  return !text.empty() && text.find('\0') == std::string::npos;
 }
 
 int errno_of(const GError& error) {
@@ -290,20 +289,18 @@ GioFileOperation::GioFileOperation(Progress progress, Replace replace)
     : progress_(std::move(progress)), replace_(std::move(replace)) {}
 
 int GioFileOperation::perform(const FileOperationRequest& request) {
-  const std::string source = only_path(request.sources);
-  if (source.empty()) return EINVAL;
+  if (!is_path(request.source)) return EINVAL;
   if (request.operation == FileOperationRequest::Delete) {
-    return remove(source, (request.flags & FileOperationRequest::AllowUndo) != 0);
+    return remove(request.source, (request.flags & FileOperationRequest::AllowUndo) != 0);
   }
-  const std::string destination = only_path(request.destinations);
-  if (destination.empty()) return EINVAL;
+  if (!is_path(request.destination)) return EINVAL;
   switch (request.operation) {
     case FileOperationRequest::Rename:
-      return move(source, {destination, never_}, false, progress_);
+      return move(request.source, {request.destination, never_}, false, progress_);
     case FileOperationRequest::Move:
-      return move(source, {destination, replace_}, true, progress_);
+      return move(request.source, {request.destination, replace_}, true, progress_);
     case FileOperationRequest::Copy:
-      return copy(source, {destination, replace_}, progress_);
+      return copy(request.source, {request.destination, replace_}, progress_);
     default:
       return EINVAL;
   }

@@ -27,16 +27,16 @@ bool has_name(std::wstring path) {
   return !name.empty() && name != L"." && name != L".." && !name.ends_with(L':');
 }
 
-/// Takes the one path of a list, which may end in any number of NULs, into `path`. 0, or why it is refused.
-int take_path(const std::string& list, std::wstring& path) {
-  const std::string bare = list.substr(0, list.find_last_not_of('\0') + 1);
-  const std::optional<std::wstring> wide = to_utf16(bare);
-  if (!wide || bare.find('\0') != std::string::npos || !is_full(*wide) || !has_name(*wide) ||
+/// Makes of `path` the list that the shell takes: it ends in two NULs, one here and one that every string has.
+/// 0, or why the path is refused.
+int make_list(const std::string& path, std::wstring& list) {
+  const std::optional<std::wstring> wide = to_utf16(path);
+  if (!wide || path.find('\0') != std::string::npos || !is_full(*wide) || !has_name(*wide) ||
       wide->find_first_of(L"*?") != std::wstring::npos) {
     return ShellFileOperation::invalid_path;
   }
   if (wide->size() >= MAX_PATH) return ShellFileOperation::path_too_deep;
-  path = *wide;
+  list = *wide + L'\0';
   return 0;
 }
 
@@ -61,18 +61,15 @@ bool has_recycle_bin(const std::wstring& path) {
 
 int ShellFileOperation::perform(const FileOperationRequest& request) {
   std::wstring source, destination;
-  if (const int refused = take_path(request.sources, source); refused != 0) return refused;
+  if (const int refused = make_list(request.source, source); refused != 0) return refused;
   // The shell may take the absence of the file for the end of its work.
   if (GetFileAttributesW(source.c_str()) == INVALID_FILE_ATTRIBUTES) return static_cast<int>(GetLastError());
   if (request.operation != Request::Delete) {
-    if (const int refused = take_path(request.destinations, destination); refused != 0) return refused;
+    if (const int refused = make_list(request.destination, destination); refused != 0) return refused;
     if (const int refused = check_destination(source, destination, may_ask_); refused != 0) return refused;
   } else if ((request.flags & Request::AllowUndo) != 0 && !has_recycle_bin(source)) {
     return native::no_trash_code;
   }
-  // Two NULs end a list: one here, one that every string has.
-  source += L'\0';
-  destination += L'\0';
   SHFILEOPSTRUCTW order{};
   order.wFunc = static_cast<UINT>(request.operation);
   order.pFrom = source.c_str();

@@ -18,7 +18,7 @@ class ShellFileOperation : public FileOperation {
   /// refused.
   explicit ShellFileOperation(bool may_ask) : may_ask_(may_ask) {}
 
-  /// A list with a NUL inside, an empty or relative path, a wildcard, a path beyond the shell's limit of length, and a
+  /// An empty or relative path, one that holds a NUL, a wildcard, a path beyond the shell's limit of length, and a
   /// destination that is a folder, into which the shell would put the file, are refused.
   int perform(const FileOperationRequest& request) override;
 
