@@ -23,15 +23,6 @@ void refuse_nul(const FileJob& job) {
 }  // namespace
 
 FileJobResult FileJobs::run(const FileJob& job) {
-  try {
-    return run_checked(job);
-  } catch (const Failure& failure) {
-    log_.debug_log(std::string("Error renaming/moving: ") + failure.what(), LogLevel::Normal);
-    return {};
-  }
-}
-
-FileJobResult FileJobs::run_checked(const FileJob& job) {
   refuse_nul(job);
   if (!files_.exists(job.path)) {
     log_.debug_log("File rename failed. Source file not found", LogLevel::Verbose);
@@ -78,15 +69,6 @@ FileJobResult FileJobs::result_of(int code) {
 }
 
 FileJobResult FileJobs::undo(const FileJob& job) {
-  try {
-    return undo_checked(job);
-  } catch (const Failure& failure) {
-    log_.debug_log(std::string("Error undoing: ") + failure.what(), LogLevel::Normal);
-    return {};
-  }
-}
-
-FileJobResult FileJobs::undo_checked(const FileJob& job) {
   refuse_nul(job);
   const std::string current = job.destination();
   if (!files_.exists(current)) {

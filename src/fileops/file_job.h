@@ -32,7 +32,8 @@ class FileJobs {
  public:
   FileJobs(FileOperation& shell, Files& files, Log& log) : shell_(shell), files_(files), log_(log) {}
 
-  /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination.
+  /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure,
+  /// as undo() does, when a name holds a NUL, and for an action that is none.
   FileJobResult run(const FileJob& job);
 
   /// Brings back what run() has changed: a renamed or moved file returns to its old path, a copy goes to the trash.
@@ -44,8 +45,6 @@ class FileJobs {
   void make_tree(const std::string& folder, char separator = native::separator);
 
  private:
-  FileJobResult run_checked(const FileJob& job);
-  FileJobResult undo_checked(const FileJob& job);
   FileJobResult rename(const FileJob& job);
   FileJobResult perform(const FileOperationRequest& request);
   FileJobResult result_of(int code);

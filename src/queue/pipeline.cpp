@@ -8,74 +8,47 @@
 #include "text/failure.h"
 
 namespace quorvel {
-namespace {
 
-FileJob job(const QueueItem& item) {
-  return {item.path, item.filename, item.new_name, item.dest_path, item.action};
-}
-
-}  // namespace
-
-bool Pipeline::getbits(int index, bool parentFolder) {
-  QueueItem& item = parts_.queue.at(index);
-  try {
-    const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
-    parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
-                         LogLevel::Verbose);
-    const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
-    if (!found) {
-      parts_.log.debug_log("No filter found", LogLevel::Verbose);
-      return false;
-    }
-    item.search_name = found->show;
-    item.season = found->season;
-    item.episode = found->episode;
-    parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
-    return true;
-  } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error getting filename filter: ") + failure.what(), LogLevel::Normal);
+bool Pipeline::getbits(QueueItem& item, bool parentFolder) {
+  const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
+  parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
+                       LogLevel::Verbose);
+  const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
+  if (!found) {
+    parts_.log.debug_log("No filter found", LogLevel::Verbose);
     return false;
   }
+  item.search_name = found->show;
+  item.season = found->season;
+  item.episode = found->episode;
+  parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
+  return true;
 }
 
-void Pipeline::checkex(int index) {
-  QueueItem& item = parts_.queue.at(index);
+void Pipeline::checkex(QueueItem& item) {
   if (const auto name = parts_.exceptions.replacement(item.search_name)) item.search_name = *name;
 }
 
-bool Pipeline::searchtv(int index) {
-  QueueItem& item = parts_.queue.at(index);
-  try {
-    const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
-    if (!show) return false;
-    item.show_id = show->id;
-    item.show_name = without_control_characters(show->name, parts_.log);
-    item.show_url = show->url;
-    return true;
-  } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error searching for show: ") + failure.what(), LogLevel::Normal);
-    return false;
-  }
+bool Pipeline::searchtv(QueueItem& item) {
+  const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
+  if (!show) return false;
+  item.show_id = show->id;
+  item.show_name = without_control_characters(show->name, parts_.log);
+  item.show_url = show->url;
+  return true;
 }
 
-bool Pipeline::getlistings(int index) {
-  QueueItem& item = parts_.queue.at(index);
-  try {
-    const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
-        {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
-        {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
-    if (!episode) return false;
-    item.episode_title = without_control_characters(episode->title, parts_.log);
-    item.episode_url = episode->url;
-    return true;
-  } catch (const Failure& failure) {
-    parts_.log.debug_log(std::string("Error getting listings: ") + failure.what(), LogLevel::Normal);
-    return false;
-  }
+bool Pipeline::getlistings(QueueItem& item) {
+  const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
+      {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
+      {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
+  if (!episode) return false;
+  item.episode_title = without_control_characters(episode->title, parts_.log);
+  item.episode_url = episode->url;
+  return true;
 }
 
-bool Pipeline::dofilter(int index) {
-  QueueItem& item = parts_.queue.at(index);
+bool Pipeline::dofilter(QueueItem& item) {
   const std::string extension = getextension(item.filename);
   const std::optional<int> rule = parts_.filters.first_fitting(extension, item.show_name);
   if (!rule) return false;
@@ -97,32 +70,19 @@ bool Pipeline::dofilter(int index) {
   return true;
 }
 
-bool Pipeline::confirm(int index) {
-  if (!parts_.queue.holds(index)) return false;
+bool Pipeline::confirm(QueueItem& item) {
   if (!parts_.settings.confirm) return true;
-  QueueItem& item = parts_.queue.at(index);
-  const FileJob work = job(item);
-  const char* const operation = work.action == MoveAndRename   ? "Move"
-                                : work.action == CopyAndRename ? "Copy"
-                                                               : "Rename";
+  const FileJob job = job_of(item);
+  const char* const operation = job.action == MoveAndRename ? "Move" : job.action == CopyAndRename ? "Copy" : "Rename";
   const std::optional<bool> answer =
       parts_.ui.ask_confirmation({std::string("Confirm File ") + operation,
-                                  "Continue with file " + lower_case(operation) + "?", work.path, work.destination()});
+                                  "Continue with file " + lower_case(operation) + "?", job.path, job.destination()});
   if (answer) item.confirmed = *answer;
   return item.confirmed;
 }
 
-bool Pipeline::fileops(int index) {
-  QueueItem& item = parts_.queue.at(index);
-  return record(item, parts_.jobs.run(job(item)));
-}
-
-bool Pipeline::undofileops(int index) {
-  QueueItem& item = parts_.queue.at(index);
-  return record(item, parts_.jobs.undo(job(item)));
-}
-
-bool Pipeline::record(QueueItem& item, const FileJobResult& result) {
+bool Pipeline::fileops(QueueItem& item) {
+  const FileJobResult result = parts_.jobs.run(job_of(item));
   if (result.error_text) item.error_text = *result.error_text;
   return result.done;
 }

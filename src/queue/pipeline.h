@@ -5,22 +5,21 @@
 #include "listings/show_search.h"
 #include "platform/log.h"
 #include "platform/user_interface.h"
+#include "queue/queue_item.h"
 #include "queue/settings.h"
-#include "queue/work_queue.h"
 #include "rules/exceptions.h"
 #include "rules/filters.h"
 
 namespace quorvel {
 
-/// The stages that take one item from its file name to the file operation. Each takes an index that the queue holds,
-/// reads and fills in the item's fields, and answers whether the item may go on; when it may not, the log says why.
+/// The stages that take one item from its file name to the file operation. Each reads and fills in the item's fields
+/// and answers whether the item may go on; when it may not, the log says why. Any of them may throw Failure.
 class Pipeline {
  public:
   struct Parts {
-    WorkQueue& queue;
     const Settings& settings;
-    FilterList& filters;
-    ExceptionList& exceptions;
+    const FilterList& filters;
+    const ExceptionList& exceptions;
     ShowSearch& search;
     EpisodeListings& listings;
     FileJobs& jobs;
@@ -31,33 +30,28 @@ class Pipeline {
   explicit Pipeline(Parts parts) : parts_(parts) {}
 
   /// search_name, season and episode, from the name of the file's folder or from its own.
-  bool getbits(int index, bool parentFolder);
+  bool getbits(QueueItem& item, bool parentFolder);
 
   /// search_name as the first exception for it says.
-  void checkex(int index);
+  void checkex(QueueItem& item);
 
   /// show_name, show_id and show_url.
-  bool searchtv(int index);
+  bool searchtv(QueueItem& item);
 
   /// episode_title and episode_url.
-  bool getlistings(int index);
+  bool getlistings(QueueItem& item);
 
-  /// filter_index, new_name and dest_path. Throws Failure when a rule fits but its folder or the new name
-  /// would not be what the system takes it for.
-  bool dofilter(int index);
+  /// filter_index, action, new_name and dest_path. Throws Failure when a rule fits but its folder or the new name would
+  /// not be what the system takes it for.
+  bool dofilter(QueueItem& item);
 
   /// Whether the operation may go on: asks the user when the settings say so.
-  bool confirm(int index);
+  bool confirm(QueueItem& item);
 
   /// Renames, moves or copies; error_text when that fails.
-  bool fileops(int index);
-
-  /// Takes the file operation back; error_text when that fails.
-  bool undofileops(int index);
+  bool fileops(QueueItem& item);
 
  private:
-  bool record(QueueItem& item, const FileJobResult& result);
-
   Parts parts_;
 };
 

@@ -1,6 +1,6 @@
 #include "queue/processor.h"
 
-#include "text/failure.h"
+#include "queue/stage.h"
 
 namespace quorvel {
 namespace {
@@ -38,7 +38,7 @@ void Processor::process_queue() {
 }
 
 void Processor::run_pass() {
-  while (!take_quit()) {
+  while (!ends_for_quit()) {
     if (queue_cursor_ >= queue_.count()) {
       retry_mode_ = false;
       queue_busy_ = false;
@@ -60,8 +60,8 @@ void Processor::run_pass() {
   }
 }
 
-/// When the user wants to quit: the pass is over and the window closes.
-bool Processor::take_quit() {
+/// Whether the user wants to quit; the pass is over then and the window closes.
+bool Processor::ends_for_quit() {
   if (!quit_) return false;
   if (queue_busy_) {
     queue_busy_ = false;
@@ -76,7 +76,7 @@ void Processor::set_state(int index, QueueState state) {
 }
 
 void Processor::fail(int index, const std::string& log_line, const std::string& error_text) {
-  log_.debug_log(log_line, LogLevel::Normal);
+  if (!log_line.empty()) log_.debug_log(log_line, LogLevel::Normal);
   queue_.at(index).error_text = error_text;
   set_state(index, QueueState::Failed);
 }
@@ -84,49 +84,52 @@ void Processor::fail(int index, const std::string& log_line, const std::string& 
 /// Ends early when the user wants to quit; the item then keeps the state it has reached.
 void Processor::process_item(int index) {
   QueueItem& item = queue_.at(index);
+  const auto names_an_episode = [&](bool parent_folder) {
+    return run_stage(log_, "Error getting filename filter: ", [&] { return pipeline_.getbits(item, parent_folder); });
+  };
   set_state(index, QueueState::Scanning);
-  if (!pipeline_.getbits(index, true) && !pipeline_.getbits(index, false)) {
+  if (!names_an_episode(true) && !names_an_episode(false)) {
     return fail(index, "Unable to find filename filter for: " + item.filename, "Unable to find filename filter");
   }
 
   log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
   set_state(index, QueueState::Searching);
   log_.debug_log("Checking exceptions", LogLevel::Verbose);
-  pipeline_.checkex(index);
+  pipeline_.checkex(item);
   log_.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
   const std::string searched = "\r\nSearched for: " + item.search_name;
-  if (!pipeline_.searchtv(index)) {
+  if (!run_stage(log_, "Error searching for show: ", [&] { return pipeline_.searchtv(item); })) {
     return fail(index, "Unable to find show page for: " + item.search_name,
                 std::string("Unable to find show on ") + listings_site + searched);
   }
 
   set_state(index, QueueState::FetchingListings);
-  if (take_quit()) return;
-  if (!pipeline_.getlistings(index)) {
+  if (ends_for_quit()) return;
+  if (!run_stage(log_, "Error getting listings: ", [&] { return pipeline_.getlistings(item); })) {
     return fail(index, "Unable to find listings for: " + episode_text(item),
                 std::string("Unable to find listings on ") + listings_site + searched +
                     "\r\nDetected as: " + episode_text(item));
   }
 
   set_state(index, QueueState::CheckingFilters);
-  if (take_quit()) return;
-  try {
-    if (!pipeline_.dofilter(index)) {
-      return fail(index, "Unable to find matching filter for: " + episode_text(item),
-                  "Found listings, but no filter could be found to move/rename the file");
-    }
-  } catch (const Failure& failure) {
-    return fail(index, std::string("Error checking filters: ") + failure.what(), failure.what());
+  if (ends_for_quit()) return;
+  const StageResult rule = run_stage(log_, "Error checking filters: ", [&] { return pipeline_.dofilter(item); });
+  if (!rule.failure.empty()) return fail(index, {}, rule.failure);
+  if (!rule) {
+    return fail(index, "Unable to find matching filter for: " + episode_text(item),
+                "Found listings, but no filter could be found to move/rename the file");
   }
 
   set_state(index, QueueState::Processing);
-  if (take_quit()) return;
-  if (!pipeline_.confirm(index)) {
+  if (ends_for_quit()) return;
+  if (!pipeline_.confirm(item)) {
     log_.debug_log("Unable to rename/move files for: " + item.new_name + " (user cancelled)", LogLevel::Normal);
     item.error_text = "User cancelled the file operation";
     return set_state(index, QueueState::Cancelled);
   }
-  if (pipeline_.fileops(index)) return set_state(index, QueueState::Done);
+  if (run_stage(log_, "Error renaming/moving: ", [&] { return pipeline_.fileops(item); })) {
+    return set_state(index, QueueState::Done);
+  }
   log_.debug_log("Unable to rename/move files for: " + item.new_name, LogLevel::Normal);
   set_state(index, QueueState::Failed);
 }

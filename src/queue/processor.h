@@ -8,13 +8,9 @@ namespace quorvel {
 /// Drives the items of the queue through the pipeline, one after another. One bad file never ends a pass.
 class Processor {
  public:
-  Processor(Pipeline::Parts parts, Pipeline& pipeline, QueueView& view)
-      : queue_(parts.queue),
-        settings_(parts.settings),
-        ui_(parts.ui),
-        log_(parts.log),
-        pipeline_(pipeline),
-        view_(view) {}
+  Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log, Pipeline& pipeline,
+            QueueView& view)
+      : queue_(queue), settings_(settings), ui_(ui), log_(log), pipeline_(pipeline), view_(view) {}
 
   /// One pass: from the item after the last one taken to the end of the queue, which may grow meanwhile, or to the
   /// user's wish to quit. Callers see to it that no pass is running.
@@ -34,7 +30,7 @@ class Processor {
   void process_item(int index);
   void set_state(int index, QueueState state);
   void fail(int index, const std::string& log_line, const std::string& error_text);
-  bool take_quit();
+  bool ends_for_quit();
 
   WorkQueue& queue_;
   const Settings& settings_;

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "fileops/file_job.h"
+
 namespace quorvel {
 
 /// How far an item has got. Below Scanning counts as not yet done.
@@ -40,5 +42,10 @@ struct QueueItem {
   std::string error_text;   // why it failed or was cancelled; lines end in CR LF
   std::string episode_url;  // in double quotes, as the service gives it
 };
+
+/// The file operation that the item's fields describe.
+inline FileJob job_of(const QueueItem& item) {
+  return {item.path, item.filename, item.new_name, item.dest_path, item.action};
+}
 
 }  // namespace quorvel

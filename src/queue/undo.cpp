@@ -1,5 +1,8 @@
 #include "queue/undo.h"
 
+#include "queue/stage.h"
+#include "rules/action.h"
+
 namespace quorvel {
 
 Undo::Entry Undo::entry(int index) const {
@@ -20,7 +23,7 @@ void Undo::run(int index) {
   QueueItem& item = queue_.at(index);
   // What stands at the destination of an item that is not done is somebody else's file.
   if (item.state != QueueState::Done) return;
-  if (pipeline_.undofileops(index)) {
+  if (run_stage(log_, "Error undoing: ", [&] { return undofileops(item); })) {
     item.state = QueueState::Cancelled;
     item.error_text = "The file operation has been undone";
   } else {
@@ -29,6 +32,12 @@ void Undo::run(int index) {
     item.state = QueueState::Failed;
   }
   view_.update_lv(index);
+}
+
+bool Undo::undofileops(QueueItem& item) {
+  const FileJobResult result = jobs_.undo(job_of(item));
+  if (result.error_text) item.error_text = *result.error_text;
+  return result.done;
 }
 
 }  // namespace quorvel

@@ -2,8 +2,9 @@
 
 #include <string>
 
-#include "queue/pipeline.h"
+#include "fileops/file_job.h"
 #include "queue/queue_view.h"
+#include "queue/work_queue.h"
 
 namespace quorvel {
 
@@ -17,8 +18,8 @@ class Undo {
     bool operator==(const Entry&) const = default;
   };
 
-  Undo(Pipeline::Parts parts, Pipeline& pipeline, QueueView& view)
-      : queue_(parts.queue), log_(parts.log), pipeline_(pipeline), view_(view) {}
+  Undo(WorkQueue& queue, FileJobs& jobs, Log& log, QueueView& view)
+      : queue_(queue), jobs_(jobs), log_(log), view_(view) {}
 
   /// `index` is one that the queue holds.
   Entry entry(int index) const;
@@ -28,9 +29,11 @@ class Undo {
   void run(int index);
 
  private:
+  bool undofileops(QueueItem& item);
+
   WorkQueue& queue_;
+  FileJobs& jobs_;
   Log& log_;
-  Pipeline& pipeline_;
   QueueView& view_;
 };
 

@@ -28,14 +28,10 @@ Session::Session(Ports ports, Places places)
       listings(http, cache, log, ports.clock, this->places.api_base),
       jobs(ports.shell, ports.files, log),
       view(queue, filters, ports.ui),
-      pipeline(parts()),
-      processor(parts(), pipeline, view),
+      pipeline({settings, filters, exceptions, search, listings, jobs, ports.ui, log}),
+      processor(queue, settings, ports.ui, log, pipeline, view),
       intake(queue, settings, ports.files, ports.ui, [this] { return processor.queue_busy(); }),
-      undo(parts(), pipeline, view) {}
-
-Pipeline::Parts Session::parts() {
-  return {queue, settings, filters, exceptions, search, listings, jobs, ports.ui, log};
-}
+      undo(queue, jobs, log, view) {}
 
 void Session::start() {
   write_banner();

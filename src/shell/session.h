@@ -81,9 +81,6 @@ class Session {
   Processor processor;
   Intake intake;
   Undo undo;
-
- private:
-  Pipeline::Parts parts();
 };
 
 }  // namespace quorvel
