@@ -1,13 +1,14 @@
 # What the tests need on Linux.
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-set(certificates support/certificates.cpp)
-set(system_libraries OpenSSL::SSL PkgConfig::GIO Threads::Threads util)
+set(certificates ${CMAKE_CURRENT_SOURCE_DIR}/support/certificates)
+set(system_libraries PkgConfig::GIO Threads::Threads util)
 
 add_executable(listings-stand-in support/listings_service_main.cpp)
 target_link_libraries(listings-stand-in PRIVATE quorvel-test-support)
 add_executable(tls-peers support/tls_peers_main.cpp)
-target_link_libraries(tls-peers PRIVATE quorvel-test-support)
+target_compile_definitions(tls-peers PRIVATE QUORVEL_CERTIFICATES_DIR="${certificates}")
+target_link_libraries(tls-peers PRIVATE OpenSSL::SSL Threads::Threads)
 set(tls_peers tls-peers)
 set(https_tests Https.*)
 if(QUORVEL_HARDENED)

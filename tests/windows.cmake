@@ -1,7 +1,8 @@
 # What the tests need on Windows, and to run under Wine where they are cross-compiled.
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
-set(system_libraries ws2_32 crypt32 psapi version)
+set(certificates ${CMAKE_CURRENT_SOURCE_DIR}/support/certificates)
+set(system_libraries ws2_32 psapi version)
 set(whole_program_properties RESOURCE_LOCK user)
 
 if(CMAKE_CROSSCOMPILING)
@@ -16,12 +17,9 @@ if(CMAKE_CROSSCOMPILING)
   # A program of the system that all this is built on, since the servers speak TLS by its libraries.
   find_program(QUORVEL_HOST_COMPILER NAMES c++ REQUIRED)
   set(tls_peers ${CMAKE_CURRENT_BINARY_DIR}/tls-peers)
-  set(peers_sources certificates.cpp linux/loopback.cpp listings_service.cpp tls_peers_main.cpp)
-  list(TRANSFORM peers_sources PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/support/)
-  add_custom_command(OUTPUT ${tls_peers} VERBATIM
-    COMMAND ${QUORVEL_HOST_COMPILER} -std=c++20 -O1 -Wall -Wextra -Werror -I${CMAKE_CURRENT_SOURCE_DIR}/support
-            -DQUORVEL_SHOWS_DIR="${CMAKE_CURRENT_SOURCE_DIR}/support/shows" ${peers_sources} -o ${tls_peers}
-            -lssl -lcrypto -pthread
-    DEPENDS ${peers_sources} support/certificates.h support/listings_service.h support/loopback.h)
+  set(peers_source ${CMAKE_CURRENT_SOURCE_DIR}/support/tls_peers_main.cpp)
+  add_custom_command(OUTPUT ${tls_peers} DEPENDS ${peers_source} VERBATIM
+    COMMAND ${QUORVEL_HOST_COMPILER} -std=c++20 -O1 -Wall -Wextra -Werror -DQUORVEL_CERTIFICATES_DIR="${certificates}"
+            ${peers_source} -o ${tls_peers} -lssl -lcrypto -pthread)
   add_custom_target(tls-peers-program ALL DEPENDS ${tls_peers})
 endif()

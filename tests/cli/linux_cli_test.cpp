@@ -44,17 +44,6 @@ TEST_F(Cli, ADamagedSettingsFileIsNamedAndKept) {
   EXPECT_TRUE(service.requests().empty());
 }
 
-TEST_F(Cli, TlsIsSpokenWithTheAuthorityOfTheEnvironment) {
-  const TestAuthority authority;
-  const ListingsService secure(authority.issue("localhost"));
-  write_file(folder / "ca.pem", authority.pem());
-  environment["QUORVEL_API_BASE"] = secure.base();
-  add("The.Harbour.Lights.S01E02.mkv");
-  EXPECT_EQ(run({"."}).status, 1) << "nobody vouches for it";
-  environment["SSL_CERT_FILE"] = folder / "ca.pem";
-  EXPECT_EQ(run({"."}).status, 0);
-}
-
 /// A conversation on a terminal: everything that was shown, with `answer` typed once `prompt` has been.
 std::string converse(const Start& start, const std::string& prompt, const std::string& answer, int& status) {
   int terminal = -1;
@@ -94,7 +83,7 @@ TEST_F(Cli, OnATerminalItAsksAndShowsItsProgress) {
 
 TEST_F(Cli, AnInterruptEndsTheStageAndASecondTheTransfer) {
   for (const char* name : {"The.Harbour.Lights.S01E02.mkv", "The.Harbour.Lights.S01E03.mkv"}) add(name);
-  service.misbehave(scripts::slow(std::chrono::milliseconds(20)));
+  service.slow_down(std::chrono::milliseconds(20));
   int status = -1;
   const std::string shown = converse(command({"."}), "1 of 2", "\x03\x03", status);
   EXPECT_EQ(status, 1);

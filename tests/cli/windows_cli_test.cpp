@@ -105,7 +105,7 @@ TEST_F(Cli, OnAConsoleItAsksAndShowsItsProgress) {
 
 TEST_F(Cli, OnAConsoleAnInterruptEndsTheStageAndASecondTheTransfer) {
   for (const char* name : {"The.Harbour.Lights.S01E02.mkv", "The.Harbour.Lights.S01E03.mkv"}) add(name);
-  service.misbehave(scripts::slow(std::chrono::milliseconds(20)));
+  service.slow_down(std::chrono::milliseconds(20));
   Console console;
   console.start(command({"."}));
   console.wait_for("1 of 2");

@@ -7,165 +7,260 @@
 namespace quorvel::testing {
 namespace {
 
+const std::string page = "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"";
+
+std::string listed(const std::string& season, const std::string& number, const std::string& title,
+                   const std::string& airdate = "2015-01-01") {
+  return R"({"id":1,"url":"u","name":")" + title + R"(","season":)" + season + R"(,"number":)" + number +
+         R"(,"airdate":")" + airdate + R"(","x":0})";
+}
+
 struct Listings : ::testing::Test, TestSession {
   Listings() { start(); }
-  const Show lights{101, "The Harbour Lights", "\"https://www.tvmaze.com/shows/101/the-harbour-lights\""};
+  const Show lights{101, "The Harbour Lights", ""}, shift{9, "Shift", ""};
 
-  /// The episode's title, and what was logged on the way.
-  std::string title(const Show& show, int season, int number, EpisodeListings::Options options = {}) {
+  /// What `look_up` gives or throws, and what it logs.
+  std::string outcome(const std::function<std::optional<std::string>()>& look_up) {
     const std::size_t before = session.log.lines().size();
-    std::string title = "(none)";
+    std::string text;
     try {
-      if (const auto found = session.listings.getlistings(show, "searched", season, number, options)) {
-        title = found->title;
-      }
+      text = look_up().value_or("(none)");
     } catch (const Failure& failure) {
-      title = std::string("(failure) ") + failure.what();
+      text = std::string("(failure) ") + failure.what();
     }
-    return title + "|" + log(before);
+    const std::string lines = log(before);
+    return text + (lines.empty() ? "" : "|" + lines);
+  }
+  std::string title(const Show& show, int season, int number, EpisodeListings::Options options = {}) {
+    return outcome([&]() -> std::optional<std::string> {
+      const auto found = session.listings.getlistings(show, "searched", season, number, options);
+      return found ? std::optional(found->title + " " + found->url) : std::nullopt;
+    });
   }
   std::string search(const std::string& name, bool use_cache = true) {
-    const std::size_t before = session.log.lines().size();
-    std::string found = "(none)";
-    try {
-      if (const auto show = session.search.searchtv(name, use_cache)) {
-        found = std::to_string(show->id) + " " + show->name + " " + show->url;
-      }
-    } catch (const Failure&) {
-      found = "(failure)";
-    }
-    return found + "|" + log(before);
+    return outcome([&]() -> std::optional<std::string> {
+      const auto show = session.search.searchtv(name, use_cache);
+      return show ? std::optional(std::to_string(show->id) + " " + show->name + " " + show->url) : std::nullopt;
+    });
   }
+  void answer(const std::string& body) {
+    service.misbehave([=](auto&, auto&) { return FakeListings::ok(body); });
+  }
+  std::string cached(const std::string& name) const { return read("data/Quorvel/cache/" + name); }
 };
 
 TEST_F(Listings, AShowIsSearchedOnceAndThenFoundInItsCache) {
-  const std::string found = "101 The Harbour Lights " + lights.url;
+  const std::string found = "101 The Harbour Lights " + page;
   EXPECT_EQ(search("the harbour lights"), found + "|Query not in cache|Updating query cache");
-  EXPECT_EQ(read("data/Quorvel/cache/the harbour lights.qc"), "101\t" + lights.url + "\tThe Harbour Lights");
-  EXPECT_EQ(search("the harbour lights"), found + "|Found query in cache");
+  EXPECT_EQ(cached("the harbour lights.qc"), "101\t" + page + "\tThe Harbour Lights");
   EXPECT_EQ(search("the: harbour? lights"), found + "|Found query in cache") << "the characters that no name holds";
   EXPECT_EQ(service.requests(), std::vector<std::string>{"GET /search/shows?q=the+harbour+lights HTTP/1.0\r\n"
                                                          "Host: 127.0.0.1\r\nAccept: */*\r\n\r\n"});
   EXPECT_EQ(search("café noir"),
             "102 CafÃ© Noir \"https://www.tvmaze.com/shows/102/cafe-noir\"|Query not in cache|"
             "Updating query cache");
-}
-
-TEST_F(Listings, WithTheCacheOffTheServiceIsAlwaysAskedAndNothingIsWritten) {
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_TRUE(search("the harbour lights", false).ends_with("\"|Query cache disabled"));
-    EXPECT_EQ(title(lights, 1, 1, {.use_cache = false}),
-              "Slack Water|Ep cache disabled|Getting listings for: The Harbour Lights|Found episode in listings");
-  }
-  EXPECT_EQ(service.requests().size(), 4u);
-  EXPECT_FALSE(exists("data/Quorvel/cache"));
-}
-
-TEST_F(Listings, ADamagedQueryCacheIsReplaced) {
-  files->create_folder(work_dir() + "cache");
-  for (const char* bytes : {"", "no tab", "1\tone tab", "x\ty\tz"}) {
-    write("data/Quorvel/cache/the harbour lights.qc", bytes);
-    EXPECT_TRUE(search("the harbour lights").starts_with("101 ")) << bytes;
-    EXPECT_TRUE(read("data/Quorvel/cache/the harbour lights.qc").starts_with("101\t"));
+  for (const char* damaged : {"", "no tab", "1\tone tab", "x\ty\tz"}) {
+    write("data/Quorvel/cache/the harbour lights.qc", damaged);
+    EXPECT_EQ(search("the harbour lights"), found + "|Query not in cache|Updating query cache") << damaged;
+    EXPECT_EQ(cached("the harbour lights.qc"), "101\t" + page + "\tThe Harbour Lights");
   }
 }
 
-TEST_F(Listings, EveryAnswerEndsInAShowOrInAReason) {
+TEST_F(Listings, EverySearchEndsInAShowOrInAReason) {
+  const std::string long_name(65'536, 'x');
   const struct {
     std::string body, outcome;
-  } cases[] = {{"[]", "(none)|Query cache disabled|Site reports no results for: \"x\""},
-               {"binary \x01\xFF\n", "(none)|Query cache disabled|Error parsing results (Err 2)"},
-               {"[{\"show\":{\"name\":\"X\",}}]", "(failure)|Query cache disabled"},
-               {"[{\"show\":{\"id\":null,}}]", "(failure)|Query cache disabled"},
-               {"[{\"show\":{\"id\":5,\"name\":\"&#x;\",}}]", "(failure)|Query cache disabled"},
-               {"[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"cut o",
-                "(none)|Query cache disabled|Error parsing results (Err 2)"},
-               {":{\"id\":9,\"name\":\"Net\",\"show\"}]", "(none)|Query cache disabled|Error parsing results (Err 2)"},
-               {"[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"" + std::string(10000, 'x') + "\",}}]",
-                "5 " + std::string(10000, 'x') + " \"u\"|Query cache disabled"},
-               {"[\"show\"" + std::string(5'000'000, 'x') + "]", "(failure)|Query cache disabled"}};
-  for (const auto& c : cases) {
-    service.misbehave(scripts::body(c.body));
-    EXPECT_EQ(search("x", false), c.outcome) << c.body.substr(0, 80);
+  } cases[] = {
+      {"", "(none)"},
+      {"[]", "(none)|Site reports no results for: \"x\""},
+      {"binary \x01\xFF\n", "(none)|Error parsing results (Err 2)"},
+      {"[{\"id\":5,\"name\":\"X\",}]", "(none)|Error parsing results (Err 2)"},
+      {"[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"cut o", "(none)|Error parsing results (Err 2)"},
+      {":{\"id\":9,\"name\":\"Net\",\"show\"}]", "(none)|Error parsing results (Err 2)"},
+      {"[{\"show\":{\"name\":\"X\",}}]", "(failure) \"\" is not a whole number of 32 bits"},
+      {"[{\"show\":{\"id\":null,}}]", "(failure) \"null\" is not a whole number of 32 bits"},
+      {"[{\"show\":{\"id\":5,\"name\":\"&#x;\",}}]", "(failure) \"\" is not the number of a character"},
+      {" [{\"show\":{\"id\":5,\"url\":u,\"name\":\"A\",}},{\"id\":6,\"url\":v,\"name\":\"B\",}}]\r\n", "5 A u"},
+      {"[{\"show\":{\"id\":5,\"url\":u,\"name\":\"" + long_name + "\",}}]", "5 " + long_name + " u"},
+      {"[{\"show\":{\"id\":5,\"url\":" + long_name + ",\"name\":\"A\",}}]", "5 A " + long_name},
+      {"[{\"show\":{\"id\":5,\"url\":" + long_name + "x,\"name\":\"A\",}}]",
+       "(failure) the address of the show's page is too long"}};
+  for (const auto& [body, expected] : cases) {
+    answer(body);
+    const std::size_t reason = std::min(expected.find('|'), expected.size());
+    EXPECT_EQ(search("x", false), expected.substr(0, reason) + "|Query cache disabled" + expected.substr(reason))
+        << body.substr(0, 80);
   }
-  for (const auto& script : {scripts::status(500), scripts::no_blank_line(), scripts::truncated(40)}) {
-    service.misbehave(script);
-    EXPECT_TRUE(search("harbour lights").starts_with("(none)|Query not in cache"));
-  }
-  for (std::size_t cut = 1; cut < 120; cut += 7) {
-    service.misbehave(scripts::split_at(cut));
-    const std::string found = search("the harbour lights", false);
-    EXPECT_TRUE(found.starts_with("101 The Harbour Lights") || found.starts_with("(none)")) << cut << found;
-  }
+  EXPECT_FALSE(exists("data/Quorvel/cache"));
+  answer("[{\"show\":{\"id\":5,\"url\":\"u\tv\",\"name\":\"A\",}}]");
+  EXPECT_EQ(search("x"), "5 A \"u\tv\"|Query not in cache|Updating query cache");
+  EXPECT_FALSE(exists("data/Quorvel/cache/x.qc")) << "a tab would become the end of a field";
+}
+
+TEST_F(Listings, AnAnswerCutOrSplitAnywhereGivesTheWholeShowOrNone) {
+  const std::string right = listings_answer("GET /search/shows?q=the+harbour+lights ");
+  const auto times_found = [&](bool cut) {
+    std::size_t found = 0;
+    for (std::size_t at = 0; at < right.size(); ++at) {
+      service.misbehave([&](auto&, auto&) {
+        return cut ? FakeListings::Reads{right.substr(0, at)}
+                   : FakeListings::Reads{right.substr(0, at), right.substr(at)};
+      });
+      const std::optional<Show> show = session.search.searchtv("the harbour lights", false);
+      if (!show) continue;
+      ++found;
+      EXPECT_EQ(*show, (Show{101, "The Harbour Lights", page})) << at;
+    }
+    return found;
+  };
+  EXPECT_EQ(times_found(true), 4u) << "only a cut after an inner list looks like an end, after the first show's name";
+  EXPECT_EQ(times_found(false), right.size() - right.find("\r\n\r\n") - 4) << "the header must come in one piece";
 }
 
 TEST_F(Listings, AiredEpisodesComeFromTheCacheAndOthersAreFetchedAgain) {
-  const std::string fetched = "|No matches found in ep cache|Getting listings for: Tomorrow Street|Updating ep cache";
-  const Show street{106, "Tomorrow Street", ""};
-  const std::string first = title(street, 1, 1);
-  EXPECT_TRUE(first.find(fetched) != std::string::npos && first.ends_with("|Found episode in listings")) << first;
-  EXPECT_TRUE(title(street, 1, 1).ends_with("|Found episode in cache"));
-  EXPECT_EQ(read("data/Quorvel/cache/Tomorrow Street.epc").find("2999"), std::string::npos);
-  for (int number = 1; number <= 3; ++number) {
-    EXPECT_TRUE(title(street, 2, number).ends_with("|Found episode in listings")) << number;
+  const std::string miss = "|No matches found in ep cache|Getting listings for: Shift|Updating ep cache";
+  const std::string bad_date = "|Error checking date", listings = "|Found episode in listings";
+  answer("[" + listed("1", "1", "One &amp; Only") + "," + listed("1", "1", "Its Twin") + "," +
+         listed("1", "2", "Today", "2026-03-14") + "," + listed("1", "3", "Tomorrow", "2026-03-15") + "," +
+         listed("1", "4", "Some Day", "") + "," + listed("-2", "5", "\xC3\x9C\xC3\xA9", "2015-01-01-\t1\t6\tu\tWrong") +
+         "," + listed("-2", "5", "\xC3\x9C\xC3\xA9", "2015-1-2") + "]");
+  EXPECT_EQ(title(shift, 1, 1), "One & Only \"u\"" + miss + bad_date + listings);
+  EXPECT_EQ(
+      cached("Shift.epc"),
+      "2015-01-01\t1\t1\t\"u\"\tOne & Only\r\n2015-01-01\t1\t1\t\"u\"\tIts Twin\r\n2026-03-14\t1\t2\t\"u\"\tToday\r\n"
+      "2015-1-2\t-2\t5\t\"u\"\t\xC3\x9C\xC3\xA9\r\n");
+  EXPECT_EQ(title(shift, 1, 1), "One & Only \"u\"|Found episode in cache");
+  EXPECT_EQ(title(shift, 1, 2), "Today \"u\"|Found episode in cache");
+  EXPECT_EQ(title(shift, -2, 5), "Üé \"u\"|Found episode in cache");
+  EXPECT_EQ(title(shift, -2, 5, {.decode_utf8 = false}), "ÃœÃ© \"u\"|Found episode in cache");
+  EXPECT_EQ(service.requests().size(), 1u);
+  EXPECT_EQ(title(shift, 1, 3), "Tomorrow \"u\"" + miss + bad_date + listings);
+  EXPECT_EQ(title(shift, 1, 4), "Some Day \"u\"" + miss + bad_date + listings);
+  EXPECT_EQ(title(shift, 1, 6), "(none)" + miss + bad_date);
+  service.misbehave({});
+  EXPECT_EQ(
+      title(lights, 1, 1, {.use_cache = false}),
+      "Slack Water \"https://www.tvmaze.com/episodes/101001/the-harbour-lights-1x01-slack-water\"|Ep cache disabled|"
+      "Getting listings for: The Harbour Lights|Found episode in listings");
+  EXPECT_EQ(cached("The Harbour Lights.epc"), "(missing)");
+  EXPECT_TRUE(service.requests().back().starts_with("GET /shows/101/episodes HTTP/1.0\r\n"));
+}
+
+TEST_F(Listings, TheCacheIsReadAgainWhenItsFileChanges) {
+  const std::string file = "data/Quorvel/cache/Shift.epc", line = "2015-01-01\t1\t1\turl\t";
+  files->create_folder(work_dir() + "cache");
+  answer("[" + listed("1", "1", "Fetched") + "]");
+  write(file, line + "By Hand\r\n" + line + "Second\r\nno line");
+  EXPECT_EQ(title(shift, 1, 1), "By Hand url|Found episode in cache");
+  write(file, line + "By Hand, Longer\tand more\r\n");
+  EXPECT_EQ(title(shift, 1, 1), "By Hand, Longer url|Found episode in cache");
+  const std::string fetched =
+      "No matches found in ep cache|Getting listings for: Shift|Updating ep cache|"
+      "Found episode in listings";
+  for (const auto& [damaged, reason] : {std::pair(line + "Unended", ""),
+                                        {"2015-01-01\tx\t1\turl\tBroken\r\n", "\"x\" is not a whole number of 32 bits"},
+                                        {line + "Good\r\n2015-01-01\t1\t2\turl\r\n", "line 2 has 4 of 5 fields"}}) {
+    write(file, damaged);
+    const std::string logged = *reason == '\0' ? "" : std::string("Error checking ep cache: ") + reason + "|";
+    EXPECT_EQ(title(shift, 1, 1), "Fetched \"u\"|" + logged + fetched);
+    EXPECT_EQ(title(shift, 1, 1), "Fetched \"u\"|Found episode in cache");
   }
-  EXPECT_TRUE(title(street, 9, 9).starts_with("(none)|"));
-}
-
-TEST_F(Listings, TheCacheIsReadAnewWhenItsFileChanges) {
-  title(lights, 1, 1);
-  const std::string file = "data/Quorvel/cache/The Harbour Lights.epc";
-  EXPECT_TRUE(read(file).starts_with("2015-"));
-  write(file, "2015-01-01\t1\t1\turl\tBy Hand\r\n2015-01-01\t1\t1\turl\tSecond\r\n");
-  EXPECT_EQ(title(lights, 1, 1), "By Hand|Found episode in cache");
-  write(file, "2015-01-01\tx\t1\turl\tBroken\r\n");
-  EXPECT_TRUE(title(lights, 1, 1)
-                  .starts_with("Slack Water|Error checking ep cache: \"x\" is not a whole number of 32 bits|No matches "
-                               "found in ep cache|"));
-}
-
-TEST_F(Listings, ADateWithTabsBringsNoOtherEpisodeIntoTheCache) {
-  const Show shift{9, "Shift", ""};
-  service.misbehave(
-      scripts::body("[{\"id\":1,\"url\":\"u\",\"name\":\"Right\",\"season\":1,\"number\":1,"
-                    "\"airdate\":\"2015-01-01-\t1\t5\tu\tWrong\",\"x\":0}]"));
-  EXPECT_TRUE(title(shift, 1, 1).starts_with("Right|"));
-  EXPECT_TRUE(title(shift, 1, 5).starts_with("(none)|"));
-}
-
-TEST_F(Listings, TitlesAreDecodedUnlessTheUserTurnsThatOff) {
-  const Show noir{102, "CafÃ© Noir", ""};
-  EXPECT_TRUE(title(noir, 1, 2).starts_with("Überfall|"));
-  EXPECT_TRUE(title(noir, 1, 2).starts_with("Überfall|Found episode in cache"));
-  EXPECT_TRUE(title(noir, 1, 2, {.decode_utf8 = false}).starts_with("Ãœberfall|"));
+  answer("[" + listed("1", "1", "New") + "]");
+  EXPECT_EQ(title(shift, 1, 1, {.use_cache = false}).substr(0, 3), "New");
+  EXPECT_EQ(title(shift, 1, 1), "Fetched \"u\"|Found episode in cache") << "not what was fetched since";
 }
 
 TEST_F(Listings, AListThatCannotBeReadToItsEndIsNotTrusted) {
-  EXPECT_TRUE(title({107, "Specials", ""}, 1, 1).starts_with("(failure) \"null\" is not a whole number"));
-  EXPECT_TRUE(title({108, "Empty Shelf", ""}, 1, 1).ends_with("Site reports no episodes for: \"searched\""));
-  EXPECT_TRUE(title({999, "Nobody", ""}, 1, 1).starts_with("(none)|"));
-  service.misbehave(scripts::body("{\"name\":\"x\"}"));
-  EXPECT_TRUE(title(lights, 1, 1).ends_with("Error parsing listings (Err 5)"));
+  const std::string fetching = "|Ep cache disabled|Getting listings for: Shift", episode = listed("1", "1", "A");
+  const std::string too_many = "(failure) the service lists more episodes than any show has" + fetching;
+  const auto many = [&](std::size_t count, const std::string& each) {
+    std::string body = "[";
+    while (count-- > 0) body += each;
+    return body + "]";
+  };
+  const std::string bare = R"("id":1,"season":1,"number":1,)";
+  const std::string wide = listed("1", "1", std::string(8'370, 'x'), std::string(10, '2'));  // 8,383 bytes kept
+  const struct {
+    std::string body, outcome;
+  } cases[] = {
+      {"", "(none)" + fetching},
+      {"[]", "(none)" + fetching + "|Site reports no episodes for: \"searched\""},
+      {"{\"name\":\"x\"}", "(none)" + fetching + "|Error parsing listings (Err 5)"},
+      {"[{\"name\":\"x\"}]", "(none)" + fetching + "|Error parsing listings (Err 5)"},
+      {episode + "]", "(none)" + fetching + "|Error parsing listings (Err 5)"},
+      {"[" + episode, "(none)" + fetching + "|Error parsing listings (Err 5)"},
+      {"[" + episode + "," + listed("1", "null", "B") + "]",
+       "(failure) \"null\" is not a whole number of 32 bits" + fetching},
+      {"[" + episode + "," + listed("", "2", "B") + "]", "(failure) \"\" is not a whole number of 32 bits" + fetching},
+      {many(100'000, bare), " " + fetching + "|Found episode in listings"},
+      {many(100'001, bare), too_many},
+      {many(1'000, wide), std::string(8'370, 'x') + " \"u\"" + fetching + "|Found episode in listings"},
+      {many(1'002, wide), too_many},
+  };
+  for (const auto& [body, expected] : cases) {
+    answer(body);
+    EXPECT_EQ(title(shift, 1, 1, {.use_cache = false}), expected) << body.substr(0, 100);
+  }
 }
 
 TEST_F(Listings, OnlyAPastCalendarDayCountsAsAired) {
-  for (const char* date : {"2026-03-14", "2011-4-7", "1959-10-02"})
+  for (const char* date :
+       {"2026-03-14", "2011-4-7", "1959-10-02", "0001-01-01", "2024-02-29", "2015-12-31", "2011-05-06-7"})
     EXPECT_TRUE(session.listings.is_aired(date)) << date;
-  for (const char* date : {"2026-03-15", "", "0000-00-00", "0-0-0", "2011-00-05", "2011-05-00", "2011-02-30", "2011-05",
-                           "x-y-z", "2011-13-01", "99999-01-01", "2011-257-01"}) {
+  const std::size_t before = session.log.lines().size();
+  for (const char* date : {"2026-03-15", "9999-12-31", "0000-00-00", "0-0-0", "2011-00-05", "2011-05-00"})
     EXPECT_FALSE(session.listings.is_aired(date)) << date;
+  EXPECT_EQ(session.log.lines().size(), before) << "these are dates";
+  for (const char* date : {"", "2011-02-30", "2011-05", "x-y-z", "2011-13-01", "2011-0-01", "2011-01-0", "2011-01-32",
+                           "10000-01-01", "0000-01-01", "-1-01-01", "2011-257-01", "2011-01-257"}) {
+    EXPECT_FALSE(session.listings.is_aired(date)) << date;
+    EXPECT_EQ(log(session.log.lines().size() - 1), "Error checking date") << date;
   }
-  EXPECT_TRUE(logged("Error checking date"));
 }
 
 TEST_F(Listings, Utf8IsDecodedLeniently) {
+  const std::string error = "|Error converting string from UTF-8: ", cut = error + "a character is cut off at the end";
   const struct {
-    std::string bytes, text;
-  } cases[] = {{"\xC3\xA9", "é"}, {"x\xE6\x97\xA5", "x日"}, {"x", ""},
-               {"", ""},          {"a\xC3", "aÃ"},          {"\xF0\x9F\x98\x80", "ðŸ˜€"},
-               {"ab\x80", "ab€"}, {"\xC2zz", "\xC2\xBAz"},  {"..\xE0\x80\xAFx", "..à€¯x"}};
-  for (const auto& c : cases) EXPECT_EQ(UTF8Decode(from_code_page(c.bytes), session.log), c.text) << c.bytes;
-  EXPECT_TRUE(logged("Error converting string from UTF-8: a character is cut off at the end"));
+    std::string bytes, outcome;
+  } cases[] = {{"\xC3\xA9", "é"},
+               {"x\xE6\x97\xA5", "x日"},
+               {"x", ""},
+               {"", ""},
+               {"\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD", "\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBD"},
+               {"\xC1\xBF\xF0\x9F\x98\x80", "Á¿ðŸ˜€"},
+               {"ab\x80", "ab€"},
+               {"\xC2zz", "\xC2\xBAz"},
+               {"a\xC3", "aÃ" + cut},
+               {"a\xE6\x97", "aæ—" + cut},
+               {"..\xE0\x80\xAFx", "..à€¯x" + error + "an ASCII character stands in three bytes"},
+               {"\xED\x9F\xBF", "\xED\x9F\xBF"},
+               {"\xED\xA0\x80", "í\u00A0€" + error + "half a character stands alone"},
+               {"\xED\xBF\xBF", "í¿¿" + error + "half a character stands alone"},
+               {"\xEE\x80\x80", "\xEE\x80\x80"}};
+  for (const auto& [bytes, expected] : cases) {
+    EXPECT_EQ(outcome([&] { return std::optional(UTF8Decode(from_code_page(bytes), session.log)); }), expected);
+  }
+}
+
+TEST_F(Listings, MarksThatMisleadTheEyeAreTakenOutOfNames) {
+  session.settings.nocache = true;
+  const auto rename_as = [&](const std::string& show, const std::string& title) {
+    service.misbehave([=](const std::string& target, auto&) {
+      return FakeListings::ok(target.starts_with("/search")
+                                  ? "[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"" + show + "\",}}]"
+                                  : "[" + listed("1", "1", title) + "]");
+    });
+    const int index = add("x" + std::to_string(session.queue.count() + 2) + ".s01e01.avi");
+    session.processor.process_queue();
+    return item(index).state == QueueState::Done ? item(index).new_name : item(index).error_text;
+  };
+  EXPECT_EQ(rename_as("A\x1B[2J\x07&#13;b", "x\xE2\x80\xAEiva.exe\x7F\xE2\x81\xA7"), "A2Jb - 1x01 - xiva.exe.avi");
+  EXPECT_TRUE(logged("Removed 3 control characters from the service's name \"A2Jb\""));
+  EXPECT_TRUE(logged("Removed 3 control characters from the service's name \"xiva.exe\""));
+  // The lone marks of right-to-left scripts and a show's undecoded bytes are sane.
+  EXPECT_EQ(rename_as("\xD0\x9D", "\xD7\x90\xE2\x80\x8Fx"), "Ð\u009D - 1x01 - א\u200Fx.avi");
+  // Three halves of characters would have become the bytes of a mark.
+  EXPECT_EQ(rename_as("S", "\xED\xB3\xA2\xED\xB2\x80\xED\xB2\xAE"), "S - 1x01 - í³¢í²€í²®.avi");
 }
 
 }  // namespace

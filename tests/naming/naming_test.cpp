@@ -3,6 +3,7 @@
 #include "naming/episode_patterns.h"
 #include "naming/file_names.h"
 #include "naming/mask.h"
+#include "naming/service_names.h"
 #include "text/failure.h"
 
 namespace quorvel {
@@ -91,6 +92,24 @@ TEST(Masks, ReplaceTheirTokensInOrder) {
   EXPECT_EQ(expand_name("[s] [ss] [e] [ee]", {"", 0, 123, ""}), "0 00 123 123");
   EXPECT_EQ(expand_name("[show]", {"[title]", 1, 1, "x"}), "x");
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
+}
+
+TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
+  for (const char* name :
+       {"con", "CON", "Con.s01.avi", "nul .txt", "aux", "LPT1.a", "com\u00B2", "CONOUT$", "...", ". ."}) {
+    EXPECT_TRUE(name_trouble(name, '\\')) << name;
+    EXPECT_FALSE(name_trouble(name, '/')) << name;
+  }
+  for (const char* name :
+       {"Conan", "The Con", "com", "com12.avi", "lpt", "", "Agents of S.H.I.E.L.D.", "a..b", ".avi"}) {
+    EXPECT_FALSE(name_trouble(name, '\\')) << name;
+  }
+  EXPECT_TRUE(name_trouble("..", '/') && name_trouble(".", '\\'));
+  const MaskValues values{"Con", 1, 2, ".."};
+  EXPECT_EQ(mask_trouble("D:\\..\\[show]\\x", values, expand_folder, '\\'), "\"Con\" is the name of a device");
+  EXPECT_EQ(mask_trouble("[show] - [title]", values, expand_name, '\\'), std::nullopt);
+  EXPECT_EQ(mask_trouble("../a/[title]", values, expand_name, '/'), "\"..\" stands for a folder");
+  EXPECT_EQ(mask_trouble("../con/[s]", values, expand_folder, '/'), std::nullopt);
 }
 
 }  // namespace

@@ -204,12 +204,12 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
   } cases[] = {{"..", "x"}, {".", "x"}, {"a", "..\xE0\x80\xAF..\xE0\x80\xAFx"}, {"a/../b", "/../x"}, {"a", "&#0;x"}};
   int number = 0;
   for (const auto& c : cases) {
-    service.misbehave([&](const std::string& target, const std::string&) -> std::vector<Piece> {
+    service.misbehave([&](const std::string& target, const std::string&) {
       const std::string body = target.starts_with("/search")
                                    ? std::string("[{\"show\":{\"id\":5,\"url\":\"u\",\"name\":\"") + c.show + "\",}}]"
                                    : std::string("[{\"id\":1,\"url\":\"u\",\"name\":\"") + c.title +
                                          "\",\"season\":1,\"number\":1,\"airdate\":\"2015-01-01\",}]";
-      return {{"HTTP/1.1 200 OK\r\n\r\n" + body, {}}};
+      return FakeListings::ok(body);
     });
     add("evil" + std::to_string(++number + 1) + ".s01e01.avi");
     processor.process_queue();

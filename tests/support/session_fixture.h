@@ -3,9 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "fake_listings.h"
 #include "fake_ports.h"
-#include "listings_service.h"
-#include "platform/curl/curl_socket_control.h"
 #include "platform/system.h"
 #include "shell/session.h"
 #include "temporary_folder.h"
@@ -30,13 +29,12 @@ struct TestPorts {
   bool exists(const std::string& relative) const { return files->exists(folder / relative); }
 };
 
-/// A whole session on real connections, with the listings service beside it.
+/// A whole session, with the listings service behind its socket.
 struct TestSession : TestPorts {
   FakeMenu menu{events};
-  ListingsService service;
-  CurlSocketControl socket;
+  FakeListings service;
   Session session{
-      {key_values, *shell, *files, socket, ui, clock, &menu},
+      {key_values, *shell, *files, service, ui, clock, &menu},
       {.application_data = folder / "data", .program = folder / "program", .work_dir = {}, .api_base = service.base()}};
 
   TestSession() { files->create_folder(folder / "in"); }

@@ -1,38 +1,61 @@
+#include <openssl/ssl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <csignal>
 #include <iostream>
-#include <list>
+#include <string>
+#include <thread>
+#include <vector>
 
-#include "file_tools.h"
-#include "listings_service.h"
-#include "temporary_folder.h"
+namespace {
 
-/// tls-peers COMMAND [ARGUMENT...] runs a test with TLS servers of every kind beside it, whose addresses it finds in
-/// its environment, and answers its status. They are programs of this system even where the test is one of another.
+template <class T>
+T* require(T* made) {
+  return made != nullptr ? made : throw std::runtime_error("a TLS server cannot be made");
+}
+
+/// A listening socket whose clients are spoken to with this certificate.
+BIO* new_server(const std::string& certificate, bool gives_notice) {
+  const std::string file = QUORVEL_CERTIFICATES_DIR "/" + certificate + ".pem";
+  SSL_CTX* const context = require(SSL_CTX_new(TLS_server_method()));
+  BIO* const server = require(BIO_new_accept("127.0.0.1:0"));
+  SSL_CTX_set_quiet_shutdown(context, gives_notice ? 0 : 1);
+  const bool ready = SSL_CTX_use_certificate_file(context, file.c_str(), SSL_FILETYPE_PEM) == 1 &&
+                     SSL_CTX_use_PrivateKey_file(context, file.c_str(), SSL_FILETYPE_PEM) == 1 &&
+                     BIO_set_accept_bios(server, require(BIO_new_ssl(context, 0))) == 1 &&
+                     BIO_do_accept(server) == 1;  // the first only takes a port
+  return require(ready ? server : nullptr);
+}
+
+void serve(BIO* server) {
+  while (BIO_do_accept(server) == 1) {
+    BIO* const client = BIO_pop(server);
+    std::string request;
+    for (char byte = 0; !request.ends_with("\r\n\r\n") && BIO_read(client, &byte, 1) == 1;) request += byte;
+    BIO_puts(client, "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n[]");
+    BIO_free_all(client);  // with the notice that TLS wants
+  }
+}
+
+}  // namespace
+
+/// tls-peers COMMAND [ARGUMENT...] runs a test with TLS servers of every kind beside it, whose ports it finds in its
+/// environment, and exits with its status. They are programs of this system even where the test is one of another.
 int main(int argc, char** argv) try {
-  using namespace quorvel::testing;
-  if (argc < 2) throw std::runtime_error("no command is given");
-  const TestAuthority authority, stranger;
-  TlsIdentity silent = authority.issue("localhost");
-  silent.gives_notice = false;
-  const TemporaryFolder folder;
-  write_file(folder / "authority.pem", authority.pem());
-  setenv("QUORVEL_TLS_AUTHORITY", (folder / "authority.pem").c_str(), 1);
-  std::list<ListingsService> services;
-  for (const auto& [name, identity] : {std::pair("GOOD", authority.issue("localhost")),
-                                       {"OTHER_HOST", authority.issue("example.org")},
-                                       {"EXPIRED", authority.issue("localhost", Validity::Expired)},
-                                       {"STRANGER", stranger.issue("localhost")},
-                                       {"SILENT", silent}}) {
-    setenv((std::string("QUORVEL_TLS_") + name).c_str(), services.emplace_back(identity).base().c_str(), 1);
+  if (argc < 2) throw std::runtime_error("Usage: tls-peers COMMAND [ARGUMENT...]");
+  std::vector<BIO*> servers;
+  for (const std::string name : {"good", "other_host", "expired", "stranger", "silent"}) {
+    servers.push_back(new_server(name == "silent" ? "good" : name, name != "silent"));
+    setenv(("QUORVEL_TLS_" + name).c_str(), BIO_get_accept_port(servers.back()), 1);
   }
   const pid_t child = fork();
   if (child == 0) {
     execvp(argv[1], argv + 1);
     _exit(127);
   }
+  signal(SIGPIPE, SIG_IGN);  // who refuses a certificate hangs up early
+  for (BIO* const server : servers) std::thread(serve, server).detach();
   int status = 0;
   return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : 1;
 } catch (const std::exception& error) {

@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "session_fixture.h"
+#include <thread>
+
+#include "fake_listings.h"
+#include "fake_ports.h"
+#include "platform/system.h"
+#include "temporary_folder.h"
+#include "transport/http_client.h"
 #include "transport/whole_file.h"
 
 namespace quorvel::testing {
@@ -23,164 +29,207 @@ TEST(WholeFile, WritesOverTheStartAndReadsEveryByte) {
   EXPECT_FALSE(savefile(*files, folder / "missing/f.dat", "x", false));
 }
 
-/// Plays the part of a server, read by read, where a real one could not be held to such exact reads.
-class ScriptedSocket : public SocketControl {
- public:
-  std::vector<std::string> reads;
-  std::string sent, connected;
-  bool no_tls = false, refuses = false;
-  int most_writes = 100;
+using Reads = FakeListings::Reads;
 
-  void set_timeout(int seconds) override { EXPECT_EQ(seconds, 4); }
-  void set_secure(bool secure) override {
-    if (secure && no_tls) throw Failure("no TLS");
-    connected += secure ? "tls " : "tcp ";
-  }
-  int connect(const std::string& host, int port) override {
-    connected += host + ":" + std::to_string(port) + " ";
-    return refuses ? 7 : 0;
-  }
-  std::ptrdiff_t write(std::string_view bytes) override {
-    if (--most_writes < 0) return 1;
-    sent += bytes;
-    return static_cast<std::ptrdiff_t>(bytes.size());
-  }
-  std::ptrdiff_t read(char* buffer, std::size_t size) override {
-    EXPECT_EQ(size, 2048u);
-    if (reads.empty()) return 0;
-    const std::string bytes = reads.front();
-    reads.erase(reads.begin());
-    if (bytes == "error") return -1;
-    return static_cast<std::ptrdiff_t>(bytes.copy(buffer, size));
-  }
-  void disconnect() override { connected += "closed "; }
-  int last_error() const override { return 28; }
-  std::string last_error_string() const override { return "late"; }
-};
+const std::string ok = "HTTP/1.1 200 OK\r\n\r\n";
 
 struct Http : ::testing::Test {
-  ScriptedSocket socket;
+  FakeListings service;
   Events events;
   FakeUi ui{events};
   Lines log;
-  HttpClient http{socket, ui, log};
-  std::string status;
+  HttpClient http{service, ui, log};
+  std::string steps;    // all that happened, in order
+  std::string status;   // the last that was reported
+  std::string failing;  // the call of the socket that fails
+  std::function<void()> on_failure = [] {};
+
   Http() {
-    http.on_status = [this](std::string_view message) { status = message; };
+    http.on_status = [this](std::string_view message) { steps += (status = message) + "|"; };
+    ui.on_events = [this] { steps += "events|"; };
+    service.works = [this](const std::string& call) {
+      steps += call + "|";
+      if (call == failing) on_failure();
+      return call != failing;
+    };
   }
-  std::string get(std::string url, std::vector<std::string> reads) {
-    socket.reads = std::move(reads);
-    socket.connected.clear();
-    return http.GetData(url, "");
+  std::string get(std::string url, const std::vector<Reads>& answers = {{ok + "x"}}) {
+    steps.clear();
+    service.misbehave([&, next = std::size_t{0}](auto&, auto&) mutable { return answers.at(next++); });
+    const std::string body = http.GetData(url, "");
+    service.misbehave({});
+    return body;
   }
 };
 
 TEST_F(Http, AddressesAreTakenApart) {
   const struct {
     const char* url;
-    bool usable;
-    Address address;
-  } cases[] = {{" http://host/a/b?x=1 ", true, {false, "host", 80, "/a/b?x=1", "b"}},
-               {"https://host:8443", true, {true, "host", 8443, "/", "/"}},
-               {"HTTPS://host/", true, {true, "host", 443, "/", "/"}},
-               {"/only/path", true, {false, "host", 80, "/only/path", "path"}},
-               {"ftp://host/", false, {}},
-               {"http://host:abc/", false, {}},
-               {"http://host:99999/", false, {}}};
-  for (const auto& c : cases) {
+    Address address;  // without a host: of no use
+  } cases[] = {{" http://host/a/b?x=1 ", {false, "host", 80, "/a/b?x=1", "b"}},
+               {"https://host:8443", {true, "host", 8443, "/", "/"}},
+               {"HTTPS://host/?a", {true, "host", 443, "/?a", "/"}},
+               {"/only/path", {false, "host", 80, "/only/path", "path"}},
+               {"bare:65535", {false, "bare", 65535, "/", "/"}},
+               {"ftp://host/", {}},
+               {"http://host:abc/", {}},
+               {"http://host:65536/", {}}};
+  for (const auto& [url, expected] : cases) {
     Address found;
-    EXPECT_EQ(http.spliturl(c.url, found), c.usable) << c.url;
-    if (!c.usable) continue;
+    EXPECT_EQ(http.spliturl(url, found), !expected.host.empty()) << url;
+    if (expected.host.empty()) continue;
     EXPECT_EQ(std::tie(found.secure, found.host, found.port, found.path, found.file),
-              std::tie(c.address.secure, c.address.host, c.address.port, c.address.path, c.address.file))
-        << c.url;
+              std::tie(expected.secure, expected.host, expected.port, expected.path, expected.file))
+        << url;
   }
   Address none;
-  EXPECT_FALSE(HttpClient(socket, ui, log).spliturl("/path", none)) << "no host was ever named";
-  EXPECT_EQ(HttpClient::URLEncode("A z9-é€日\x01"), "A+z9%2D%E9%80%3F%01");
+  EXPECT_FALSE(HttpClient(service, ui, log).spliturl("/path", none)) << "no host was ever named";
+  EXPECT_EQ(HttpClient::URLEncode("AZaz09 -/:@[`{é€日\x01"), "AZaz09+%2D%2F%3A%40%5B%60%7B%E9%80%3F%01");
 }
 
-TEST_F(Http, RequestsAreExactToTheByte) {
-  std::string url = "http://host:81/a?q=b";
-  http.GetData(url, "");
-  EXPECT_EQ(socket.sent, "GET /a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\n\r\n");
-  socket.sent.clear();
+TEST_F(Http, ATransferTakesTheseSteps) {
+  EXPECT_EQ(get("http://host:81/a?q=b", {{"HTTP/1.1 200 OK\r\nCONTENT-LENGTH: 9\r\n\r\nab", "\xE9"}}), "abé");
+  EXPECT_EQ(
+      steps,
+      "HTTP: Connecting to host...|events|timeout 4|tcp|connect host:81|HTTP: Sending Request...|write|write|write|"
+      "write|HTTP: Receiving data...|read 2048|HTTP: Got 2 of 9 bytes|events|read 2048|HTTP: Got 3 of 9 bytes|"
+      "events|read 2048|close|HTTP: Downloaded 3 bytes|");
+  std::string url = "https://host/a?q=b";
   http.GetData(url, "k=v");
-  EXPECT_EQ(socket.sent, "GET /a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\nCookie: k=v\r\n\r\n");
-  socket.sent.clear();
   http.PostData(url, "a=b", "");
-  EXPECT_EQ(socket.sent,
-            "POST /a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\nContent-Type: application/x-www-form-urlencoded\r\n"
-            "Content-Length: 3\r\n\r\na=b");
+  http.PostData(url, "", "k=v");
+  const std::string get = "GET /a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\n", cookie = "Cookie: k=v\r\n";
+  const std::string post =
+      "POST /a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\n"
+      "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: ";
+  EXPECT_EQ(service.requests(), (std::vector{get + "\r\n", get + cookie + "\r\n", post + "3\r\n\r\na=b",
+                                             post + "0\r\n" + cookie + "\r\n"}));
 }
 
-TEST_F(Http, AnswersGiveTheirBodyOrNothing) {
+TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
+  const std::string header_error = "Error in modHTTP.GetData()\r\nError Code: 0 Error Text: ";
   const struct {
-    std::vector<std::string> reads;
-    const char *body, *status;
+    Reads reads;
+    std::string body, status;
   } cases[] = {
-      {{"HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nab", "\xE9"}, "abé", "HTTP: Downloaded 3 bytes"},
-      {{"HTTP/1.1 401 No\r\n\r\nwho"}, "who", "HTTP: Downloaded 3 bytes"},
-      {{"HTTP/1.1 404 No\r\n\r\nx"}, "", "HTTP: Unhandled return code (404)"},
-      {{"HTTP/1.1 302 Found\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)"},
-      {{"HTTP/1.1 304 Same\r\nLocation: http://b/\r\n\r\n"}, "", "HTTP: Unhandled return code (304)"},
-      {{"nonsense\r\n\r\nx"}, "", "HTTP: Unhandled return code (0)"},
-      {{"HTTP/1.1 200 OK\r\n"}, "", "HTTP: Downloaded 0 bytes"},
       {{}, "", "HTTP: Downloaded 0 bytes"},
-      {{"HTTP/1.1 200 OK\r\n\r\nx", "error"}, "", "HTTP: Unable to receive data from server (error 28late)"},
+      {{"HTTP/1.1 200 OK\r\n"}, "", "HTTP: Downloaded 0 bytes"},
+      {{ok + "x", {}}, "", "HTTP: Unable to receive data from server (error 28late)"},
+      {{"nonsense\r\n\r\nx"}, "", "HTTP: Unhandled return code (0)"},
+      {{"Location: 302\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)"},
+      {{"HTTP/1.1 302 Found\r\nLocation : /d\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)"},
+      {{"HTTP/1.1 200 OK\r\nContent-Length: many\r\n\r\nx"},
+       "",
+       header_error + "\"many\" is not a whole number of 32 bits"},
       // The first part of the body is measured by the read that ends the header, so these bytes are lost.
       {{"HTTP/1.1 200", " OK\r\n\r\nabcdefghijklmnop", "q"}, "mnopq", "HTTP: Downloaded 5 bytes"},
-      {{"HTTP/1.1 200 OK\r\n", "\r\nx"}, "", ""},
-      {{"HTTP/1.1 200 OK\r\nContent-Length: many\r\n\r\nx"}, "", ""},
+      {{"HTTP/1.1 200 OK\r\n\r", "\nabcdefghijklmnopqrst"}, "st", "HTTP: Downloaded 2 bytes"},
+      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnopq", "r"}, "r", "HTTP: Downloaded 1 bytes"},
+      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnop"}, "", header_error + "The header arrived in parts"},
   };
   for (const auto& c : cases) {
-    EXPECT_EQ(get("http://a/", c.reads), c.body) << ::testing::PrintToString(c.reads);
-    if (*c.status != '\0') {
-      EXPECT_EQ(status, c.status);
-    } else {
-      EXPECT_TRUE(status.starts_with("Error in modHTTP.GetData()\r\nError Code: ")) << status;
-    }
-    EXPECT_TRUE(socket.connected.ends_with("closed ")) << socket.connected;
+    EXPECT_EQ(get("http://a/", {c.reads}), c.body) << ::testing::PrintToString(c.reads);
+    EXPECT_EQ(status, c.status);
+    EXPECT_NE(steps.find("|close|"), std::string::npos);
+  }
+  for (int code = 100; code < 600; ++code) {
+    const std::string answer = "HTTP/1.1 " + std::to_string(code) + " X\r\nX: y\r\nLocation: /b\r\n\r\nx";
+    const char* const expected = code >= 300 && code <= 303 ? "b" : code / 100 == 2 || code == 401 ? "x" : "";
+    EXPECT_EQ(get("http://a/", {{answer}, {ok + "b"}}), expected) << code;
   }
 }
 
 TEST_F(Http, RedirectsAreFollowedAndABarePathStaysWithTheHost) {
-  const std::string good = "HTTP/1.1 200 OK\r\n\r\nx";
-  EXPECT_EQ(get("http://a:81/", {"HTTP/1.1 301 Moved\r\nX: y\r\nLOCATION:  https://b:82/c \r\n\r\n",
-                                 "HTTP/1.1 303 Other\r\nLocation: /d\r\n\r\n", good}),
+  EXPECT_EQ(get("http://a:81/", {{"HTTP/1.1 301 Moved\r\nX: y\r\nLOCATION:  https://b:82/c \r\n\r\n"},
+                                 {"HTTP/1.1 303 Other\r\nLocation: /d\r\n\r\n"},
+                                 {ok + "x"}}),
             "x");
-  EXPECT_EQ(socket.connected, "tcp a:81 closed tls b:82 closed tls b:80 closed ");
+  for (const char* const step : {"tcp|connect a:81|", "close|", "tls|connect b:82|", "close|", "tls|connect b:80|"}) {
+    const std::size_t at = steps.find(step);
+    ASSERT_NE(at, std::string::npos) << step << " in " << steps;
+    steps.erase(0, at);
+  }
   std::string url = "http://a/";
-  socket.reads = {"HTTP/1.1 300 Many\r\nLocation: ftp://b/\r\n\r\n"};
+  service.misbehave([](auto&, auto&) { return Reads{"HTTP/1.1 300 Many\r\nLocation: ftp://b/\r\n\r\n"}; });
   EXPECT_EQ(http.GetData(url, ""), "");
   EXPECT_EQ(url, "ftp://b/");
   EXPECT_EQ(status, "HTTP: The specified address is invalid");
 }
 
-TEST_F(Http, FailuresOnTheWayAreTold) {
-  socket.refuses = true;
-  EXPECT_EQ(get("http://a/", {}), "");
-  EXPECT_EQ(status, "HTTP: Unable to connect to a (error 28)");
-  EXPECT_EQ(socket.connected, "tcp a:80 ");
-  socket.refuses = false;
-  socket.no_tls = true;
-  EXPECT_EQ(get("https://a/", {}), "");
-  EXPECT_EQ(status, "HTTP: Unable to initialize security interface");
-  socket.most_writes = 2;
-  EXPECT_EQ(get("http://a/", {}), "");
-  EXPECT_EQ(status, "HTTP: Unable to send request to a");
+TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryCall) {
+  const struct {
+    const char *call, *failed, *cancelled;
+    bool closed;
+  } cases[] = {
+      {"connect a:443", "HTTP: Unable to connect to a (error 28)", "HTTP: Connection canceled", false},
+      {"write", "HTTP: Unable to send request to a", "HTTP: Download canceled", true},
+      {"read 2048", "HTTP: Unable to receive data from server (error 28late)", "HTTP: Download canceled", true},
+      {"tls", "HTTP: Unable to initialize security interface", nullptr, false}};
+  for (const auto& c : cases) {
+    for (const char* const expected : {c.failed, c.cancelled}) {
+      if (expected == nullptr) continue;
+      failing = c.call;
+      on_failure = [&] {
+        if (expected == c.cancelled) http.cancel();
+      };
+      EXPECT_EQ(get("https://a/"), "");
+      EXPECT_EQ(status, expected);
+      EXPECT_EQ(steps.find("close") != std::string::npos, c.closed) << steps;
+      failing = "";
+      EXPECT_EQ(get("https://a/"), "x") << "a cancel is forgotten once it was obeyed";
+    }
+  }
 }
 
-TEST_F(Http, ACancelEndsTheTransferAndIsThenForgotten) {
-  http.cancel();
-  EXPECT_EQ(get("http://a/", {"HTTP/1.1 200 OK\r\n\r\nx"}), "");
-  EXPECT_EQ(status, "HTTP: Download canceled");
-  EXPECT_EQ(get("http://a/", {"HTTP/1.1 200 OK\r\n\r\nx"}), "x");
-  int events = 0;
-  ui.on_events = [&] {
-    if (++events == 2) http.cancel();  // after the first read
+TEST_F(Http, ACancelWhileEventsRunEndsTheTransferBeforeTheNextRead) {
+  for (int at = 1; at <= 3; ++at) {
+    int count = 0;
+    ui.on_events = [&] {
+      if (++count == at) http.cancel();
+    };
+    EXPECT_EQ(get("http://a/", {{ok + "x", "y"}}), "");
+    EXPECT_TRUE(steps.ends_with("|close|HTTP: Download canceled|")) << steps;
+    EXPECT_EQ(count, at);
+    ui.on_events = [] {};
+    EXPECT_EQ(get("http://a/"), "x");
+  }
+}
+
+TEST_F(Http, EveryExcessEndsTheTransferAndIsLogged) {
+  const Reads again = {"HTTP/1.1 302 Found\r\nLocation: /again\r\n\r\n"};
+  const auto excess = [&](const std::string& url, const std::vector<Reads>& answers) {
+    log.list.clear();
+    EXPECT_EQ(get(url, answers), "");
+    EXPECT_TRUE(steps.ends_with("close|")) << steps.substr(steps.size() - 80);
+    EXPECT_EQ(get("http://a/"), "x") << "the next request is as good as ever";
+    return log.list;
   };
-  EXPECT_EQ(get("http://a/", {"HTTP/1.1 200 OK\r\n\r\nx", "y"}), "");
+  const std::string given_up = "The answer from a was given up: ";
+  EXPECT_EQ(excess("http://a/", {{ok + std::string(12'000'000, '\x80')}}),  // three bytes each when decoded
+            std::vector{given_up + "its body is longer than 33554432 bytes"});
+  EXPECT_EQ(excess("http://a/", {{"HTTP/1.1 200 OK\r\n" + std::string(70'000, 'x')}}),
+            std::vector{given_up + "its header is longer than 65536 bytes"});
+  EXPECT_EQ(excess("http://a/", std::vector<Reads>(51, again)),
+            std::vector{given_up + "it redirects more than 50 times"});
+  std::vector<Reads> most(50, again);
+  most.push_back({ok + "x"});
+  EXPECT_EQ(get("http://a/", most), "x");
+
+  http.limits.body = 4;
+  http.limits.header = ok.size() - 4;
+  EXPECT_EQ(get("http://a/", {{ok + "abcd"}}), "abcd");
+  EXPECT_EQ(excess("http://" + std::string(300, 'h') + "/", {{ok + "abcde"}}),
+            std::vector{"The answer from " + std::string(253, 'h') + " was given up: its body is longer than 4 bytes"});
+  http.limits.header -= 1;
+  EXPECT_EQ(get("http://a/", {{ok + "x"}}), "");
+  EXPECT_TRUE(log.list.back().ends_with("its header is longer than 14 bytes"));
+  http.limits = {.time = std::chrono::seconds(1)};
+  service.works = [&](const std::string& call) {
+    if (call == "read 2048") std::this_thread::sleep_for(http.limits.time);  // a service that takes its time
+    return true;
+  };
+  EXPECT_EQ(get("http://a/", {{ok + "x", {}}}), "");
+  EXPECT_EQ(log.list.back(), given_up + "it takes longer than 1 seconds");
 }
 
 }  // namespace
