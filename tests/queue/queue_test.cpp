@@ -59,7 +59,6 @@ TEST_F(Queue, IntakeTakesOnlyFilesThatFitAndSaysWhyNot) {
 }
 
 TEST_F(Queue, AFolderIsTakenWhole) {
-  for (const char* sub : {"in/s", "in/s/Samples"}) files->create_folder(folder / sub);
   for (const char* name : {"in/x.avi", "in/s/y.mkv", "in/s/Samples/z.avi", "in/n.txt"}) write(name, name);
   const IntakeResult result = session.intake.take(folder / "in", false);
   EXPECT_TRUE(result.is_folder);
@@ -224,7 +223,6 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
 }
 
 TEST_F(Queue, TheFoldersNameComesBeforeTheFilesAndExceptionsAreApplied) {
-  files->create_folder(folder / "in/harbor.s01e03.x");
   write("data/Quorvel/man.dat", "Harbor\tThe Harbour Lights\r\n");
   session.exceptions.loadefilters();
   add("harbor.s01e03.x/other.s02e02.avi");

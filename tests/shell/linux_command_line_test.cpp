@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "program_copy.h"
+#include "session_fixture.h"
 #include "shell/command_line.h"
-#include "shell/startup.h"
 
 namespace quorvel::testing {
 namespace {
@@ -38,10 +37,9 @@ TEST(CommandLine, TellsSwitchesFromPaths) {
 
 TEST(Startup, HandsOverEachPathInAMessageOfItsOwn) {
   ProgramCopy copy;
-  Startup startup(copy.session, copy.window, copy.channel);
   const std::string odd = copy.file("q\"\n|\xFF.mkv"), plain = copy.file("a.1x01.mkv");
   copy.channel.others = {true};
-  EXPECT_EQ(startup.run({odd, "/startup", plain}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({odd, "/startup", plain}), StartResult::Ended);
   EXPECT_THAT(copy.happened(), ::testing::ElementsAre("wait 100", "send QV|PI|C=" + odd, "send QV|PI|C=" + plain));
 }
 

@@ -12,8 +12,6 @@ using Texts = std::vector<std::string>;
 struct Shell : ::testing::Test, TestSession {};
 
 TEST_F(Shell, TheFirstRunWritesItsVersionAndTellsWhatItLoads) {
-  files->create_folder(folder / "data/Quorvel");
-  files->create_folder(folder / "data/Quorvel/cache");
   write("data/Quorvel/cache/old.qc", "x");
   session.start();
   EXPECT_EQ(log(), "Quorvel 3.4 (build 0) started");
@@ -25,8 +23,7 @@ TEST_F(Shell, TheFirstRunWritesItsVersionAndTellsWhatItLoads) {
 
 TEST_F(Shell, OnlyOlderVersionsDropTheCaches) {
   for (const auto& [version, dropped] : {std::pair("3.1", true), std::pair("3.3", true), std::pair("3.4", false)}) {
-    files->create_folder(folder / "data/Quorvel");
-    files->create_folder(folder / "data/Quorvel/cache");
+    write("data/Quorvel/cache/old.qc", "x");
     key_values.texts[""] = version;
     key_values.numbers["context"] = 1;
     session.start();

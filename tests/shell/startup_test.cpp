@@ -1,10 +1,8 @@
-#include "shell/startup.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/native.h"
-#include "program_copy.h"
+#include "session_fixture.h"
 #include "shell/commands.h"
 
 namespace quorvel::testing {
@@ -16,7 +14,16 @@ using Texts = std::vector<std::string>;
 
 struct Copy : ProgramCopy {
   const std::string a = file("a.1x01.mkv"), b = file("b 1x02.avi");
-  Startup startup{session, window, channel};
+};
+
+struct Recorder : Launcher {
+  explicit Recorder(Events& events) : events(events) {}
+  Events& events;
+  bool works = true;
+  bool open(const std::string& target) override { return events.add("open " + target), works; }
+  bool start(const std::string& program, const std::string& argument) override {
+    return events.add(program + "|" + argument), works;
+  }
 };
 
 TEST(Startup, BringsTheProgramUpInOrder) {
@@ -126,6 +133,33 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
   copy.events.fails = "remove";
   EXPECT_EQ(copy.startup.run({"/uninstall", "x"}), StartResult::Ended);
   EXPECT_FALSE(copy.exists("data/Quorvel"));
+}
+
+TEST(Commands, OpenWhatTheyNameOrSayWhyNot) {
+  ProgramCopy copy;
+  Recorder launcher(copy.events);
+  Commands commands(copy.session, launcher);
+  const auto run_all = [&] {
+    commands.help();
+    commands.website();
+    commands.update(18446744073709551615U);
+    return copy.happened();
+  };
+  const std::string site = "https://quorvel.example/?v=3.4", help = help_file(copy.session.places);
+  EXPECT_THAT(run_all(), ElementsAre("message Quorvel: Help File not found in program directory", "open " + site,
+                                     "message Quorvel: No updater is set up.##New versions can be found at " + site));
+  copy.make(help);
+  copy.key_values.write_string("website", "http://127.0.0.1/q/");
+  copy.key_values.write_string("updater", "/opt/up date");
+  const std::string open_help = "open " + help, open_site = "open http://127.0.0.1/q/?v=3.4",
+                    update = "/opt/up date|package=Quorvel,apppath=" + (copy.folder / "program") +
+                             ",runcount=123,version=3400,handle=18446744073709551615";
+  EXPECT_THAT(run_all(), ElementsAre(open_help, open_site, update));
+  launcher.works = false;
+  const std::string none = "message Quorvel: There is no program to open this with: ";
+  EXPECT_THAT(run_all(), ElementsAre(open_help, none + help, open_site, none + "http://127.0.0.1/q/?v=3.4", update,
+                                     "message Quorvel: The updater cannot be started: /opt/up date"));
+  EXPECT_EQ(compact_version(3, 4, 99) + compact_version(3, 4, 100) + compact_version(3, 12, 7), "340993410031207");
 }
 
 }  // namespace

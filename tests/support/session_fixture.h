@@ -1,18 +1,21 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fake_listings.h"
 #include "fake_ports.h"
+#include "file_tools.h"
 #include "platform/system.h"
-#include "shell/session.h"
+#include "shell/startup.h"
 #include "temporary_folder.h"
 
 namespace quorvel::testing {
 
-/// What a session stands on: real files, and fakes for what cannot be had.
-struct TestPorts {
+/// A whole session on real files, with fakes for what cannot be had and the listings service behind its socket.
+struct TestSession {
   TemporaryFolder folder;
   Events events;
   FakeUi ui{events};
@@ -21,23 +24,23 @@ struct TestPorts {
   std::unique_ptr<Files> files = system_files();
   std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
 
-  TestPorts() { files->create_folder(folder / "data"); }
-  void write(const std::string& relative, const std::string& bytes) const {
-    if (!files->replace(folder / relative, bytes)) throw Failure("cannot write " + relative);
-  }
-  std::string read(const std::string& relative) const { return files->read(folder / relative).value_or("(missing)"); }
-  bool exists(const std::string& relative) const { return files->exists(folder / relative); }
-};
-
-/// A whole session, with the listings service behind its socket.
-struct TestSession : TestPorts {
   FakeMenu menu{events};
   FakeListings service;
   Session session{
       {key_values, *shell, *files, service, ui, clock, &menu},
       {.application_data = folder / "data", .program = folder / "program", .work_dir = {}, .api_base = service.base()}};
 
-  TestSession() { files->create_folder(folder / "in"); }
+  TestSession() {
+    for (const char* const name : {"data", "in", "program"}) files->create_folder(folder / name);
+  }
+  /// Makes a file, and the folders that it lacks.
+  void make(const std::string& path, const std::string& bytes = "x") const {
+    std::filesystem::create_directories(path_of(path).parent_path());
+    if (!files->replace(path, bytes)) throw Failure("cannot write " + path);
+  }
+  void write(const std::string& relative, const std::string& bytes) const { make(folder / relative, bytes); }
+  std::string read(const std::string& relative) const { return files->read(folder / relative).value_or("(missing)"); }
+  bool exists(const std::string& relative) const { return files->exists(folder / relative); }
 
   std::string work_dir() const { return folder / "data/Quorvel/"; }
 
@@ -65,6 +68,22 @@ struct TestSession : TestPorts {
     return text;
   }
   bool logged(const std::string& line) const { return ("|" + log() + "|").find("|" + line + "|") != std::string::npos; }
+};
+
+/// One copy of the desktop program without its window: the log and all that is asked of the ports are events.
+struct ProgramCopy : TestSession {
+  FakeWindow window{events};
+  FakeChannel channel{events};
+  Startup startup{session, window, channel};
+
+  ProgramCopy() {
+    session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };
+  }
+  /// Makes a file there; its path.
+  std::string file(const std::string& name) {
+    return make(folder / name), folder / name;
+  }
+  std::vector<std::string> happened() { return std::exchange(events.list, {}); }
 };
 
 }  // namespace quorvel::testing
