@@ -8,6 +8,17 @@ namespace quorvel {
 enum Action { Rename = 1, MoveAndRename = 2, CopyAndRename = 3 };
 
 /// "Rename", "Move & Rename" or "Copy & Rename"; empty for other values.
-std::string_view action_name(int action);
+constexpr std::string_view action_name(int action) {
+  switch (action) {
+    case Rename:
+      return "Rename";
+    case MoveAndRename:
+      return "Move & Rename";
+    case CopyAndRename:
+      return "Copy & Rename";
+    default:
+      return {};
+  }
+}
 
 }  // namespace quorvel

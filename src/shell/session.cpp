@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
+#include "naming/file_names.h"
 #include "shell/preferences.h"
 #include "shell/version.h"
-#include "shell/work_dir.h"
 
 namespace quorvel {
 
@@ -35,7 +35,7 @@ Session::Session(Ports ports, Places places)
 
 void Session::start() {
   write_banner();
-  find_work_dir();
+  setworkdir();
   load_preferences(*this);
   load_rules();
 }
@@ -47,9 +47,19 @@ void Session::write_banner() {
       LogLevel::Normal);
 }
 
-void Session::find_work_dir() {
-  settings.work_dir =
-      places.work_dir ? *places.work_dir : setworkdir(ports.files, log, places.application_data, places.program);
+void Session::setworkdir() {
+  const std::string& data = places.application_data;
+  if (places.work_dir) {
+    settings.work_dir = *places.work_dir;
+  } else if (!ports.files.exists(data)) {
+    settings.work_dir = with_separator(places.program);
+  } else {
+    const std::string folder = with_separator(data) + application_title;
+    if (!ports.files.exists(folder) && !ports.files.create_folder(folder)) {
+      log.debug_log("Error making work dir: " + folder + " cannot be created", LogLevel::Normal);
+    }
+    settings.work_dir = with_separator(folder);
+  }
 }
 
 void Session::load_rules() {

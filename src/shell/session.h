@@ -60,7 +60,9 @@ class Session {
 
   /// The steps of start() that are the session's own.
   void write_banner();
-  void find_work_dir();
+  /// The folder of the program's name in the one for applications' data, made when missing; the program's own folder
+  /// where there is no such place.
+  void setworkdir();
   void load_rules();
 
   const Ports ports;

@@ -2,12 +2,14 @@
 
 #include <chrono>
 #include <exception>
+#include <functional>
 #include <string_view>
 #include <utility>
 
+#include "naming/file_names.h"
+#include "platform/native.h"
 #include "shell/commands.h"
 #include "shell/preferences.h"
-#include "shell/uninstall.h"
 #include "shell/version.h"
 #include "text/characters.h"
 #include "text/failure.h"
@@ -22,6 +24,36 @@ constexpr std::string_view command_mark = "C=";  // receivers only skip it
 std::string without_mark(std::string_view text) {
   const std::u32string characters = decode(text);
   return characters.size() < command_mark.size() ? std::string() : encode(characters.substr(command_mark.size()));
+}
+
+void ignoring_failures(const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const std::exception&) {
+    return;  // there is nobody left to tell, and the other steps still count
+  }
+}
+
+void remove_data_folder(Session& session) {
+  using Request = FileOperationRequest;
+  if (session.places.application_data.empty()) return;
+  const std::string folder = with_separator(session.places.application_data) + application_title;
+  if (!session.ports.files.exists(folder)) return;
+  session.ports.shell.perform(
+      {Request::Delete, folder, "", Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
+}
+
+/// Takes back what the program has put into the system; never fails.
+void uninstall(Session& session) {
+  ignoring_failures([&] { remove_menu_entries(session); });
+  ignoring_failures([&] { session.ports.key_values.erase_all(); });
+  // A bare name on purpose: no work directory has been set.
+  static constexpr const char* rules = "filters.dat";
+  ignoring_failures([&] {
+    Files& files = session.ports.files;
+    if (native::uninstall_clears_current_folder && files.exists(rules)) files.remove(rules);
+  });
+  ignoring_failures([&] { remove_data_folder(session); });
 }
 
 }  // namespace
@@ -67,7 +99,7 @@ void Startup::start(const CommandLine& line) {
   channel_.receive([this](const std::string& text) { handle_message(text); });
   session_.write_banner();
   window_.add_tray_icon(application_title);
-  session_.find_work_dir();
+  session_.setworkdir();
   load_preferences(session_);
   find_help_file();
   session_.load_rules();
