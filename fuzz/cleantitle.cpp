@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::check(title == trimtext(title), "nothing is left to trim");
     fuzz::check(title.size() <= text.size(), "no text grows");
   } catch (const Failure&) {
-    fuzz::check(text.find('&') != std::string::npos || text.size() > longest_title,
+    fuzz::check(text.find('&') != std::string::npos || text.size() > max_title_size,
                 "only references and length are refused");
   }
   return 0;

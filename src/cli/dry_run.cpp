@@ -77,7 +77,7 @@ int DryRun::perform(const FileOperationRequest& request) {
   }
   if (exists(destination)) return static_cast<int>(std::errc::file_exists);
   if (kind(getpath(destination, 0)) != Kind::Folder) return static_cast<int>(std::errc::no_such_file_or_directory);
-  tell_(source, destination);
+  report_(source, destination);
   set(destination, Kind::File);
   if (operation != FileOperationRequest::Copy) set(source, Kind::Missing);
   return 0;

@@ -16,9 +16,9 @@ namespace quorvel::cli {
 /// run sees what the ones before it would have left.
 class DryRun : public Files, public FileOperation {
  public:
-  /// `tell` gets the old and the new path of each operation that would be done.
-  DryRun(const Files& real, std::function<void(const std::string&, const std::string&)> tell)
-      : real_(real), tell_(std::move(tell)) {}
+  /// `report` gets the old and the new path of each operation that would be done.
+  DryRun(const Files& real, std::function<void(const std::string&, const std::string&)> report)
+      : real_(real), report_(std::move(report)) {}
 
   Kind kind(const std::string& path) const override;
   std::optional<FileStamp> stamp(const std::string& path) const override;
@@ -33,14 +33,14 @@ class DryRun : public Files, public FileOperation {
   struct Change {
     Kind kind = Kind::Missing;
     std::string bytes;
-    std::int64_t number = 0;  // tells one state from another
+    std::int64_t number = 0;  // distinguishes one state from another
   };
 
   const Change* change(const std::string& path) const;
   void set(const std::string& path, Kind kind, const std::string& bytes = {});
 
   const Files& real_;
-  std::function<void(const std::string&, const std::string&)> tell_;
+  std::function<void(const std::string&, const std::string&)> report_;
   std::map<std::string, Change> changes_;     // by path, without a separator at its end
   std::vector<std::string> removed_folders_;  // with one
   std::int64_t count_ = 0;

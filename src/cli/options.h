@@ -17,7 +17,7 @@ struct Options {
   std::vector<std::string> paths;
 };
 
-/// Nothing is to be run: this is to be told, and the program to end.
+/// Nothing is to be run: the program prints this and ends.
 struct Ending {
   int status = 0;
   std::string text;  // for standard output with status 0, else for standard error

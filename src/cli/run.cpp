@@ -43,7 +43,7 @@ std::string files(int count) {
   return std::to_string(count) + (count == 1 ? " file" : " files");
 }
 
-/// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is not ours.
+/// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is refused.
 void refuse_foreign_cache(const Files& files, const std::string& work_dir) {
   files.list(work_dir + "cache", [&](const FolderEntry& entry) {
     if (entry.is_folder || (!entry.name.ends_with(".qc") && !entry.name.ends_with(".epc"))) {
@@ -74,7 +74,7 @@ void queue_paths(Session& session, const std::vector<std::string>& paths, Termin
   }
 }
 
-/// Tells why items failed and how many did; whether all are done.
+/// Reports why items failed and how many did. Returns whether all are done.
 bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
   std::map<QueueState, int> count;
   for (int i = 1; i <= queue.count(); ++i) {
@@ -145,7 +145,7 @@ int run(const Options& options) {
   try {
     return run_session(session, options.paths, ui, terminal);
   } catch (const ProgramEnd&) {
-    return something_failed;  // the user has been told
+    return something_failed;  // the user has seen why
   }
 }
 

@@ -4,7 +4,7 @@
 
 namespace quorvel::cli {
 
-/// Does what the options ask for and gives the exit status.
+/// Does what the options ask for and returns the exit status.
 int run(const Options& options);
 
 }  // namespace quorvel::cli

@@ -19,7 +19,7 @@ class Terminal {
   void out_line(std::string_view text);
   void error_line(std::string_view text);
 
-  /// Leaves the cursor behind the text.
+  /// Leaves the cursor after the text.
   void ask(std::string_view text);
 
   /// An empty text takes the line away. Does nothing where standard error is no terminal.

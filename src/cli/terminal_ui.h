@@ -15,11 +15,11 @@ class TerminalUi : public UserInterface {
  public:
   explicit TerminalUi(Terminal& terminal) : terminal_(terminal) {}
 
-  /// What an interrupt does; nothing until told. The first ends the pass, the second stops a transfer.
+  /// What an interrupt does; nothing by default. The first ends the pass, the second stops a transfer.
   std::function<void()> on_quit = [] {};
   std::function<void()> on_cancel = [] {};
 
-  /// `done` of `total` bytes are copied; false when the copy is to be given up.
+  /// `done` of `total` bytes are copied; false when the copy should be abandoned.
   bool copy_progress(std::uint64_t done, std::uint64_t total);
 
   void add_row(int index, const std::string& filename) override;

@@ -11,7 +11,7 @@
 /// Renaming, moving and copying one file under its new name, and taking that back.
 namespace quorvel {
 
-/// What is to be done with one file, or was.
+/// What to do with one file, or what was done.
 struct FileJob {
   std::string path;      // of the source
   std::string filename;  // its last component
@@ -22,7 +22,7 @@ struct FileJob {
   std::string destination() const { return dest_path + new_name; }
 };
 
-/// How it ended. Without an error text the one that the user sees stays as it was.
+/// How it ended. Without an error text, the one that the user sees stays as it was.
 struct FileJobResult {
   bool done = false;
   std::optional<std::string> error_text;
@@ -41,7 +41,7 @@ class FileJobs {
   FileJobResult undo(const FileJob& job);
 
   /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
-  /// made, and the first two never are: a missing drive or top folder is a mistake to be told, not to be made.
+  /// made, and the first two never are: a missing drive or top folder is a mistake to report, not something to create.
   void make_tree(const std::string& folder, char separator = native::separator);
 
  private:

@@ -56,7 +56,7 @@ std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
     return std::nullopt;
   }
   const std::string_view page = textbetween(answer, "\"url\":", ",");
-  if (page.size() > longest_title) throw Failure("the address of the show's page is too long");
+  if (page.size() > max_title_size) throw Failure("the address of the show's page is too long");
   // The first occurrence of each key belongs to the service's best match.
   return Show{to_number(textbetween(answer, "\"id\":", ",")), cleantitle(textbetween(answer, "\"name\":\"", "\",")),
               std::string(page)};

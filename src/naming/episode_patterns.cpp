@@ -71,8 +71,8 @@ bool probe_fits(std::string_view name, std::size_t at, std::string_view probe) {
 /// A resolution such as "1080p" is no episode.
 bool is_accepted(const Pattern& pattern, std::string_view name, std::size_t at) {
   if (pattern.scan == Forward) return true;
-  const std::size_t behind = at + pattern.probe.size();
-  return behind == name.size() || name[behind] != 'p';
+  const std::size_t after = at + pattern.probe.size();
+  return after == name.size() || name[after] != 'p';
 }
 
 struct Place {

@@ -9,9 +9,9 @@
 /// Finding show, season and episode in a name.
 namespace quorvel {
 
-/// What a name says of the episode that it names.
+/// What a name says about its episode.
 struct Detection {
-  std::string show;  // lower case, cleaned, dots turned into blanks
+  std::string show;  // lower case, cleaned, dots turned into spaces
   int season = 0;
   int episode = 0;
   int id = 0;  // of the pattern, for the log

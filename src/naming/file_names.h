@@ -5,7 +5,7 @@
 
 #include "platform/native.h"
 
-/// Taking names and paths apart. Nothing here looks at the file system.
+/// Splitting names and paths. Nothing here looks at the file system.
 namespace quorvel {
 
 /// What follows the last "/", or the whole text, in lower case.

@@ -11,18 +11,18 @@
 /// Names that come from the listings service, before they become names of files and folders.
 namespace quorvel {
 
-/// `name` without what only an ill-meant text holds: control characters, and the marks that turn the direction of
+/// `name` without what only a malicious text holds: control characters, and the marks that turn the direction of
 /// letters round and so show "avi.exe" for what is another name. A NUL stays, for it is refused later; a lone
 /// left-to-right or right-to-left mark stays, for titles of right-to-left scripts do hold it. Each removal is logged.
 std::string without_control_characters(const std::string& name, Log& log);
 
-/// Why the system would take this last or middle component of a path for something else; empty when it would not.
-/// "." and ".." everywhere; where paths are written with "\", names of dots and blanks alone and those of devices
+/// Why the system would take this component of a path for something else; empty when it would not.
+/// "." and ".." everywhere; where paths are written with "\", names of dots and spaces alone and those of devices
 /// ("CON", "com1.avi") too. A dot at the end is none of them: there the system drops it wherever it meets the name.
 std::optional<std::string> name_trouble(std::string_view name, char separator = native::separator);
 
 /// name_trouble of the first component of `mask` that its tokens would spoil; `expand` is expand_folder or expand_name.
-/// What the user has typed in full is meant.
+/// What the user has typed into the mask is intended.
 std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues& values,
                                         std::string (*expand)(std::string_view, const MaskValues&),
                                         char separator = native::separator);

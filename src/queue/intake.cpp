@@ -23,7 +23,7 @@ bool Intake::add_to_queue(const std::string& path, bool start) {
 }
 
 IntakeResult Intake::take(const std::string& given, bool start) {
-  // Where names may hold quotes, a path that exists as it stands is meant as it stands.
+  // Where names may hold quotes, a path that exists exactly as given is taken exactly as given.
   const std::string path = files_.exists(given) ? given : without_quotes(given);
   IntakeResult result;
   if (length(path) <= 2) {
@@ -69,7 +69,7 @@ Refusal Intake::take_file(const std::string& path, bool start) {
   return Refusal::None;
 }
 
-/// A part of a listed extension will do, as "mp" of "mp4".
+/// Part of a listed extension is enough, such as "mp" of "mp4".
 bool Intake::is_listed(const std::string& name) const {
   return lower_case(settings_.types).find(getextension(name)) != std::string::npos;
 }

@@ -13,7 +13,7 @@ namespace quorvel {
 /// Why a path was not queued.
 enum class Refusal { None, TooShort, Missing, NotAFile, AlreadyQueued, TypeNotListed, Sample };
 
-/// What became of one path handed over.
+/// What happened to one path.
 struct IntakeResult {
   Refusal refusal = Refusal::None;
   bool is_folder = false;
@@ -21,10 +21,10 @@ struct IntakeResult {
   int left_out = 0;  // files in the folder that were not queued
 };
 
-/// The one way into the queue.
+/// The only way into the queue.
 class Intake {
  public:
-  /// `is_busy` tells whether a pass of the processor runs.
+  /// `is_busy`: whether a pass of the processor is running.
   Intake(WorkQueue& queue, const Settings& settings, const Files& files, UserInterface& ui,
          std::function<bool()> is_busy)
       : queue_(queue), settings_(settings), files_(files), ui_(ui), is_busy_(std::move(is_busy)) {}
@@ -33,7 +33,7 @@ class Intake {
   /// With `start`, a pass follows. True when one file was queued, so never for a folder.
   bool add_to_queue(const std::string& path, bool start);
 
-  /// The same, and tells what happened.
+  /// The same, with a full account of what happened.
   IntakeResult take(const std::string& path, bool start);
 
  private:

@@ -13,7 +13,7 @@
 namespace quorvel {
 
 /// The stages that take one item from its file name to the file operation. Each reads and fills in the item's fields
-/// and answers whether the item may go on; when it may not, the log says why. Any of them may throw Failure.
+/// and returns whether the item may go on; when it may not, the log says why. Any of them may throw Failure.
 class Pipeline {
  public:
   struct Parts {

@@ -20,7 +20,7 @@ enum class QueueState : std::int32_t {
   Done = 6,
 };
 
-/// One file that the user has handed over.
+/// One file that the user wants renamed.
 struct QueueItem {
   QueueState state = QueueState::Inactive;
   std::string path;      // of the source, in full, as it was added

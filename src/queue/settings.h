@@ -50,7 +50,7 @@ struct NumberSetting {
   void read(Settings& settings, int stored) const;
 };
 
-/// Everything that is known of each preference, in the order in which they are stored: reading, writing, the command
+/// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
 extern const std::array<TextSetting, 1> text_settings;
 extern const std::array<NumberSetting, 6> number_settings;

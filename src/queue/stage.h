@@ -8,7 +8,7 @@
 
 namespace quorvel {
 
-/// How one stage of an item's way ended.
+/// How one stage ended.
 struct StageResult {
   bool passed = false;
   std::string failure;  // the description of the Failure that ended the stage; empty when there was none
@@ -16,7 +16,7 @@ struct StageResult {
   explicit operator bool() const { return passed; }
 };
 
-/// Runs `stage`, which gives a bool. A Failure in it is logged after `prefix` and ends the item's way there.
+/// Runs `stage`, which returns a bool. A Failure in it is logged after `prefix`, and the stage has not passed.
 template <typename Stage>
 StageResult run_stage(Log& log, std::string_view prefix, Stage stage) {
   try {

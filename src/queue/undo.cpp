@@ -21,7 +21,7 @@ Undo::Entry Undo::entry(int index) const {
 void Undo::run(int index) {
   if (!queue_.holds(index)) return;
   QueueItem& item = queue_.at(index);
-  // What stands at the destination of an item that is not done is somebody else's file.
+  // A file at the destination of an item that is not done belongs to somebody else.
   if (item.state != QueueState::Done) return;
   if (run_stage(log_, "Error undoing: ", [&] { return undofileops(item); })) {
     item.state = QueueState::Cancelled;

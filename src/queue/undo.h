@@ -11,7 +11,7 @@ namespace quorvel {
 /// The undo command of the queue list.
 class Undo {
  public:
-  /// The menu entry as it is to be shown for an item.
+  /// How the menu entry looks for an item.
   struct Entry {
     std::string caption;
     bool enabled = false;

@@ -9,7 +9,7 @@
 
 namespace quorvel {
 
-/// The files handed over in this run, counted from 1. Items are appended and never removed or moved, so an index and a
+/// The files of this run, counted from 1. Items are appended and never removed or moved, so an index and a
 /// reference to an item stay good.
 class WorkQueue {
  public:
@@ -20,7 +20,7 @@ class WorkQueue {
   QueueItem& at(int index) { return items_.at(static_cast<std::size_t>(index) - 1); }
   const QueueItem& at(int index) const { return items_.at(static_cast<std::size_t>(index) - 1); }
 
-  /// Whether just this path is queued; case counts.
+  /// Whether exactly this path is queued; case matters.
   bool holds_path(std::string_view path) const { return paths_.contains(path); }
 
   /// Appends an inactive item and gives its index.

@@ -53,7 +53,7 @@ class EntryList {
   }
 
   /// The list becomes what the file holds. False, with a log line, when a line cannot be understood: the entries
-  /// before it stay, and empty ones stand for it and for those behind it.
+  /// before it stay, and empty ones take its place and that of those after it.
   bool load() {
     entries_.clear();
     bool whole = true;

@@ -48,7 +48,7 @@ class FilterList : private EntryList<AFilter, FilterFormat> {
   bool savefilters() { return save(); }
   void refresh_lv2() { refresh(); }
 
-  /// As EntryList::remove, but the last rule stays, and the user is told why.
+  /// As EntryList::remove, but the last rule stays, and a message says why.
   bool remove(int index);
 
   /// The index of the first rule either of whose conditions fits; empty when none does.

@@ -18,10 +18,10 @@ class RecordFile {
 
   bool exists() const;
 
-  /// The lines; what follows the last CR LF is not one. Throws Failure when there is no file.
+  /// The lines; text after the last CR LF is not one. Throws Failure when there is no file.
   std::vector<std::string> read_lines() const;
 
-  /// Tells what the user's list holds after a load. What the file held besides is then kept when it is next saved.
+  /// Sets what the user's list holds after a load. Whatever else the file held is kept when it is next saved.
   void loaded_as(const std::vector<Fields>& records);
 
   /// Puts these records in place of the file's; no records, no file. A file that holds anything but what was loaded or

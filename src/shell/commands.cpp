@@ -17,7 +17,7 @@ std::string compact_version(int major, int minor, int revision) {
 
 void Commands::help() {
   const std::string path = help_file(session_.places);
-  session_.ports.files.exists(path) ? open(path) : tell(no_help_file);
+  session_.ports.files.exists(path) ? open(path) : show(no_help_file);
 }
 
 std::string Commands::website_address() const {
@@ -38,19 +38,19 @@ void Commands::website() {
 void Commands::update(std::uintptr_t handle) {
   const std::string updater = session_.settings_store.read_string("updater");
   if (updater.empty()) {
-    return tell("No updater is set up.##New versions can be found at " + address());
+    return show("No updater is set up.##New versions can be found at " + address());
   }
   const std::string argument = std::string("package=") + application_title + ",apppath=" + session_.places.program +
                                ",runcount=123,version=" + compact_version(major_version, minor_version, revision) +
                                ",handle=" + std::to_string(handle);
-  if (!launcher_.start(updater, argument)) tell("The updater cannot be started: " + updater);
+  if (!launcher_.start(updater, argument)) show("The updater cannot be started: " + updater);
 }
 
 void Commands::open(const std::string& target) {
-  if (!launcher_.open(target)) tell("There is no program to open this with: " + target);
+  if (!launcher_.open(target)) show("There is no program to open this with: " + target);
 }
 
-void Commands::tell(const std::string& text) {
+void Commands::show(const std::string& text) {
   session_.ports.ui.show_message(0, application_title, text, MessageIcon::Warning);
 }
 

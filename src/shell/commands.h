@@ -16,7 +16,7 @@ std::string help_file(const Places& places);
 /// The three numbers one after another, with a "0" before a revision of at most 99: 3, 4 and 7 give "3407".
 std::string compact_version(int major, int minor, int revision);
 
-/// The commands that lead out of the program. What cannot be opened or started is told to the user in a message.
+/// The commands that lead out of the program. A message says what cannot be opened or started.
 class Commands {
  public:
   Commands(Session& session, Launcher& launcher) : session_(session), launcher_(launcher) {}
@@ -35,7 +35,7 @@ class Commands {
  private:
   std::string address() const;
   void open(const std::string& target);
-  void tell(const std::string& text);
+  void show(const std::string& text);
 
   Session& session_;
   Launcher& launcher_;

@@ -24,7 +24,7 @@ class DebugLog : public Log {
 
   const std::deque<std::string>& lines() const { return lines_; }
 
-  /// Told of each new line; the list was emptied just before when `cleared`.
+  /// Called with each new line; `cleared` when the list was emptied just before.
   std::function<void(const std::string& line, bool cleared)> on_line = [](const std::string&, bool) {};
 
  private:

@@ -12,7 +12,7 @@
 
 namespace quorvel {
 
-/// The user has been told why the program cannot go on. It ends at once, with everything as it is.
+/// The program cannot go on, and the user has seen why. It ends at once, with everything as it is.
 class ProgramEnd : public std::exception {};
 
 /// The stored settings as the program reads and writes them.
@@ -29,7 +29,7 @@ class SettingsStore {
   /// Every preference; one that is missing or makes no sense gets its default.
   void read_preferences(Settings& settings) const;
 
-  /// When a value cannot be stored, tell the user and throw ProgramEnd.
+  /// When a value cannot be stored, these show why and throw ProgramEnd.
   void write_string(const std::string& name, const std::string& text);
   void write_number(const std::string& name, std::int32_t number);
   void write_preferences(const Settings& settings);

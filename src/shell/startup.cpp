@@ -30,7 +30,7 @@ void ignoring_failures(const std::function<void()>& step) {
   try {
     step();
   } catch (const std::exception&) {
-    return;  // there is nobody left to tell, and the other steps still count
+    return;  // nobody is left to report it to, and the other steps still matter
   }
 }
 
@@ -65,18 +65,18 @@ StartResult Startup::run(const std::vector<std::string>& arguments) {
     return StartResult::Ended;
   }
   try {
-    if (forwarded(line)) return StartResult::Ended;
+    if (forward(line)) return StartResult::Ended;
     start(line);
   } catch (const ProgramEnd&) {
-    unload_window();  // the user has been told already
+    unload_window();  // the user has already seen why
   } catch (const std::exception& failure) {
     fail(failure.what());
   }
   return unloaded_ ? StartResult::Ended : StartResult::Running;
 }
 
-/// Whether there is another copy, and all that can be done with it has been done.
-bool Startup::forwarded(const CommandLine& line) {
+/// Hands the command line over to a running copy. False when there is none, so that this one becomes it.
+bool Startup::forward(const CommandLine& line) {
   if (!channel_.other_is_running()) return false;
   std::vector<std::string> paths = line.paths;
   if (paths.empty()) paths.emplace_back();
@@ -85,7 +85,7 @@ bool Startup::forwarded(const CommandLine& line) {
   try {
     for (const std::string& path : paths) channel_.send(std::string(queue_message) + std::string(command_mark) + path);
   } catch (const Failure& failure) {
-    // When the other copy has ended meanwhile, this one takes its place. It takes all paths: those already handed over
+    // When the other copy has ended meanwhile, this one takes its place. It takes all paths: those already sent
     // were queued by a copy that is gone.
     if (!channel_.other_is_running()) return false;
     session_.ports.ui.show_message(0, application_title, failure.what(), MessageIcon::Error);
@@ -156,7 +156,7 @@ void Startup::unload_window() {
 }
 
 void Startup::fail(const std::string& reason) {
-  // First of all, so that no other copy hands over what this one will not do.
+  // First of all, so that no other copy sends what this one will never do.
   channel_.stop();
   session_.ports.ui.show_message(0, "Error loading Quorvel",
                                  "Quorvel encountered an error loading and cannot continue. (" + reason + ")",

@@ -10,7 +10,7 @@
 
 namespace quorvel {
 
-enum class StartResult { Running, Ended };  // Ended: uninstall run, forwarded, or failed (the user has been told)
+enum class StartResult { Running, Ended };  // Ended: uninstall run, forwarded, or failed (the user has seen why)
 
 /// How the desktop program comes up and goes down. Session, window and channel outlive it.
 class Startup {
@@ -22,7 +22,7 @@ class Startup {
   /// more to do; after a failure the window has been unloaded already.
   ///
   /// To a copy that is running, each path goes in a message of its own, "QV|PI|C=" and the path, so that a path may
-  /// hold any character; without paths one message goes with nothing behind the "=".
+  /// hold any character; without paths one message goes with nothing after the "=".
   StartResult run(const std::vector<std::string>& arguments);
 
   /// For when the window really goes away, while its lists still exist: ends a running pass at its next stage, stops
@@ -38,7 +38,7 @@ class Startup {
   void handle_message(const std::string& text);
 
  private:
-  bool forwarded(const CommandLine& line);
+  bool forward(const CommandLine& line);
   void start(const CommandLine& line);
   void find_help_file();
   void handle_kept_messages();

@@ -27,7 +27,7 @@ constexpr std::array<Replacement, 10> replacements = {{{"&amp;", "&"},
                                                        {"\t", ""},
                                                        {"\n", ""}}};
 
-// Episode tables of old pages were padded with runs of just this many blanks.
+// Episode tables of old pages were padded with runs of just this many spaces.
 constexpr std::string_view padding = "                           ";
 static_assert(padding.size() == 27);
 
@@ -60,7 +60,7 @@ bool needs_cleaning(std::string_view text) {
 }  // namespace
 
 std::string cleantitle(std::string_view text) {
-  if (text.size() > longest_title) {
+  if (text.size() > max_title_size) {
     throw Failure("A text of " + std::to_string(text.size()) + " bytes is too long for a name");
   }
   if (!needs_cleaning(text)) return trimtext(text);

@@ -16,7 +16,7 @@ bool in_list(char32_t character, std::u32string_view list) {
   return false;
 }
 
-/// Whether the pattern element at `at` describes `character`; `at` then stands behind it.
+/// Whether the pattern element at `at` describes `character`; `at` then points past it.
 bool element_matches(char32_t character, std::u32string_view pattern, std::size_t& at) {
   const char32_t element = pattern[at++];
   if (element == U'?') return true;

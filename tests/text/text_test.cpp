@@ -102,9 +102,9 @@ TEST(CleanTitle, RefusesBrokenReferencesAndWholeAnswers) {
   for (const char* text : {"&#xZZ;", "&#x41", "&#12", "&#;", "&#300;", "&#x100;", "&#-5;"}) {
     EXPECT_THROW(cleantitle(text), Failure) << text;
   }
-  EXPECT_THROW(cleantitle(std::string(longest_title + 1, 'a')), Failure);
+  EXPECT_THROW(cleantitle(std::string(max_title_size + 1, 'a')), Failure);
   std::string nested = "&#x26;";
-  while (nested.size() + 5 < longest_title) nested += "#x26;";
+  while (nested.size() + 5 < max_title_size) nested += "#x26;";
   EXPECT_EQ(cleantitle(nested), "&");
 }
 
