@@ -37,6 +37,7 @@ void SettingsStore::write_number(const std::string& name, std::int32_t number) {
 
 void SettingsStore::write_preferences(const Settings& settings) {
   std::vector<KeyValueStore::Named> values;
+  values.reserve(text_settings.size() + number_settings.size());
   for (const TextSetting& setting : text_settings) values.emplace_back(setting.name, settings.*setting.member);
   for (const NumberSetting& setting : number_settings) {
     values.emplace_back(setting.name, static_cast<std::uint32_t>(setting.get(settings)));

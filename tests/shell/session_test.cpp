@@ -74,11 +74,11 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
   key_values.writes = 0;
   EXPECT_TRUE(apply_preferences(session, wanted));
   EXPECT_EQ(key_values.writes, 1);
-  EXPECT_EQ(
-      events.list,
-      Texts({"message Not Recommended: Disabling the cache is for troubleshooting only. The program will operate "
-             "a lot slower with no cache",
-             "remove avi", "remove mkv", "remove mpg", "remove mp4", "install avi", "install mov", "install DIR"}));
+  const std::string warning =
+      "message Not Recommended: Disabling the cache is for troubleshooting only. The program will operate "
+      "a lot slower with no cache";
+  EXPECT_EQ(events.list, Texts({warning, "remove avi", "remove mkv", "remove mpg", "remove mp4", "install avi",
+                                "install mov", "install DIR"}));
   EXPECT_EQ(session.settings.types + key_values.texts["types"], "avi;movavi;mov");
   using Numbers = std::map<std::string, std::uint32_t>;
   EXPECT_EQ(key_values.numbers,

@@ -80,9 +80,7 @@ struct ProgramCopy : TestSession {
     session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };
   }
   /// Makes a file there; its path.
-  std::string file(const std::string& name) {
-    return make(folder / name), folder / name;
-  }
+  std::string file(const std::string& name) { return make(folder / name), folder / name; }
   std::vector<std::string> happened() { return std::exchange(events.list, {}); }
 };
 
