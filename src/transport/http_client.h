@@ -20,6 +20,7 @@ struct Address {
   int port = 80;
   std::string path;  // from the first "/" after the host on, query included
   std::string file;  // the last component of the path, without the query; "/" when that is empty
+  bool operator==(const Address&) const = default;
 };
 
 /// What no sane service reaches. An answer that goes beyond is given up.

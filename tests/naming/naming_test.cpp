@@ -94,6 +94,20 @@ TEST(Masks, ReplaceTheirTokensInOrder) {
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
 }
 
+TEST(ServiceNames, MarksThatMisleadTheEyeAreTakenOut) {
+  struct Lines : Log {
+    std::string all;
+    void debug_log(std::string_view text, LogLevel) override { all += text; }
+  } log;
+  // Without what is decoded badly, and with the lone marks of right-to-left scripts.
+  for (const char* name : {"Ð\u009D - 1x01 - א\u200Fx.avi", "\u2029\u202F\u2065\u206A \u0080"}) {
+    EXPECT_EQ(without_control_characters(name, log), name);
+  }
+  EXPECT_EQ(log.all, "");
+  EXPECT_EQ(without_control_characters("A\x1B[2J\x01\x1F\x7F\u202A\u202E\u2066\u2069b", log), "A[2Jb");
+  EXPECT_EQ(log.all, "Removed 8 control characters from the service's name \"A[2Jb\"");
+}
+
 TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
   for (const char* name :
        {"con", "CON", "Con.s01.avi", "nul .txt", "aux", "LPT1.a", "com\u00B2", "CONOUT$", "...", ". ."}) {

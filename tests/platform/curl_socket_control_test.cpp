@@ -42,8 +42,9 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.write(request.substr(5)), static_cast<std::ptrdiff_t>(request.size()) - 5);
   EXPECT_EQ(read_to_end(socket), listings_answer(request) + "|closed");
   EXPECT_EQ(service->requests(), std::vector{request});
+  while (socket.write("x") == 1) continue;  // until the system knows; and no signal ends the program
+  waiting.disconnect();
   service.reset();
-  while (waiting.write("x") == 1) continue;  // until the system knows; and no signal ends the program
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_COULDNT_CONNECT);
   EXPECT_EQ(socket.connect("127.0.0.1/@x", port), CURLE_URL_MALFORMAT);
   EXPECT_NE(socket.last_error_string(), "");

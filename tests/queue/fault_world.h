@@ -7,6 +7,7 @@
 #include "child_process.h"
 #include "faulty_files.h"
 #include "file_tools.h"
+#include "listings_service.h"
 #include "platform/curl/curl_socket_control.h"
 #include "platform/native.h"
 #include "session_fixture.h"

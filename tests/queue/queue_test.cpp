@@ -200,7 +200,8 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
   rule(MoveAndRename, folder / "target/[show]/");
   const struct {
     const char *show, *title;
-  } cases[] = {{"..", "x"}, {".", "x"}, {"a", "..\xE0\x80\xAF..\xE0\x80\xAFx"}, {"a/../b", "/../x"}, {"a", "&#0;x"}};
+  } cases[] = {{"..", "x"},         {".", "x"},     {"a", "..\xE0\x80\xAF..\xE0\x80\xAFx"},
+               {"a/../b", "/../x"}, {"a", "&#0;x"}, {"a\x07", "\xE2\x80\xAEx"}};
   int number = 0;
   for (const auto& c : cases) {
     service.misbehave([&](const std::string& target, const std::string&) {
@@ -217,7 +218,9 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
   for (const auto& [path, bytes] : everything_in(folder.path())) {
     if (!bytes.starts_with("evil")) continue;
     EXPECT_TRUE(path.starts_with(folder / "in/") || path.starts_with(folder / "target/a")) << path;
-    EXPECT_EQ(path.find(up), std::string::npos) << path;
+    for (const std::string& evil : {up, std::string("\x07"), std::string("\u202E")}) {
+      EXPECT_EQ(path.find(evil), std::string::npos) << path;
+    }
   }
   EXPECT_EQ(item(1).error_text, "The folder \"..\" stands for a folder");
 }

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "listings_service.h"
+#include "listings_answer.h"
 #include "platform/socket_control.h"
 #include "text/failure.h"
 

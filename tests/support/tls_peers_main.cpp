@@ -10,22 +10,19 @@
 
 namespace {
 
-template <class T>
-T* require(T* made) {
-  return made != nullptr ? made : throw std::runtime_error("a TLS server cannot be made");
-}
-
 /// A listening socket whose clients are spoken to with this certificate.
 BIO* new_server(const std::string& certificate, bool gives_notice) {
   const std::string file = QUORVEL_CERTIFICATES_DIR "/" + certificate + ".pem";
-  SSL_CTX* const context = require(SSL_CTX_new(TLS_server_method()));
-  BIO* const server = require(BIO_new_accept("127.0.0.1:0"));
+  SSL_CTX* const context = SSL_CTX_new(TLS_server_method());
+  BIO* const server = BIO_new_accept("127.0.0.1:0");
   SSL_CTX_set_quiet_shutdown(context, gives_notice ? 0 : 1);
-  const bool ready = SSL_CTX_use_certificate_file(context, file.c_str(), SSL_FILETYPE_PEM) == 1 &&
-                     SSL_CTX_use_PrivateKey_file(context, file.c_str(), SSL_FILETYPE_PEM) == 1 &&
-                     BIO_set_accept_bios(server, require(BIO_new_ssl(context, 0))) == 1 &&
-                     BIO_do_accept(server) == 1;  // the first only takes a port
-  return require(ready ? server : nullptr);
+  if (SSL_CTX_use_certificate_file(context, file.c_str(), SSL_FILETYPE_PEM) != 1 ||
+      SSL_CTX_use_PrivateKey_file(context, file.c_str(), SSL_FILETYPE_PEM) != 1 ||
+      BIO_set_accept_bios(server, BIO_new_ssl(context, 0)) != 1 ||
+      BIO_do_accept(server) != 1) {  // the first only takes a port
+    throw std::runtime_error("no TLS server with " + file);
+  }
+  return server;
 }
 
 void serve(BIO* server) {

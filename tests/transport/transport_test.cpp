@@ -40,12 +40,11 @@ struct Http : ::testing::Test {
   Lines log;
   HttpClient http{service, ui, log};
   std::string steps;    // all that happened, in order
-  std::string status;   // the last that was reported
   std::string failing;  // the call of the socket that fails
   std::function<void()> on_failure = [] {};
 
   Http() {
-    http.on_status = [this](std::string_view message) { steps += (status = message) + "|"; };
+    http.on_status = [this](std::string_view message) { steps += std::string(message) + "|"; };
     ui.on_events = [this] { steps += "events|"; };
     service.works = [this](const std::string& call) {
       steps += call + "|";
@@ -77,10 +76,7 @@ TEST_F(Http, AddressesAreTakenApart) {
   for (const auto& [url, expected] : cases) {
     Address found;
     EXPECT_EQ(http.spliturl(url, found), !expected.host.empty()) << url;
-    if (expected.host.empty()) continue;
-    EXPECT_EQ(std::tie(found.secure, found.host, found.port, found.path, found.file),
-              std::tie(expected.secure, expected.host, expected.port, expected.path, expected.file))
-        << url;
+    EXPECT_TRUE(found == expected || expected.host.empty()) << url;
   }
   Address none;
   EXPECT_FALSE(HttpClient(service, ui, log).spliturl("/path", none)) << "no host was ever named";
@@ -107,30 +103,29 @@ TEST_F(Http, ATransferTakesTheseSteps) {
 }
 
 TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
-  const std::string header_error = "Error in modHTTP.GetData()\r\nError Code: 0 Error Text: ";
+  const std::string header_error = "|close|Error in modHTTP.GetData()\r\nError Code: 0 Error Text: ";
   const struct {
     Reads reads;
-    std::string body, status;
+    std::string body, end;
   } cases[] = {
-      {{}, "", "HTTP: Downloaded 0 bytes"},
-      {{"HTTP/1.1 200 OK\r\n"}, "", "HTTP: Downloaded 0 bytes"},
-      {{ok + "x", {}}, "", "HTTP: Unable to receive data from server (error 28late)"},
-      {{"nonsense\r\n\r\nx"}, "", "HTTP: Unhandled return code (0)"},
-      {{"Location: 302\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)"},
-      {{"HTTP/1.1 302 Found\r\nLocation : /d\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)"},
+      {{}, "", "|close|HTTP: Downloaded 0 bytes|"},
+      {{"HTTP/1.1 200 OK\r\n"}, "", "|close|HTTP: Downloaded 0 bytes|"},
+      {{ok + "x", {}}, "", "|HTTP: Unable to receive data from server (error 28late)|close|"},
+      {{"nonsense\r\n\r\nx"}, "", "HTTP: Unhandled return code (0)|close|"},
+      {{"Location: 302\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)|close|"},
+      {{"HTTP/1.1 302 Found\r\nLocation : /d\r\n\r\nx"}, "", "HTTP: Unhandled return code (302)|close|"},
       {{"HTTP/1.1 200 OK\r\nContent-Length: many\r\n\r\nx"},
        "",
-       header_error + "\"many\" is not a whole number of 32 bits"},
+       header_error + "\"many\" is not a whole number of 32 bits|"},
       // The first part of the body is measured by the read that ends the header, so these bytes are lost.
-      {{"HTTP/1.1 200", " OK\r\n\r\nabcdefghijklmnop", "q"}, "mnopq", "HTTP: Downloaded 5 bytes"},
-      {{"HTTP/1.1 200 OK\r\n\r", "\nabcdefghijklmnopqrst"}, "st", "HTTP: Downloaded 2 bytes"},
-      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnopq", "r"}, "r", "HTTP: Downloaded 1 bytes"},
-      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnop"}, "", header_error + "The header arrived in parts"},
+      {{"HTTP/1.1 200", " OK\r\n\r\nabcdefghijklmnop", "q"}, "mnopq", "|close|HTTP: Downloaded 5 bytes|"},
+      {{"HTTP/1.1 200 OK\r\n\r", "\nabcdefghijklmnopqrst"}, "st", "|close|HTTP: Downloaded 2 bytes|"},
+      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnopq", "r"}, "r", "|close|HTTP: Downloaded 1 bytes|"},
+      {{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnop"}, "", header_error + "The header arrived in parts|"},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(get("http://a/", {c.reads}), c.body) << ::testing::PrintToString(c.reads);
-    EXPECT_EQ(status, c.status);
-    EXPECT_NE(steps.find("|close|"), std::string::npos);
+    EXPECT_TRUE(steps.ends_with(c.end)) << steps;
   }
   for (int code = 100; code < 600; ++code) {
     const std::string answer = "HTTP/1.1 " + std::to_string(code) + " X\r\nX: y\r\nLocation: /b\r\n\r\nx";
@@ -153,45 +148,38 @@ TEST_F(Http, RedirectsAreFollowedAndABarePathStaysWithTheHost) {
   service.misbehave([](auto&, auto&) { return Reads{"HTTP/1.1 300 Many\r\nLocation: ftp://b/\r\n\r\n"}; });
   EXPECT_EQ(http.GetData(url, ""), "");
   EXPECT_EQ(url, "ftp://b/");
-  EXPECT_EQ(status, "HTTP: The specified address is invalid");
+  EXPECT_TRUE(steps.ends_with("|HTTP: The specified address is invalid|"));
 }
 
 TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryCall) {
   const struct {
-    const char *call, *failed, *cancelled;
-    bool closed;
-  } cases[] = {
-      {"connect a:443", "HTTP: Unable to connect to a (error 28)", "HTTP: Connection canceled", false},
-      {"write", "HTTP: Unable to send request to a", "HTTP: Download canceled", true},
-      {"read 2048", "HTTP: Unable to receive data from server (error 28late)", "HTTP: Download canceled", true},
-      {"tls", "HTTP: Unable to initialize security interface", nullptr, false}};
+    const char* call;
+    bool cancel;
+    const char* end;
+  } cases[] = {{"tls", false, "|tls|HTTP: Unable to initialize security interface|"},
+               {"connect a:443", false, "|connect a:443|HTTP: Unable to connect to a (error 28)|"},
+               {"connect a:443", true, "|connect a:443|HTTP: Connection canceled|"},
+               {"write", false, "|write|HTTP: Unable to send request to a|close|"},
+               {"write", true, "|write|HTTP: Download canceled|close|"},
+               {"read 2048", false, "|HTTP: Unable to receive data from server (error 28late)|close|"},
+               {"read 2048", true, "|read 2048|HTTP: Download canceled|close|"}};
   for (const auto& c : cases) {
-    for (const char* const expected : {c.failed, c.cancelled}) {
-      if (expected == nullptr) continue;
-      failing = c.call;
-      on_failure = [&] {
-        if (expected == c.cancelled) http.cancel();
-      };
-      EXPECT_EQ(get("https://a/"), "");
-      EXPECT_EQ(status, expected);
-      EXPECT_EQ(steps.find("close") != std::string::npos, c.closed) << steps;
-      failing = "";
-      EXPECT_EQ(get("https://a/"), "x") << "a cancel is forgotten once it was obeyed";
-    }
+    failing = c.call;
+    on_failure = [&] {
+      if (c.cancel) http.cancel();
+    };
+    EXPECT_EQ(get("https://a/"), "");
+    EXPECT_TRUE(steps.ends_with(c.end)) << steps;
+    failing = "";
+    EXPECT_EQ(get("https://a/"), "x") << "a cancel is forgotten once it was obeyed";
   }
-}
-
-TEST_F(Http, ACancelWhileEventsRunEndsTheTransferBeforeTheNextRead) {
-  for (int at = 1; at <= 3; ++at) {
-    int count = 0;
+  for (int count = 0, at = 1; at <= 3; ++at, count = 0) {
     ui.on_events = [&] {
       if (++count == at) http.cancel();
     };
     EXPECT_EQ(get("http://a/", {{ok + "x", "y"}}), "");
     EXPECT_TRUE(steps.ends_with("|close|HTTP: Download canceled|")) << steps;
-    EXPECT_EQ(count, at);
-    ui.on_events = [] {};
-    EXPECT_EQ(get("http://a/"), "x");
+    EXPECT_EQ(count, at) << "no event and no read comes after the cancel";
   }
 }
 
