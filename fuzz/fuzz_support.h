@@ -65,7 +65,7 @@ struct MemoryFiles : Files {
   bool create_folder(const std::string&) override { return false; }
 };
 
-/// Gives the bytes in pieces of the sizes told, the last size for all that follow; then the peer has closed.
+/// Brings the bytes in pieces of these sizes, the last size for all that follow; then the peer has closed.
 struct FeedSocket : testing::NoSocket {
   std::string bytes;
   std::string sizes = "\xFF";

@@ -1,4 +1,4 @@
-#include "listings/utf8_decode.h"
+#include "listings/answer.h"
 #include "fuzz_support.h"
 #include "naming/service_names.h"
 #include "text/characters.h"

@@ -1,15 +1,21 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
+#include "platform/log.h"
+
+/// Reading the answers of the listings service.
 namespace quorvel {
 
-/// Whether an answer of the service is a list from its first bracket to its last. One that lost its start or its end on
-/// the way could still hold values, but those of another show or episode, and a file would get a wrong name.
-inline bool is_whole_list(std::string_view answer) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t first = answer.find_first_not_of(blanks);
-  return first != std::string_view::npos && answer[first] == '[' && answer[answer.find_last_not_of(blanks)] == ']';
-}
+/// Whether an answer is a list from its first bracket to its last. One that lost its start or its end on the way could
+/// still hold values, but those of another show or episode, and a file would get a wrong name.
+bool is_whole_list(std::string_view answer);
+
+/// Reads the text's bytes of the code page as UTF-8 of up to three bytes a character. Bytes that start no such sequence
+/// stand for themselves, and continuation bytes are taken as they come. A text of one byte gives an empty one.
+/// When a sequence runs past the end, is half a character of another encoding, or is a long form of an ASCII character,
+/// which could smuggle a path separator into a file name, the text comes back as it was, with a log line.
+std::string UTF8Decode(std::string_view text, Log& log);
 
 }  // namespace quorvel

@@ -15,7 +15,7 @@ class CacheFolder {
 
   std::string path() const;
 
-  /// Of the cache file for `name`; its characters that file names cannot hold are left out, as cleantitle does.
+  /// The path of the cache file for `name`, without the characters that cleantitle removes.
   std::string file(std::string_view name, std::string_view extension) const;
 
   /// The stamp of a cache file as it is now; empty when it does not exist.
@@ -24,7 +24,7 @@ class CacheFolder {
   /// The file's text. Throws Failure when it does not exist.
   std::string load(const std::string& file) const;
 
-  /// Puts `text` in place of the file's; the folder is made when missing. A failure leaves the old file or none, and is
+  /// Replaces the file's text, and makes the folder when it is missing. A failure leaves the old file or none, and is
   /// not reported: the next look-up asks the service again.
   void store(const std::string& file, const std::string& text);
 

@@ -3,7 +3,6 @@
 #include <chrono>
 
 #include "listings/answer.h"
-#include "listings/utf8_decode.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
@@ -21,16 +20,16 @@ std::chrono::sys_days to_day(std::string_view year, std::string_view month, std:
   const std::chrono::year_month_day date{std::chrono::year(year_number),
                                          std::chrono::month(static_cast<unsigned>(month_number)),
                                          std::chrono::day(static_cast<unsigned>(day_number))};
-  // chrono keeps only the low bits of larger numbers
+  // chrono keeps only the low bits of larger numbers.
   const bool in_range = year_number > 0 && year_number <= 9999 && month_number > 0 && month_number <= 12 &&
                         day_number > 0 && day_number <= 31;
   if (!in_range || !date.ok()) throw Failure("no such day");
   return date;
 }
 
-// Far above every show there is, so that an insane list cannot eat up the memory.
-constexpr std::size_t most_episodes = 100'000;
-constexpr std::size_t most_text = std::size_t{8} << 20U;
+// Far above every show there is, so that no list can exhaust the memory.
+constexpr std::size_t max_episodes = 100'000;
+constexpr std::size_t max_text = std::size_t{8} << 20U;
 
 std::size_t text_size(const Episode& episode) {
   return episode.airdate.size() + episode.url.size() + episode.title.size();
@@ -121,13 +120,13 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
                                       bool use_cache) {
   log_.debug_log("Getting listings for: " + show.name, LogLevel::Verbose);
   std::string url = api_base_ + "/shows/" + std::to_string(show.id) + "/episodes";
-  if (!take_answer(http_.GetData(url, ""), search_name)) return nullptr;
+  if (!accept_answer(http_.GetData(url, ""), search_name)) return nullptr;
   if (use_cache) update_cache(show.name);
   return list_.find(season, episode);
 }
 
-/// The answer is gone again before its episodes are written: a long one takes much memory.
-bool EpisodeListings::take_answer(const std::string& answer, const std::string& search_name) {
+/// By the time the cache is written the answer has been freed: a long one takes much memory.
+bool EpisodeListings::accept_answer(const std::string& answer, const std::string& search_name) {
   if (answer.empty()) return false;
   if (answer == "[]") {
     log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", LogLevel::Normal);
@@ -151,7 +150,7 @@ void EpisodeListings::read_answer(std::string_view answer) {
     next = answer.find(mark, at);
     Episode episode = episode_in(answer.substr(at, next - at));
     text += text_size(episode);
-    if (list_.all().size() == most_episodes || text > most_text) {
+    if (list_.all().size() == max_episodes || text > max_text) {
       list_.clear();
       throw Failure("the service lists more episodes than any show has");
     }
@@ -163,7 +162,7 @@ void EpisodeListings::update_cache(const std::string& show_name) {
   log_.debug_log("Updating ep cache", LogLevel::Verbose);
   std::string text;
   for (const Episode& episode : list_.all()) {
-    // What stands behind a date's third part is not looked at, and with tabs there it would become other fields.
+    // is_aired ignores what follows a date's third part, and tabs there would split it into further fields.
     const bool fits =
         fits_cache_field(episode.airdate) && fits_cache_field(episode.url) && fits_cache_field(episode.title);
     if (!fits || !is_aired(episode.airdate)) continue;

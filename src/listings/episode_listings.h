@@ -30,7 +30,7 @@ class EpisodeList {
   void append(Episode episode);
   const std::vector<Episode>& all() const { return episodes_; }
 
-  /// The first with these numbers; null when there is none. Takes the same time however long the list is.
+  /// The first with these numbers, found in constant time; null when there is none.
   const Episode* find(int season, int number) const;
 
  private:
@@ -66,12 +66,12 @@ class EpisodeListings {
   bool checkepcache(const std::string& show_name);
 
   /// Whether an episode of that date has been aired, so that its title will not change any more.
-  /// False for everything that is no date.
+  /// False for everything that is not a date, with a log line.
   bool is_aired(std::string_view airdate);
 
  private:
   const Episode* fetch(const Show& show, const std::string& search_name, int season, int episode, bool use_cache);
-  bool take_answer(const std::string& answer, const std::string& search_name);
+  bool accept_answer(const std::string& answer, const std::string& search_name);
   void read_answer(std::string_view answer);
   void update_cache(const std::string& show_name);
   void load_cache(const std::string& text);
@@ -83,7 +83,7 @@ class EpisodeListings {
   Clock& clock_;
   std::string api_base_;
   EpisodeList list_;
-  // The cache file that list_ was loaded from, so that the files of one show do not load it anew each.
+  // The cache file that list_ was loaded from, so that each further file of a show need not load it again.
   std::string loaded_file_;
   std::optional<FileStamp> loaded_stamp_;
 };

@@ -6,7 +6,7 @@
 
 namespace quorvel {
 
-/// One TCP connection, with TLS on it when asked; every call waits for its end, but never longer than the time-out.
+/// One TCP connection, with TLS when asked; every call blocks, but never longer than the time-out.
 class SocketControl {
  public:
   virtual ~SocketControl() = default;
@@ -32,7 +32,7 @@ class SocketControl {
   virtual int last_error() const = 0;
   virtual std::string last_error_string() const = 0;
 
-  /// What makes the connections, and which version of it; empty when that has no name.
+  /// The name and version of the library behind it; empty when there is none.
   virtual std::string version() const { return {}; }
 };
 

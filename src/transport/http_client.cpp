@@ -14,13 +14,13 @@ namespace quorvel {
 namespace {
 
 constexpr int timeout_seconds = 4;
-constexpr std::size_t most_bytes_a_read = 2048;
-constexpr int highest_port = 65535;
+constexpr std::size_t read_size = 2048;
+constexpr int max_port = 65535;
 constexpr int unauthorized = 401;
-constexpr std::size_t longest_host = 253;
+constexpr std::size_t max_host_length = 253;
 
-/// The service goes beyond what any sane one does.
-class Excess : public Failure {
+/// One of HttpLimits is exceeded.
+class LimitExceeded : public Failure {
  public:
   using Failure::Failure;
 };
@@ -50,6 +50,21 @@ int status_of(std::string_view status_line) {
   return blank == std::string_view::npos ? 0 : leading_number(status_line.substr(blank + 1));
 }
 
+/// Each line is sent by a write of its own.
+std::vector<std::string> request_lines(const Address& address, std::string_view cookie,
+                                       std::optional<std::string_view> form) {
+  std::vector<std::string> lines = {(form ? "POST " : "GET ") + address.path + " HTTP/1.0\r\n",
+                                    "Host: " + address.host + "\r\n", "Accept: */*\r\n"};
+  if (form) {
+    lines.emplace_back("Content-Type: application/x-www-form-urlencoded\r\n");
+    lines.push_back("Content-Length: " + std::to_string(form->size()) + "\r\n");
+  }
+  if (!cookie.empty()) lines.push_back("Cookie: " + std::string(cookie) + "\r\n");
+  lines.emplace_back("\r\n");
+  if (form && !form->empty()) lines.emplace_back(*form);
+  return lines;
+}
+
 }  // namespace
 
 /// What has been received of one answer.
@@ -58,7 +73,7 @@ struct HttpClient::Answer {
   std::string chunk;  // what the last read brought
   std::string body;   // decoded
   std::size_t received = 0;
-  int expected = -1;  // bytes, as the header announces them; only told, never relied on
+  int expected = -1;  // bytes, by the header; only reported, never relied on
   bool in_header = true;
 };
 
@@ -78,7 +93,7 @@ bool HttpClient::spliturl(std::string_view url, Address& address) {
   if (const std::size_t colon = host.find(':'); colon != std::string_view::npos) {
     address.port = leading_number(host.substr(colon + 1));
     host = host.substr(0, colon);
-    if (address.port == 0 || address.port > highest_port) return false;
+    if (address.port == 0 || address.port > max_port) return false;
   }
   address.file = address.path.substr(address.path.rfind('/') + 1);
   address.file.erase(std::min(address.file.find('?'), address.file.size()));
@@ -106,51 +121,38 @@ std::string HttpClient::URLEncode(std::string_view text) {
 }
 
 std::string HttpClient::GetData(std::string& url, std::string_view cookie) {
-  return fetch(url, "GetData", [&](const Address& address) {
-    std::vector<std::string> lines = {"GET " + address.path + " HTTP/1.0\r\n", "Host: " + address.host + "\r\n",
-                                      "Accept: */*\r\n"};
-    if (!cookie.empty()) lines.push_back("Cookie: " + std::string(cookie) + "\r\n");
-    lines.emplace_back("\r\n");
-    return lines;
-  });
+  return fetch(url, cookie, std::nullopt);
 }
 
 std::string HttpClient::PostData(std::string& url, std::string_view form, std::string_view cookie) {
-  return fetch(url, "PostData", [&](const Address& address) {
-    std::vector<std::string> lines = {"POST " + address.path + " HTTP/1.0\r\n", "Host: " + address.host + "\r\n",
-                                      "Accept: */*\r\n", "Content-Type: application/x-www-form-urlencoded\r\n",
-                                      "Content-Length: " + std::to_string(form.size()) + "\r\n"};
-    if (!cookie.empty()) lines.push_back("Cookie: " + std::string(cookie) + "\r\n");
-    lines.emplace_back("\r\n");
-    if (!form.empty()) lines.emplace_back(form);
-    return lines;
-  });
+  return fetch(url, cookie, form);
 }
 
-std::string HttpClient::fetch(std::string& url, std::string_view procedure, const RequestLines& request) {
+std::string HttpClient::fetch(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
   deadline_ = std::chrono::steady_clock::now() + limits.time;
   try {
     Address address;  // outlives a redirect: a bare path stays with the last host and its security
     std::string body;
     for (int redirects = 0;; ++redirects) {
       if (redirects > limits.redirects) {
-        throw Excess("it redirects more than " + std::to_string(limits.redirects) + " times");
+        throw LimitExceeded("it redirects more than " + std::to_string(limits.redirects) + " times");
       }
       if (!spliturl(url, address)) {
         on_status("HTTP: The specified address is invalid");
         return {};
       }
-      const Outcome outcome = exchange(url, address, request(address), body);
+      const Outcome outcome = exchange(url, address, request_lines(address, cookie, form), body);
       if (outcome != Outcome::Redirect) return body;
     }
-  } catch (const Excess& excess) {
+  } catch (const LimitExceeded& exceeded) {
     socket_.disconnect();
-    log_.debug_log("The answer from " + last_host_.substr(0, longest_host) + " was given up: " + excess.what(),
+    log_.debug_log("The answer from " + last_host_.substr(0, max_host_length) + " was given up: " + exceeded.what(),
                    LogLevel::Normal);
     return {};
   } catch (const Failure& failure) {
     socket_.disconnect();
-    on_status("Error in modHTTP." + std::string(procedure) + "()\r\nError Code: 0 Error Text: " + failure.what());
+    on_status(std::string("Error in modHTTP.") + (form ? "PostData" : "GetData") +
+              "()\r\nError Code: 0 Error Text: " + failure.what());
     return {};
   }
 }
@@ -159,7 +161,7 @@ HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& addres
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
   ui_.process_events();
-  check_time();
+  check_deadline();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
 }
@@ -173,7 +175,7 @@ bool HttpClient::connect(const Address& address) {
     return false;
   }
   if (socket_.connect(address.host, address.port) == 0) return true;
-  if (!take_cancel("HTTP: Connection canceled")) {
+  if (!consume_cancel("HTTP: Connection canceled")) {
     on_status("HTTP: Unable to connect to " + address.host + " (error " + std::to_string(socket_.last_error()) + ")");
   }
   return false;
@@ -183,7 +185,7 @@ bool HttpClient::send(const Address& address, const std::vector<std::string>& re
   on_status("HTTP: Sending Request...");
   for (const std::string& line : request) {
     if (socket_.write(line) == static_cast<std::ptrdiff_t>(line.size())) continue;
-    if (!take_cancel("HTTP: Download canceled")) on_status("HTTP: Unable to send request to " + address.host);
+    if (!consume_cancel("HTTP: Download canceled")) on_status("HTTP: Unable to send request to " + address.host);
     socket_.disconnect();
     return false;
   }
@@ -193,11 +195,11 @@ bool HttpClient::send(const Address& address, const std::vector<std::string>& re
 HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
   on_status("HTTP: Receiving data...");
   Answer answer;
-  std::array<char, most_bytes_a_read> buffer{};
+  std::array<char, read_size> buffer{};
   for (;;) {
     if (cancel_) {
       socket_.disconnect();
-      take_cancel("HTTP: Download canceled");
+      consume_cancel("HTTP: Download canceled");
       return Outcome::Nothing;
     }
     const std::ptrdiff_t count = socket_.read(buffer.data(), buffer.size());
@@ -208,7 +210,7 @@ HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
       return Outcome::Body;
     }
     if (count < 0) {
-      if (!take_cancel("HTTP: Download canceled")) {
+      if (!consume_cancel("HTTP: Download canceled")) {
         on_status("HTTP: Unable to receive data from server (error " + std::to_string(socket_.last_error()) +
                   socket_.last_error_string() + ")");
       }
@@ -227,13 +229,13 @@ HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
       answer.received += answer.chunk.size();
       answer.body += from_code_page(answer.chunk);
       if (answer.body.size() > limits.body) {
-        throw Excess("its body is longer than " + std::to_string(limits.body) + " bytes");
+        throw LimitExceeded("its body is longer than " + std::to_string(limits.body) + " bytes");
       }
     }
     const std::string of = answer.expected < 1 ? "" : " of " + std::to_string(answer.expected);
     on_status("HTTP: Got " + std::to_string(answer.received) + of + " bytes");
     ui_.process_events();
-    check_time();
+    check_deadline();
   }
 }
 
@@ -243,7 +245,7 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
   answer.header += answer.chunk;
   const std::size_t blank_line = answer.header.find("\r\n\r\n", looked_at);
   if (std::min(blank_line, answer.header.size()) > limits.header) {
-    throw Excess("its header is longer than " + std::to_string(limits.header) + " bytes");
+    throw LimitExceeded("its header is longer than " + std::to_string(limits.header) + " bytes");
   }
   if (blank_line == std::string::npos) return Outcome::Body;
   // The size of the body's first part comes from this read alone. It is right when the whole header arrived in it, and
@@ -276,12 +278,12 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
   return Outcome::Body;
 }
 
-void HttpClient::check_time() const {
+void HttpClient::check_deadline() const {
   if (std::chrono::steady_clock::now() < deadline_) return;
-  throw Excess("it takes longer than " + std::to_string(limits.time.count() / 1000) + " seconds");
+  throw LimitExceeded("it takes longer than " + std::to_string(limits.time.count() / 1000) + " seconds");
 }
 
-bool HttpClient::take_cancel(std::string_view message) {
+bool HttpClient::consume_cancel(std::string_view message) {
   if (!cancel_) return false;
   cancel_ = false;
   on_status(message);

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,13 +24,12 @@ struct Address {
   bool operator==(const Address&) const = default;
 };
 
-/// What no sane service reaches. An answer that goes beyond is given up.
+/// Far above every real answer. One that exceeds a limit is abandoned.
 struct HttpLimits {
   std::size_t body = std::size_t{32} << 20U;  // bytes of decoded text, some 30,000 episodes
   std::size_t header = std::size_t{64} << 10U;
   int redirects = 50;
-  std::chrono::milliseconds time{
-      std::chrono::minutes(3)};  // for a request with its redirects; looked at after each read
+  std::chrono::milliseconds time = std::chrono::minutes(3);  // with all redirects; checked after each read
 };
 
 /// Fetches resources by HTTP/1.0, one request at a time, and follows redirects. Pending events of the user interface
@@ -39,11 +39,11 @@ class HttpClient {
   HttpClient(SocketControl& socket, UserInterface& ui, Log& log) : socket_(socket), ui_(ui), log_(log) {}
 
   /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
-  /// unverified connection, time-out, cancelled, a status that is neither 2xx nor 401, a limit exceeded, which the log
-  /// tells. After a redirect `url` is the new address. `cookie` may be empty.
+  /// unverified connection, time-out, cancel, a status that is neither 2xx nor 401, or an exceeded limit, which is
+  /// logged. After a redirect `url` is the new address. `cookie` may be empty.
   std::string GetData(std::string& url, std::string_view cookie);
 
-  /// The same for a form; `form` is sent as it stands.
+  /// The same as a POST of `form`, which is sent as it is.
   std::string PostData(std::string& url, std::string_view form, std::string_view cookie);
 
   /// False when the address cannot be used: a scheme other than http and https, port 0 or above 65535, or no host where
@@ -58,23 +58,22 @@ class HttpClient {
 
   HttpLimits limits;
 
-  /// Told every step; nobody listens unless told to.
+  /// Called with a message at every step.
   std::function<void(std::string_view)> on_status = [](std::string_view) {};
 
  private:
-  using RequestLines = std::function<std::vector<std::string>(const Address&)>;
   struct Answer;
   enum class Outcome { Body, Redirect, Nothing };
 
-  std::string fetch(std::string& url, std::string_view procedure, const RequestLines& request);
+  std::string fetch(std::string& url, std::string_view cookie, std::optional<std::string_view> form);
   Outcome exchange(std::string& url, const Address& address, const std::vector<std::string>& request,
                    std::string& body);
   bool connect(const Address& address);
   bool send(const Address& address, const std::vector<std::string>& request);
   Outcome receive(std::string& url, std::string& body);
   Outcome read_header(Answer& answer, std::string& url);
-  bool take_cancel(std::string_view message);
-  void check_time() const;
+  bool consume_cancel(std::string_view message);
+  void check_deadline() const;
 
   SocketControl& socket_;
   UserInterface& ui_;

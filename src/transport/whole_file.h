@@ -11,7 +11,7 @@ namespace quorvel {
 /// gives as many blanks as it has bytes, and so do bytes that vanish while it is read.
 std::string loadfile(const Files& files, const std::string& path);
 
-/// What becomes of an existing file's bytes behind the new ones.
+/// What becomes of an existing file's bytes after the new ones.
 enum class OldTail { Kept, Dropped };
 
 /// Writes `text` to the file at `path`, which holds its old or its new contents at every moment.

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "listings/utf8_decode.h"
+#include "listings/answer.h"
 #include "session_fixture.h"
 #include "text/code_page.h"
 

@@ -40,9 +40,9 @@ CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point d
   }
 }
 
-/// Whether a connection that ended under TLS was closed by the peer's own word. libcurl itself makes an error of
-/// a missing closing notice with every TLS library but OpenSSL.
-bool closed_by_peer([[maybe_unused]] CURL* easy) {
+/// Whether the peer closed a TLS connection in due form. With every TLS library but OpenSSL, libcurl itself reports a
+/// missing closing notice as an error.
+bool closed_in_due_form([[maybe_unused]] CURL* easy) {
 #ifndef _WIN32
   const curl_tlssessioninfo* session = nullptr;
   if (curl_easy_getinfo(easy, CURLINFO_TLS_SSL_PTR, &session) != CURLE_OK || session == nullptr) return false;
@@ -84,7 +84,7 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   if (easy == nullptr || address == nullptr) return CURLE_OUT_OF_MEMORY;
   const bool bare_ipv6 = host.find(':') != std::string::npos && !host.starts_with('[');
   const std::string named = bare_ipv6 ? "[" + host + "]" : host;
-  // Part by part, for a host's text put into an address could bring a user name or another host along.
+  // Part by part: a host's text pasted into an address could smuggle in a user name or another host.
   if (host.find('\0') != std::string::npos ||
       curl_url_set(address, CURLUPART_SCHEME, secure ? "https" : "http", 0) != CURLUE_OK ||
       curl_url_set(address, CURLUPART_HOST, named.c_str(), 0) != CURLUE_OK ||
@@ -96,19 +96,19 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   curl_easy_setopt(easy, CURLOPT_CONNECT_ONLY, 1L);
   curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, timeout_seconds * 1000L);
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-  // Without it a look-up that hangs is waited for even after the time-out.
+  // Without it libcurl waits for a name look-up that hangs even after the time-out.
   curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
   curl_easy_setopt(easy, CURLOPT_PROXY, "");
   curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-  // Schannel looks for the authority's list of revoked certificates; a network that does not let it through would
-  // otherwise cut off the service altogether.
+  // Schannel asks for the authority's list of revoked certificates; a network that blocks it would otherwise cut off
+  // the service altogether.
   curl_easy_setopt(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
   if (!ca_file.empty()) {
     curl_easy_setopt(easy, CURLOPT_CAINFO, ca_file.c_str());
-    // TLS libraries without such a folder refuse the option, which comes to the same.
+    // TLS libraries without such a folder refuse the option, to the same effect.
     curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
   }
   CURLcode code = curl_easy_perform(easy);
@@ -171,10 +171,10 @@ std::ptrdiff_t CurlSocketControl::read(char* buffer, std::size_t size) {
   }
   const auto deadline = SteadyClock::now() + std::chrono::seconds(timeout_seconds_);
   while (true) {
-    // Received before it is waited for: TLS may hold bytes that the socket no longer shows.
+    // Receive before waiting: TLS may hold bytes that the socket no longer shows.
     std::size_t got = 0;
     CURLcode code = curl_easy_recv(connection_->easy, buffer, size, &got);
-    if (code == CURLE_OK && got == 0 && size > 0 && connection_->secure && !closed_by_peer(connection_->easy)) {
+    if (code == CURLE_OK && got == 0 && size > 0 && connection_->secure && !closed_in_due_form(connection_->easy)) {
       set_error(CURLE_RECV_ERROR, "The connection was cut");
       return -1;
     }

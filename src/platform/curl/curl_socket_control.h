@@ -24,7 +24,7 @@ class CurlSocketControl : public SocketControl {
   /// Closes an earlier connection first.
   int connect(const std::string& host, int port) override;
 
-  /// Fewer than all when the connection failed or the time was up, and last_error() tells; 0 without a connection.
+  /// Fewer than all when the connection failed or timed out, with the reason in last_error(); 0 without a connection.
   std::ptrdiff_t write(std::string_view bytes) override;
 
   /// -1 as well when a TLS connection ends without its closing notice: something may be missing then.
