@@ -71,9 +71,6 @@ class ListingsService {
     closesocket(last);
     closesocket(listener_);
   }
-  ListingsService(const ListingsService&) = delete;
-  ListingsService& operator=(const ListingsService&) = delete;
-
   int port() const { return ntohs(address_.sin_port); }
   std::string base() const { return "http://127.0.0.1:" + std::to_string(port()); }
   /// Byte for byte, up to and including the blank line; each is kept before it is answered.
@@ -97,10 +94,9 @@ class ListingsService {
     for (char byte = 0; !request.ends_with("\r\n\r\n"); request += byte) {
       if (recv(client, &byte, 1, 0) != 1) return;
     }
-    {
-      const std::lock_guard lock(mutex_);
-      requests_.push_back(request);
-    }
+    std::unique_lock lock(mutex_);
+    requests_.push_back(request);
+    lock.unlock();
     const std::string answer = listings_answer(request, shows_);
     const std::chrono::milliseconds wait = wait_;
     const std::size_t step = wait.count() > 0 ? 1 : answer.size();

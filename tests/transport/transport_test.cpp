@@ -39,18 +39,13 @@ struct Http : ::testing::Test {
   FakeUi ui{events};
   Lines log;
   HttpClient http{service, ui, log};
-  std::string steps;    // all that happened, in order
-  std::string failing;  // the call of the socket that fails
-  std::function<void()> on_failure = [] {};
+  std::string steps;  // all that happened, in order
+  std::function<bool(const std::string&)> works = [](auto&) { return true; };
 
   Http() {
     http.on_status = [this](std::string_view message) { steps += std::string(message) + "|"; };
     ui.on_events = [this] { steps += "events|"; };
-    service.works = [this](const std::string& call) {
-      steps += call + "|";
-      if (call == failing) on_failure();
-      return call != failing;
-    };
+    service.works = [this](const std::string& call) { return steps += call + "|", works(call); };
   }
   std::string get(std::string url, const std::vector<Reads>& answers = {{ok + "x"}}) {
     steps.clear();
@@ -164,13 +159,13 @@ TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryCall) {
                {"read 2048", false, "|HTTP: Unable to receive data from server (error 28late)|close|"},
                {"read 2048", true, "|read 2048|HTTP: Download canceled|close|"}};
   for (const auto& c : cases) {
-    failing = c.call;
-    on_failure = [&] {
-      if (c.cancel) http.cancel();
+    works = [&](const std::string& call) {
+      if (call == c.call && c.cancel) http.cancel();
+      return call != c.call;
     };
     EXPECT_EQ(get("https://a/"), "");
     EXPECT_TRUE(steps.ends_with(c.end)) << steps;
-    failing = "";
+    works = [](auto&) { return true; };
     EXPECT_EQ(get("https://a/"), "x") << "a cancel is forgotten once it was obeyed";
   }
   for (int count = 0, at = 1; at <= 3; ++at, count = 0) {
@@ -212,7 +207,7 @@ TEST_F(Http, EveryExcessEndsTheTransferAndIsLogged) {
   EXPECT_EQ(get("http://a/", {{ok + "x"}}), "");
   EXPECT_TRUE(log.list.back().ends_with("its header is longer than 14 bytes"));
   http.limits = {.time = std::chrono::seconds(1)};
-  service.works = [&](const std::string& call) {
+  works = [&](const std::string& call) {
     if (call == "read 2048") std::this_thread::sleep_for(http.limits.time);  // a service that takes its time
     return true;
   };
