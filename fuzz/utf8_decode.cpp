@@ -1,5 +1,5 @@
-#include "listings/answer.h"
 #include "fuzz_support.h"
+#include "listings/answer.h"
 #include "naming/service_names.h"
 #include "text/characters.h"
 #include "text/code_page.h"

@@ -69,7 +69,7 @@ TEST_F(Listings, AShowIsSearchedOnceAndThenFoundInItsCache) {
 TEST_F(Listings, EverySearchEndsInAShowOrInAReason) {
   const std::string longest(65'536, 'x'), error = "|Error parsing results (Err 2)";
   const struct {
-    std::string body, result, reason = "";
+    std::string body, result, reason = {};
   } cases[] = {
       {"", "(none)"},
       {"[]", "(none)", "|Site reports no results for: \"x\""},
@@ -171,7 +171,7 @@ TEST_F(Listings, AListThatCannotBeReadToItsEndIsNotTrusted) {
   const std::string bare = R"("id":1,"season":1,"number":1,)";
   const std::string wide = listed("1", "1", std::string(8'370, 'x'), std::string(10, '2'));  // 8,383 bytes kept
   const struct {
-    std::string body, result, reason = "";
+    std::string body, result, reason = {};
   } cases[] = {{"", "(none)"},
                {"[]", "(none)", "|Site reports no episodes for: \"searched\""},
                {"[{\"name\":\"x\"}]", "(none)", error},

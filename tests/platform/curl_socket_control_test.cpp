@@ -3,8 +3,6 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 #include "listings_service.h"
 #include "platform/system.h"
 #include "variable.h"
@@ -36,7 +34,8 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.write(request.substr(0, 5)), 5);
   EXPECT_EQ(read_to_end(socket), "|error") << "the service waits for the rest";
   EXPECT_EQ(socket.last_error(), CURLE_OPERATION_TIMEDOUT);
-  const std::string more_than_fits(50'000'000, 'x');
+  std::string more_than_fits;
+  more_than_fits.resize(50'000'000);
   EXPECT_LT(waiting.write(more_than_fits), 50'000'000) << "the service is busy with the other client";
   EXPECT_EQ(waiting.last_error(), CURLE_OPERATION_TIMEDOUT);
   EXPECT_EQ(socket.write(request.substr(5)), static_cast<std::ptrdiff_t>(request.size()) - 5);
@@ -52,14 +51,14 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
 
 struct Https : ::testing::Test {
   void SetUp() override {
-    if (std::getenv("QUORVEL_TLS_good") == nullptr) GTEST_SKIP() << "support/tls_peers_main.cpp runs these";
+    if (!Variable::get("QUORVEL_TLS_good")) GTEST_SKIP() << "support/tls_peers_main.cpp runs these";
   }
   /// What the system's own connection gets from a server, in whose place `authority` vouches.
   static std::string answer(const std::string& server, const std::optional<std::string>& authority) {
     const Variable trusted("SSL_CERT_FILE", authority);
     const std::unique_ptr<SocketControl> socket = system_socket();
     socket->set_secure(true);
-    if (socket->connect("localhost", std::atoi(Variable::get("QUORVEL_TLS_" + server)->c_str())) != 0) return "refused";
+    if (socket->connect("localhost", std::stoi(Variable::get("QUORVEL_TLS_" + server).value())) != 0) return "refused";
     socket->write("GET / HTTP/1.0\r\n\r\n");
     return read_to_end(*socket);
   }

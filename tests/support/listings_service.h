@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -66,11 +67,12 @@ class ListingsService {
   ~ListingsService() {
     stopping_ = true;
     const Socket last = new_socket();  // ends the wait for a client
-    connect(last, generic_, sizeof address_);
+    if (connect(last, generic_, sizeof address_) != 0) std::abort();
     thread_.join();
     closesocket(last);
     closesocket(listener_);
   }
+
   int port() const { return ntohs(address_.sin_port); }
   std::string base() const { return "http://127.0.0.1:" + std::to_string(port()); }
   /// Byte for byte, up to and including the blank line; each is kept before it is answered.

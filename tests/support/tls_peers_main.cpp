@@ -51,7 +51,7 @@ int main(int argc, char** argv) try {
     execvp(argv[1], argv + 1);
     _exit(127);
   }
-  signal(SIGPIPE, SIG_IGN);  // who refuses a certificate hangs up early
+  if (signal(SIGPIPE, SIG_IGN) == SIG_ERR) return 1;  // a client that refuses a certificate hangs up early
   for (BIO* const server : servers) std::thread(serve, server).detach();
   int status = 0;
   return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : 1;
