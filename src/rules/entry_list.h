@@ -33,6 +33,19 @@ class EntryList {
 
   void append(Entry entry) { entries_.push_back(std::move(entry)); }
 
+  /// Puts an entry in place of the one at `index`, or last for 0, on disk too, and shows the list. False, and the list
+  /// is again what the file holds, when the file cannot be written.
+  bool store(int index, Entry entry) {
+    if (index > 0) {
+      at(index) = std::move(entry);
+    } else {
+      append(std::move(entry));
+    }
+    if (!save()) return load(), false;
+    refresh();
+    return true;
+  }
+
   /// Exchanges two entries, on disk too. False, and nothing changed, when an index is not the list's or the file cannot
   /// be written.
   bool exchange(int a, int b) {

@@ -30,7 +30,7 @@ struct ExceptionFormat {
 class ExceptionList : private EntryList<EFilter, ExceptionFormat> {
  public:
   using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::exchange, EntryList::holds,
-      EntryList::remove;
+      EntryList::remove, EntryList::store;
 
   bool loadefilters() { return load(); }
   bool saveefilters() { return save(); }

@@ -42,7 +42,8 @@ struct FilterFormat {
 /// The filter rules; their order is their priority.
 class FilterList : private EntryList<AFilter, FilterFormat> {
  public:
-  using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::exchange, EntryList::holds;
+  using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::exchange, EntryList::holds,
+      EntryList::store;
 
   bool loadfilters() { return load(); }
   bool savefilters() { return save(); }

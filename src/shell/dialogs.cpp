@@ -1,0 +1,74 @@
+#include "shell/dialogs.h"
+
+#include "text/characters.h"
+#include "text/cut.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::string_view dots = "...";
+
+std::string skip_name(int message) {
+  return "msgskip$" + std::to_string(message);
+}
+
+}  // namespace
+
+ItemInfo item_info(const QueueItem& item) {
+  std::string error = item.error_text;
+  replace_all(error, "\r\n", "\n");
+  const std::string filename = "Filename: " + item.filename;
+  switch (item.state) {
+    case QueueState::Cancelled:
+      return {filename, "Status: Cancelled", "", "Desc: " + error};
+    case QueueState::Failed:
+      return {filename, "Status: Failed", "", "Error: " + error};
+    case QueueState::Done:
+      return {filename, "Status: Done", "New Name: " + item.new_name, ""};
+    default:
+      return {};
+  }
+}
+
+std::string fitted(const std::string& text, int width, const std::function<int(const std::string&)>& measure) {
+  std::u32string start = decode(text);
+  std::string shown = text;
+  for (bool is_cut = false; measure(shown) >= width && shown != dots; is_cut = true) {
+    if (is_cut) start.pop_back();
+    shown = encode(start).append(dots);
+  }
+  return shown;
+}
+
+std::string message_lines(std::string text) {
+  replace_all(text, "#", "\n");
+  return text;
+}
+
+bool is_switched_off(const SettingsStore& store, int message) {
+  return message >= 1 && store.read_number(skip_name(message)) != 0;
+}
+
+void switch_off(SettingsStore& store, int message) {
+  store.write_number(skip_name(message), 1);
+}
+
+NewException add_exception(ExceptionList& exceptions, UserInterface& ui, const std::string& detected_name,
+                           const std::string& new_name) {
+  if (detected_name.empty()) {
+    ui.show_message(0, "Detected Name Required", "Please enter a detected show name", MessageIcon::Information);
+    return NewException::NoDetectedName;
+  }
+  if (new_name.empty()) {
+    ui.show_message(0, "New Name Required", "Please enter a new show name", MessageIcon::Information);
+    return NewException::NoNewName;
+  }
+  if (!exceptions.store(0, {detected_name, new_name, false})) {
+    ui.show_message(0, "Unable to save exception", "The exception could not be saved. The log says why.",
+                    MessageIcon::Error);
+    return NewException::NotSaved;
+  }
+  return NewException::Added;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,60 @@
+#include "shell/dialogs.h"
+
+#include <gtest/gtest.h>
+
+#include "session_fixture.h"
+
+namespace quorvel::testing {
+namespace {
+
+TEST(Dialogs, SayWhatBecameOfAnItem) {
+  QueueItem item;
+  item.filename = "a.avi", item.new_name = "B.avi", item.error_text = "one\r\ntwo";
+  const std::pair<QueueState, ItemInfo> infos[] = {
+      {QueueState::Cancelled, {"Filename: a.avi", "Status: Cancelled", "", "Desc: one\ntwo"}},
+      {QueueState::Failed, {"Filename: a.avi", "Status: Failed", "", "Error: one\ntwo"}},
+      {QueueState::Done, {"Filename: a.avi", "Status: Done", "New Name: B.avi", ""}},
+      {QueueState::Inactive, {}},
+      {QueueState::Processing, {}}};
+  for (const auto& [state, info] : infos) {
+    item.state = state;
+    EXPECT_EQ(item_info(item), info) << info.status;
+  }
+}
+
+TEST(Dialogs, CutALineAfterWhatFitsAndBreakAMessagesLines) {
+  const auto measure = [](const std::string& text) { return static_cast<int>(text.size()); };
+  EXPECT_EQ(fitted("123456789", 10, measure), "123456789");
+  EXPECT_EQ(fitted("1234567890", 10, measure), "123456...");
+  EXPECT_EQ(fitted("12345\u00E9\u00E9\u00E9", 10, measure), "12345...");
+  EXPECT_EQ(fitted("12", 1, measure), "...");
+  EXPECT_EQ(message_lines("one#two##"), "one\ntwo\n\n");
+}
+
+TEST(Dialogs, AddExceptionsWithBothNamesAndRememberMessagesThatAreNotWanted) {
+  TestSession at;
+  at.start();
+  const auto add = [&](const char* detected, const char* name) {
+    return add_exception(at.session.exceptions, at.ui, detected, name);
+  };
+  EXPECT_EQ(add("", ""), NewException::NoDetectedName);
+  EXPECT_EQ(add("a", ""), NewException::NoNewName);
+  EXPECT_EQ(add("a\tb", "c"), NewException::NotSaved);
+  EXPECT_EQ(at.ui.messages, (std::vector<std::string>{
+                                "Detected Name Required: Please enter a detected show name",
+                                "New Name Required: Please enter a new show name",
+                                "Unable to save exception: The exception could not be saved. The log says why."}));
+  EXPECT_EQ(add("the office", "The Office"), NewException::Added);
+  EXPECT_EQ(at.read("data/Quorvel/man.dat"), "the office\tThe Office\r\n");
+  EXPECT_EQ(at.ui.exceptions, (std::vector<ListRow>{{"F1", {"the office", "The Office"}}}));
+
+  SettingsStore& store = at.session.settings_store;
+  switch_off(store, 3);
+  EXPECT_EQ(at.key_values.numbers["msgskip$3"], 1U);
+  EXPECT_TRUE(is_switched_off(store, 3) && !is_switched_off(store, 1));
+  switch_off(store, 0);
+  EXPECT_FALSE(is_switched_off(store, 0));
+}
+
+}  // namespace
+}  // namespace quorvel::testing
