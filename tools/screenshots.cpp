@@ -70,7 +70,7 @@ class Screenshots : public TestWindow {
           file("tomorrow.street.s01e01.avi")});
     run_pass();
     drop({file("tom.and.sons.s01e01.mp4"), file("night.train.s01e02.mkv")});
-    find<ui::QueueList>(*frame, "ListView1").row_changed(2, true, true);
+    frame->update_row(2, {.scroll_into_view = true, .select = true});
   }
 
   void of_dialog(

@@ -9,17 +9,13 @@ class MainWindow {
  public:
   virtual ~MainWindow() = default;
 
-  virtual void set_caption(const std::string& caption) = 0;
+  /// Makes the window, under this caption. It is shown at once when it is to be `visible`, while what is in it is still
+  /// being made.
+  virtual void open(const std::string& caption, bool visible) = 0;
 
   /// With `tip` shown over it. Does nothing where the desktop has no tray.
   virtual void add_tray_icon(const std::string& tip) = 0;
   virtual void remove_tray_icon() = 0;
-
-  /// The file that the help command opens; empty when there is none.
-  virtual void set_help_file(const std::string& path) = 0;
-
-  /// Makes the list views select whole rows.
-  virtual void select_full_rows() = 0;
 
   /// In the middle of the screen; minimised, it lives in the tray, or in the task bar where there is no tray.
   virtual void centre() = 0;

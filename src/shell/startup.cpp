@@ -95,15 +95,16 @@ bool Startup::forward(const CommandLine& line) {
 }
 
 void Startup::start(const CommandLine& line) {
-  window_.set_caption(std::string(application_title) + " " + short_version);
+  window_.open(std::string(application_title) + " " + short_version, !line.startup);
   channel_.receive([this](const std::string& text) { handle_message(text); });
   session_.write_banner();
   window_.add_tray_icon(application_title);
   session_.setworkdir();
   load_preferences(session_);
-  find_help_file();
+  if (!session_.ports.files.exists(help_file(session_.places))) {
+    session_.log.debug_log(no_help_file, LogLevel::Normal);
+  }
   session_.load_rules();
-  window_.select_full_rows();
   for (const std::string& path : line.paths) session_.intake.add_to_queue(path, false);
   session_.ports.ui.arm_start_timer();
   if (line.startup) {
@@ -113,15 +114,6 @@ void Startup::start(const CommandLine& line) {
   loaded_ = true;
   window_.accept_tray_clicks();
   handle_kept_messages();
-}
-
-void Startup::find_help_file() {
-  const std::string path = help_file(session_.places);
-  if (session_.ports.files.exists(path)) {
-    window_.set_help_file(path);
-  } else {
-    session_.log.debug_log(no_help_file, LogLevel::Normal);
-  }
 }
 
 void Startup::handle_kept_messages() {

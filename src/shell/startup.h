@@ -40,7 +40,6 @@ class Startup {
  private:
   bool forward(const CommandLine& line);
   void start(const CommandLine& line);
-  void find_help_file();
   void handle_kept_messages();
   void unload_window();
   void fail(const std::string& reason);

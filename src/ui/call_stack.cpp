@@ -1,6 +1,6 @@
 #include "ui/call_stack.h"
 
-#include "ui/system_dialogs.h"
+#include "ui/desktop.h"
 
 namespace quorvel::ui {
 namespace {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/dialog.h>
+#include <wx/menu.h>
 #include <wx/timer.h>
 
 #include <functional>
@@ -8,9 +9,9 @@
 
 namespace quorvel::ui {
 
-/// What of the window is at work further down the call stack. Events run in the middle of passes and file operations
-/// and inside of dialogs, so the order to end can arrive in any of them; nothing may be destroyed before the last has
-/// come back.
+/// What of the window is at work further down the call stack: passes, dialogs, menus. Events run in the middle of
+/// passes and file operations and inside of dialogs, so the order to end can arrive in any of them; nothing may be
+/// destroyed before the last has come back.
 class CallStack {
  public:
   /// Lives as long as something is at work that needs the window.
@@ -36,6 +37,12 @@ class CallStack {
   /// What ShowModal gives; wxID_CANCEL at once, and nothing shown, after end_dialogs().
   int show_modal(wxDialog& dialog);
 
+  /// Shows a menu and comes back when the user has chosen from it or closed it.
+  void pop_up(wxWindow& over, wxMenu& menu, const wxPoint& at) {
+    const Use use(*this);
+    show_menu(over, menu, at);
+  }
+
   /// Closes all open dialogs as if the user had, the system's too, each as soon as those above it have come back.
   void end_dialogs();
 
@@ -44,6 +51,10 @@ class CallStack {
 
   /// Called for F1 in an open dialog.
   std::function<void()> on_help = [] {};
+
+  /// What shows menus; tests put their own in its place.
+  std::function<void(wxWindow& over, wxMenu& menu, const wxPoint& at)> show_menu =
+      [](wxWindow& over, wxMenu& menu, const wxPoint& at) { over.PopupMenu(&menu, at); };
 
  private:
   void end_top_dialog();

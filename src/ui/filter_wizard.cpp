@@ -8,17 +8,10 @@
 #include <tuple>
 #include <utility>
 
-#include "naming/file_names.h"
-#include "text/case.h"
-#include "text/characters.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
 namespace {
-
-enum Field { ShowName, FileType };
-
-constexpr std::size_t longest_incomplete_path = 2;  // "D:"
 
 wxStaticText* hint(wxWindow* parent, const wxString& text) {
   auto* const label = new wxStaticText(parent, wxID_ANY, text);
@@ -26,8 +19,16 @@ wxStaticText* hint(wxWindow* parent, const wxString& text) {
   return label;
 }
 
-wxChoice* choice(wxWindow* parent, const char* name) {
-  return new wxChoice(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxArrayString(), 0, wxDefaultValidator, name);
+template <std::size_t Count>
+wxChoice* choice(wxWindow* parent, const char* name, const char* const (&entries)[Count]) {
+  auto* const made =
+      new wxChoice(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxArrayString(), 0, wxDefaultValidator, name);
+  for (const char* const entry : entries) made->Append(entry);
+  return made;
+}
+
+wxTextCtrl* text_box(wxWindow* parent, const char* name) {
+  return new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
 }
 
 /// Long texts end in "..." rather than widen the dialog.
@@ -39,11 +40,11 @@ wxStaticText* value(wxWindow* parent, const char* name) {
 }  // namespace
 
 FilterWizard::FilterWizard(wxWindow* parent, Session& session, std::function<int(wxDialog&)> show_modal)
-    : wxDialog(parent, wxID_ANY, "Add Filter Wizard"), session_(session), show_modal_(std::move(show_modal)) {
+    : wxDialog(parent, wxID_ANY, ""), wizard_(session.filters, session.ports.ui), show_modal_(std::move(show_modal)) {
   build();
   setID(0);
-  next_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { on_next(); });
-  back_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { on_back(); });
+  next_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { go(&RuleWizard::next); });
+  back_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { go(&RuleWizard::back); });
 }
 
 void FilterWizard::build() {
@@ -87,14 +88,9 @@ wxPanel* FilterWizard::page() {
 
 wxWindow* FilterWizard::build_conditions() {
   wxPanel* const panel = page();
-  field_ = choice(panel, "field");
-  field_->Append(wxString("Show Name"));
-  field_->Append(wxString("File Type"));
-  comparison_ = choice(panel, "comparison");
-  comparison_->Append(wxString("Equals"));
-  comparison_->Append(wxString("Doesn't Equal"));
-  condition_ =
-      new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "condition");
+  field_ = choice(panel, "field", field_names);
+  comparison_ = choice(panel, "comparison", comparison_names);
+  condition_ = text_box(panel, "condition");
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
   row->Add(field_, wxSizerFlags().CenterVertical());
   row->Add(comparison_, wxSizerFlags().CenterVertical().Border(wxLEFT));
@@ -107,19 +103,17 @@ wxWindow* FilterWizard::build_conditions() {
 
 wxWindow* FilterWizard::build_options() {
   wxPanel* const panel = page();
-  rename_ = new wxRadioButton(panel, wxID_ANY, "&Rename", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
-  move_ = new wxRadioButton(panel, wxID_ANY, "&Move && Rename");
-  copy_ = new wxRadioButton(panel, wxID_ANY, "C&opy && Rename");
-  for (wxRadioButton* const option : {rename_, move_, copy_}) {
-    panel->GetSizer()->Add(option, wxSizerFlags().Border(wxBOTTOM));
-  }
+  options_[0] = new wxRadioButton(panel, wxID_ANY, "&Rename", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
+  options_[1] = new wxRadioButton(panel, wxID_ANY, "&Move && Rename");
+  options_[2] = new wxRadioButton(panel, wxID_ANY, "C&opy && Rename");
+  for (wxRadioButton* const option : options_) panel->GetSizer()->Add(option, wxSizerFlags().Border(wxBOTTOM));
   return panel;
 }
 
 wxWindow* FilterWizard::build_path() {
   wxPanel* const panel = page();
   path_label_ = new wxStaticText(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, "path_label");
-  path_ = new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "path");
+  path_ = text_box(panel, "path");
   auto* const browse = new wxButton(panel, wxID_ANY, "B&rowse");
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
   row->Add(path_, wxSizerFlags(1).CenterVertical());
@@ -132,7 +126,7 @@ wxWindow* FilterWizard::build_path() {
 
 wxWindow* FilterWizard::build_name() {
   wxPanel* const panel = page();
-  mask_ = new wxTextCtrl(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, "mask");
+  mask_ = text_box(panel, "mask");
   panel->GetSizer()->Add(mask_, wxSizerFlags().Expand().Border(wxBOTTOM));
   panel->GetSizer()->Add(hint(panel, "[show], [title]: names of the show and the episode"));
   panel->GetSizer()->Add(hint(panel, "[s], [e]: numbers of the season and the episode; [ss], [ee]: with two digits"));
@@ -161,161 +155,78 @@ wxWindow* FilterWizard::build_summary() {
 }
 
 void FilterWizard::setID(int index) {
-  index_ = session_.filters.holds(index) ? index : 0;
-  SetTitle(index_ > 0 ? "Edit Filter Wizard" : "Add Filter Wizard");
-  AFilter filter;
-  filter.action = Rename;
-  fill(index_ > 0 ? session_.filters.at(index_) : filter);
-  step_ = Conditions;
-  showstep(Conditions);
+  wizard_.setID(index);
+  SetTitle(wizard_.title());
+  show_form();
+  show_step();
 }
 
-void FilterWizard::fill(const AFilter& filter) {
-  // A rule changed from one kind to the other has two conditions; its description tells which is the newer.
-  const bool by_type =
-      !filter.fileType.empty() && (filter.showName.empty() || filter.description.starts_with("File Type"));
-  const std::string& pattern = by_type ? filter.fileType : filter.showName;
-  const int comparison = by_type ? filter.fileTypeCondition : filter.showNameCondition;
-  field_->SetSelection(by_type ? FileType : ShowName);
-  comparison_->SetSelection(pattern.empty() || comparison == Equals ? 0 : 1);
-  condition_->ChangeValue(to_wx(pattern));
-  rename_->SetValue(filter.action != MoveAndRename && filter.action != CopyAndRename);
-  move_->SetValue(filter.action == MoveAndRename);
-  copy_->SetValue(filter.action == CopyAndRename);
-  path_->ChangeValue(to_wx(filter.path));
-  mask_->ChangeValue(to_wx(filter.mask));
-}
-
-int FilterWizard::action() const {
-  return move_->GetValue() ? MoveAndRename : copy_->GetValue() ? CopyAndRename : Rename;
-}
-
-void FilterWizard::showstep(int step) {
-  if (step_ == FilePath && step > FilePath && !path_is_good()) return;
-  if (step == FileName && mask_->IsEmpty()) mask_->ChangeValue(to_wx(default_mask));
-  if (step == Summary && !store()) return;
-  if (step == End) {
+void FilterWizard::go(bool (RuleWizard::*where)()) {
+  read_form();
+  if (!(wizard_.*where)()) {
+    if (wizard_.step() == RuleWizard::FilePath) path_->SetFocus();
+  } else if (wizard_.step() == RuleWizard::End) {
     if (IsModal()) EndModal(wxID_OK);
-    return;
+  } else {
+    show_form();
+    show_step();
   }
-  step_ = step;
-  book_->SetSelection(static_cast<std::size_t>(step) - 1);
-  set_texts();
-  set_buttons();
+}
+
+void FilterWizard::read_form() {
+  RuleForm& form = wizard_.form;
+  form.field = field_->GetSelection();
+  form.equals = comparison_->GetSelection() == 0;
+  form.condition = from_wx(condition_->GetValue());
+  form.action = options_[1]->GetValue() ? MoveAndRename : options_[2]->GetValue() ? CopyAndRename : Rename;
+  form.path = from_wx(path_->GetValue());
+  form.mask = from_wx(mask_->GetValue());
+}
+
+void FilterWizard::show_form() {
+  const RuleForm& form = wizard_.form;
+  field_->SetSelection(form.field);
+  comparison_->SetSelection(form.equals ? 0 : 1);
+  condition_->ChangeValue(to_wx(form.condition));
+  options_[form.action - Rename]->SetValue(true);
+  path_->ChangeValue(to_wx(form.path));
+  mask_->ChangeValue(to_wx(form.mask));
+}
+
+void FilterWizard::show_step() {
+  const auto [heading, subheading, label] = wizard_.texts();
+  heading_->SetLabelText(heading);
+  subheading_->SetLabelText(subheading);
+  (wizard_.is_stored() ? summary_label_ : path_label_)->SetLabelText(label);
+  if (wizard_.is_stored()) show_summary();
+  book_->SetSelection(static_cast<std::size_t>(wizard_.step()) - 1);
+  back_->Enable(wizard_.can_go_back());
+  cancel_->Enable(!wizard_.is_stored());
+  next_->SetLabel(wizard_.is_stored() ? "&Finish" : "&Next ");
+  // What is stored cannot be cancelled any more: Escape and the closing button finish as well.
+  SetEscapeId(wizard_.is_stored() ? next_->GetId() : static_cast<int>(wxID_CANCEL));
   Layout();
   set_focus();
 }
 
-void FilterWizard::set_texts() {
-  const auto texts = [this](const wxString& heading, const wxString& subheading) {
-    heading_->SetLabelText(heading);
-    subheading_->SetLabelText(subheading);
-  };
-  const wxString done = index_ > 0 ? "edited" : "added";
-  switch (step_) {
-    case Conditions:
-      return texts("Step 1 - Filter Conditions", "Specify the critera of this filter");
-    case Options:
-      return texts("Step 2 - Filter Options", "Select what this filter will do");
-    case FilePath:
-      path_label_->SetLabelText(action() == MoveAndRename ? "Directory to move new files to:"
-                                                          : "Directory to copy new files to:");
-      return texts("Step 3 - File Path", action() == MoveAndRename ? "Select where files will me moved to"
-                                                                   : "Select where files will me copied to");
-    case FileName:
-      return texts(action() == Rename ? "Step 3 - File Name" : "Step 4 - File Name",
-                   "Specify the new file name format");
-    default:
-      summary_label_->SetLabelText("The following filter has been successfully " + done + ":");
-      return texts(index_ > 0 ? "Filter Edited" : "Filter Added", "You have successfully " + done + " a filter");
-  }
-}
-
-void FilterWizard::set_buttons() {
-  const bool is_stored = step_ == Summary;
-  back_->Enable(step_ > Conditions && !is_stored);
-  cancel_->Enable(!is_stored);
-  next_->SetLabel(is_stored ? "&Finish" : "&Next ");
-  // What is stored cannot be cancelled any more: Escape and the closing button finish as well.
-  SetEscapeId(is_stored ? next_->GetId() : static_cast<int>(wxID_CANCEL));
-}
-
 void FilterWizard::set_focus() {
-  wxWindow* const first[] = {condition_,
-                             action() == Rename          ? rename_
-                             : action() == MoveAndRename ? move_
-                                                         : copy_,
-                             path_, mask_, next_};
-  first[step_ - 1]->SetFocus();
-  if (step_ == FileName) mask_->SetInsertionPointEnd();  // rather than all of it selected
+  wxWindow* const first[] = {condition_, options_[wizard_.form.action - Rename], path_, mask_, next_};
+  first[wizard_.step() - 1]->SetFocus();
+  if (wizard_.step() == RuleWizard::FileName) mask_->SetInsertionPointEnd();  // rather than all of it selected
 }
 
-void FilterWizard::on_next() {
-  showstep(step_ == Options && action() == Rename ? static_cast<int>(FileName) : step_ + 1);
-}
-
-void FilterWizard::on_back() {
-  showstep(step_ == FileName && action() == Rename ? static_cast<int>(Options) : step_ - 1);
-}
-
-bool FilterWizard::path_is_good() {
-  if (action() == Rename || length(from_wx(path_->GetValue())) > longest_incomplete_path) return true;
-  session_.ports.ui.show_message(0, "Path not valid", "You must enter a complete path", MessageIcon::Warning);
-  path_->SetFocus();
-  return false;
-}
-
-/// False, and nothing changed, when the rule cannot be saved; the user has been told.
-bool FilterWizard::store() {
-  FilterList& filters = session_.filters;
-  const AFilter filter = described(index_ > 0 ? filters.at(index_) : AFilter{});
-  if (index_ > 0) {
-    filters.at(index_) = filter;
-  } else {
-    filters.append(filter);
-  }
-  if (!filters.savefilters()) {
-    filters.loadfilters();
-    session_.ports.ui.show_message(0, "Unable to save filter", "The filter could not be saved. The log says why.",
-                                   MessageIcon::Error);
-    return false;
-  }
-  filters.refresh_lv2();
-  summarise(filter);
-  return true;
-}
-
-AFilter FilterWizard::described(AFilter filter) const {
-  const std::string typed = from_wx(condition_->GetValue());
-  const std::string pattern = typed.empty() ? "*" : lower_case(typed);
-  const int comparison = comparison_->GetSelection() == 0 ? Equals : DoesNotEqual;
-  if (field_->GetSelection() == ShowName) {
-    filter.showName = pattern;
-    filter.showNameCondition = comparison;
-  } else {
-    filter.fileType = pattern;
-    filter.fileTypeCondition = comparison;
-  }
-  filter.action = action();
-  filter.enabled = true;
-  filter.path = filter.action == Rename ? "" : with_separator(from_wx(path_->GetValue()));
-  filter.mask = from_wx(mask_->GetValue());
-  filter.description = from_wx(field_->GetStringSelection()) + " " + from_wx(comparison_->GetStringSelection()) + " " +
-                       (pattern == "*" ? "Anything" : typed);
-  return filter;
-}
-
-void FilterWizard::summarise(const AFilter& filter) {
+void FilterWizard::show_summary() {
+  const AFilter& rule = wizard_.rule();
   const auto show = [](wxStaticText* label, const std::string& text) {
     label->SetLabelText(to_wx(text));
     label->SetToolTip(to_wx(text));
   };
-  show(summary_filter_, filter.description);
-  show(summary_action_, std::string(action_name(filter.action)));
-  show(summary_mask_, filter.mask);
-  show(summary_path_, filter.path);
-  summary_path_->Show(!filter.path.empty());
-  summary_path_label_->Show(!filter.path.empty());
+  show(summary_filter_, rule.description);
+  show(summary_action_, std::string(action_name(rule.action)));
+  show(summary_mask_, rule.mask);
+  show(summary_path_, rule.path);
+  summary_path_->Show(!rule.path.empty());
+  summary_path_label_->Show(!rule.path.empty());
 }
 
 void FilterWizard::on_browse() {

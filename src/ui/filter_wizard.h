@@ -11,11 +11,12 @@
 
 #include <functional>
 
+#include "rules/rule_wizard.h"
 #include "shell/session.h"
 
 namespace quorvel::ui {
 
-/// Makes a new filter rule or changes one, a question a step. It comes back with wxID_OK when the rule is stored.
+/// Shows the steps of a RuleWizard. It comes back with wxID_OK when the rule is stored.
 class FilterWizard : public wxDialog {
  public:
   /// `show_modal` shows the folder picker and gives what its ShowModal gives.
@@ -24,12 +25,7 @@ class FilterWizard : public wxDialog {
   /// The rule to change; below 1, a new one is added.
   void setID(int index);
 
-  /// Shows a step, 1 to 6, and does what leaving the one before it asks for. 6 closes the dialog.
-  void showstep(int step);
-
  private:
-  enum Step { Conditions = 1, Options, FilePath, FileName, Summary, End };
-
   void build();
   wxWindow* build_conditions();
   wxWindow* build_options();
@@ -37,31 +33,24 @@ class FilterWizard : public wxDialog {
   wxWindow* build_name();
   wxWindow* build_summary();
   wxPanel* page();
-  void fill(const AFilter& filter);
-  void set_texts();
-  void set_buttons();
-  void set_focus();
 
-  int action() const;
-  bool path_is_good();
-  bool store();
-  AFilter described(AFilter filter) const;
-  void summarise(const AFilter& filter);
-  void on_next();
-  void on_back();
+  void go(bool (RuleWizard::*where)());
+  void read_form();
+  void show_form();
+  void show_step();
+  void show_summary();
+  void set_focus();
   void on_browse();
 
-  Session& session_;
+  RuleWizard wizard_;
   const std::function<int(wxDialog&)> show_modal_;
-  int index_ = 0;
-  int step_ = Conditions;
   wxStaticText *heading_ = nullptr, *subheading_ = nullptr, *path_label_ = nullptr, *summary_label_ = nullptr;
   wxStaticText *summary_filter_ = nullptr, *summary_action_ = nullptr, *summary_mask_ = nullptr,
                *summary_path_ = nullptr, *summary_path_label_ = nullptr;
   wxSimplebook* book_ = nullptr;
   wxChoice *field_ = nullptr, *comparison_ = nullptr;
   wxTextCtrl *condition_ = nullptr, *path_ = nullptr, *mask_ = nullptr;
-  wxRadioButton *rename_ = nullptr, *move_ = nullptr, *copy_ = nullptr;
+  wxRadioButton* options_[3] = {};  // Rename, Move & Rename, Copy & Rename: in the order of Action
   wxButton *back_ = nullptr, *next_ = nullptr, *cancel_ = nullptr;
 };
 

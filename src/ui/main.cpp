@@ -1,9 +1,133 @@
+#include <wx/app.h>
+#include <wx/log.h>
+#include <wx/msgdlg.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "platform/arguments.h"
-#include "ui/app.h"
+#include "platform/system.h"
+#include "shell/session.h"
+#include "shell/startup.h"
+#include "shell/version.h"
+#include "ui/main_frame.h"
+#include "ui/text.h"
+
+namespace quorvel::ui {
+namespace {
+
+/// The desktop program: the system's ports, the session, the window, and how they come up and go down.
+class App : public wxApp {
+ public:
+  /// Without the program's name, byte for byte; the toolkit's own copy has lost what is not text.
+  explicit App(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
+
+  bool OnInit() override;
+  int OnRun() override { return status_ ? *status_ : wxApp::OnRun(); }
+  int OnExit() override;
+  bool OnExceptionInMainLoop() override;
+
+ private:
+  void build();
+  void start();
+
+  const std::vector<std::string> arguments_;
+  std::optional<int> status_;   // how the program ends when there is nothing to run
+  MainFrame* frame_ = nullptr;  // the toolkit's; gone before the session
+  std::unique_ptr<Files> files_;
+  std::unique_ptr<FileOperation> shell_;
+  std::unique_ptr<KeyValueStore> key_values_;
+  std::unique_ptr<SocketControl> socket_;
+  std::unique_ptr<Clock> clock_;
+  std::unique_ptr<ContextMenu> context_menu_;
+  std::unique_ptr<Launcher> launcher_;
+  std::unique_ptr<InstanceChannel> channel_;
+  std::optional<Session> session_;
+  std::optional<Startup> startup_;
+};
+
+void App::build() {
+  files_ = system_files();
+  shell_ = system_file_operation(
+      [this](std::uint64_t done, std::uint64_t total) {
+        return frame_ == nullptr || frame_->copy_progress(done, total);
+      },
+      [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
+  key_values_ = system_key_values(*files_);
+  socket_ = system_socket();
+  clock_ = system_clock();
+  context_menu_ = system_context_menu(*files_);
+  launcher_ = system_launcher();
+  channel_ = system_instance_channel();
+
+  frame_ = new MainFrame;
+  session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *frame_, *clock_, context_menu_.get()},
+                   Places{.application_data = application_data_folder(*files_),
+                          .program = program_folder(),
+                          .work_dir = {},
+                          .api_base = listings_address()});
+  startup_.emplace(*session_, *frame_, *channel_);
+  frame_->attach(*session_, *launcher_, [this] { startup_->unload(); });
+  frame_->Bind(wxEVT_DESTROY, [this](wxWindowDestroyEvent& event) {
+    if (event.GetWindow() == frame_) frame_ = nullptr;
+    event.Skip();
+  });
+}
+
+bool App::OnInit() {
+  SetAppName(application_title);
+  // What the toolkit has to say goes where developers look; users get messages of the program's own.
+  delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it is the log's
+  try {
+    start();
+  } catch (const std::exception& failure) {
+    wxMessageBox(to_wx(failure.what()), application_title, wxOK | wxICON_ERROR);
+    status_ = EXIT_FAILURE;
+  }
+  return true;
+}
+
+void App::start() {
+  build();
+  if (const std::optional<std::string> trouble = key_values_->trouble()) {
+    frame_->show_message(0, application_title, *trouble, MessageIcon::Error);
+    status_ = EXIT_FAILURE;
+  } else if (startup_->run(arguments_) == StartResult::Ended) {
+    status_ = EXIT_SUCCESS;
+  }
+  if (status_) delete frame_;
+}
+
+int App::OnExit() {
+  startup_.reset();
+  session_.reset();
+  return wxApp::OnExit();
+}
+
+bool App::OnExceptionInMainLoop() {
+  try {
+    throw;
+  } catch (const ProgramEnd&) {
+    // At once means that a pass further down the stack does not go on either.
+    if (startup_) startup_->unload();
+    std::_Exit(EXIT_FAILURE);
+  } catch (const std::exception& failure) {
+    if (frame_ == nullptr) throw;
+    frame_->show_message(0, application_title, failure.what(), MessageIcon::Error);
+  }
+  return true;
+}
+
+}  // namespace
+}  // namespace quorvel::ui
 
 int main(int argc, char** argv) {
   wxDISABLE_DEBUG_SUPPORT();
   wxApp::SetInstance(new quorvel::ui::App(quorvel::command_line_arguments(argc, argv)));
-  int toolkit_argc = 1;  // the arguments are the program's own, also those that look like the toolkit's
+  int toolkit_argc = 1;  // the arguments are the program's own, even those that look like the toolkit's
   return wxEntry(toolkit_argc, argv);
 }

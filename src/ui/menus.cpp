@@ -1,54 +1,58 @@
 #include "ui/menus.h"
 
+#include <initializer_list>
+
 namespace quorvel::ui {
+namespace {
+
+struct Item {
+  int command;
+  const char* text = "";
+};
+constexpr Item separator{wxID_SEPARATOR};
+
+void fill(wxMenu& menu, std::initializer_list<Item> items) {
+  for (const Item& item : items) menu.Append(item.command, item.text);
+}
+
+}  // namespace
 
 wxMenuBar* menu_bar() {
-  auto* const mnuFile = new wxMenu;
-  mnuFile->Append(mnuOpen, "&Add File\tCtrl+O");
-  mnuFile->AppendSeparator();
-  mnuFile->Append(mnuExit, "E&xit\tCtrl+Q");
-  auto* const mnuOptions = new wxMenu;
-  mnuOptions->Append(mnuPrefs, "&Preferences");
-  auto* const mnuHelp = new wxMenu;
-  mnuHelp->Append(mnuHelpGuide, "Quorvel &Help\tF1");
-  mnuHelp->Append(mnuUpdate, "Check For &Updates");
-  mnuHelp->Append(mnuWeb, "Quorvel &Website");
-  mnuHelp->AppendSeparator();
-  mnuHelp->Append(mnuAbout, "&About Quorvel");
-
   auto* const bar = new wxMenuBar;
-  bar->Append(mnuFile, "&File");
-  bar->Append(mnuOptions, "&Options");
-  bar->Append(mnuHelp, "&Help");
+  const auto add = [bar](const char* title, std::initializer_list<Item> items) {
+    auto* const menu = new wxMenu;
+    fill(*menu, items);
+    bar->Append(menu, title);
+  };
+  add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
+  add("&Options", {{mnuPrefs, "&Preferences"}});
+  add("&Help", {{mnuHelpGuide, "Quorvel &Help\tF1"},
+                {mnuUpdate, "Check For &Updates"},
+                {mnuWeb, "Quorvel &Website"},
+                separator,
+                {mnuAbout, "&About Quorvel"}});
   return bar;
 }
 
-std::unique_ptr<wxMenu> tray_menu(const wxString& show) {
+std::unique_ptr<wxMenu> tray_menu(const char* show) {
   auto menu = std::make_unique<wxMenu>();
-  menu->Append(mnuShow, show);
-  menu->AppendSeparator();
-  menu->Append(mnuExit2, "E&xit");
+  fill(*menu, {{mnuShow, show}, separator, {mnuExit2, "E&xit"}});
   return menu;
 }
 
 ListMenus::ListMenus() {
-  mnuList.Append(mnuEditFilter, "&Edit Filter\tF2");
-  mnuList.Append(mnuRemFilter, "&Remove Filter\tDel");
-  mnuList.AppendSeparator();
-  mnuList.Append(mnuAddFilter, "&Add Filter");
-
-  mnuList2.Append(mnuAddFilter2, "&Add Filter");
-
-  mnuList3.Append(mnuInfo, "Item &Info");
-  mnuList3.Append(mnuUndo, "&Undo Rename");
-  mnuList3.Append(mnuSpecify, "Add &Exception");
-  mnuList3.AppendSeparator();
-  mnuList3.Append(mnuRetry, "&Retry Failed");
-
-  mnuList4.Append(mnuAddEx, "&Add Exception");
-  mnuList4.Append(mnuRemEx, "&Remove Exception\tDel");
-
-  mnuList5.Append(mnuAddEx2, "&Add Exception");
+  fill(mnuList, {{mnuEditFilter, "&Edit Filter\tF2"},
+                 {mnuRemFilter, "&Remove Filter\tDel"},
+                 separator,
+                 {mnuAddFilter, "&Add Filter"}});
+  fill(mnuList2, {{mnuAddFilter2, "&Add Filter"}});
+  fill(mnuList3, {{mnuInfo, "Item &Info"},
+                  {mnuUndo, "&Undo Rename"},
+                  {mnuSpecify, "Add &Exception"},
+                  separator,
+                  {mnuRetry, "&Retry Failed"}});
+  fill(mnuList4, {{mnuAddEx, "&Add Exception"}, {mnuRemEx, "&Remove Exception\tDel"}});
+  fill(mnuList5, {{mnuAddEx2, "&Add Exception"}});
 }
 
 }  // namespace quorvel::ui

@@ -32,8 +32,8 @@ enum MenuCommand {
 
 wxMenuBar* menu_bar();
 
-/// The tray's menu; `show` is the caption of its first entry.
-std::unique_ptr<wxMenu> tray_menu(const wxString& show);
+/// The tray's menu; `show` is the text of its first entry.
+std::unique_ptr<wxMenu> tray_menu(const char* show);
 
 /// The menus that pop up over the lists.
 struct ListMenus {

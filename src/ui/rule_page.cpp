@@ -3,29 +3,67 @@
 #include <wx/sizer.h>
 
 namespace quorvel::ui {
-namespace {
 
-wxButton* button(wxWindow* parent, const wxString& label, const char* name) {
-  return new wxButton(parent, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
+RulePage::RulePage(wxWindow* parent, const Looks& looks, Actions actions)
+    : wxPanel(parent), actions_(std::move(actions)), list_(new RuleList(this, looks.list, looks.columns)) {
+  auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
+  const auto button = [&](const char* label, const char* name, const std::function<void()>& press,
+                          const wxSizerFlags& flags = {}) {
+    auto* const made =
+        new wxButton(this, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
+    made->Bind(wxEVT_BUTTON, [press](wxCommandEvent&) { press(); });
+    buttons->Add(made, flags);
+  };
+  button("Move &Up", looks.up, [this] { move(-1); });
+  button(
+      "Move &Down", looks.down, [this] { move(1); }, wxSizerFlags().Border(wxLEFT));
+  buttons->AddStretchSpacer();
+  button("&Add New", looks.add, actions_.add);
+  auto* const sizer = new wxBoxSizer(wxVERTICAL);
+  sizer->Add(list_, wxSizerFlags(1).Expand().Border());
+  sizer->Add(buttons, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  SetSizer(sizer);
+
+  list_->Bind(wxEVT_CONTEXT_MENU,
+              [this, &on_rule = looks.on_rule, &on_empty_area = looks.on_empty_area](const wxContextMenuEvent& event) {
+                wxPoint at;
+                const int row = list_->menu_row(event, at);
+                if (row > 0) list_->select(row);
+                actions_.pop_up(*list_, row > 0 ? on_rule : on_empty_area, at);
+              });
+  list_->Bind(wxEVT_LIST_KEY_DOWN, &RulePage::on_key, this);
+  list_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](const wxListEvent& event) {
+    if (actions_.edit) actions_.edit(static_cast<int>(event.GetIndex()) + 1);
+  });
 }
 
-}  // namespace
+void RulePage::on_key(wxListEvent& event) {
+  if (event.GetKeyCode() == WXK_F2 && actions_.edit && list_->selected() > 0) {
+    edit();
+  } else if (event.GetKeyCode() == WXK_DELETE) {
+    remove();
+  } else {
+    event.Skip();
+  }
+}
 
-RulePage::RulePage(wxWindow* parent, const Names& names, std::vector<RuleColumn> columns)
-    : panel(new wxPanel(parent)),
-      list(new RuleList(panel, names.list, std::move(columns))),
-      up(button(panel, "Move &Up", names.up)),
-      down(button(panel, "Move &Down", names.down)),
-      add(button(panel, "&Add New", names.add)) {
-  auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
-  buttons->Add(up);
-  buttons->Add(down, wxSizerFlags().Border(wxLEFT));
-  buttons->AddStretchSpacer();
-  buttons->Add(add);
-  auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(list, wxSizerFlags(1).Expand().Border());
-  sizer->Add(buttons, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
-  panel->SetSizer(sizer);
+void RulePage::edit() {
+  actions_.edit(list_->selected());
+}
+
+void RulePage::remove() {
+  const int index = list_->selected();
+  if (index < 1) return;
+  if (!actions_.remove(index)) actions_.not_saved("remove");
+  list_->select(index);
+}
+
+void RulePage::move(int by) {
+  const int index = list_->selected(), other = index + by;
+  if (index < 1 || other < 1 || other > list_->GetItemCount()) return;
+  const bool moved = actions_.exchange(index, other);
+  list_->select(moved ? other : index);
+  if (!moved) actions_.not_saved("move");
 }
 
 }  // namespace quorvel::ui

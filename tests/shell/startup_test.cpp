@@ -32,9 +32,9 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   EXPECT_EQ(copy.startup.run({"/startup"}), StartResult::Running);
   const std::string banner = "(14:05:33) Quorvel 3.4 (build 0) started";
   EXPECT_THAT(copy.happened(),
-              ElementsAre("caption Quorvel 3.4", "receive", banner, "tray Quorvel", "install avi", "install mkv",
-                          "install DIR", "(14:05:33) Help File not found in program directory", "full rows", "timer",
-                          "centre", "minimise", "clicks"));
+              ElementsAre("open hidden Quorvel 3.4", "receive", banner, "tray Quorvel", "install avi", "install mkv",
+                          "install DIR", "(14:05:33) Help File not found in program directory", "timer", "centre",
+                          "minimise", "clicks"));
   EXPECT_TRUE(copy.startup.loaded() && copy.exists("data/Quorvel"));
   copy.startup.unload();
   copy.startup.unload();
@@ -46,8 +46,8 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.key_values.write_number("context", 1);
   helped.key_values.write_string("", "3.4");
   EXPECT_EQ(helped.startup.run({helped.b}), StartResult::Running);
-  EXPECT_THAT(helped.happened(), ElementsAre("caption Quorvel 3.4", "receive", banner, "tray Quorvel", "help file",
-                                             "full rows", "row b 1x02", "timer", "clicks"));
+  EXPECT_THAT(helped.happened(),
+              ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row b 1x02", "timer", "clicks"));
 }
 
 TEST(Startup, HandsOverToTheRunningCopy) {
@@ -69,7 +69,7 @@ TEST(Startup, HandsOverToTheRunningCopy) {
 
 TEST(Startup, EndsWithAMessageWhenAStepFails) {
   const std::string text = "message Error loading Quorvel: Quorvel encountered an error loading and cannot continue. (";
-  for (const char* const step : {"caption", "receive", "tray", "full rows", "row", "timer", "centre", "clicks"}) {
+  for (const char* const step : {"open", "receive", "tray", "row", "timer", "centre", "clicks"}) {
     Copy copy;
     copy.events.fails = step;
     EXPECT_EQ(copy.startup.run({step == std::string("row") ? copy.a : "/startup"}), StartResult::Ended);

@@ -77,11 +77,11 @@ struct FakeUi : UserInterface {
 struct FakeWindow : MainWindow {
   explicit FakeWindow(Events& events) : events(events) {}
   Events& events;
-  void set_caption(const std::string& caption) override { events.add("caption " + caption); }
+  void open(const std::string& caption, bool visible) override {
+    events.add((visible ? "open " : "open hidden ") + caption);
+  }
   void add_tray_icon(const std::string& tip) override { events.add("tray " + tip); }
   void remove_tray_icon() override { events.add("no tray"); }
-  void set_help_file(const std::string&) override { events.add("help file"); }
-  void select_full_rows() override { events.add("full rows"); }
   void centre() override { events.add("centre"); }
   void minimise() override { events.add("minimise"); }
   void accept_tray_clicks() override { events.add("clicks"); }

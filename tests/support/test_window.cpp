@@ -10,7 +10,7 @@
 
 #include "file_tools.h"
 #include "naming/file_names.h"
-#include "ui/system_dialogs.h"
+#include "ui/desktop.h"
 #include "ui/text.h"
 
 namespace quorvel::testing {
@@ -68,7 +68,6 @@ void TestWindow::start() {
   startup.emplace(*session, *frame, recorder);
   frame->attach(*session, recorder, [this] { startup->unload(); });
   ASSERT_EQ(startup->run({}), StartResult::Running);
-  frame->show_first();
   wait_until([this] { return frame->IsActive(); });
 }
 
@@ -120,14 +119,14 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
   wxPoint at(5, list.GetClientSize().y - 5);
   if (row > 0 && list.GetItemRect(row - 1, area)) at = wxPoint(area.x + 30, area.y + area.height / 2);
   auto shown = std::make_shared<std::string>();
-  frame->pop_up = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
+  frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
   wxContextMenuEvent event(wxEVT_CONTEXT_MENU, list.GetId(), list.ClientToScreen(at));
   list.ProcessWindowEvent(event);
   return *shown;
 }
 
 void TestWindow::choose_selected_item() {
-  frame->pop_up = [](wxWindow&, wxMenu&, const wxPoint&) {};
+  frame->stack().show_menu = [](wxWindow&, wxMenu&, const wxPoint&) {};
   wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
   named(*frame, "ListView1")->ProcessWindowEvent(by_key);
 }

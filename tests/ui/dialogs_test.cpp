@@ -3,7 +3,6 @@
 
 #include "naming/file_names.h"
 #include "test_window.h"
-#include "ui/item_info_dialog.h"
 #include "ui/text.h"
 
 namespace quorvel::testing {
@@ -205,12 +204,6 @@ TEST_F(TestWindow, ExceptionsNeedBothNames) {
   command(ui::mnuInfo);
   EXPECT_EQ(recorder.calls, (std::vector<std::string>{"open " + session->queue.at(1).show_url,
                                                       "open " + session->queue.at(1).episode_url}));
-}
-
-TEST(FittedLines, AreCutBehindWhatFits) {
-  const auto measure = [](const wxString& text) { return static_cast<int>(text.length()); };
-  EXPECT_EQ(ui::fitted("123456789", 10, measure), "123456789");
-  EXPECT_EQ(ui::fitted("1234567890", 10, measure), "123456...");
 }
 
 TEST_F(TestWindow, ConfirmationDecidesAndCanBeSwitchedOff) {

@@ -152,7 +152,7 @@ TEST_F(TestWindow, TheFileAndHelpMenusLeadOut) {
   on_dialog([](wxDialog& about) {
     EXPECT_EQ(about.GetTitle(), "About Quorvel");
     find<wxWindow>(about, "Version 3.4  Build 0");
-    click(about, "https://quorvel.example");
+    find<wxWindow>(about, "https://quorvel.example"), click(about, "website");
     type(about, 'A', false);
     press(about, "OK");
   });

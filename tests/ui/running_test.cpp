@@ -126,9 +126,10 @@ TEST_F(Running, TheSessionsEndIsHeldUpAndThenGivesACopyUp) {
   on_progress = [this] {
     wxCloseEvent query(wxEVT_QUERY_END_SESSION);
     query.SetCanVeto(true);
-    frame->query_end_session(query);
+    wxTheApp->ProcessEvent(query);
     EXPECT_TRUE(query.GetVeto());
-    frame->end_session();
+    wxCloseEvent end(wxEVT_END_SESSION);
+    wxTheApp->ProcessEvent(end);
   };
   run_pass();
   wait_for_the_end();
@@ -168,21 +169,21 @@ TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
 TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   start();
   bool tray = true;
-  frame->tray_is_available = [&] { return tray; };
+  frame->life().tray_is_available = [&] { return tray; };
   frame->add_tray_icon("Quorvel");
   const auto first_entry = [&] {
-    const std::unique_ptr<wxMenu> menu(frame->open_tray_menu());
+    const std::unique_ptr<wxMenu> menu(frame->life().open_tray_menu());
     return menu ? ui::from_wx(menu->FindItemByPosition(0)->GetItemLabelText()) : "";
   };
   EXPECT_EQ(first_entry(), "Hide");
   command(ui::mnuShow);
   EXPECT_FALSE(frame->IsShown());
   EXPECT_EQ(first_entry(), "Show");
-  frame->toggle_from_tray();
+  frame->life().toggle_from_tray();
   EXPECT_TRUE(frame->IsShown());
   on_dialog([&](wxDialog& dialog) {
     EXPECT_EQ(first_entry(), "");
-    frame->toggle_from_tray();
+    frame->life().toggle_from_tray();
     EXPECT_TRUE(frame->IsShown());
     press(dialog, "OK");
   });
@@ -228,7 +229,7 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   drop({file("nothing.avi"), file("harbour.lights.s01e01.avi")});
   run_pass();
   int shown = 0;
-  frame->pop_up = [&](wxWindow&, wxMenu& menu, const wxPoint&) { shown = menu.IsEnabled(ui::mnuUndo) ? 2 : 1; };
+  frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) { shown = menu.IsEnabled(ui::mnuUndo) ? 2 : 1; };
   focus("ListView1");
   key(menu_key.code, menu_key.modifiers);
   wait_until([&] { return shown == 2; });

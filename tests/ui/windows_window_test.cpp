@@ -95,7 +95,7 @@ TEST_F(OnWindows, ClicksOnTheTrayIconCountOnlyWithoutADialog) {
   Tray tray;
   start();
   std::string menus;
-  frame->pop_up = [&](wxWindow&, wxMenu& menu, const wxPoint&) { menus += captions(menu) + ";"; };
+  frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) { menus += captions(menu) + ";"; };
   const auto click_both = [&] { click_tray(WM_LBUTTONDBLCLK), click_tray(WM_RBUTTONUP); };
   click_both();
   EXPECT_FALSE(frame->IsShown());

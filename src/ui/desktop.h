@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+/// What differs between desktops.
 namespace quorvel::ui {
 
 /// The icon in the tray, which comes back by itself when the tray does. What it does is the window's.
@@ -20,7 +21,7 @@ class TrayIcon {
 
   /// `window` outlives it and is sent the commands of the menu.
   TrayIcon(wxFrame& window, const std::string& tip, Actions actions);
-  /// Takes the icon away, also in the middle of an event of its own.
+  /// Takes the icon away, even in the middle of an event of its own.
   ~TrayIcon();
   TrayIcon(const TrayIcon&) = delete;
   TrayIcon& operator=(const TrayIcon&) = delete;
@@ -34,5 +35,9 @@ class TrayIcon {
   class Icon;
   std::shared_ptr<Icon> icon_;
 };
+
+/// Cancels the dialogs that the system shows for this program by itself: where it picks files or asks about them. They
+/// close as soon as their own event loops come to it. False when there is none.
+bool cancel_system_dialogs();
 
 }  // namespace quorvel::ui

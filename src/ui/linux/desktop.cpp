@@ -1,4 +1,4 @@
-#include "ui/tray_icon.h"
+#include "ui/desktop.h"
 
 #include <wx/taskbar.h>
 
@@ -35,6 +35,10 @@ bool TrayIcon::is_available() {
 
 bool TrayIcon::is_in() const {
   return true;
+}
+
+bool cancel_system_dialogs() {
+  return false;  // the toolkit runs them all
 }
 
 }  // namespace quorvel::ui

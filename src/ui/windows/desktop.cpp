@@ -1,4 +1,4 @@
-#include "ui/tray_icon.h"
+#include "ui/desktop.h"
 
 #include <wx/msw/private.h>
 #include <wx/settings.h>
@@ -11,6 +11,18 @@
 #include "ui/icons.h"
 
 namespace quorvel::ui {
+namespace {
+
+/// The toolkit's own dialogs are of the same class, but it knows them.
+BOOL CALLBACK cancel(HWND window, LPARAM found) {
+  if (wxGetWindowClass(window) == "#32770" && IsWindowVisible(window) && wxFindWinFromHandle(window) == nullptr) {
+    PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    *reinterpret_cast<bool*>(found) = true;
+  }
+  return TRUE;
+}
+
+}  // namespace
 
 /// The toolkit's own class would give the icon to a window of its own; here it belongs to the program's window, which
 /// is what other programs look for.
@@ -101,6 +113,12 @@ bool TrayIcon::is_available() {
 
 bool TrayIcon::is_in() const {
   return icon_->is_in();
+}
+
+bool cancel_system_dialogs() {
+  bool found = false;
+  EnumThreadWindows(GetCurrentThreadId(), cancel, reinterpret_cast<LPARAM>(&found));
+  return found;
 }
 
 }  // namespace quorvel::ui

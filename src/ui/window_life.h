@@ -1,0 +1,79 @@
+#pragma once
+
+#include <wx/frame.h>
+#include <wx/timer.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "ui/call_stack.h"
+#include "ui/desktop.h"
+
+namespace quorvel::ui {
+
+/// How the window is hidden, comes back, and ends. Minimised, it lives in the tray, or in the task bar where there is
+/// none. It ends when everything that needs it has come back.
+class WindowLife {
+ public:
+  struct Hooks {
+    std::function<bool()> may_close;    // false when a pass is running, which then ends at its next stage
+    std::function<bool()> pass_is_due;  // whether one will start by itself
+    std::function<void()> on_unload;    // called once, when the window really goes away
+  };
+
+  WindowLife(wxFrame& frame, CallStack& stack);
+  ~WindowLife();
+  WindowLife(const WindowLife&) = delete;
+  WindowLife& operator=(const WindowLife&) = delete;
+
+  void attach(Hooks hooks) { hooks_ = std::move(hooks); }
+
+  void minimise();
+  /// Minimises the window, or restores it when it is minimised.
+  void toggle();
+
+  void add_tray_icon(const std::string& tip);
+  void remove_tray_icon() { tray_icon_.reset(); }
+  /// From now on clicks on the icon count, while no dialog is open.
+  void accept_tray_clicks() { tray_clicks_count_ = true; }
+  void toggle_from_tray();
+  /// The menu of the tray icon, to be deleted by whoever shows it; null while clicks there do not count.
+  wxMenu* open_tray_menu();
+
+  /// As the user closes the window; with a dialog open, once that has come back.
+  void close();
+  /// Ends the window whatever is going on, and gives up what is being copied.
+  void unload();
+  bool is_unloading() const { return unloading_; }
+  bool gives_up_copies() const { return gives_up_copies_; }
+
+  /// Whether this desktop has a tray; tests put their own in its place.
+  std::function<bool()> tray_is_available = &TrayIcon::is_available;
+
+ private:
+  void on_close(wxCloseEvent& event);
+  void on_iconize(wxIconizeEvent& event);
+  void on_query_end_session(wxCloseEvent& event);
+  void on_end_session(wxCloseEvent&) { unload(); }
+  void on_tray_watch(wxTimerEvent& event);
+  void restore();
+  bool lives_in_tray() const { return tray_icon_ != nullptr && tray_icon_->is_in() && tray_is_available(); }
+  void begin_unload();
+  void stack_is_empty();
+  void finish_unload();
+
+  wxFrame& frame_;
+  CallStack& stack_;
+  Hooks hooks_{[] { return true; }, [] { return false; }, [] {}};
+  std::unique_ptr<TrayIcon> tray_icon_;
+  wxTimer tray_watch_;  // while the window lives in the tray
+  bool tray_clicks_count_ = false;
+  bool minimised_ = false;
+  bool close_when_empty_ = false;
+  bool gives_up_copies_ = false;
+  bool unloading_ = false;
+  bool unloaded_ = false;
+};
+
+}  // namespace quorvel::ui
