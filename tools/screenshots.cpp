@@ -56,21 +56,19 @@ class Screenshots : public TestWindow {
     rule.showName.clear();
     rule.fileType = "mkv";
     rule.fileTypeCondition = Equals;
-    rule.path = path("TV/[show]/Season [s]/");
+    rule.path = folder / "TV/[show]/Season [s]/";
     rule.mask = "[show] - S[ss]E[ee] - [title]";
     session->filters.append(rule);
     session->filters.exchange(1, 2);
-    session->exceptions.append({"harbor lights uk", "the harbour lights", false});
-    session->exceptions.append({"tom sons", "tom & sons", false});
-    session->exceptions.saveefilters();
-    session->exceptions.refresh_lv3();
-    std::filesystem::create_directory(folder / "TV");
+    session->exceptions.store(0, {"harbor lights uk", "the harbour lights", false});
+    session->exceptions.store(0, {"tom sons", "tom & sons", false});
+    files->create_folder(folder / "TV");
     drop({file("The Harbour Lights/harbour.lights.s01e01.720p.avi"), file("The Harbour Lights/harbour.lights.1x02.mkv"),
           file("the.daily.brief.s01e01.mkv"), file("no.such.show.s01e01.avi"), file("holiday video.avi"),
           file("tomorrow.street.s01e01.avi")});
     run_pass();
     drop({file("tom.and.sons.s01e01.mp4"), file("night.train.s01e02.mkv")});
-    frame->update_row(2, {.scroll_into_view = true, .select = true});
+    list(1).select(2);
   }
 
   void of_dialog(
@@ -82,21 +80,13 @@ class Screenshots : public TestWindow {
     });
     command(id);
   }
-
-  void remember_item(int index) {
-    wxListEvent activated(wxEVT_LIST_ITEM_ACTIVATED);
-    activated.m_itemIndex = index - 1;
-    activated.SetEventObject(named(*frame, "ListView1"));
-    on_dialog([](wxDialog& dialog) { dialog.EndModal(wxID_CANCEL); });
-    named(*frame, "ListView1")->ProcessWindowEvent(activated);
-  }
 };
 
 TEST_F(Screenshots, Tabs) {
   start();
   picture(*frame, "queue-empty");
   frame->unload();
-  wait_until([this] { return frame == nullptr; });
+  wait_for_the_end();
   prepare();
   picture(*frame, "queue");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(1);
@@ -115,9 +105,9 @@ TEST_F(Screenshots, Dialogs) {
   of_dialog(ui::mnuAbout, "about");
   of_dialog(ui::mnuAddEx, "exception");
   of_dialog(ui::mnuHelpGuide, "message");
-  remember_item(1);
+  menu_over(1, 1);
   of_dialog(ui::mnuInfo, "item-done");
-  remember_item(4);
+  menu_over(1, 4);
   of_dialog(ui::mnuInfo, "item-failed");
   of_dialog(ui::mnuSpecify, "exception-from-item");
   on_dialog([this](wxDialog& dialog) {

@@ -102,7 +102,7 @@ class EntryList {
   /// Shows the list.
   void refresh() {
     std::vector<ListRow> rows;
-    for (int i = 1; i <= count(); ++i) rows.push_back({"F" + std::to_string(i), Format::cells(at(i))});
+    for (int i = 1; i <= count(); ++i) rows.push_back({std::string("F") + std::to_string(i), Format::cells(at(i))});
     (ui_.*Format::show)(rows);
   }
 

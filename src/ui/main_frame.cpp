@@ -155,9 +155,9 @@ RulePage::Actions MainFrame::rule_actions(List& rules, const std::string& thing)
           .add = {},
           .edit = {},
           .not_saved =
-              [this, thing](const char* verb) {
-                show_message(0, std::string("Unable to ") + verb + " " + thing,
-                             "The change could not be saved. The log says why.", MessageIcon::Error);
+              [this, thing](const std::string& verb) {
+                show_message(0, "Unable to " + verb + " " + thing, "The change could not be saved. The log says why.",
+                             MessageIcon::Error);
               },
           .pop_up = [this](wxWindow& over, wxMenu& menu, const wxPoint& at) { stack_.pop_up(over, menu, at); }};
 }

@@ -16,16 +16,6 @@ struct Copy : ProgramCopy {
   const std::string a = file("a.1x01.mkv"), b = file("b 1x02.avi");
 };
 
-struct Recorder : Launcher {
-  explicit Recorder(Events& events) : events(events) {}
-  Events& events;
-  bool works = true;
-  bool open(const std::string& target) override { return events.add("open " + target), works; }
-  bool start(const std::string& program, const std::string& argument) override {
-    return events.add(program + "|" + argument), works;
-  }
-};
-
 TEST(Startup, BringsTheProgramUpInOrder) {
   Copy copy;
   copy.key_values.write_string("types", "avi;mkv");
@@ -137,7 +127,7 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
 
 TEST(Commands, OpenWhatTheyNameOrSayWhyNot) {
   ProgramCopy copy;
-  Recorder launcher(copy.events);
+  FakeLauncher launcher(copy.events);
   Commands commands(copy.session, launcher);
   const auto run_all = [&] {
     commands.help();

@@ -9,6 +9,7 @@
 #include "platform/context_menu.h"
 #include "platform/instance_channel.h"
 #include "platform/key_value_store.h"
+#include "platform/launcher.h"
 #include "platform/log.h"
 #include "platform/main_window.h"
 #include "platform/socket_control.h"
@@ -113,6 +114,16 @@ struct FakeMenu : ContextMenu {
   Events& events;
   void install(const std::string& extension) override { events.add("install " + extension); }
   void remove(const std::string& extension) override { events.add("remove " + extension); }
+};
+
+struct FakeLauncher : Launcher {
+  explicit FakeLauncher(Events& events) : events(events) {}
+  Events& events;
+  bool works = true;
+  bool open(const std::string& target) override { return events.add("open " + target), works; }
+  bool start(const std::string& program, const std::string& argument) override {
+    return events.add(program + "|" + argument), works;
+  }
 };
 
 struct FakeClock : Clock {

@@ -14,25 +14,23 @@
 
 namespace quorvel::testing {
 
-/// A whole session on real files, with fakes for what cannot be had and the listings service behind its socket.
-struct TestSession {
+/// What a session stands on: real files, fakes for what cannot be had, and the listings service behind its socket.
+struct TestPorts {
   TemporaryFolder folder;
   Events events;
-  FakeUi ui{events};
   FakeClock clock{events};
   FakeKeyValues key_values;
   std::unique_ptr<Files> files = system_files();
   std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
-
   FakeMenu menu{events};
   FakeListings service;
-  Session session{
-      {key_values, *shell, *files, service, ui, clock, &menu},
-      {.application_data = folder / "data", .program = folder / "program", .work_dir = {}, .api_base = service.base()}};
 
-  TestSession() {
+  TestPorts() {
     for (const char* const name : {"data", "in", "program"}) files->create_folder(folder / name);
   }
+  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, ui, clock, &menu}; }
+  Places places() const { return {folder / "data", folder / "program", {}, service.base()}; }
+
   /// Makes a file, and the folders that it lacks.
   void make(const std::string& path, const std::string& bytes = "x") const {
     std::filesystem::create_directories(path_of(path).parent_path());
@@ -41,6 +39,12 @@ struct TestSession {
   void write(const std::string& relative, const std::string& bytes) const { make(folder / relative, bytes); }
   std::string read(const std::string& relative) const { return files->read(folder / relative).value_or("(missing)"); }
   bool exists(const std::string& relative) const { return files->exists(folder / relative); }
+  std::vector<std::string> happened() { return std::exchange(events.list, {}); }
+};
+
+struct TestSession : TestPorts {
+  FakeUi ui{events};
+  Session session{with(ui), places()};
 
   std::string work_dir() const { return folder / "data/Quorvel/"; }
 
@@ -81,7 +85,6 @@ struct ProgramCopy : TestSession {
   }
   /// Makes a file there; its path.
   std::string file(const std::string& name) { return make(folder / name), folder / name; }
-  std::vector<std::string> happened() { return std::exchange(events.list, {}); }
 };
 
 }  // namespace quorvel::testing

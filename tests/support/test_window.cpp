@@ -2,13 +2,9 @@
 
 #include <wx/dnd.h>
 #include <wx/evtloop.h>
-#include <wx/hyperlink.h>
-#include <wx/listctrl.h>
+#include <wx/log.h>
 #include <wx/notebook.h>
 
-#include <utility>
-
-#include "file_tools.h"
 #include "naming/file_names.h"
 #include "ui/desktop.h"
 #include "ui/text.h"
@@ -33,11 +29,8 @@ void wait_until(const std::function<bool()>& done) {
 }
 
 TestWindow::TestWindow() {
-  store.texts[""] = "3.4";
-  store.numbers["context"] = 1;  // the menu entries are left alone
-  for (const char* const sub : {"in", "data", "program", "program/work"}) {
-    std::filesystem::create_directory(folder / sub);
-  }
+  key_values.texts[""] = "3.4";
+  key_values.numbers["context"] = Settings::TurnedOff;  // the menu entries are left alone
   shell = system_file_operation(
       [this](std::uint64_t done, std::uint64_t total) {
         ++progress_reports;
@@ -52,7 +45,7 @@ TestWindow::~TestWindow() {
   Unregister();
   if (frame != nullptr) {
     frame->unload();
-    wait_until([this] { return frame == nullptr; });
+    wait_for_the_end();
   }
   EXPECT_TRUE(all_dialogs_came());
 }
@@ -63,12 +56,12 @@ void TestWindow::start() {
     if (event.GetWindow() == frame) frame = nullptr;
     event.Skip();
   });
-  session.emplace(Ports{store, *shell, *files, *socket, *frame, *clock, &recorder},
-                  Places{path("data"), path("program"), with_separator(path("program/work")), service.base()});
-  startup.emplace(*session, *frame, recorder);
-  frame->attach(*session, recorder, [this] { startup->unload(); });
+  session.emplace(with(*frame), places());
+  startup.emplace(*session, *frame, channel);
+  frame->attach(*session, launcher, [this] { startup->unload(); });
   ASSERT_EQ(startup->run({}), StartResult::Running);
   wait_until([this] { return frame->IsActive(); });
+  events.list.clear();
 }
 
 int TestWindow::Enter(wxDialog* dialog) {
@@ -97,49 +90,44 @@ void TestWindow::on_dialog(const std::string& title, const std::string& button) 
   });
 }
 
-void TestWindow::cancel(wxDialog& dialog) {
-  if (dialog.IsModal()) return dialog.EndModal(wxID_CANCEL);
-  wait_until([] { return ui::cancel_system_dialogs(); });
-}
-
 void TestWindow::command(int id) {
   wxCommandEvent event(wxEVT_MENU, id);
   frame->ProcessWindowEvent(event);
 }
 
-ui::RuleList& TestWindow::rules(std::size_t tab) {
+ui::RowList& TestWindow::list(std::size_t tab) const {
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(tab - 1);
-  return find<ui::RuleList>(*frame, "ListView" + std::to_string(tab));
+  return find<ui::RowList>(*frame, "ListView" + std::to_string(tab));
+}
+
+std::string TestWindow::rows(std::size_t tab) const {
+  wxTheApp->ProcessPendingEvents();
+  const auto& shown = find<wxListCtrl>(*frame, "ListView" + std::to_string(tab));
+  std::string all;
+  for (int row = 0; row < shown.GetItemCount(); ++row) {
+    for (int column = 0; column < shown.GetColumnCount(); ++column) {
+      all += (column > 0 ? "|" : "") + from_wx(shown.GetItemText(row, column));
+    }
+    all += ";";
+  }
+  return all;
 }
 
 std::string TestWindow::menu_over(std::size_t tab, int row) {
-  find<wxNotebook>(*frame, "TabStrip1").SetSelection(tab - 1);
-  auto& list = find<wxListCtrl>(*frame, "ListView" + std::to_string(tab));
-  wxRect area;
-  wxPoint at(5, list.GetClientSize().y - 5);
-  if (row > 0 && list.GetItemRect(row - 1, area)) at = wxPoint(area.x + 30, area.y + area.height / 2);
-  auto shown = std::make_shared<std::string>();
+  ui::RowList& over = list(tab);
+  wxTheApp->ProcessPendingEvents();
+  wxPoint at(40, over.GetClientSize().y - 8);
+  if (wxRect area; row > 0 && over.GetItemRect(row - 1, area)) at.y = area.y + area.height / 2;
+  const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
-  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, list.GetId(), list.ClientToScreen(at));
-  list.ProcessWindowEvent(event);
+  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), over.ClientToScreen(at));
+  over.ProcessWindowEvent(event);
   return *shown;
-}
-
-void TestWindow::choose_selected_item() {
-  frame->stack().show_menu = [](wxWindow&, wxMenu&, const wxPoint&) {};
-  wxContextMenuEvent by_key(wxEVT_CONTEXT_MENU);
-  named(*frame, "ListView1")->ProcessWindowEvent(by_key);
-}
-
-void TestWindow::open_item(int index) {
-  wxListEvent activated(wxEVT_LIST_ITEM_ACTIVATED);
-  activated.m_itemIndex = index - 1;
-  named(*frame, "ListView1")->ProcessWindowEvent(activated);
 }
 
 void TestWindow::in_the_pass(const std::function<void()>& action) {
   wxTheApp->CallAfter([this, action] {
-    EXPECT_FALSE(idle());
+    EXPECT_TRUE(session->processor.queue_busy());
     action();
   });
 }
@@ -153,54 +141,35 @@ void TestWindow::rule(int action, const std::string& to) {
   session->filters.at(1).path = with_separator(to);
 }
 
-std::size_t TestWindow::files_in(const char* name) const {
-  if (!std::filesystem::exists(folder / name)) return 0;
-  return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder / name), {}));
+void TestWindow::focus(const char* name) const {
+  wxWindow& window = find(*frame, name);
+  window.SetFocus();
+  wait_until([&] { return wxWindow::FindFocus() != nullptr && window.IsDescendant(wxWindow::FindFocus()); });
 }
 
-void TestWindow::focus(const char* name) {
-  wxWindow* const window = named(*frame, name);
-  window->SetFocus();
-  wait_until([&] { return wxWindow::FindFocus() != nullptr && window->IsDescendant(wxWindow::FindFocus()); });
+std::string TestWindow::file(const std::string& name, const std::string& bytes) const {
+  write("in/" + name, bytes);
+  return folder / ("in/" + name);
 }
 
-std::string TestWindow::file(const std::string& name, const std::string& contents) {
-  std::string path = this->path("in/" + name);
-  std::filesystem::create_directories(path_of(path).parent_path());
-  write_file(path, contents);
-  return path;
+int TestWindow::logged(const std::string& end) const {
+  int count = 0;
+  for (const wxString& line : find<wxListBox>(*frame, "List3").GetStrings()) count += line.EndsWith(to_wx(end)) ? 1 : 0;
+  return count;
 }
 
-std::string TestWindow::path(const std::string& below) const {
-  return text_of((folder / path_of(below)).make_preferred());
-}
-
-std::string TestWindow::cell(const char* list, int row, int column) const {
-  const auto& shown = find<wxListCtrl>(*frame, list);
-  wait_until([&] { return shown.GetItemCount() >= row; });
-  return from_wx(shown.GetItemText(row - 1, column));
-}
-
-std::string TestWindow::log() const {
-  const auto& box = find<wxListBox>(*frame, "List3");
-  std::string all;
-  for (const wxString& line : box.GetStrings()) all += from_wx(line) + "\n";
-  return all;
-}
-
-void TestWindow::drop(const std::vector<std::string>& paths) {
+void TestWindow::drop(const std::vector<std::string>& paths) const {
   wxArrayString dropped;
   for (const std::string& path : paths) dropped.Add(wxString(path_of(path).c_str(), *wxConvFileName));
   static_cast<wxFileDropTarget*>(frame->GetDropTarget())->OnDropFiles(1, 1, dropped);
 }
 
-wxWindow* named(const wxWindow& parent, const std::string& name) {
-  wxWindow* found = wxWindow::FindWindowByName(to_wx(name), &parent);
-  if (found != nullptr) return found;
+wxWindow* find_below(const wxWindow& parent, const std::string& name) {
+  if (wxWindow* const found = wxWindow::FindWindowByName(to_wx(name), &parent)) return found;
   for (wxWindow* const child : parent.GetChildren()) {
     if (child->IsTopLevel()) continue;
     if (from_wx(wxControl::RemoveMnemonics(child->GetLabel())) == name) return child;
-    if (wxWindow* const below = named(*child, name)) return below;
+    if (wxWindow* const below = find_below(*child, name)) return below;
   }
   return nullptr;
 }
@@ -217,12 +186,29 @@ void set_text(const wxWindow& parent, const std::string& name, const std::string
   find<wxTextCtrl>(parent, name).SetValue(to_wx(text));
 }
 
+void use(wxWindow& control, wxEventType event, int value) {
+  wxCommandEvent used(event, control.GetId());
+  used.SetInt(value);
+  used.SetEventObject(&control);
+  control.ProcessWindowEvent(used);
+}
+
 void press(const wxWindow& parent, const std::string& name) {
   auto& button = find<wxButton>(parent, name);
   if (!button.IsEnabled() || !button.IsShownOnScreen()) throw std::runtime_error(name + " cannot be pressed");
-  wxCommandEvent event(wxEVT_BUTTON, button.GetId());
-  event.SetEventObject(&button);
-  button.ProcessWindowEvent(event);
+  use(button, wxEVT_BUTTON);
+}
+
+void tick(const wxWindow& parent, const std::string& name, bool on) {
+  find<wxCheckBox>(parent, name).SetValue(on);
+  use(find(parent, name), wxEVT_CHECKBOX, on ? 1 : 0);
+}
+
+void type(const wxWindow& dialog, int key, bool control) {
+  wxKeyEvent event(wxEVT_CHAR_HOOK);
+  event.m_keyCode = key;
+  event.m_controlDown = control;
+  dialog.GetEventHandler()->ProcessEvent(event);
 }
 
 std::string captions(const wxMenu& menu) {
@@ -233,31 +219,31 @@ std::string captions(const wxMenu& menu) {
   return all;
 }
 
-int count(const std::string& text, const std::string& what) {
-  int found = 0;
-  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; ++at) ++found;
-  return found;
-}
-
-void click(const wxWindow& parent, const std::string& link) {
-  wxCommandEvent event(wxEVT_HYPERLINK);
-  find<wxHyperlinkCtrl>(parent, link).ProcessWindowEvent(event);
-}
-
-void type(const wxWindow& dialog, int key, bool control) {
-  wxKeyEvent event(wxEVT_CHAR_HOOK);
-  event.m_keyCode = key;
-  event.m_controlDown = control;
-  dialog.GetEventHandler()->ProcessEvent(event);
-}
-
-void tick(const wxWindow& parent, const std::string& name, bool on) {
-  auto& box = find<wxCheckBox>(parent, name);
-  box.SetValue(on);
-  wxCommandEvent event(wxEVT_CHECKBOX, box.GetId());
-  event.SetInt(on ? 1 : 0);
-  event.SetEventObject(&box);
-  box.ProcessWindowEvent(event);
+void cancel(wxDialog& dialog) {
+  if (dialog.IsModal()) return dialog.EndModal(wxID_CANCEL);
+  wait_until([] { return ui::cancel_system_dialogs(); });
 }
 
 }  // namespace quorvel::testing
+
+/// Runs the tests with the toolkit, whose complaints are failures.
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  if (GTEST_FLAG_GET(list_tests)) return RUN_ALL_TESTS();
+  wxApp::SetInstance(new wxApp);
+  if (!wxEntryStart(argc, argv) || !wxTheApp->CallOnInit()) return 1;
+  wxTheApp->SetExitOnFrameDelete(false);
+  delete wxLog::SetActiveTarget(new wxLogStderr);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): it is the log's
+  wxSetAssertHandler(
+      [](const wxString& file, int line, const wxString& function, const wxString& condition, const wxString& message) {
+        ADD_FAILURE_AT(file.utf8_str(), line) << function << ": " << condition << " " << message;
+      });
+  int result = 0;
+  {
+    wxGUIEventLoop loop;
+    const wxEventLoopActivator active(&loop);
+    result = RUN_ALL_TESTS();
+  }
+  wxEntryCleanup();
+  return result;
+}

@@ -1,8 +1,6 @@
 // What only Windows sends to a window, and asks of one.
-#include <wx/listctrl.h>
 #include <wx/msw/private.h>
 
-#include <commctrl.h>
 #include <shellapi.h>
 
 #include "platform/windows/copy_data_channel.h"
@@ -58,32 +56,30 @@ class Tray {
 
 class OnWindows : public TestWindow {
  protected:
-  HWND window() const { return GetHwndOf(frame); }
   LRESULT send(UINT message, WPARAM first, LPARAM second) const {
-    return SendMessageW(window(), message, first, second);
+    return SendMessageW(GetHwndOf(frame), message, first, second);
   }
-  void click_tray(UINT event) const { send(WM_MOUSEMOVE, 1, static_cast<LPARAM>(event)); }
-  /// As the updater does it.
-  void send_close_message() const {
-    char text[] = "QV|UD|";
-    COPYDATASTRUCT record{3, sizeof text, text};
-    send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&record));
-  }
-  void start_with_channel() {
-    start();
-    channel_.receive([this](const std::string& text) { startup->handle_message(text); });
-  }
-
- private:
-  CopyDataChannel channel_{"Quorvel 3.4", "QuorvelWindowTest"};
 };
 
-TEST_F(OnWindows, TheTrayIconComesBackWithTheTrayAndGoesWithTheWindow) {
+TEST_F(OnWindows, TheTrayIconAnswersClicksComesBackWithTheTrayAndGoesWithTheWindow) {
   Tray tray;
   start();
-  const std::string icon = std::to_string(HandleToLong(window())) + " 1";
-  const std::string added = "0 " + icon + " 7 512 Quorvel";
-  EXPECT_EQ(tray.calls, std::vector{added});
+  std::string seen;
+  frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) { seen += captions(menu) + ";"; };
+  const auto click = [&] {
+    for (const LPARAM event : {WM_MOUSEMOVE, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONUP})
+      send(WM_MOUSEMOVE, 1, event);
+    seen += frame->IsShown() ? "shown;" : "hidden;";
+  };
+  click(), click();
+  on_dialog([&](wxDialog& dialog) {
+    click();
+    press(dialog, "OK");
+  });
+  command(ui::mnuAbout);
+  EXPECT_EQ(seen, "Show|-|Exit;hidden;Hide|-|Exit;shown;shown;");
+  const std::string icon = std::to_string(HandleToLong(GetHwndOf(frame))) + " 1",
+                    added = "0 " + icon + " 7 512 Quorvel";
   send(RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
   EXPECT_EQ(tray.calls, (std::vector{added, added}));
   frame->Close();
@@ -91,54 +87,16 @@ TEST_F(OnWindows, TheTrayIconComesBackWithTheTrayAndGoesWithTheWindow) {
   EXPECT_EQ(tray.calls.back(), "2 " + icon);
 }
 
-TEST_F(OnWindows, ClicksOnTheTrayIconCountOnlyWithoutADialog) {
-  Tray tray;
-  start();
-  std::string menus;
-  frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) { menus += captions(menu) + ";"; };
-  const auto click_both = [&] { click_tray(WM_LBUTTONDBLCLK), click_tray(WM_RBUTTONUP); };
-  click_both();
-  EXPECT_FALSE(frame->IsShown());
-  click_both();
-  EXPECT_TRUE(frame->IsShown());
-  click_tray(WM_LBUTTONUP), click_tray(WM_MOUSEMOVE);
-  on_dialog([&](wxDialog& dialog) {
-    click_both();
-    press(dialog, "OK");
-  });
-  command(ui::mnuAbout);
-  EXPECT_TRUE(frame->IsShown());
-  EXPECT_EQ(menus, "Show|-|Exit;Hide|-|Exit;");
-}
-
-TEST_F(OnWindows, TheWindowHasOneSizeAndItsListsSelectWholeRows) {
-  start();
-  MINMAXINFO info{};
-  send(WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
-  RECT area;
-  GetWindowRect(window(), &area);
-  const auto size = [](const POINT& of) { return std::to_string(of.x) + "x" + std::to_string(of.y); };
-  const std::string real = size({area.right - area.left, area.bottom - area.top});
-  EXPECT_EQ(size(info.ptMinTrackSize) + " " + size(info.ptMaxTrackSize), real + " " + real);
-  for (const char* const name : {"ListView1", "ListView2", "ListView3"}) {
-    const HWND list = GetHwndOf(&find<wxListCtrl>(*frame, name));
-    EXPECT_TRUE(ListView_GetExtendedListViewStyle(list) & LVS_EX_FULLROWSELECT) << name;
-  }
-}
-
-TEST_F(OnWindows, TheUpdatersMessageEndsAPass) {
-  start_with_channel();
-  drop({file("harbour.lights.s01e01.avi")});
-  in_the_pass([this] { send_close_message(); });
-  run_pass();
-  wait_for_the_end();
-  EXPECT_TRUE(exists("in/harbour.lights.s01e01.avi"));
-}
-
 TEST_F(OnWindows, TheUpdatersMessageClosesTheProgramsDialogsAndTheSystems) {
+  CopyDataChannel to_window("Quorvel 3.4", "QuorvelWindowTest");
   for (const int dialog : {static_cast<int>(ui::mnuPrefs), static_cast<int>(ui::mnuOpen)}) {
-    start_with_channel();
-    on_dialog([this](wxDialog&) { send_close_message(); });
+    start();
+    to_window.receive([this](const std::string& text) { startup->handle_message(text); });
+    on_dialog([this](wxDialog&) {  // as the updater does it
+      char text[] = "QV|UD|";
+      COPYDATASTRUCT record{3, sizeof text, text};
+      send(WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&record));
+    });
     command(dialog);
     wait_for_the_end();
   }
