@@ -23,7 +23,6 @@ struct Queue : ::testing::Test, TestSession {
     filter.mask = mask;
     session.filters.at(1) = filter;
   }
-  Refusal refusal(const std::string& path) { return session.intake.take(path, false).refusal; }
 };
 
 using Strings = std::vector<std::string>;
@@ -31,42 +30,36 @@ constexpr const char* lights_file = "The.Harbour.Lights.S01E02.mkv";
 constexpr const char* lights_name = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
 
 TEST_F(Queue, IntakeTakesOnlyFilesThatFitAndSaysWhyNot) {
-  EXPECT_EQ(add("a.s01e01.AVI"), 1);
-  EXPECT_EQ(item(1).filename, "a.s01e01.AVI");
-  EXPECT_EQ(ui.rows, Strings{"a.s01e01||"});
   const std::string path = folder / "in/a.s01e01.AVI";
-  EXPECT_EQ(refusal(path), Refusal::AlreadyQueued);
-  EXPECT_EQ(refusal("\"" + path + "\""), Refusal::AlreadyQueued);
-  EXPECT_EQ(refusal(folder / "in/none.avi"), Refusal::Missing);
-  EXPECT_EQ(refusal("/a"), Refusal::TooShort);
-  EXPECT_EQ(refusal(facts::device), Refusal::NotAFile);
-  const std::pair<const char*, Refusal> cases[] = {{"b.txt", Refusal::TypeNotListed},
-                                                   {"b.mp", Refusal::None},
-                                                   {"mkv", Refusal::TypeNotListed},
-                                                   {"my SAMPLE.avi", Refusal::Sample}};
-  for (const auto& [name, expected] : cases) {
-    write(std::string("in/") + name, "x");
-    EXPECT_EQ(refusal(folder / (std::string("in/") + name)), expected) << name;
+  std::vector<std::pair<std::string, Refusal>> rows = {{path, Refusal::None},
+                                                       {path, Refusal::AlreadyQueued},
+                                                       {"\"" + path + "\"", Refusal::AlreadyQueued},
+                                                       {"/a", Refusal::TooShort},
+                                                       {facts::device, Refusal::NotAFile},
+                                                       {folder / "in/b.txt", Refusal::TypeNotListed},
+                                                       {folder / "in/b.mp", Refusal::None},
+                                                       {folder / "in/mkv", Refusal::TypeNotListed},
+                                                       {folder / "in/my SAMPLE.avi", Refusal::Sample}};
+  for (const std::string& name : facts::odd_names) rows.emplace_back(folder / ("in/" + name), Refusal::None);
+  for (const auto& [given, expected] : rows) {
+    if (given.starts_with(folder.path())) make(given);
+    EXPECT_EQ(session.intake.take(given, false).refusal, expected) << given;
   }
-  for (const std::string& name : facts::odd_names) {
-    write("in/" + name, "x");
-    EXPECT_EQ(refusal(folder / ("in/" + name)), Refusal::None) << name;
-  }
+  EXPECT_EQ(session.intake.take(folder / "in/none.avi", false).refusal, Refusal::Missing);
+  EXPECT_EQ(item(1).filename + "=" + ui.rows[0], "a.s01e01.AVI=a.s01e01||");
   EXPECT_EQ(ui.timer_starts, 0);
-  write("in/c.avi", "x");
+  make(folder / "in/c.avi");
   EXPECT_TRUE(session.intake.add_to_queue(folder / "in/c.avi", true));
   EXPECT_EQ(ui.timer_starts, 1);
-}
 
-TEST_F(Queue, AFolderIsTakenWhole) {
-  for (const char* name : {"in/x.avi", "in/s/y.mkv", "in/s/Samples/z.avi", "in/n.txt"}) write(name, name);
-  const IntakeResult result = session.intake.take(folder / "in", false);
-  EXPECT_TRUE(result.is_folder);
-  EXPECT_EQ(result.queued, 2);
-  EXPECT_FALSE(session.intake.add_to_queue(folder / "in", false));
+  for (const char* name : {"x/x.avi", "x/s/y.mkv", "x/s/Samples/z.avi", "x/n.txt"}) write(name, name);
+  const int before = session.queue.count();
+  const IntakeResult whole = session.intake.take(folder / "x", false);
+  EXPECT_TRUE(whole.is_folder && whole.queued == 2 && whole.left_out == 2);
+  EXPECT_FALSE(session.intake.add_to_queue(folder / "x", false));
   std::set<std::string> queued;
-  for (int i = 1; i <= session.queue.count(); ++i) queued.insert(item(i).path);
-  EXPECT_EQ(queued, (std::set<std::string>{folder / "in/x.avi", folder / "in/s/y.mkv"}));
+  for (int i = before + 1; i <= session.queue.count(); ++i) queued.insert(item(i).path);
+  EXPECT_EQ(queued, (std::set<std::string>{folder / "x/x.avi", folder / "x/s/y.mkv"}));
 }
 
 TEST_F(Queue, AFileGoesThroughEveryStageAndLeavesItsTrace) {
@@ -128,70 +121,61 @@ TEST_F(Queue, UndoNeverTouchesAFileThatIsNotItsOwn) {
 }
 
 TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
-  rule(Rename, "");
+  const std::string no_listings = "Unable to find listings on tvmaze.com\r\nSearched for: ";
+  const auto failed = [](int code) {
+    return "The file operation failed. " + std::string(native::system_name) + " reports error " + std::to_string(code);
+  };
+  const std::string there = folder / "target/", nowhere = std::string("relative") + native::separator;
   const struct {
     std::string name, error_text, log_line;
-  } cases[] = {{"nothing.avi", "Unable to find filename filter", "Unable to find filename filter for: nothing.avi"},
-               {"nobody.s01e02.avi", "Unable to find show on tvmaze.com\r\nSearched for: nobody",
-                "Unable to find show page for: nobody"},
-               {"the.harbour.lights.s09e09.avi",
-                "Unable to find listings on tvmaze.com\r\nSearched for: the harbour lights\r\n"
-                "Detected as: The Harbour Lights 9x9",
-                "Unable to find listings for: The Harbour Lights 9x9"},
-               {"specials.galore.s01e01.avi",
-                "Unable to find listings on tvmaze.com\r\nSearched for: specials galore\r\n"
-                "Detected as: Specials Galore x",
-                "Error getting listings: \"null\" is not a whole number of 32 bits"},
-               {"The Harbour Lights - 1x02 - the pilot boat.MKV", "The new filename is the same as the old filename",
-                "Unable to rename/move files for: The Harbour Lights - 1x02 - The Pilot Boat.mkv"},
-               {"The.Harbour.Lights.S01E03.mkv", "The destination aleady exists. File cannot be renamed",
-                "File rename failed. Destination already exists"}};
-  write("in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv", "there before");
-  for (const auto& c : cases) add(c.name);
-  add("The.Harbour.Lights.S01E04.mkv");
-  processor.process_queue();
-  for (int i = 1; i <= 6; ++i) {
-    const auto& c = cases[i - 1];
-    EXPECT_EQ(item(i).state, QueueState::Failed) << c.name;
-    const std::string expected =
-        c.error_text.ends_with(" x") ? c.error_text.substr(0, c.error_text.size() - 1) + "1x1" : c.error_text;
-    EXPECT_EQ(item(i).error_text, expected) << c.name;
-    EXPECT_TRUE(logged(c.log_line)) << c.log_line;
+    int action = Rename;
+    std::string path = {}, mask = std::string(default_mask);
+  } cases[] = {
+      {"nothing.avi", "Unable to find filename filter", "Unable to find filename filter for: nothing.avi"},
+      {"a&#x;b.s01e02.avi", "Unable to find filename filter",
+       "Error getting filename filter: \"\" is not the number of a character"},
+      {"nobody.s01e02.avi", "Unable to find show on tvmaze.com\r\nSearched for: nobody",
+       "Unable to find show page for: nobody"},
+      {"the.harbour.lights.s09e09.avi", no_listings + "the harbour lights\r\nDetected as: The Harbour Lights 9x9",
+       "Unable to find listings for: The Harbour Lights 9x9"},
+      {"specials.galore.s01e01.avi", no_listings + "specials galore\r\nDetected as: Specials Galore 1x1",
+       "Error getting listings: \"null\" is not a whole number of 32 bits"},
+      {"The Harbour Lights - 1x02 - the pilot boat.MKV", "The new filename is the same as the old filename",
+       "File rename failed. New name = old name"},
+      {"The.Harbour.Lights.S01E03.mkv", "The destination aleady exists. File cannot be renamed",
+       "File rename failed. Destination already exists"},
+      {"the.harbour.lights.s01e01.avi", failed(facts::too_long),
+       "File operation failed (" + std::to_string(facts::too_long) + ")", MoveAndRename, there, std::string(300, 'x')},
+      {"the.harbour.lights.s01e02.avi", failed(facts::nowhere),
+       "File operation failed (" + std::to_string(facts::nowhere) + ")", MoveAndRename, nowhere},
+      {lights_file, failed(facts::taken), "File operation failed (" + std::to_string(facts::taken) + ")", CopyAndRename,
+       there},
+      {"the.harbour.lights.s01e04.avi", "",
+       "Error renaming/moving: the rule's action 7 is none of rename, move and copy", 7}};
+  const std::string taken[] = {"in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv",
+                               "target/" + std::string(lights_name)};
+  for (const std::string& name : taken) write(name, "there before");
+  for (const auto& c : cases) {
+    rule(c.action, c.path, c.mask);
+    const QueueItem& failing = item(add(c.name));
+    processor.process_queue();
+    EXPECT_EQ(failing.state, QueueState::Failed) << c.name;
+    EXPECT_EQ(failing.error_text, c.error_text) << c.name;
+    EXPECT_TRUE(logged(c.log_line)) << log();
     EXPECT_EQ(read("in/" + c.name), c.name);
   }
-  EXPECT_EQ(read("in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv"), "there before");
-  EXPECT_EQ(item(7).state, QueueState::Done);
-}
+  for (const std::string& name : taken) EXPECT_EQ(read(name), "there before");
 
-std::string operation_failed(const std::string& code) {
-  return "The file operation failed. " + std::string(native::system_name) + " reports error " + code;
-}
-
-TEST_F(Queue, AFailingFileOperationLeavesBothNames) {
-  files->create_folder(folder / "target");
-  const struct {
-    std::string path, mask, error;
-  } cases[] = {{folder / "target/", std::string(300, 'x'), std::to_string(facts::too_long)},
-               {std::string("relative") + native::separator, "m", std::to_string(facts::nowhere)}};
-  for (const auto& c : cases) {
-    rule(MoveAndRename, c.path, c.mask);
-    const int index = add("the.harbour.lights.s01e0" + std::to_string(session.queue.count() + 1) + ".avi");
-    processor.process_queue();
-    EXPECT_EQ(item(index).error_text, operation_failed(c.error));
-    EXPECT_TRUE(logged("File operation failed (" + c.error + ")"));
-    EXPECT_EQ(read("in/" + item(index).filename), item(index).filename);
-  }
-  rule(MoveAndRename, target());
-  write(std::string("target/") + lights_name, "there before");
-  const int taken = add(lights_file);
+  session.filters.at(1).enabled = false;
+  const int unruled = add("the.harbour.lights.s01e05.avi"), gone = add("the.harbour.lights.s01e05.mkv");
   processor.process_queue();
-  EXPECT_EQ(item(taken).error_text, operation_failed(std::to_string(facts::taken)));
-  EXPECT_EQ(read(std::string("target/") + lights_name), "there before");
-
-  const int gone = add("the.harbour.lights.s01e05.avi");
+  EXPECT_EQ(item(unruled).error_text, "Found listings, but no filter could be found to move/rename the file");
+  EXPECT_TRUE(logged("Unable to find matching filter for: The Harbour Lights 1x5"));
+  rule(Rename, "");
+  session.filters.at(1).enabled = true;
   files->remove(item(gone).path);
-  processor.process_queue();
-  EXPECT_EQ(item(gone).error_text, "");
+  processor.retry_failed();
+  EXPECT_EQ(item(unruled).state, QueueState::Done) << "one bad file never ends a pass";
   EXPECT_TRUE(logged("File rename failed. Source file not found"));
 }
 
