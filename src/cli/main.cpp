@@ -4,8 +4,8 @@
 
 #include "cli/options.h"
 #include "cli/run.h"
-#include "platform/arguments.h"
 #include "platform/console.h"
+#include "platform/system.h"
 
 int main(int argc, char** argv) {
   using namespace quorvel;

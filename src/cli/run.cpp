@@ -8,9 +8,10 @@
 #include "cli/terminal_ui.h"
 #include "naming/file_names.h"
 #include "platform/console.h"
-#include "platform/paths.h"
+#include "platform/native.h"
 #include "platform/system.h"
 #include "shell/session.h"
+#include "shell/version.h"
 #include "text/cut.h"
 #include "text/failure.h"
 
@@ -118,7 +119,7 @@ int run(const Options& options) {
   Files& files = options.dry_run ? dry_run : *real_files;
   FileOperation& shell = options.dry_run ? static_cast<FileOperation&>(dry_run) : *real_shell;
 
-  const std::unique_ptr<KeyValueStore> key_values = system_key_values(files);
+  const std::unique_ptr<KeyValueStore> key_values = system_key_values(files, application_title);
   if (const std::optional<std::string> trouble = key_values->trouble()) {
     terminal.error_line("quorvel-cli: " + *trouble);
     return something_failed;

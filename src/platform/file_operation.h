@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace quorvel {
@@ -16,6 +17,13 @@ struct FileOperationRequest {
   std::uint16_t flags = 0;
   bool operator==(const FileOperationRequest&) const = default;
 };
+
+/// Called now and then during a long copy with the bytes copied so far and in all; false cancels the operation, which
+/// then leaves nothing behind. So does an exception, which the operation passes on.
+using CopyProgress = std::function<bool(std::uint64_t done, std::uint64_t total)>;
+
+/// Whether the existing file at this path may go to the trash for the one that is moved or copied there.
+using MayReplace = std::function<bool(const std::string& path)>;
 
 /// Carries out file operations on whole files. In no case is an existing file overwritten without the user's word, is
 /// a part of a file left under its final name, or is a source removed before its copy is complete and on disk.

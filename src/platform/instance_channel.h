@@ -15,18 +15,22 @@ class InstanceChannel {
 
   virtual ~InstanceChannel() = default;
 
-  /// Whether another copy of the same user's is there to be sent to. What a crashed copy left behind is none.
-  virtual bool other_is_running() = 0;
+  /// Makes this copy the running one, from now on until the channel ends, unless another copy of the same user's is;
+  /// what a crashed copy left behind is none. Whether this copy is the running one. Throws Failure when it cannot be
+  /// told.
+  virtual bool become_running_copy() = 0;
 
   /// Comes back when the running copy has taken the text, for which it may need as long as its work takes. Throws
   /// Failure, readable by the user, when it does not, has ended, or stays busy beyond all patience.
   virtual void send(const std::string& text) = 0;
 
-  /// From now on this copy is the running one: `handle` is called for each text, while events are processed. Throws
+  /// From now on `handle` is called for each text, while events are processed; it may process events, during which
+  /// other texts are handled, and may call stop() or end the channel. When it throws, the sender's send() fails. Throws
   /// Failure when the channel cannot be opened. Texts of any size or content do no harm before they reach `handle`.
   virtual void receive(std::function<void(const std::string&)> handle) = 0;
 
-  /// Ends that, and takes back what receive() has made.
+  /// Ends that, and takes back what receive() has made. This copy stays the running one, so that no other starts work
+  /// while it finishes its own.
   virtual void stop() = 0;
 };
 

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
-/// What is a plain value of the system: each has one definition per system, chosen by the build.
+/// Plain values and functions of the system that the core needs. One definition per system, chosen by the build.
 namespace quorvel::native {
 
 /// What stands between the components of a path.
@@ -26,3 +27,11 @@ extern const std::string_view help_file;
 extern const bool uninstall_clears_current_folder;
 
 }  // namespace quorvel::native
+
+namespace quorvel {
+
+/// `path` from the root on, against the current folder, without "." and doubled separators. A ".." is followed as the
+/// system would, through links. Nothing else is looked at; an empty path stays empty.
+std::string absolute_path(const std::string& path);
+
+}  // namespace quorvel

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/clock.h"
 #include "platform/context_menu.h"
@@ -19,28 +18,40 @@ namespace quorvel {
 
 std::unique_ptr<Files> system_files();
 
-/// `progress` is told the bytes done and to do now and then during a long copy; answering false gives the copy up.
-/// `replace` is asked whether the existing file at a path may go to the trash for the one that is moved or copied
-/// there; without it none may.
-std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress,
-                                                     std::function<bool(const std::string&)> replace);
+/// No file is replaced without `may_replace`. Where the shell has windows of its own, it shows its progress there and
+/// asks there before it replaces a file, but only with `may_replace`.
+std::unique_ptr<FileOperation> system_file_operation(CopyProgress progress, MayReplace may_replace);
 
-/// The user's settings; `files` outlives them.
-std::unique_ptr<KeyValueStore> system_key_values(Files& files);
+/// The user's settings for the program called `name`; `files` outlives them.
+std::unique_ptr<KeyValueStore> system_key_values(Files& files, const std::string& name);
 
 std::unique_ptr<SocketControl> system_socket();
 std::unique_ptr<Clock> system_clock();
-std::unique_ptr<InstanceChannel> system_instance_channel();
 
-/// For the running program; `files` outlives it.
-std::unique_ptr<ContextMenu> system_context_menu(Files& files);
+/// `name` is the program's, `caption` that of its main window; some systems find the running copy by them.
+std::unique_ptr<InstanceChannel> system_instance_channel(
+    const std::string& name, const std::string& caption,
+    std::chrono::milliseconds patience = InstanceChannel::usual_patience);
+
+/// The entries start `program`, a full path; `files` outlives them.
+std::unique_ptr<ContextMenu> system_context_menu(Files& files, const std::string& program);
 
 std::unique_ptr<Launcher> system_launcher();
 
 /// The folder for programs' data, without a separator at its end; made when missing, and not there where that fails.
 std::string application_data_folder(Files& files);
 
-/// The folder of the running program, without a separator at its end; empty when the system does not tell.
+/// The running program; empty when the system does not tell.
+std::string program_file();
+
+/// The folder that holds it, without a separator at its end.
 std::string program_folder();
+
+/// What the program was started with, without its own name, as the system has it: byte for byte on Linux, in UTF-8 on
+/// Windows, where nothing is taken for a pattern of file names.
+std::vector<std::string> separate_arguments(int argc, char** argv);
+
+/// The same, or where the command line is one text (see native.h) that text as it was given.
+std::vector<std::string> command_line_arguments(int argc, char** argv);
 
 }  // namespace quorvel

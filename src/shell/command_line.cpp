@@ -4,7 +4,6 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/paths.h"
 #include "text/case.h"
 
 namespace quorvel {

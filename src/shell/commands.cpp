@@ -2,7 +2,6 @@
 
 #include "naming/file_names.h"
 #include "platform/native.h"
-#include "platform/paths.h"
 #include "shell/version.h"
 
 namespace quorvel {

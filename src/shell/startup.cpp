@@ -77,7 +77,7 @@ StartResult Startup::run(const std::vector<std::string>& arguments) {
 
 /// Hands the command line over to a running copy. False when there is none, so that this one becomes it.
 bool Startup::forward(const CommandLine& line) {
-  if (!channel_.other_is_running()) return false;
+  if (channel_.become_running_copy()) return false;
   std::vector<std::string> paths = line.paths;
   if (paths.empty()) paths.emplace_back();
   // The other copy may just have been started by the same click and need a moment.
@@ -87,7 +87,7 @@ bool Startup::forward(const CommandLine& line) {
   } catch (const Failure& failure) {
     // When the other copy has ended meanwhile, this one takes its place. It takes all paths: those already sent
     // were queued by a copy that is gone.
-    if (!channel_.other_is_running()) return false;
+    if (channel_.become_running_copy()) return false;
     session_.ports.ui.show_message(0, application_title, failure.what(), MessageIcon::Error);
   }
   session_.ports.ui.process_events();

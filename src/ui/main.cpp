@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/arguments.h"
 #include "platform/system.h"
 #include "shell/session.h"
 #include "shell/startup.h"
@@ -57,12 +56,12 @@ void App::build() {
         return frame_ == nullptr || frame_->copy_progress(done, total);
       },
       [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
-  key_values_ = system_key_values(*files_);
+  key_values_ = system_key_values(*files_, application_title);
   socket_ = system_socket();
   clock_ = system_clock();
-  context_menu_ = system_context_menu(*files_);
+  context_menu_ = system_context_menu(*files_, program_file());
   launcher_ = system_launcher();
-  channel_ = system_instance_channel();
+  channel_ = system_instance_channel(application_title, std::string(application_title) + " " + short_version);
 
   frame_ = new MainFrame;
   session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *frame_, *clock_, context_menu_.get()},

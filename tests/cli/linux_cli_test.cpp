@@ -1,95 +1,51 @@
-#include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <gtest/gtest.h>
 
-#include <array>
-
-#include "cli_fixture.h"
-#include "support/linux/become.h"
+#include "child_process.h"
+#include "file_tools.h"
+#include "listings_service.h"
+#include "temporary_folder.h"
 
 namespace quorvel::testing {
 namespace {
 
-TEST_F(Cli, StrangeNamesAreRenamedOrFailAndAreNeverLost) {
-  const std::string longest = "the harbour lights 1x05 " + std::string(227, 'x') + ".mkv";
-  for (const std::string& name :
-       {std::string("the harbour lights 1x02 caf\xE9.mkv"), std::string("the harbour lights 1x03\n\"q\".mkv"), longest,
-        std::string("the harbour lights 1x06.mkv")}) {
-    add(name);
+namespace fs = std::filesystem;
+
+TEST(LinuxCli, StrangeFilesAreRenamedOrFailAndADamagedSettingsFileIsKept) {
+  const TemporaryFolder folder;
+  const ListingsService service;
+  const auto run = [&] {
+    return ChildProcess({.program = QUORVEL_CLI,
+                         .arguments = {"."},
+                         .folder = folder / "in",
+                         .environment = user_at(folder / "home", service.base()),
+                         .error = folder / "err"})
+        .status();
+  };
+  fs::create_directories(data_folder_of(folder / "home"));
+  fs::create_directory(folder / "in");
+  const std::string settings = data_folder_of(folder / "home") + "/settings.ini";
+  const std::string episode = folder / "in/the harbour lights 1x0";
+  for (const std::string& name : {std::string("5 ") + std::string(227, 'x') + ".mkv", std::string("6.mkv")}) {
+    write_file(episode + name, "x");
   }
-  std::filesystem::permissions(folder / "in/the harbour lights 1x06.mkv", std::filesystem::perms::owner_read);
-  std::filesystem::create_symlink("../home", folder / "in/loop");
+  write_file(settings, "nonsense");
+  EXPECT_EQ(run(), 1);
+  EXPECT_NE(contents(folder / "err").find("settings.ini"), std::string::npos);
+  EXPECT_EQ(contents(settings), "nonsense");
+  EXPECT_TRUE(service.requests().empty());
+  fs::remove(settings);
+
+  fs::permissions(episode + "6.mkv", fs::perms::owner_read);
+  fs::create_symlink("../home", folder / "in/loop");
   write_file(folder / "elsewhere", "linked");
-  std::filesystem::create_symlink("../elsewhere", folder / "in/the harbour lights 1x04.mkv");
-  const Result result = run({"."});
-  EXPECT_EQ(result.status, 0) << result.error;
+  fs::create_symlink("../elsewhere", episode + "4.mkv");
+  EXPECT_EQ(run(), 0) << contents(folder / "err");
   std::string found;
   for (const auto& [path, bytes] : everything_in(folder / "in")) {
-    if (!path.ends_with("loop")) found += path.substr(folder.path().size() + 26) + "|";
+    if (!path.ends_with("loop")) found += path.substr(folder.path().size() + 26) + "=" + bytes + "|";
   }
-  EXPECT_EQ(found,
-            "x02 - The Pilot Boat.mkv|x03 - A Lantern for Maud.mkv|x04 - Salt and Tar.mkv|"
-            "x05 - The Drowned Letter.mkv|x06 - Fog Signal.mkv|");
-  EXPECT_EQ(contents(folder / "in/The Harbour Lights - 1x04 - Salt and Tar.mkv"), "linked");
-}
-
-TEST_F(Cli, ADamagedSettingsFileIsNamedAndKept) {
-  add("The.Harbour.Lights.S01E02.mkv");
-  std::filesystem::create_directories(folder / "home/.config/Quorvel");
-  write_file(folder / "home/.config/Quorvel/settings.ini", "nonsense");
-  const Result damaged = run({"."});
-  EXPECT_EQ(damaged.status, 1);
-  EXPECT_NE(damaged.error.find("settings.ini"), std::string::npos);
-  EXPECT_EQ(contents(folder / "home/.config/Quorvel/settings.ini"), "nonsense");
-  EXPECT_TRUE(service.requests().empty());
-}
-
-/// A conversation on a terminal: everything that was shown, with `answer` typed once `prompt` has been.
-std::string converse(const Start& start, const std::string& prompt, const std::string& answer, int& status) {
-  int terminal = -1;
-  const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-  if (child == 0) become(start);
-  std::string shown;
-  bool answered = false;
-  std::array<char, 4096> buffer{};
-  for (ssize_t count; (count = ::read(terminal, buffer.data(), buffer.size())) > 0;) {
-    shown.append(buffer.data(), static_cast<std::size_t>(count));
-    if (answered || shown.find(prompt) == std::string::npos) continue;
-    answered = true;
-    EXPECT_EQ(::write(terminal, answer.data(), answer.size()), static_cast<ssize_t>(answer.size()));
-  }
-  waitpid(child, &status, 0);
-  close(terminal);
-  status = WEXITSTATUS(status);
-  return shown;
-}
-
-TEST_F(Cli, OnATerminalItAsksAndShowsItsProgress) {
-  const Arguments arguments = {"--set", "confirm=1", "The.Harbour.Lights.S01E02.mkv"};
-  for (const auto& [answer, expected] :
-       {std::pair("n\n", 1), std::pair("\n", 1), std::pair("\x03", 1), std::pair("y\n", 0)}) {
-    add("The.Harbour.Lights.S01E02.mkv");
-    int status = -1;
-    const std::string shown = converse(command(arguments), "Continue with file rename? [y/N] ", answer, status);
-    EXPECT_EQ(status, expected) << shown;
-    EXPECT_NE(shown.find("1 of 1  The.Harbour.Lights.S01E02"), std::string::npos) << shown;
-    EXPECT_NE(shown.find("Confirm File Rename\r\n  " + folder / "in/The.Harbour.Lights.S01E02.mkv\r\n"),
-              std::string::npos);
-  }
-  add("The.Harbour.Lights.S01E03.mkv");
-  const Result without = run({"--set", "confirm=1", "The.Harbour.Lights.S01E03.mkv"});
-  EXPECT_TRUE(without.error.ends_with("0 done, 0 failed, 1 cancelled\n")) << "without a terminal the answer is no";
-}
-
-TEST_F(Cli, AnInterruptEndsTheStageAndASecondTheTransfer) {
-  for (const char* name : {"The.Harbour.Lights.S01E02.mkv", "The.Harbour.Lights.S01E03.mkv"}) add(name);
-  service.slow_down(std::chrono::milliseconds(20));
-  int status = -1;
-  const std::string shown = converse(command({"."}), "1 of 2", "\x03\x03", status);
-  EXPECT_EQ(status, 1);
-  EXPECT_NE(shown.find("Got quit signal, finishing up..."), std::string::npos) << shown;
-  EXPECT_NE(shown.find("Unable to find show page for: the harbour lights"), std::string::npos) << shown;
-  EXPECT_NE(shown.find("0 done, 1 failed, 0 cancelled, 1 not processed"), std::string::npos) << shown;
+  EXPECT_EQ(found, "x04 - Salt and Tar.mkv=linked|x05 - The Drowned Letter.mkv=x|x06 - Fog Signal.mkv=x|");
+  EXPECT_TRUE(fs::is_symlink(folder / "in/The Harbour Lights - 1x04 - Salt and Tar.mkv"));
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-#include <unistd.h>
-
 #include "fault_world.h"
+#include "support/linux/unprivileged.h"
 
 namespace quorvel::testing {
 namespace {
@@ -8,26 +7,23 @@ namespace {
 TEST(OtherUsers, FilesStayAsTheyAre) {
   if (getuid() != 0) GTEST_SKIP() << "needs a second user";
   const WorldFolders folders;
-  ListingsService service;
   for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
     World world = folders.world(action);
     world.prepare();
+    const auto before = world.everything();
     for (const std::string& folder : {world.here, world.there, world.home}) {
-      fs::permissions(fs::path(folder).parent_path(), fs::perms(0755));
+      for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        ASSERT_EQ(chown(entry.path().c_str(), 65534, 65534), 0);
+      }
     }
-    // The second user has settings of his own.
-    fs::create_directory(world.home + "/settings");
-    ASSERT_EQ(chown((world.home + "/settings").c_str(), 65534, 65534), 0);
-    const auto all = [&] {
-      return std::tuple(everything_in(world.here), everything_in(world.there), everything_in(world.work));
-    };
-    const auto before = all();
-    ASSERT_EQ(setegid(65534) + seteuid(65534), 0);
     FaultPlan plan;
-    world.run(plan, service.base());
+    {
+      const Unprivileged user;
+      world.run(plan);
+    }
+    world.settings(*system_files())->erase_all();  // the second user's own
     EXPECT_GT(plan.calls, 40) << "the run reaches its end";
-    ASSERT_EQ(seteuid(0) + setegid(0), 0);
-    EXPECT_EQ(all(), before);
+    EXPECT_EQ(world.everything(), before);
   }
 }
 

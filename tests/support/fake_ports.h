@@ -95,11 +95,11 @@ struct FakeChannel : InstanceChannel {
   Events& events;
   std::vector<bool> others;
   std::function<void(const std::string&)> handle;
-  bool other_is_running() override {
-    if (others.empty()) return false;
+  bool become_running_copy() override {
+    if (others.empty()) return true;
     const bool other = others.front();
     others.erase(others.begin());
-    return other;
+    return !other;
   }
   void send(const std::string& text) override { events.add("send " + text); }
   void receive(std::function<void(const std::string&)> handler) override {

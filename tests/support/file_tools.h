@@ -27,15 +27,16 @@ inline std::string contents(const std::string& path) {
   return bytes.str();
 }
 
-/// What a folder holds, at every depth: links to folders as "-> target", files by their bytes.
+/// What a folder holds, at every depth: files by their bytes, links to anything else as "-> target".
 inline std::map<std::string, std::string> everything_in(const std::string& folder) {
   std::map<std::string, std::string> found;
   for (const auto& entry : std::filesystem::recursive_directory_iterator(path_of(folder))) {
+    std::error_code circle;
     std::string& value = found[text_of(entry.path())];
-    if (entry.is_symlink() && !entry.is_regular_file()) {
-      value = "-> " + text_of(read_symlink(entry.path()));
-    } else if (entry.is_regular_file()) {
+    if (entry.is_regular_file(circle)) {
       value = contents(text_of(entry.path()));
+    } else if (entry.is_symlink()) {
+      value = "-> " + text_of(read_symlink(entry.path()));
     }
   }
   return found;

@@ -1,8 +1,11 @@
 #pragma once
+
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <random>
 #include <string>
+#include <thread>
 
 namespace quorvel::testing {
 /// A fresh folder, gone with all it holds when the test ends.
@@ -21,10 +24,14 @@ class TemporaryFolder {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(top_, failed)) {
       if (!entry.is_symlink() && entry.is_directory()) permissions(entry.path(), std::filesystem::perms::owner_all);
     }
-    std::filesystem::remove_all(top_);
+    // A program that has just ended may hold a file open for a moment more, with which some systems keep the folder.
+    const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (remove_all(top_, failed), failed && std::chrono::steady_clock::now() < until) std::this_thread::yield();
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   std::string path() const { return text(top_ / "t"); }
+  /// That no other folder has.
+  std::string name() const { return text(top_.filename()); }
   /// With the system's separators.
   std::string operator/(const std::string& name) const {
     std::string native = path() + "/" + name;

@@ -1,27 +1,31 @@
 #pragma once
 
+#include <cstdlib>
 #include <optional>
 #include <string>
 
 namespace quorvel::testing {
 
-/// A variable of the environment for the length of a test; without a value it is not there.
+/// One definition per system.
+void set_variable(const std::string& name, const std::string& value);
+
+/// A variable of the environment for the length of a test. Nothing here tells an empty one from a missing one.
 class Variable {
  public:
-  Variable(std::string name, const std::optional<std::string>& value) : name_(std::move(name)), old_(get(name_)) {
-    set(name_, value);
+  Variable(const std::string& name, const std::string& value) : name_(name), old_(get(name).value_or("")) {
+    set_variable(name, value);
   }
-  ~Variable() { set(name_, old_); }
+  ~Variable() { set_variable(name_, old_); }
   Variable(const Variable&) = delete;
   Variable& operator=(const Variable&) = delete;
 
-  static std::optional<std::string> get(const std::string& name);
+  static std::optional<std::string> get(const std::string& name) {
+    const char* const value = std::getenv(name.c_str());
+    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
+  }
 
  private:
-  static void set(const std::string& name, const std::optional<std::string>& value);
-
-  const std::string name_;
-  const std::optional<std::string> old_;
+  const std::string name_, old_;
 };
 
 }  // namespace quorvel::testing

@@ -1,24 +1,25 @@
-#include "program.h"
+#include "child_process.h"
 #include "listings_service.h"
 #include "shell/commands.h"
+#include "test_window.h"
 
 namespace quorvel::testing {
 
 TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
   const ListingsService real;
-  setenv("QUORVEL_API_BASE", real.base().c_str(), 1);
+  const Variable base("QUORVEL_API_BASE", real.base());
   const std::string early = file("harbour.lights.s01e01.avi"), late = file("Lights/harbour.lights.s01e02.avi");
-  Program first({early});
+  ChildProcess first({.program = QUORVEL_PROGRAM, .arguments = {early}});
   wait_until([&] { return exists("in/The Harbour Lights - 1x01 - Slack Water.avi"); });
-  Program second({folder / "in/Lights"});
+  ChildProcess second({.program = QUORVEL_PROGRAM, .arguments = {folder / "in/Lights"}});
   EXPECT_EQ(second.status(), 0);
   wait_until([&] { return exists("in/Lights/The Harbour Lights - 1x02 - The Pilot Boat.avi"); });
   EXPECT_EQ(everything_in(folder / "in").size(), 3U);
-  const auto channel = system_instance_channel();
-  ASSERT_TRUE(channel->other_is_running());
+  const auto channel = system_instance_channel("Quorvel", "Quorvel 3.4");
+  ASSERT_FALSE(channel->become_running_copy());
   channel->send("QV|UD|");
   EXPECT_EQ(first.status(), 0);
-  EXPECT_FALSE(channel->other_is_running());
+  EXPECT_TRUE(channel->become_running_copy());
   const std::string build = std::filesystem::path(QUORVEL_PROGRAM).parent_path();
   EXPECT_TRUE(files->exists(help_file({build, build, {}, {}}))) << "the help that the build has made";
 }

@@ -3,7 +3,6 @@
 
 #include <shellapi.h>
 
-#include "platform/windows/copy_data_channel.h"
 #include "platform/windows/wide.h"
 #include "test_window.h"
 
@@ -88,10 +87,10 @@ TEST_F(OnWindows, TheTrayIconAnswersClicksComesBackWithTheTrayAndGoesWithTheWind
 }
 
 TEST_F(OnWindows, TheUpdatersMessageClosesTheProgramsDialogsAndTheSystems) {
-  CopyDataChannel to_window("Quorvel 3.4", "QuorvelWindowTest");
+  const auto to_window = system_instance_channel("QuorvelWindowTest", "Quorvel 3.4");
   for (const int dialog : {static_cast<int>(ui::mnuPrefs), static_cast<int>(ui::mnuOpen)}) {
     start();
-    to_window.receive([this](const std::string& text) { startup->handle_message(text); });
+    to_window->receive([this](const std::string& text) { startup->handle_message(text); });
     on_dialog([this](wxDialog&) {  // as the updater does it
       char text[] = "QV|UD|";
       COPYDATASTRUCT record{3, sizeof text, text};

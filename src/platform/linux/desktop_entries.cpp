@@ -1,5 +1,3 @@
-#include "platform/linux/desktop_entries.h"
-
 #include <gio/gio.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,7 +11,7 @@
 #include <vector>
 
 #include "platform/linux/folders.h"
-#include "platform/linux/signed_text.h"
+#include "platform/system.h"
 #include "text/case.h"
 #include "text/cut.h"
 
@@ -153,22 +151,57 @@ void remove_empty_folders(std::string folder, int count) {
   for (; count > 0 && (rmdir(folder.c_str()) == 0 || errno == ENOENT); --count) folder = parent_folder(folder);
 }
 
-}  // namespace
-
-struct DesktopEntries::Target {
+struct Target {
   const char* path;  // below the folder for data
   bool is_executable;
   std::string (*body)(const std::string& program, const Names& extensions);
 };
 
-const DesktopEntries::Target DesktopEntries::targets[] = {
+constexpr Target targets[] = {
     {"/applications/quorvel-open.desktop", false, desktop_entry},
     {"/kio/servicemenus/quorvel.desktop", true, service_menu},  // ignored when not executable
     {"/nautilus/scripts/Quorvel", true, script},
 };
 
+constexpr std::string_view mark =
+    "# Quorvel made this file and removes it, but keeps its hands off once it was edited: ";
+
+/// Where the line stands, or is to stand.
+std::size_t line_start(const std::string& text) {
+  if (!text.starts_with("#!")) return 0;
+  const std::size_t end = text.find('\n');
+  return end == std::string::npos ? text.size() : end + 1;
+}
+
+std::string checksum(const std::string& body, const std::string& note) {
+  const std::string all = note + '\n' + body;
+  g_autofree char* sum =
+      g_compute_checksum_for_data(G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(all.data()), all.size());
+  return sum;
+}
+
+/// `body` with a comment line that tells later whether the program has written just this text. It holds `note`, which
+/// is free of line breaks. The line comes first, or after a "#!" line.
+std::string signed_text(const std::string& body, const std::string& note) {
+  std::string text = body;
+  return text.insert(line_start(body), std::string(mark) + checksum(body, note) + ' ' + note + '\n');
+}
+
+/// The note of a signed text. Empty for any other text, and when a single byte has been changed since.
+std::optional<std::string> note_in(const std::string& text) {
+  const std::size_t start = line_start(text);
+  const std::size_t end = text.find('\n', start);
+  if (end == std::string::npos || text.compare(start, mark.size(), mark) != 0) return {};
+  const std::size_t blank = text.find(' ', start + mark.size());
+  if (blank >= end) return {};
+  std::string note = text.substr(blank + 1, end - blank - 1);
+  const std::string body = text.substr(0, start) + text.substr(end + 1);
+  if (signed_text(body, note) != text) return {};
+  return note;
+}
+
 /// What a file says of itself: for which extensions it is, and how many of the folders above it were made for it.
-struct DesktopEntries::State {
+struct State {
   Names extensions;
   int made_folders = 0;
 
@@ -193,50 +226,76 @@ struct DesktopEntries::State {
   }
 };
 
-void DesktopEntries::install(const std::string& extension) {
-  const bool usable = g_utf8_validate_len(program_.data(), program_.size(), nullptr) != FALSE;
-  if (extension.empty() || !usable || files_.kind(program_) != Files::Kind::File) return;
-  for (const Target& target : targets) change(target, extension, true);
-}
+/// Three files below the folder for programs' data: a desktop entry by which "Open With" offers Quorvel among all
+/// programs, a service menu for Dolphin and a script for Nautilus. Thunar keeps its own actions in one file that
+/// belongs to the user, so there the desktop entry must do. It is not shown among the programs where another was
+/// installed.
+///
+/// Each file tells by itself for which extensions it was made. One that the program has not written, or that was
+/// edited since, is neither changed nor removed. The last extension takes the files with it, and the folders that
+/// were made for them, as far as they are empty.
+class DesktopEntries : public ContextMenu {
+ public:
+  /// `data_folder` is that of all programs.
+  DesktopEntries(Files& files, std::string data_folder, std::string program)
+      : files_(files), data_folder_(std::move(data_folder)), program_(std::move(program)) {}
 
-void DesktopEntries::remove(const std::string& extension) {
-  // Backwards, so that a folder made for several goes with the one it was made for.
-  for (auto target = std::rbegin(targets); target != std::rend(targets); ++target) change(*target, extension, false);
-}
-
-void DesktopEntries::change(const Target& target, const std::string& given, bool add) {
-  const std::string path = data_folder_ + target.path;
-  const std::string extension = given == folders_and_videos ? given : lower_case(given);
-  State state;
-  std::string old_text;
-  if (!is_missing(path)) {
-    old_text = is_plain_file(path) ? files_.read(path).value_or("") : "";
-    const std::optional<std::string> note = note_in(old_text);
-    if (!note) return;
-    state = State::from_note(*note);
-  } else if (!add) {
-    return;
+  void install(const std::string& extension) override {
+    const bool usable = g_utf8_validate_len(program_.data(), program_.size(), nullptr) != FALSE;
+    if (extension.empty() || !usable || files_.kind(program_) != Files::Kind::File) return;
+    for (const Target& target : targets) change(target, extension, true);
   }
-  add ? (void)state.extensions.insert(extension) : (void)state.extensions.erase(extension);
-  if (state.extensions.empty()) return remove_file(path, state.made_folders);
-  write(target, path, state);
-}
 
-void DesktopEntries::write(const Target& target, const std::string& path, State& state) {
-  int missing = 0;
-  for (std::string folder = parent_folder(path); is_missing(folder); folder = parent_folder(folder)) ++missing;
-  state.made_folders += missing;
-  const std::string text = signed_text(target.body(program_, state.extensions), state.note());
-  if (files_.read(path) == text) return;
-  if (!create_folders(files_, parent_folder(path)) || !files_.replace(path, text)) {
-    remove_empty_folders(parent_folder(path), missing);
-  } else if (target.is_executable) {
-    make_executable(path);
+  void remove(const std::string& extension) override {
+    // Backwards, so that a folder made for several goes with the one it was made for.
+    for (auto target = std::rbegin(targets); target != std::rend(targets); ++target) change(*target, extension, false);
   }
-}
 
-void DesktopEntries::remove_file(const std::string& path, int made_folders) {
-  if (files_.remove(path)) remove_empty_folders(parent_folder(path), made_folders);
+ private:
+  void change(const Target& target, const std::string& given, bool add) {
+    const std::string path = data_folder_ + target.path;
+    const std::string extension = given == folders_and_videos ? given : lower_case(given);
+    State state;
+    std::string old_text;
+    if (!is_missing(path)) {
+      old_text = is_plain_file(path) ? files_.read(path).value_or("") : "";
+      const std::optional<std::string> note = note_in(old_text);
+      if (!note) return;
+      state = State::from_note(*note);
+    } else if (!add) {
+      return;
+    }
+    add ? (void)state.extensions.insert(extension) : (void)state.extensions.erase(extension);
+    if (state.extensions.empty()) return remove_file(path, state.made_folders);
+    write(target, path, state);
+  }
+
+  void write(const Target& target, const std::string& path, State& state) {
+    int missing = 0;
+    for (std::string folder = parent_folder(path); is_missing(folder); folder = parent_folder(folder)) ++missing;
+    state.made_folders += missing;
+    const std::string text = signed_text(target.body(program_, state.extensions), state.note());
+    if (files_.read(path) == text) return;
+    if (!create_folders(files_, parent_folder(path)) || !files_.replace(path, text)) {
+      remove_empty_folders(parent_folder(path), missing);
+    } else if (target.is_executable) {
+      make_executable(path);
+    }
+  }
+
+  void remove_file(const std::string& path, int made_folders) {
+    if (files_.remove(path)) remove_empty_folders(parent_folder(path), made_folders);
+  }
+
+  Files& files_;
+  const std::string data_folder_;
+  const std::string program_;
+};
+
+}  // namespace
+
+std::unique_ptr<ContextMenu> system_context_menu(Files& files, const std::string& program) {
+  return std::make_unique<DesktopEntries>(files, standard_folders::application_data(), program);
 }
 
 }  // namespace quorvel

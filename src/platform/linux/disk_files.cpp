@@ -1,5 +1,3 @@
-#include "platform/disk_files.h"
-
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,8 +9,10 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/disk_files.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/folders.h"
+#include "platform/system.h"
 
 namespace quorvel {
 namespace {
@@ -160,6 +160,10 @@ bool DiskFiles::remove(const std::string& path) {
 
 bool DiskFiles::create_folder(const std::string& path) {
   return !holds_nul(path) && mkdir(path.c_str(), 0777) == 0;
+}
+
+std::unique_ptr<Files> system_files() {
+  return std::make_unique<DiskFiles>();
 }
 
 }  // namespace quorvel

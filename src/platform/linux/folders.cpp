@@ -1,14 +1,43 @@
 #include "platform/linux/folders.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <random>
+#include <vector>
 
 #include "platform/linux/descriptor.h"
 
 namespace quorvel {
+namespace {
+
+/// An absolute path from the environment, without the separators at its end.
+std::optional<std::string> folder_from(const char* variable) {
+  const char* const value = std::getenv(variable);
+  if (value == nullptr || *value != '/') return {};
+  std::string folder = value;
+  folder.erase(folder.find_last_not_of('/') + 1);
+  return folder;
+}
+
+/// As the password database has it; the root folder for users it does not know, as containers have them.
+std::string home_of_user() {
+  std::vector<char> texts(1024);
+  passwd entry{};
+  passwd* found = nullptr;
+  while (getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found) == ERANGE) texts.resize(texts.size() * 2);
+  return found != nullptr ? found->pw_dir : "";
+}
+
+std::string home() {
+  const std::optional<std::string> named = folder_from("HOME");
+  return named ? *named : home_of_user();
+}
+
+}  // namespace
 
 std::string parent_folder(const std::string& path) {
   const std::size_t name_end = path.find_last_not_of('/');
@@ -53,5 +82,21 @@ bool create_folders(Files& files, const std::string& path) {
   files.create_folder(path);
   return files.kind(path) == Files::Kind::Folder;
 }
+
+namespace standard_folders {
+
+std::string settings() {
+  return folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config");
+}
+
+std::string application_data() {
+  return folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
+}
+
+std::optional<std::string> runtime() {
+  return folder_from("XDG_RUNTIME_DIR");
+}
+
+}  // namespace standard_folders
 
 }  // namespace quorvel

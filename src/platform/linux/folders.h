@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/files.h"
@@ -22,4 +23,18 @@ int sync_folder(const std::string& folder);
 /// Creates whatever is missing of the folder `path`, level by level. False when there is no such folder afterwards.
 bool create_folders(Files& files, const std::string& path);
 
+/// Where things are on this machine, by the base-directory variables of the environment, and by the home folder where
+/// they are missing or relative. No folder ends in a separator; nothing is created, and nothing need be there.
+namespace standard_folders {
+
+/// For the settings of programs, below which each has a folder of its own.
+std::string settings();
+
+/// The same for their data.
+std::string application_data();
+
+/// For sockets and locks, reachable by the user alone; empty when the environment names none.
+std::optional<std::string> runtime();
+
+}  // namespace standard_folders
 }  // namespace quorvel

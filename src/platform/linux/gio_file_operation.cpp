@@ -1,5 +1,3 @@
-#include "platform/linux/gio_file_operation.h"
-
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <sys/stat.h>
@@ -18,6 +16,7 @@
 #include "platform/linux/exclusive_rename.h"
 #include "platform/linux/folders.h"
 #include "platform/native.h"
+#include "platform/system.h"
 
 namespace quorvel {
 namespace {
@@ -74,8 +73,8 @@ int trash(const std::string& path) {
 /// The name that a file is to get in the end.
 class FinalName {
  public:
-  /// `replace` is asked when another file has the name.
-  FinalName(std::string path, const GioFileOperation::Replace& replace) : path_(std::move(path)), replace_(replace) {}
+  /// `may_replace` is asked when another file has the name.
+  FinalName(std::string path, const MayReplace& may_replace) : path_(std::move(path)), may_replace_(may_replace) {}
 
   const std::string& path() const { return path_; }
 
@@ -83,13 +82,13 @@ class FinalName {
   /// never free: to give that up would be to give up the file.
   int check(const std::string& source) {
     const int error = find_vacant(path_);
-    if (error != EEXIST || !replace_) return error;
+    if (error != EEXIST || !may_replace_) return error;
     struct stat existing {};
     struct stat own {};
     const bool is_another = lstat(path_.c_str(), &existing) == 0 && stat(source.c_str(), &own) == 0 &&
                             S_ISREG(existing.st_mode) &&
                             (existing.st_dev != own.st_dev || existing.st_ino != own.st_ino);
-    is_given_up_ = is_another && replace_(path_);
+    is_given_up_ = is_another && may_replace_(path_);
     return is_given_up_ ? 0 : EEXIST;
   }
 
@@ -103,7 +102,7 @@ class FinalName {
 
  private:
   const std::string path_;
-  const GioFileOperation::Replace& replace_;
+  const MayReplace& may_replace_;
   bool is_given_up_ = false;
 };
 
@@ -135,7 +134,7 @@ int move_link(const std::string& source, const std::string& destination, std::st
 class Copying {
  public:
   /// `lookup`: AT_SYMLINK_NOFOLLOW when a link that takes the source's place meanwhile is a change of it.
-  Copying(std::string source, int lookup, const GioFileOperation::Progress& progress)
+  Copying(std::string source, int lookup, const CopyProgress& progress)
       : source_(std::move(source)), lookup_(lookup), progress_(progress) {}
 
   /// 0 when the copy is complete, on disk and has its name, and the source is as it was; else nothing has changed.
@@ -217,13 +216,13 @@ class Copying {
 
   std::string source_;
   int lookup_;
-  const GioFileOperation::Progress& progress_;
+  const CopyProgress& progress_;
   struct stat before_ {};
   GCancellable* cancellable_ = nullptr;
   std::exception_ptr thrown_;
 };
 
-int move_across(const std::string& source, FinalName& name, const GioFileOperation::Progress& progress) {
+int move_across(const std::string& source, FinalName& name, const CopyProgress& progress) {
   // Otherwise this would show only after the copying.
   if (faccessat(AT_FDCWD, parent_folder(source).c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
   Copying copying(source, AT_SYMLINK_NOFOLLOW, progress);
@@ -237,7 +236,7 @@ int move_across(const std::string& source, FinalName& name, const GioFileOperati
 }
 
 /// Rename, or Move when files may also go to another file system.
-int move(const std::string& source, FinalName name, bool across, const GioFileOperation::Progress& progress) {
+int move(const std::string& source, FinalName name, bool across, const CopyProgress& progress) {
   const std::string& destination = name.path();
   struct stat found {};
   if (lstat(source.c_str(), &found) != 0) return errno;
@@ -261,7 +260,7 @@ int move(const std::string& source, FinalName name, bool across, const GioFileOp
   return is_link ? move_link(source, destination, target) : move_across(source, name, progress);
 }
 
-int copy(const std::string& source, FinalName name, const GioFileOperation::Progress& progress) {
+int copy(const std::string& source, FinalName name, const CopyProgress& progress) {
   struct stat found {};
   if (stat(source.c_str(), &found) != 0) return errno;
   if (S_ISDIR(found.st_mode)) return EISDIR;
@@ -283,27 +282,44 @@ int remove(std::string path, bool undoable) {
   return failed.value();
 }
 
+/// The copying and the trash are GIO's. The codes are errno values.
+///
+/// Rename, Move and Copy take one regular file, or a link, which Rename and Move treat as itself and Copy follows; a
+/// folder is EISDIR, anything else EINVAL, and so are a missing path and one that holds a NUL. An existing destination
+/// is EEXIST, a source that is written to while it is copied EBUSY, a cancelled copy ECANCELED. No file is given up
+/// where there is no trash.
+class GioFileOperation : public FileOperation {
+ public:
+  GioFileOperation(CopyProgress progress, MayReplace may_replace)
+      : progress_(std::move(progress)), may_replace_(std::move(may_replace)) {}
+
+  int perform(const FileOperationRequest& request) override {
+    if (!is_path(request.source)) return EINVAL;
+    if (request.operation == FileOperationRequest::Delete) {
+      return remove(request.source, (request.flags & FileOperationRequest::AllowUndo) != 0);
+    }
+    if (!is_path(request.destination)) return EINVAL;
+    switch (request.operation) {
+      case FileOperationRequest::Rename:
+        return move(request.source, {request.destination, never_}, false, progress_);
+      case FileOperationRequest::Move:
+        return move(request.source, {request.destination, may_replace_}, true, progress_);
+      case FileOperationRequest::Copy:
+        return copy(request.source, {request.destination, may_replace_}, progress_);
+      default:
+        return EINVAL;
+    }
+  }
+
+ private:
+  const CopyProgress progress_;
+  const MayReplace may_replace_, never_;
+};
+
 }  // namespace
 
-GioFileOperation::GioFileOperation(Progress progress, Replace replace)
-    : progress_(std::move(progress)), replace_(std::move(replace)) {}
-
-int GioFileOperation::perform(const FileOperationRequest& request) {
-  if (!is_path(request.source)) return EINVAL;
-  if (request.operation == FileOperationRequest::Delete) {
-    return remove(request.source, (request.flags & FileOperationRequest::AllowUndo) != 0);
-  }
-  if (!is_path(request.destination)) return EINVAL;
-  switch (request.operation) {
-    case FileOperationRequest::Rename:
-      return move(request.source, {request.destination, never_}, false, progress_);
-    case FileOperationRequest::Move:
-      return move(request.source, {request.destination, replace_}, true, progress_);
-    case FileOperationRequest::Copy:
-      return copy(request.source, {request.destination, replace_}, progress_);
-    default:
-      return EINVAL;
-  }
+std::unique_ptr<FileOperation> system_file_operation(CopyProgress progress, MayReplace may_replace) {
+  return std::make_unique<GioFileOperation>(std::move(progress), std::move(may_replace));
 }
 
 }  // namespace quorvel

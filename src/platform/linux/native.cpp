@@ -1,6 +1,8 @@
 #include "platform/native.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <system_error>
 
 namespace quorvel::native {
 
@@ -18,3 +20,22 @@ const bool command_line_is_one_text = false;
 const bool uninstall_clears_current_folder = false;
 
 }  // namespace quorvel::native
+
+namespace quorvel {
+
+std::string absolute_path(const std::string& path) {
+  namespace fs = std::filesystem;
+  if (path.empty()) return path;
+  std::error_code error;
+  fs::path absolute = "/";
+  for (const fs::path& component : path.front() == '/' ? fs::path(path) : fs::current_path(error) / path) {
+    if (component.empty() || component == "." || component == "/") continue;
+    absolute /= component;
+    if (component != "..") continue;
+    const fs::path real = fs::canonical(absolute, error);
+    absolute = error ? absolute.lexically_normal() : real;
+  }
+  return absolute.string();
+}
+
+}  // namespace quorvel

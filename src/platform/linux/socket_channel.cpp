@@ -19,6 +19,8 @@
 #include <utility>
 
 #include "platform/linux/descriptor.h"
+#include "platform/linux/folders.h"
+#include "platform/system.h"
 #include "text/failure.h"
 
 namespace quorvel {
@@ -29,7 +31,7 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds retry_interval(20);
 constexpr guint receiver_patience = 3000, accept_again = 50;  // milliseconds
-constexpr std::size_t most_clients = 64, header_size = 4, chunk_size = 1U << 16;
+constexpr std::size_t max_clients = 64, header_size = 4, chunk_size = 1U << 16;
 constexpr char taken = 'y', not_taken = 'n';
 
 std::string reason() {
@@ -225,7 +227,7 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
 
   /// False when no more can be served for now; it goes on after a while.
   bool accept_clients() {
-    while (clients_.size() < most_clients) {
+    while (clients_.size() < max_clients) {
       const int socket = accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
       if (socket >= 0) {
         add(std::make_shared<Client>(socket));
@@ -276,7 +278,7 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
     client->bytes.append(chunk.data(), static_cast<std::size_t>(got));
     if (client->bytes.size() < header_size) return;
     const std::size_t size = size_in(client->bytes);
-    if (size > longest_text || client->bytes.size() > header_size + size) return receiver->drop(client);
+    if (size > max_text || client->bytes.size() > header_size + size) return receiver->drop(client);
     if (client->bytes.size() == header_size + size) receiver->take(client);
   }
 
@@ -287,7 +289,7 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
     try {
       handle_(text);
     } catch (const std::exception&) {
-      answer = not_taken;  // the sender tells its user
+      answer = not_taken;  // the sender reports it to its user
     }
     ::send(client->socket.get(), &answer, 1, MSG_NOSIGNAL);
   }
@@ -317,12 +319,12 @@ SocketChannel::Place& SocketChannel::place() {
   return *place_;
 }
 
-bool SocketChannel::other_is_running() {
-  return !place().claim();
+bool SocketChannel::become_running_copy() {
+  return place().claim();
 }
 
 void SocketChannel::send(const std::string& text) {
-  if (text.size() > longest_text) throw Failure("The text is too long to be handed to the running copy");
+  if (text.size() > max_text) throw Failure("The text is too long to be handed to the running copy");
   const Time::time_point until = Time::now() + patience_;
   const std::string message = header(text.size()) + text;
   while (Time::now() < until) {
@@ -355,6 +357,11 @@ void SocketChannel::stop() {
   if (receiver_ == nullptr) return;
   place().remove_socket();
   std::exchange(receiver_, nullptr)->close();
+}
+
+std::unique_ptr<InstanceChannel> system_instance_channel(const std::string&, const std::string&,
+                                                         milliseconds patience) {
+  return std::make_unique<SocketChannel>(standard_folders::runtime().value_or(""), "/tmp", patience);
 }
 
 }  // namespace quorvel

@@ -17,7 +17,7 @@ namespace quorvel {
 /// was taken and 'n' when that failed.
 class SocketChannel : public InstanceChannel {
  public:
-  static constexpr std::size_t longest_text = 16U << 20;
+  static constexpr std::size_t max_text = 16U << 20;
 
   /// Socket and lock are made in `folder`; where that is not a folder that belongs to the user alone, in one below
   /// `shared_folder` that is made for them.
@@ -27,18 +27,14 @@ class SocketChannel : public InstanceChannel {
   SocketChannel(const SocketChannel&) = delete;
   SocketChannel& operator=(const SocketChannel&) = delete;
 
-  /// When it answers false, this copy is the running one from then on, and others wait for it to receive.
   /// Throws Failure when the folder cannot be used.
-  bool other_is_running() override;
+  bool become_running_copy() override;
 
-  /// Gives up when its patience ends, or as soon as the other copy has ended.
+  /// Fails when its patience ends, or as soon as the other copy has ended.
   void send(const std::string& text) override;
 
-  /// `handle` may process events, during which other texts are handled, and may call stop() or end the channel. When
-  /// it throws, the sender is told that its text was not taken.
+  /// As the running copy alone.
   void receive(std::function<void(const std::string&)> handle) override;
-
-  /// This copy stays the running one until the channel ends, so that no other starts work while it finishes its own.
   void stop() override;
 
  private:

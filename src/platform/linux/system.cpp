@@ -1,31 +1,69 @@
 #include "platform/system.h"
 
+#include <glib.h>
+
+#include <array>
+#include <clocale>
 #include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <thread>
 
 #include "platform/curl/curl_socket_control.h"
-#include "platform/disk_files.h"
-#include "platform/linux/desktop_entries.h"
 #include "platform/linux/folders.h"
-#include "platform/linux/gio_file_operation.h"
-#include "platform/linux/gio_launcher.h"
-#include "platform/linux/key_file_store.h"
-#include "platform/linux/socket_channel.h"
-#include "platform/linux/standard_folders.h"
-#include "platform/linux/system_clock.h"
 
 namespace quorvel {
+namespace {
 
-std::unique_ptr<Files> system_files() {
-  return std::make_unique<DiskFiles>();
-}
+/// The user's day and time. In UTF-8; as "14:05:33" when the user's locale does not exist here or writes in another
+/// encoding.
+class SystemClock : public Clock {
+ public:
+  SystemClock() = default;
+  ~SystemClock() override { freelocale(locale_); }
+  SystemClock(const SystemClock&) = delete;
+  SystemClock& operator=(const SystemClock&) = delete;
 
-std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)> progress,
-                                                     std::function<bool(const std::string&)> replace) {
-  return std::make_unique<GioFileOperation>(std::move(progress), std::move(replace));
-}
+  std::chrono::year_month_day today() const override {
+    const std::tm local = now();
+    return std::chrono::year(local.tm_year + 1900) / (local.tm_mon + 1) / local.tm_mday;
+  }
 
-std::unique_ptr<KeyValueStore> system_key_values(Files& files) {
-  return std::make_unique<KeyFileStore>(files, standard_folders::settings_file());
+  std::string time_of_day() const override {
+    const std::tm local = now();
+    const std::string text = formatted("%X", local);
+    const bool usable = !text.empty() && g_utf8_validate_len(text.data(), text.size(), nullptr) != FALSE;
+    return usable ? text : formatted("%H:%M:%S", local);
+  }
+
+  void wait(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
+
+ private:
+  static std::tm now() {
+    const std::time_t seconds = std::time(nullptr);
+    std::tm local{};
+    tzset();  // the user may have changed the time zone since the program started
+    localtime_r(&seconds, &local);
+    return local;
+  }
+
+  static locale_t locale_of_user() {
+    const locale_t users = newlocale(LC_TIME_MASK, "", nullptr);
+    return users != nullptr ? users : newlocale(LC_TIME_MASK, "C", nullptr);
+  }
+
+  std::string formatted(const char* pattern, const std::tm& time) const {
+    std::array<char, 256> text{};
+    return {text.data(), strftime_l(text.data(), text.size(), pattern, &time, locale_)};
+  }
+
+  const locale_t locale_ = locale_of_user();
+};
+
+}  // namespace
+
+std::unique_ptr<Clock> system_clock() {
+  return std::make_unique<SystemClock>();
 }
 
 std::unique_ptr<SocketControl> system_socket() {
@@ -34,31 +72,29 @@ std::unique_ptr<SocketControl> system_socket() {
   return std::make_unique<CurlSocketControl>(authority != nullptr ? authority : "");
 }
 
-std::unique_ptr<Clock> system_clock() {
-  return std::make_unique<SystemClock>();
-}
-
-std::unique_ptr<InstanceChannel> system_instance_channel() {
-  return std::make_unique<SocketChannel>(standard_folders::runtime().value_or(""));
-}
-
-std::unique_ptr<ContextMenu> system_context_menu(Files& files) {
-  return std::make_unique<DesktopEntries>(files, standard_folders::application_data(),
-                                          standard_folders::program_file());
-}
-
-std::unique_ptr<Launcher> system_launcher() {
-  return std::make_unique<GioLauncher>();
-}
-
 std::string application_data_folder(Files& files) {
   std::string folder = standard_folders::application_data();
   create_folders(files, folder);  // where this fails the folder is not there, and callers look
   return folder;
 }
 
+std::string program_file() {
+  std::error_code failed;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return failed ? std::string() : program.native();
+}
+
 std::string program_folder() {
-  return standard_folders::program();
+  const std::string file = program_file();
+  return file.empty() ? file : parent_folder(file);
+}
+
+std::vector<std::string> separate_arguments(int argc, char** argv) {
+  return argc > 0 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+std::vector<std::string> command_line_arguments(int argc, char** argv) {
+  return separate_arguments(argc, argv);
 }
 
 }  // namespace quorvel

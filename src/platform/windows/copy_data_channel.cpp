@@ -1,12 +1,15 @@
-#include "platform/windows/copy_data_channel.h"
+#include <windows.h>
 
 #include <commctrl.h>
 
 #include <array>
 #include <cstring>
 #include <exception>
+#include <functional>
+#include <optional>
 #include <utility>
 
+#include "platform/system.h"
 #include "platform/windows/wide.h"
 #include "text/failure.h"
 
@@ -14,14 +17,16 @@ namespace quorvel {
 namespace {
 
 constexpr DWORD retry_ms = 20;
+constexpr ULONG_PTR plain_record = 3, own_record = 0x51560001;
+constexpr std::size_t buffer_size = 255, max_text = 16U << 20;
 
 /// The text in the system's code page; empty when that does not hold it.
 std::optional<std::string> in_code_page(const std::string& text) {
   const std::wstring wide = to_utf16_or_marks(text);
-  if (wide.size() >= CopyDataChannel::buffer_size || to_utf8(wide) != text) return {};
+  if (wide.size() >= buffer_size || to_utf8(wide) != text) return {};
   if (wide.empty()) return std::string();
-  std::array<char, CopyDataChannel::buffer_size - 1> bytes{};
-  std::array<wchar_t, CopyDataChannel::buffer_size> back{};
+  std::array<char, buffer_size - 1> bytes{};
+  std::array<wchar_t, buffer_size> back{};
   BOOL replaced = FALSE;
   const int size = WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, wide.data(), static_cast<int>(wide.size()),
                                        bytes.data(), static_cast<int>(bytes.size()), nullptr, &replaced);
@@ -32,7 +37,7 @@ std::optional<std::string> in_code_page(const std::string& text) {
 }
 
 std::string from_code_page_of_system(const char* bytes) {
-  std::array<wchar_t, CopyDataChannel::buffer_size> wide{};
+  std::array<wchar_t, buffer_size> wide{};
   const int size = MultiByteToWideChar(CP_ACP, 0, bytes, -1, wide.data(), static_cast<int>(wide.size()));
   return size <= 0 ? std::string() : to_utf8({wide.data(), static_cast<std::size_t>(size) - 1});
 }
@@ -63,27 +68,26 @@ HWND own_window(const std::string& caption) {
   return nullptr;
 }
 
-}  // namespace
-
+/// Empty when the record is none of the two, of a wrong size, or lacks its NUL.
 std::optional<std::string> text_of_record(const COPYDATASTRUCT& record) {
   const auto* const bytes = static_cast<const char*>(record.lpData);
   if (bytes == nullptr || record.cbData == 0) return {};
-  if (record.dwData == CopyDataChannel::plain_record) {
-    std::array<char, CopyDataChannel::buffer_size> buffer{};
+  if (record.dwData == plain_record) {
+    std::array<char, buffer_size> buffer{};
     if (record.cbData > buffer.size() || std::memchr(bytes, '\0', record.cbData) == nullptr) return {};
     std::memcpy(buffer.data(), bytes, record.cbData);
     return from_code_page_of_system(buffer.data());
   }
   const std::size_t size = record.cbData - 1;
-  const bool whole = record.dwData == CopyDataChannel::own_record && size <= CopyDataChannel::longest_text &&
-                     std::memchr(bytes, '\0', record.cbData) == bytes + size;
+  const bool whole =
+      record.dwData == own_record && size <= max_text && std::memchr(bytes, '\0', record.cbData) == bytes + size;
   if (!whole) return {};
   return std::string(bytes, size);
 }
 
 /// Stands in front of the window's own message handling. What is on the stack holds it, so that it outlives a handler
 /// that ends the channel.
-class CopyDataChannel::Receiver : public std::enable_shared_from_this<Receiver> {
+class Receiver : public std::enable_shared_from_this<Receiver> {
  public:
   Receiver(HWND window, std::function<void(const std::string&)> handle) : window_(window), handle_(std::move(handle)) {
     if (!SetWindowSubclass(window_, procedure, id, reinterpret_cast<DWORD_PTR>(this))) {
@@ -113,7 +117,7 @@ class CopyDataChannel::Receiver : public std::enable_shared_from_this<Receiver> 
       handle_(*text);
       return true;
     } catch (const std::exception&) {
-      return false;  // the sender tells its user
+      return false;  // the sender reports it to its user
     }
   }
 
@@ -121,63 +125,86 @@ class CopyDataChannel::Receiver : public std::enable_shared_from_this<Receiver> 
   const std::function<void(const std::string&)> handle_;
 };
 
-CopyDataChannel::CopyDataChannel(std::string caption, std::string name, std::chrono::milliseconds patience)
-    : caption_(std::move(caption)), name_(to_utf16_or_marks("Local\\" + name)), patience_(patience) {}
-
-CopyDataChannel::~CopyDataChannel() {
-  CopyDataChannel::stop();
-  if (running_ != nullptr) CloseHandle(running_);
-}
-
-bool CopyDataChannel::other_is_running() {
-  if (running_ != nullptr) return false;
-  const HANDLE object = CreateMutexW(nullptr, FALSE, name_.c_str());
-  const DWORD error = GetLastError();
-  if (object == nullptr) {
-    if (error == ERROR_ACCESS_DENIED) return true;
-    throw Failure("Cannot tell whether the program is running already: " + error_text(error));
+/// Messages to the window with the program's caption, and a named object of the session that tells whether there is
+/// one. Texts that the code page holds and that fit go in the record that other programs send as well: number 3, a
+/// buffer of 255 bytes, the text in the system's code page and its NUL. All others go in a record of our own number, in
+/// UTF-8, which nothing takes for the first.
+class CopyDataChannel : public InstanceChannel {
+ public:
+  CopyDataChannel(std::string caption, const std::string& name, std::chrono::milliseconds patience)
+      : caption_(std::move(caption)), name_(to_utf16_or_marks("Local\\" + name)), patience_(patience) {}
+  ~CopyDataChannel() override {
+    receiver_.reset();  // before another copy can be the running one
+    if (running_ != nullptr) CloseHandle(running_);
   }
-  if (error != ERROR_ALREADY_EXISTS) {
-    running_ = object;
+  CopyDataChannel(const CopyDataChannel&) = delete;
+  CopyDataChannel& operator=(const CopyDataChannel&) = delete;
+
+  bool become_running_copy() override {
+    if (running_ != nullptr) return true;
+    const HANDLE object = CreateMutexW(nullptr, FALSE, name_.c_str());
+    const DWORD error = GetLastError();
+    if (object == nullptr) {
+      if (error == ERROR_ACCESS_DENIED) return false;
+      throw Failure("Cannot tell whether the program is running already: " + error_text(error));
+    }
+    if (error != ERROR_ALREADY_EXISTS) {
+      running_ = object;
+      return true;
+    }
+    CloseHandle(object);  // kept, it would look as if the other copy still ran when it has ended
     return false;
   }
-  CloseHandle(object);  // kept, it would look as if the other copy still ran when it has ended
-  return true;
-}
 
-void CopyDataChannel::send(const std::string& text) {
-  if (text.size() > longest_text || text.find('\0') != std::string::npos) {
-    throw Failure("What was to be handed to the running program is no path");
+  /// Waits while the other copy has no window yet, and while it is busy: the shell's operations let no events run.
+  void send(const std::string& text) override {
+    if (text.size() > max_text || text.find('\0') != std::string::npos) {
+      throw Failure("What was to be handed to the running program is no path");
+    }
+    std::string bytes = text;
+    COPYDATASTRUCT record{};
+    if (const std::optional<std::string> plain = in_code_page(text)) {
+      bytes = *plain;
+      record.dwData = plain_record;
+      record.cbData = static_cast<DWORD>(bytes.size() + 1);
+      bytes.resize(buffer_size, '\0');
+    } else {
+      record.dwData = own_record;
+      record.cbData = static_cast<DWORD>(bytes.size() + 1);
+    }
+    record.lpData = bytes.data();
+    const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(patience_.count());
+    while (!deliver(caption_, record, until)) {
+      if (GetTickCount64() >= until || become_running_copy())
+        throw Failure("Quorvel is already running but did not take what it was given.");
+      Sleep(retry_ms);
+    }
   }
-  std::string bytes = text;
-  COPYDATASTRUCT record{};
-  if (const std::optional<std::string> plain = in_code_page(text)) {
-    bytes = *plain;
-    record.dwData = plain_record;
-    record.cbData = static_cast<DWORD>(bytes.size() + 1);
-    bytes.resize(buffer_size, '\0');
-  } else {
-    record.dwData = own_record;
-    record.cbData = static_cast<DWORD>(bytes.size() + 1);
-  }
-  record.lpData = bytes.data();
-  const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(patience_.count());
-  while (!deliver(caption_, record, until)) {
-    if (GetTickCount64() >= until || !other_is_running())
-      throw Failure("Quorvel is already running but did not take what it was given.");
-    Sleep(retry_ms);
-  }
-}
 
-void CopyDataChannel::receive(std::function<void(const std::string&)> handle) {
-  const HWND window = own_window(caption_);
-  if (window == nullptr) throw Failure("There is no window to listen to other copies of the program");
-  stop();
-  receiver_ = std::make_shared<Receiver>(window, std::move(handle));
-}
+  /// The window with the caption must exist in this thread. `handle` is called in the middle of whatever events are
+  /// processed.
+  void receive(std::function<void(const std::string&)> handle) override {
+    const HWND window = own_window(caption_);
+    if (window == nullptr) throw Failure("There is no window to listen to other copies of the program");
+    stop();
+    receiver_ = std::make_shared<Receiver>(window, std::move(handle));
+  }
 
-void CopyDataChannel::stop() {
-  receiver_.reset();
+  void stop() override { receiver_.reset(); }
+
+ private:
+  const std::string caption_;
+  const std::wstring name_;
+  const std::chrono::milliseconds patience_;
+  HANDLE running_ = nullptr;
+  std::shared_ptr<Receiver> receiver_;
+};
+
+}  // namespace
+
+std::unique_ptr<InstanceChannel> system_instance_channel(const std::string& name, const std::string& caption,
+                                                         std::chrono::milliseconds patience) {
+  return std::make_unique<CopyDataChannel>(caption, name, patience);
 }
 
 }  // namespace quorvel

@@ -1,11 +1,11 @@
-#include "platform/disk_files.h"
-
 #include <windows.h>
 
 #include <algorithm>
 #include <random>
 #include <string_view>
 
+#include "platform/disk_files.h"
+#include "platform/system.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/wide.h"
 
@@ -205,6 +205,10 @@ bool DiskFiles::remove(const std::string& path) {
 bool DiskFiles::create_folder(const std::string& path) {
   const std::optional<std::wstring> wide = system_path(path);
   return wide && CreateDirectoryW(wide->c_str(), nullptr);
+}
+
+std::unique_ptr<Files> system_files() {
+  return std::make_unique<DiskFiles>();
 }
 
 }  // namespace quorvel

@@ -1,5 +1,4 @@
-#include "platform/windows/explorer_verbs.h"
-
+#include "platform/system.h"
 #include "platform/windows/registry.h"
 #include "platform/windows/wide.h"
 #include "text/case.h"
@@ -32,36 +31,52 @@ void remove_verb(const std::string& of) {
   }
 }
 
+/// Verbs in the registry's class registrations: a key "shell\Quorvel\command" whose value starts the program with the
+/// selected path, unquoted.
+class ExplorerVerbs : public ContextMenu {
+ public:
+  explicit ExplorerVerbs(std::string program) : program_(std::move(program)) {}
+
+  /// A type without a class is given one, its name in lower case and "file"; it stays when the verb is removed.
+  void install(const std::string& extension) override {
+    const std::string text = "\"" + program_ + "\" %1";
+    if (extension == folders_and_videos) {
+      write("SystemFileAssociations\\video" + command, text);
+      write("Directory" + command, text);
+      return;
+    }
+    std::string name = class_of(extension);
+    write("SystemFileAssociations\\." + lower_case(extension) + command, text);
+    if (name.empty()) {
+      name = lower_case(extension) + "file";
+      write("." + extension, name);
+    }
+    write(name + command, text);
+  }
+
+  /// Nothing for a type without a class, not even its entry under "SystemFileAssociations".
+  void remove(const std::string& extension) override {
+    if (extension == folders_and_videos) {
+      remove_verb("Directory");
+      // Without "\shell", so the entry for videos stays; installations count on finding it.
+      remove_key("SystemFileAssociations\\video\\Quorvel\\command");
+      remove_key("SystemFileAssociations\\video\\Quorvel");
+      return;
+    }
+    const std::string name = class_of(extension);
+    if (name.empty()) return;
+    remove_verb(name);
+    remove_key("SystemFileAssociations\\." + lower_case(extension) + command);
+  }
+
+ private:
+  const std::string program_;
+};
+
 }  // namespace
 
-void ExplorerVerbs::install(const std::string& extension) {
-  const std::string text = "\"" + program_ + "\" %1";
-  if (extension == folders_and_videos) {
-    write("SystemFileAssociations\\video" + command, text);
-    write("Directory" + command, text);
-    return;
-  }
-  std::string name = class_of(extension);
-  write("SystemFileAssociations\\." + lower_case(extension) + command, text);
-  if (name.empty()) {
-    name = lower_case(extension) + "file";
-    write("." + extension, name);
-  }
-  write(name + command, text);
-}
-
-void ExplorerVerbs::remove(const std::string& extension) {
-  if (extension == folders_and_videos) {
-    remove_verb("Directory");
-    // Without "\shell", so the entry for videos stays; installations count on finding it.
-    remove_key("SystemFileAssociations\\video\\Quorvel\\command");
-    remove_key("SystemFileAssociations\\video\\Quorvel");
-    return;
-  }
-  const std::string name = class_of(extension);
-  if (name.empty()) return;
-  remove_verb(name);
-  remove_key("SystemFileAssociations\\." + lower_case(extension) + command);
+std::unique_ptr<ContextMenu> system_context_menu(Files&, const std::string& program) {
+  return std::make_unique<ExplorerVerbs>(program);
 }
 
 }  // namespace quorvel

@@ -1,5 +1,3 @@
-#include "platform/windows/shell_file_operation.h"
-
 #include <windows.h>
 
 #include <shellapi.h>
@@ -8,12 +6,17 @@
 #include <string_view>
 
 #include "platform/native.h"
+#include "platform/system.h"
 #include "platform/windows/wide.h"
 
 namespace quorvel {
 namespace {
 
 using Request = FileOperationRequest;
+
+// Codes of the shell's own, for what is refused before the shell is called.
+constexpr int path_too_deep = 0x79, invalid_path = 0x7C, name_taken = 0x7E, destination_is_folder = 0x80,
+              aborted = 0x75;
 
 bool is_full(std::wstring_view path) {
   const bool on_drive = path.size() >= 3 && path[1] == L':' && (path[2] == L'\\' || path[2] == L'/');
@@ -33,9 +36,9 @@ int make_list(const std::string& path, std::wstring& list) {
   const std::optional<std::wstring> wide = to_utf16(path);
   if (!wide || path.find('\0') != std::string::npos || !is_full(*wide) || !has_name(*wide) ||
       wide->find_first_of(L"*?") != std::wstring::npos) {
-    return ShellFileOperation::invalid_path;
+    return invalid_path;
   }
-  if (wide->size() >= MAX_PATH) return ShellFileOperation::path_too_deep;
+  if (wide->size() >= MAX_PATH) return path_too_deep;
   list = *wide + L'\0';
   return 0;
 }
@@ -44,10 +47,10 @@ int make_list(const std::string& path, std::wstring& list) {
 int check_destination(const std::wstring& source, const std::wstring& destination, bool may_ask) {
   const DWORD attributes = GetFileAttributesW(destination.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) return 0;
-  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return ShellFileOperation::destination_is_folder;
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return destination_is_folder;
   // A name may change its case alone.
   const bool is_source = CompareStringOrdinal(source.c_str(), -1, destination.c_str(), -1, TRUE) == CSTR_EQUAL;
-  return !is_source && !may_ask ? ShellFileOperation::name_taken : 0;
+  return !is_source && !may_ask ? name_taken : 0;
 }
 
 /// Where there is no recycle bin, the shell would delete for good what was to go there.
@@ -57,30 +60,48 @@ bool has_recycle_bin(const std::wstring& path) {
          GetDriveTypeW(root.c_str()) == DRIVE_FIXED;
 }
 
+/// The shell's own file operation: it can be undone from the recycle bin, asks before it replaces a file, and shows how
+/// far it is. Its codes are answered as they are.
+class ShellFileOperation : public FileOperation {
+ public:
+  /// With `may_ask` the shell shows its windows. Without it, where nobody would see them, a name that is taken is
+  /// refused.
+  explicit ShellFileOperation(bool may_ask) : may_ask_(may_ask) {}
+
+  /// An empty or relative path, one that holds a NUL, a wildcard, a path beyond the shell's limit of length, and a
+  /// destination that is a folder, into which the shell would put the file, are refused.
+  int perform(const FileOperationRequest& request) override {
+    std::wstring source, destination;
+    if (const int refused = make_list(request.source, source); refused != 0) return refused;
+    // The shell may take the absence of the file for the end of its work.
+    if (GetFileAttributesW(source.c_str()) == INVALID_FILE_ATTRIBUTES) return static_cast<int>(GetLastError());
+    if (request.operation != Request::Delete) {
+      if (const int refused = make_list(request.destination, destination); refused != 0) return refused;
+      if (const int refused = check_destination(source, destination, may_ask_); refused != 0) return refused;
+    } else if ((request.flags & Request::AllowUndo) != 0 && !has_recycle_bin(source)) {
+      return native::no_trash_code;
+    }
+    SHFILEOPSTRUCTW order{};
+    order.wFunc = static_cast<UINT>(request.operation);
+    order.pFrom = source.c_str();
+    order.pTo = request.operation == Request::Delete ? nullptr : destination.c_str();
+    order.fFlags = request.flags;
+    if (!may_ask_) order.fFlags |= FOF_SILENT | FOF_NOERRORUI | FOF_NOCONFIRMMKDIR;
+    // Only there: for the others it would be the word to replace a file.
+    if (!may_ask_ && request.operation == Request::Delete) order.fFlags |= FOF_NOCONFIRMATION;
+    const int code = SHFileOperationW(&order);
+    if (code != 0) return code;
+    return order.fAnyOperationsAborted ? aborted : 0;
+  }
+
+ private:
+  const bool may_ask_;
+};
+
 }  // namespace
 
-int ShellFileOperation::perform(const FileOperationRequest& request) {
-  std::wstring source, destination;
-  if (const int refused = make_list(request.source, source); refused != 0) return refused;
-  // The shell may take the absence of the file for the end of its work.
-  if (GetFileAttributesW(source.c_str()) == INVALID_FILE_ATTRIBUTES) return static_cast<int>(GetLastError());
-  if (request.operation != Request::Delete) {
-    if (const int refused = make_list(request.destination, destination); refused != 0) return refused;
-    if (const int refused = check_destination(source, destination, may_ask_); refused != 0) return refused;
-  } else if ((request.flags & Request::AllowUndo) != 0 && !has_recycle_bin(source)) {
-    return native::no_trash_code;
-  }
-  SHFILEOPSTRUCTW order{};
-  order.wFunc = static_cast<UINT>(request.operation);
-  order.pFrom = source.c_str();
-  order.pTo = request.operation == Request::Delete ? nullptr : destination.c_str();
-  order.fFlags = request.flags;
-  if (!may_ask_) order.fFlags |= FOF_SILENT | FOF_NOERRORUI | FOF_NOCONFIRMMKDIR;
-  // Only there: for the others it would be the word to replace a file.
-  if (!may_ask_ && request.operation == Request::Delete) order.fFlags |= FOF_NOCONFIRMATION;
-  const int code = SHFileOperationW(&order);
-  if (code != 0) return code;
-  return order.fAnyOperationsAborted ? aborted : 0;
+std::unique_ptr<FileOperation> system_file_operation(CopyProgress, MayReplace may_replace) {
+  return std::make_unique<ShellFileOperation>(may_replace != nullptr);
 }
 
 }  // namespace quorvel

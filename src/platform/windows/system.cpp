@@ -2,65 +2,64 @@
 
 #include <windows.h>
 
-#include "naming/file_names.h"
+#include <shellapi.h>
+
+#include <array>
+#include <string_view>
+
 #include "platform/curl/curl_socket_control.h"
-#include "platform/disk_files.h"
-#include "platform/windows/copy_data_channel.h"
-#include "platform/windows/explorer_verbs.h"
-#include "platform/windows/registry_store.h"
-#include "platform/windows/shell_file_operation.h"
-#include "platform/windows/shell_launcher.h"
-#include "platform/windows/system_clock.h"
 #include "platform/windows/wide.h"
-#include "shell/version.h"
 
 namespace quorvel {
 namespace {
 
-/// Empty when the system does not tell.
-std::string program_file() {
-  std::wstring path(MAX_PATH, L'\0');
-  while (true) {
-    const DWORD size = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (size < path.size()) return to_utf8({path.data(), size});
-    path.resize(path.size() * 2);
+constexpr std::wstring_view blanks = L" \t";
+
+class SystemClock : public Clock {
+ public:
+  std::chrono::year_month_day today() const override {
+    const SYSTEMTIME local = now();
+    return std::chrono::year(local.wYear) / local.wMonth / local.wDay;
   }
+
+  std::string time_of_day() const override {
+    const SYSTEMTIME local = now();
+    std::array<wchar_t, 256> text{};
+    const int size =
+        GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &local, nullptr, text.data(), static_cast<int>(text.size()));
+    return size <= 0 ? std::string() : to_utf8({text.data(), static_cast<std::size_t>(size) - 1});
+  }
+
+  void wait(std::chrono::milliseconds time) override { Sleep(static_cast<DWORD>(time.count())); }
+
+ private:
+  static SYSTEMTIME now() {
+    SYSTEMTIME local{};
+    GetLocalTime(&local);
+    return local;
+  }
+};
+
+/// The program's name ends at its closing quote, or at a blank where it has none.
+std::wstring_view without_program(std::wstring_view line) {
+  bool quoted = false;
+  std::size_t at = 0;
+  for (; at < line.size() && (quoted || blanks.find(line[at]) == std::wstring_view::npos); ++at) {
+    if (line[at] == L'"') quoted = !quoted;
+  }
+  line.remove_prefix(at);
+  line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
+  return line.substr(0, line.find_last_not_of(blanks) + 1);
 }
 
 }  // namespace
-
-std::unique_ptr<Files> system_files() {
-  return std::make_unique<DiskFiles>();
-}
-
-std::unique_ptr<FileOperation> system_file_operation(std::function<bool(std::uint64_t, std::uint64_t)>,
-                                                     std::function<bool(const std::string&)> replace) {
-  // The shell shows by itself how far it is, and has a question of its own before it replaces a file.
-  return std::make_unique<ShellFileOperation>(replace != nullptr);
-}
-
-std::unique_ptr<KeyValueStore> system_key_values(Files&) {
-  return std::make_unique<RegistryStore>(std::string("SOFTWARE\\") + application_title);
-}
-
-std::unique_ptr<SocketControl> system_socket() {
-  return std::make_unique<CurlSocketControl>();
-}
 
 std::unique_ptr<Clock> system_clock() {
   return std::make_unique<SystemClock>();
 }
 
-std::unique_ptr<InstanceChannel> system_instance_channel() {
-  return std::make_unique<CopyDataChannel>(std::string(application_title) + " " + short_version, application_title);
-}
-
-std::unique_ptr<ContextMenu> system_context_menu(Files&) {
-  return std::make_unique<ExplorerVerbs>(program_file());
-}
-
-std::unique_ptr<Launcher> system_launcher() {
-  return std::make_unique<ShellLauncher>();
+std::unique_ptr<SocketControl> system_socket() {
+  return std::make_unique<CurlSocketControl>();
 }
 
 std::string application_data_folder(Files&) {
@@ -70,10 +69,32 @@ std::string application_data_folder(Files&) {
   return to_utf8(folder);
 }
 
+std::string program_file() {
+  std::wstring path(MAX_PATH, L'\0');
+  while (true) {
+    const DWORD size = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (size < path.size()) return to_utf8({path.data(), size});
+    path.resize(path.size() * 2);
+  }
+}
+
 std::string program_folder() {
-  std::string folder = getpath(program_file(), 0);
-  if (!folder.empty()) folder.pop_back();
-  return folder;
+  const std::string file = program_file();
+  return file.substr(0, file.rfind('\\'));
+}
+
+std::vector<std::string> separate_arguments(int, char**) {
+  int count = 0;
+  wchar_t** const given = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) arguments.push_back(to_utf8(given[i]));
+  LocalFree(given);
+  return arguments;
+}
+
+std::vector<std::string> command_line_arguments(int, char**) {
+  const std::string text = to_utf8(without_program(GetCommandLineW()));
+  return text.empty() ? std::vector<std::string>() : std::vector{text};
 }
 
 }  // namespace quorvel

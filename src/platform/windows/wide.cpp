@@ -8,7 +8,7 @@ namespace quorvel {
 namespace {
 
 // Folders must leave room for a classic file name behind them.
-constexpr std::size_t longest_classic_path = MAX_PATH - 12;
+constexpr std::size_t max_classic_path = MAX_PATH - 12;
 constexpr std::wstring_view unlimited = L"\\\\?\\", device = L"\\\\.\\", unlimited_share = L"\\\\?\\UNC\\";
 
 bool is_high(char32_t unit) {
@@ -106,7 +106,7 @@ std::wstring to_utf16_or_marks(std::string_view text) {
 std::optional<std::wstring> system_path(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) return {};
   const std::optional<std::wstring> wide = to_utf16(path);
-  if (!wide || wide->size() < longest_classic_path || wide->starts_with(unlimited) || wide->starts_with(device)) {
+  if (!wide || wide->size() < max_classic_path || wide->starts_with(unlimited) || wide->starts_with(device)) {
     return wide;
   }
   const std::wstring full = full_path(*wide);

@@ -1,26 +1,28 @@
-#include "platform/linux/desktop_entries.h"
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <thread>
 
-#include "../support/temporary_folder.h"
-#include "platform/disk_files.h"
+#include "child_process.h"
+#include "file_tools.h"
+#include "temporary_folder.h"
 
 namespace quorvel::testing {
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string contents(const std::string& path) {
-  return (std::ostringstream() << std::ifstream(path).rdbuf()).str();
-}
-
 void write(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
-  std::ofstream(path) << text;
+  write_file(path, text);
+}
+
+/// One menu entry, as a program started for it makes it: installed or removed.
+void change(const std::string& data, const std::string& program, const std::string& extension, bool add = true) {
+  const Variable home("XDG_DATA_HOME", data);
+  const std::unique_ptr<Files> files = system_files();
+  const std::unique_ptr<ContextMenu> menu = system_context_menu(*files, program);
+  add ? menu->install(extension) : menu->remove(extension);
 }
 
 class ProgramPath : public ::testing::TestWithParam<const char*> {};
@@ -29,14 +31,13 @@ INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
 
 TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
   const TemporaryFolder folder;
-  DiskFiles files;
   const std::string program = folder / GetParam() + "/quorvel";
   write(program, "#!/bin/sh\nfor a; do printf '%s|' \"$a\"; done >'" + (folder / "out") + "'\n");
   fs::permissions(program, fs::perms::owner_all);
   const std::string data = folder / "new/data", entry = data + "/applications/quorvel-open.desktop",
                     menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
   for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"}) {
-    DesktopEntries(files, data, program).install(extension);
+    change(data, program, extension);
   }
   EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
   for (const char* const type : {"video/x-matroska;", "video/x-msvideo;", "inode/directory;", "video/webm;"}) {
@@ -52,21 +53,19 @@ TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
        {"gio launch '" + entry + "' '" + a + "' '" + c + "'", "'" + script + "' '" + a + "' '" + c + "'"}) {
     fs::remove(out);
     ASSERT_EQ(std::system(command.c_str()), 0);
-    while (!contents(out).ends_with("c.mkv|")) continue;  // the started program is not waited for
+    while (!contents(out).ends_with("c.mkv|")) std::this_thread::yield();  // the started program is not waited for
     EXPECT_EQ(contents(out), a + "|" + c + "|");
   }
-  DesktopEntries again(files, data, folder / "moved away");
-  again.install("mp4");
-  for (const char* const extension : {"mkv", "no such type;\n", "DIR"})
-    DesktopEntries(files, data, program).remove(extension);
+  const std::string moved = folder / "moved away";
+  change(data, moved, "mp4");
+  for (const char* const extension : {"mkv", "no such type;\n", "DIR"}) change(data, program, extension, false);
   EXPECT_NE(contents(menu).find("MimeType=video/x-msvideo;\n"), std::string::npos);
-  again.remove("avi");
+  change(data, moved, "avi", false);
   EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
 TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
   const TemporaryFolder folder;
-  DiskFiles files;
   const std::string program = folder / "quorvel", entry = folder / "applications/quorvel-open.desktop",
                     menu = folder / "kio/servicemenus/quorvel.desktop", script = folder / "nautilus/scripts/Quorvel";
   write(program, "");
@@ -74,35 +73,65 @@ TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
   write(folder / "mine", "");
   fs::create_directories(fs::path(script).parent_path());
   fs::create_symlink(folder / "mine", script);
-  DesktopEntries entries(files, folder.path(), program);
-  entries.install("avi");
+  change(folder.path(), program, "avi");
   const std::string ours = contents(menu);
   for (const std::string& edited :
        {ours + "\n", ours.substr(1), "#\n" + ours, std::string(ours).replace(ours.find("Name"), 1, "n")}) {
     write(menu, edited);
-    entries.install("mkv");
-    entries.remove("avi");
+    change(folder.path(), program, "mkv");
+    change(folder.path(), program, "avi", false);
     EXPECT_EQ(contents(menu), edited);
   }
   write(menu, ours);
-  entries.remove("avi");
+  change(folder.path(), program, "avi", false);
   EXPECT_FALSE(fs::exists(folder / "kio"));
   EXPECT_EQ(contents(entry), "[Desktop Entry]\n");
   EXPECT_TRUE(fs::is_symlink(script) && contents(folder / "mine").empty());
 }
 
+/// In a process of its own, for GLib looks at the environment only once.
+const SecondProcess install_entry("install entry", [](const std::string& folder) {
+  change(folder + "/data", folder + "/quorvel", "avi");
+  return 0;
+});
+
 TEST(DesktopEntries, AreNotSeenAmongTheProgramsBesideAnInstalledOne) {
   const TemporaryFolder folder;
-  DiskFiles files;
-  const std::string program = folder / "quorvel", entry = folder / "data/applications/quorvel-open.desktop";
-  write(program, "");
-  DesktopEntries entries(files, folder / "data", program);
-  setenv("XDG_DATA_HOME", (folder / "home").c_str(), 1);
+  write(folder / "quorvel", "");
   const std::string installed = contents(QUORVEL_DESKTOP_ENTRY);
   EXPECT_EQ(installed.find("MimeType"), std::string::npos);
-  write(folder / "home/applications/quorvel.desktop", installed);
-  entries.install("avi");
-  EXPECT_NE(contents(entry).find("NoDisplay=true"), std::string::npos);
+  write(folder / "system/applications/quorvel.desktop", installed);
+  Start start = install_entry.start(folder.path());
+  start.environment = {{"XDG_DATA_DIRS", folder / "system"}};
+  EXPECT_EQ(ChildProcess(start).status(), 0);
+  EXPECT_NE(contents(folder / "data/applications/quorvel-open.desktop").find("NoDisplay=true"), std::string::npos);
+}
+
+const SecondProcess open_target("open",
+                                [](const std::string& target) { return system_launcher()->open(target) ? 0 : 1; });
+
+TEST(Launcher, OpensAddressesAndDocumentsInTheDesktopsChoice) {
+  const TemporaryFolder folder;
+  const std::string recorder = folder / "recorder", out = folder / "out", page = folder / "help page.html";
+  write(recorder, "#!/bin/sh\necho \"$#\" \"$1\" >" + out + ".new\nmv " + out + ".new " + out + "\n");
+  fs::permissions(recorder, fs::perms::owner_all);
+  write(folder / "applications/r.desktop", "[Desktop Entry]\nType=Application\nName=r\nExec=" + recorder + " %u\n");
+  write(folder / "mimeapps.list",
+        "[Default Applications]\nx-scheme-handler/http=r.desktop\nx-scheme-handler/https=r.desktop\n"
+        "x-scheme-handler/file=r.desktop\ntext/html=r.desktop\n");
+  write(page, "x");
+  const std::string address = "https://127.0.0.1/a?b=$(x)&c='d'";
+  for (const auto& [target, shown] :
+       {std::pair("\"" + address + "\"", address), {"HTTP://127.0.0.1/", "HTTP://127.0.0.1/"}, {page, page}}) {
+    Start start = open_target.start(target);
+    for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS"}) {
+      start.environment[name] = folder.path();
+    }
+    EXPECT_EQ(ChildProcess(start).status(), 0) << target;
+    while (!fs::exists(out)) std::this_thread::yield();
+    EXPECT_EQ(contents(out), "1 " + shown + "\n");
+    fs::remove(out);
+  }
 }
 
 }  // namespace
