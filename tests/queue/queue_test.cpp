@@ -86,11 +86,15 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
   add(lights_file);
   target();
   rule(MoveAndRename, folder / "target/[show]/Season [ss]");
+  // The rule changes before its operation, and so before the undoing.
+  ui.on_events = [&] {
+    if (item(1).state == QueueState::Processing) rule(CopyAndRename, target());
+  };
   processor.process_queue();
   const std::string moved = std::string("target/The Harbour Lights/Season 01/") + lights_name;
   EXPECT_EQ(read(moved), lights_file);
   EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Move/Rename", true}));
-  rule(CopyAndRename, target());  // the rules change before the undoing
+  EXPECT_EQ(session.filters.at(1).action, CopyAndRename);
   session.undo.run(1);
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
   EXPECT_FALSE(exists(moved));

@@ -81,21 +81,6 @@ TEST_F(Running, FilesHandedOverMeanwhileJoinThePassAndTheTimerStartsNoSecondOne)
   EXPECT_TRUE(is_done(1) && is_done(2) && logged("All items processed") == 1);
 }
 
-TEST_F(Running, AnItemKeepsToTheRuleItWasMatchedWith) {
-  key_values.numbers["confirm"] = 1;
-  start_with("x");
-  on_dialog([&](wxDialog& dialog) {
-    rule(CopyAndRename, folder / "out");
-    session->filters.at(1).mask = "[title]";
-    press(dialog, "OK");
-  });
-  run_pass();
-  EXPECT_TRUE(exists("in/" + new_name) && !exists("in/" + name) && !exists("out"));
-  menu_over(1, 1);
-  command(ui::mnuUndo);
-  EXPECT_TRUE(exists("in/" + name));
-}
-
 TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) {
   const std::string large(1 << 22, 'x');
   for (const bool session_ends : {false, true}) {
