@@ -22,7 +22,8 @@ inline std::string listings_answer(const std::string& request, const std::filesy
   } else if (target.starts_with(show) && target.ends_with(episodes)) {
     target = episodes.substr(1) + "/" + target.substr(show.size(), target.rfind('/') - show.size());
   }
-  if (std::ifstream file(shows / (target + ".json"), std::ios::binary); file && !target.empty() && target[0] != '/') {
+  if (std::ifstream file(shows / (target + ".json"), std::ios::binary);
+      file && target[0] != '/' && target.find("..") == std::string::npos) {
     body.assign(std::istreambuf_iterator<char>(file), {});
   } else if (!searches) {
     status = "404 Not Found", body = R"({"name":"Not Found","status":404})";

@@ -54,7 +54,8 @@ inline void closesocket(Socket socket) {
 /// A listings service on loopback for whole programs, one connection after another. They are to end before it does.
 class ListingsService {
  public:
-  explicit ListingsService(std::filesystem::path shows = QUORVEL_SHOWS_DIR) : shows_(std::move(shows)) {
+  /// Throws when the folder is missing.
+  explicit ListingsService(const std::filesystem::path& shows = QUORVEL_SHOWS_DIR) : shows_(canonical(shows)) {
     address_.sin_family = AF_INET;
     address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address_;

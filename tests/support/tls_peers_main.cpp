@@ -5,16 +5,24 @@
 #include <csignal>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
 namespace {
+
+/// Refuses a client that offers HTTP/2: a service that has it would then speak it.
+int refuse_http2(SSL*, const unsigned char**, unsigned char*, const unsigned char* offered, unsigned size, void*) {
+  const std::string_view protocols(reinterpret_cast<const char*>(offered), size);
+  return protocols.find("h2") == std::string_view::npos ? SSL_TLSEXT_ERR_NOACK : SSL_TLSEXT_ERR_ALERT_FATAL;
+}
 
 /// A listening socket whose clients are spoken to with this certificate.
 BIO* new_server(const std::string& certificate, bool gives_notice) {
   const std::string file = QUORVEL_CERTIFICATES_DIR "/" + certificate + ".pem";
   SSL_CTX* const context = SSL_CTX_new(TLS_server_method());
   BIO* const server = BIO_new_accept("127.0.0.1:0");
+  SSL_CTX_set_alpn_select_cb(context, refuse_http2, nullptr);
   SSL_CTX_set_quiet_shutdown(context, gives_notice ? 0 : 1);
   if (SSL_CTX_use_certificate_file(context, file.c_str(), SSL_FILETYPE_PEM) != 1 ||
       SSL_CTX_use_PrivateKey_file(context, file.c_str(), SSL_FILETYPE_PEM) != 1 ||
