@@ -94,8 +94,10 @@ class ListingsService {
   }
   void converse(Socket client) {
     std::string request;
-    for (char byte = 0; !request.ends_with("\r\n\r\n"); request += byte) {
-      if (recv(client, &byte, 1, 0) != 1) return;
+    for (char bytes[4096]; !request.ends_with("\r\n\r\n");) {
+      const auto size = recv(client, bytes, sizeof bytes, 0);
+      if (size <= 0) return;
+      request.append(bytes, static_cast<std::size_t>(size));
     }
     std::unique_lock lock(mutex_);
     requests_.push_back(request);

@@ -79,7 +79,8 @@ TEST_F(Http, AddressesAreTakenApart) {
 }
 
 TEST_F(Http, ATransferTakesTheseSteps) {
-  EXPECT_EQ(get("http://host:81/a?q=b", {{"HTTP/1.1 200 OK\r\nCONTENT-LENGTH: 9\r\n\r\nab", "\xE9"}}), "abé");
+  EXPECT_EQ(get("http://host:81/a?q=b", {{"HTTP/1.1 200 OK\r\nContent-Length\r\nCONTENT-LENGTH: 9\r\n\r\nab", "\xE9"}}),
+            "abé");
   EXPECT_EQ(
       steps,
       "HTTP: Connecting to host...|events|timeout 4|tcp|connect host:81|HTTP: Sending Request...|write|write|write|"
