@@ -38,6 +38,18 @@ struct NoLog : Log {
   void debug_log(std::string_view, LogLevel) override {}
 };
 
+/// A machine without a network.
+struct NoSocket : SocketControl {
+  void set_timeout(int) override {}
+  void set_secure(bool) override {}
+  int connect(const std::string&, int) override { return 1; }
+  std::ptrdiff_t write(std::string_view) override { return -1; }
+  std::ptrdiff_t read(char*, std::size_t) override { return -1; }
+  void disconnect() override {}
+  int last_error() const override { return 1; }
+  std::string last_error_string() const override { return "no network"; }
+};
+
 /// Files in memory; folders are always there.
 struct MemoryFiles : Files {
   std::map<std::string, std::string> held;
@@ -66,7 +78,7 @@ struct MemoryFiles : Files {
 };
 
 /// Brings the bytes in pieces of these sizes, the last size for all that follow; then the peer has closed.
-struct FeedSocket : testing::NoSocket {
+struct FeedSocket : NoSocket {
   std::string bytes;
   std::string sizes = "\xFF";
   std::size_t at = 0, piece = 0;

@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   testing::FakeWindow window(events);
   testing::FakeChannel channel(events);
   testing::FakeClock clock(events);
-  testing::NoSocket socket;
+  fuzz::NoSocket socket;
   fuzz::MemoryFiles files;
   files.held["/in/a.s01e01.avi"] = "x";
   Values values;

@@ -12,7 +12,6 @@
 #include "platform/launcher.h"
 #include "platform/log.h"
 #include "platform/main_window.h"
-#include "platform/socket_control.h"
 #include "platform/user_interface.h"
 #include "text/failure.h"
 
@@ -166,18 +165,6 @@ struct FakeKeyValues : KeyValueStore {
 struct Lines : Log {
   std::vector<std::string> list;
   void debug_log(std::string_view text, LogLevel) override { list.emplace_back(text); }
-};
-
-/// A machine without a network.
-struct NoSocket : SocketControl {
-  void set_timeout(int) override {}
-  void set_secure(bool) override {}
-  int connect(const std::string&, int) override { return 1; }
-  std::ptrdiff_t write(std::string_view) override { return -1; }
-  std::ptrdiff_t read(char*, std::size_t) override { return -1; }
-  void disconnect() override {}
-  int last_error() const override { return 1; }
-  std::string last_error_string() const override { return "no network"; }
 };
 
 }  // namespace quorvel::testing
