@@ -145,8 +145,8 @@ ConfirmDialog::ConfirmDialog(wxWindow* parent, Session& session, const Confirmat
   auto* const paths = new wxFlexGridSizer(2, FromDIP(wxSize(8, 8)));
   paths->AddGrowableCol(1);
   const auto path = [&](const char* label, const char* name) {
-    wxTextCtrl* const box = text_box(this, name, wxSize(460, -1), wxTE_READONLY);
     paths->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
+    wxTextCtrl* const box = text_box(this, name, wxSize(460, -1), wxTE_READONLY);
     paths->Add(box, wxSizerFlags().Expand());
     return box;
   };

@@ -182,6 +182,38 @@ std::string text(const wxWindow& parent, const std::string& name) {
   return from_wx(find<wxTextCtrl>(parent, name).GetValue());
 }
 
+static std::string seen(const wxControl& control) {
+  const std::string label = from_wx(control.GetLabelText());
+  const auto ticked = [&label](bool is_ticked) { return (is_ticked ? "x " : "o ") + label; };
+  if (const auto* const box = dynamic_cast<const wxTextCtrl*>(&control)) return "[" + from_wx(box->GetValue()) + "]";
+  if (const auto* const choice = dynamic_cast<const wxChoice*>(&control)) {
+    return "<" + from_wx(choice->GetStringSelection()) + ">";
+  }
+  if (const auto* const box = dynamic_cast<const wxCheckBox*>(&control)) return ticked(box->GetValue());
+  if (const auto* const button = dynamic_cast<const wxRadioButton*>(&control)) return ticked(button->GetValue());
+  const auto* const list = dynamic_cast<const wxListCtrl*>(&control);
+  std::string titles = label;
+  for (int i = 0; list != nullptr && i < list->GetColumnCount(); ++i) {
+    wxListItem column;
+    column.SetMask(wxLIST_MASK_TEXT);
+    list->GetColumn(i, column);
+    titles += (i > 0 ? "," : "") + from_wx(column.GetText());
+  }
+  return titles;
+}
+
+std::string shown(const wxWindow& parent) {
+  const auto* const dialog = dynamic_cast<const wxDialog*>(&parent);
+  std::string all = dialog != nullptr ? from_wx(dialog->GetTitle()) + ": " : "";
+  for (const wxWindow* const child : parent.GetChildren()) {
+    if (!child->IsShownOnScreen() || child->IsTopLevel()) continue;
+    const auto* const control = dynamic_cast<const wxControl*>(child);
+    const std::string piece = control != nullptr ? seen(*control) : "";
+    all += piece.empty() ? shown(*child) : (child->IsEnabled() ? "" : "-") + piece + "|";
+  }
+  return all;
+}
+
 void set_text(const wxWindow& parent, const std::string& name, const std::string& text) {
   find<wxTextCtrl>(parent, name).SetValue(to_wx(text));
 }

@@ -75,6 +75,9 @@ template <typename T = wxWindow>
 T& find(const wxWindow& parent, const std::string& name);
 std::string label(const wxWindow& parent, const std::string& name);
 std::string text(const wxWindow& parent, const std::string& name);
+/// All that is seen in a window: a dialog's title, the labels, "[text]", "<choice>", "x" or "o" before what can be
+/// ticked, "-" before what is disabled, and the titles of a list's columns; "|" after each.
+std::string shown(const wxWindow& parent);
 void set_text(const wxWindow& parent, const std::string& name, const std::string& text);
 void press(const wxWindow& parent, const std::string& button);
 void tick(const wxWindow& parent, const std::string& box, bool on = true);

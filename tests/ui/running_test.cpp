@@ -142,7 +142,9 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   };
   look();
   command(ui::mnuShow), look();
+  wait_until([&] { return !frame->IsActive(); });
   frame->life().toggle_from_tray(), look();
+  wait_until([&] { return frame->IsActive(); });  // the toolkit loses count of a window that goes before it has come
   on_dialog([&](wxDialog& dialog) {
     frame->life().toggle_from_tray(), look();
     press(dialog, "OK");
