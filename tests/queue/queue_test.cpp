@@ -25,7 +25,6 @@ struct Queue : ::testing::Test, TestSession {
   }
 };
 
-using Strings = std::vector<std::string>;
 constexpr const char* lights_file = "The.Harbour.Lights.S01E02.mkv";
 constexpr const char* lights_name = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
 
@@ -74,12 +73,11 @@ TEST_F(Queue, AFileGoesThroughEveryStageAndLeavesItsTrace) {
             "Getting listings for: The Harbour Lights|Updating ep cache|Found episode in listings|"
             "Renaming The.Harbour.Lights.S01E02.mkv to The Harbour Lights - 1x02 - The Pilot Boat.mkv|"
             "All items processed");
-  EXPECT_EQ(item(1).state, QueueState::Done);
   EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
-  EXPECT_FALSE(exists(std::string("in/") + lights_file));
-  EXPECT_EQ(ui.rows, Strings{"The.Harbour.Lights.S01E02|The Harbour Lights - 1x02 - The Pilot Boat|Done"});
+  EXPECT_FALSE(exists(std::string("in/") + lights_file) || processor.queue_busy());
+  EXPECT_EQ(ui.rows[0], "The.Harbour.Lights.S01E02|The Harbour Lights - 1x02 - The Pilot Boat|Done");
+  EXPECT_EQ(ui.states, "Scanning Searching Fetching Listings Checking Filters Renaming Done ");
   EXPECT_EQ(item(1).show_url, "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"");
-  EXPECT_FALSE(processor.queue_busy());
 }
 
 TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
@@ -99,10 +97,12 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
   EXPECT_FALSE(exists(moved));
   EXPECT_EQ(item(1).error_text, "The file operation has been undone");
-  EXPECT_EQ(ui.rows, Strings{"The.Harbour.Lights.S01E02||Cancelled"});
+  EXPECT_EQ(ui.rows[0], "The.Harbour.Lights.S01E02||Cancelled");
+  EXPECT_TRUE(ui.states.ends_with("Moving Done Cancelled "));
   EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Rename", false}));
 
   processor.retry_failed();
+  EXPECT_TRUE(ui.states.ends_with("Copying Done "));
   EXPECT_EQ(read(std::string("target/") + lights_name), lights_file);
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
   EXPECT_EQ(session.undo.entry(1).caption, "Undo Copy/Rename");
@@ -112,16 +112,13 @@ TEST_F(Queue, UndoNeverTouchesAFileThatIsNotItsOwn) {
   add(lights_file);
   processor.process_queue();
   write(std::string("in/") + lights_file, "somebody else's");
-  session.undo.run(1);
-  EXPECT_EQ(item(1).state, QueueState::Failed);
+  const std::size_t before = session.log.lines().size();
+  for (const int index : {1, 1, 0}) session.undo.run(index);  // the second time it is no longer done
+  EXPECT_EQ(log(before), "File rename failed. Destination already exists|Failed to undo file operation");
   EXPECT_EQ(item(1).error_text, "The file undo operation failed");
-  EXPECT_TRUE(logged("File rename failed. Destination already exists"));
-  EXPECT_TRUE(logged("Failed to undo file operation"));
-  EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
-  session.undo.run(1);  // no longer done, so nothing to undo
-  session.undo.run(0);
-  EXPECT_EQ(read(std::string("in/") + lights_name), lights_file);
-  EXPECT_EQ(read(std::string("in/") + lights_file), "somebody else's");
+  EXPECT_TRUE(ui.states.ends_with("Done Failed "));
+  EXPECT_EQ(read(std::string("in/") + lights_name) + read(std::string("in/") + lights_file),
+            lights_file + std::string("somebody else's"));
 }
 
 TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
@@ -236,89 +233,58 @@ TEST_F(Queue, TheUserIsAskedWhenTheSettingsSaySo) {
   rule(CopyAndRename, target());
   processor.retry_failed();
   EXPECT_EQ(item(1).state, QueueState::Done);
-  EXPECT_EQ(ui.questions.front().title + ui.questions.front().question,
-            "Confirm File RenameContinue with file rename?");
-  EXPECT_EQ(ui.questions.back().title + ui.questions.back().question, "Confirm File CopyContinue with file copy?");
-  EXPECT_EQ(ui.questions.back().destination, folder / ("target/" + std::string(lights_name)));
+  const ConfirmationQuestion &first = ui.questions.front(), &last = ui.questions.back();
+  EXPECT_EQ(first.title + first.question, "Confirm File RenameContinue with file rename?");
+  EXPECT_EQ(last.title + last.question, "Confirm File CopyContinue with file copy?");
+  EXPECT_EQ(last.source + last.destination, item(1).path + folder / ("target/" + std::string(lights_name)));
 }
 
 TEST_F(Queue, ARetryStepsOverTheItemAfterASkippedOne) {
-  add(lights_file);
-  add("nothing.avi");
-  add("nothing more.avi");
+  for (const char* const name : {lights_file, "nothing.avi", "nothing more.avi"}) add(name);
   processor.process_queue();
-  const std::size_t before = session.log.lines().size();
+  std::size_t before = session.log.lines().size();
   processor.retry_failed();
-  EXPECT_EQ(log(before).find("nothing.avi"), std::string::npos);
-  EXPECT_NE(log(before).find("nothing more.avi"), std::string::npos);
-  const std::size_t after = session.log.lines().size();
+  EXPECT_TRUE(log(before).find("nothing.avi") == std::string::npos && log(before).find("nothing more.avi") < 100);
+  before = session.log.lines().size();
   processor.process_queue();
-  EXPECT_EQ(log(after), "All items processed");
+  EXPECT_EQ(log(before), "All items processed");
 }
 
 TEST_F(Queue, QuittingWaitsForTheStageAndAutocloseForTheEnd) {
-  processor.process_queue();
-  EXPECT_TRUE(logged("No work to do"));
   session.settings.autoclose = true;
   processor.process_queue();
-  EXPECT_EQ(ui.closed, 0) << "there was nothing to do";
-  EXPECT_TRUE(processor.may_close());
-  add(lights_file);
-  add("the.harbour.lights.s01e04.avi");
+  EXPECT_TRUE(logged("No work to do") && ui.closed == 0 && processor.may_close());
+  for (const char* const name : {lights_file, "nothing.avi"}) add(name);
   ui.on_events = [&] {
     if (item(1).state != QueueState::Searching || ui.closed > 0) return;
     EXPECT_FALSE(processor.may_close());
   };
   processor.process_queue();
-  EXPECT_TRUE(logged("Got quit signal, finishing up..."));
-  EXPECT_EQ(item(1).state, QueueState::FetchingListings);
-  EXPECT_EQ(item(2).state, QueueState::Inactive);
-  EXPECT_EQ(ui.closed, 1);
-  EXPECT_FALSE(processor.queue_busy());
+  EXPECT_TRUE(logged("Got quit signal, finishing up...") && ui.closed == 1 && !processor.queue_busy());
+  EXPECT_EQ(ui.states, "Scanning Searching Fetching Listings ");
 }
 
 TEST_F(Queue, FilesAddedDuringAPassBelongToItAndARetryWaits) {
   add(lights_file);
   ui.on_events = [&] {
     if (session.queue.count() > 1) return;
-    write("in/the.harbour.lights.s01e04.avi", "x");
+    make(folder / "in/the.harbour.lights.s01e04.avi");
     session.intake.add_to_queue(folder / "in/the.harbour.lights.s01e04.avi", true);
     processor.retry_failed();
   };
-  processor.process_queue();
-  EXPECT_EQ(item(2).state, QueueState::Done);
-  EXPECT_EQ(ui.timer_starts, 0);
   session.settings.autoclose = true;
   processor.process_queue();
-  EXPECT_EQ(ui.closed, 1);
+  EXPECT_TRUE(item(2).state == QueueState::Done && ui.timer_starts == 0 && ui.closed == 1);
 }
 
-TEST_F(Queue, ARowShowsItsState) {
+TEST_F(Queue, ARowWhoseRuleIsGoneKeepsItsStatus) {
   add("x.s01e01.avi");
-  item(1).new_name = "Show - 1x01 - A.B.avi";
-  item(1).filter_index = 1;
-  const std::pair<QueueState, const char*> cases[] = {
-      {QueueState::Inactive, "x.s01e01||Inactive"},
-      {QueueState::CheckingFilters, "x.s01e01||Checking Filters"},
-      {QueueState::Processing, "x.s01e01|Show - 1x01 - A.B|Checking Filters"},
-      {QueueState::Failed, "x.s01e01|Show - 1x01 - A.B|Failed"},
-      {QueueState::Cancelled, "x.s01e01||Cancelled"},
-      {QueueState::Done, "x.s01e01|Show - 1x01 - A.B|Done"}};
-  for (const auto& [state, row] : cases) {
-    item(1).state = state;
-    EXPECT_TRUE(session.view.update_lv(1));
-    EXPECT_EQ(ui.rows, Strings{row});
-  }
-  EXPECT_EQ(ui.scrolls, 5);
+  EXPECT_TRUE(session.view.update_lv(1) && !session.view.update_lv(2));
   item(1).state = QueueState::Processing;
-  for (const auto& [action, status] : {std::pair(1, "Renaming"), std::pair(2, "Moving"), std::pair(3, "Copying")}) {
-    item(1).action = action;
-    session.view.update_lv(1);
-    EXPECT_EQ(ui.rows, Strings{std::string("x.s01e01|Show - 1x01 - A.B|") + status});
-  }
+  item(1).new_name = "A.B.avi";
   item(1).filter_index = 9;
   EXPECT_FALSE(session.view.update_lv(1));
-  EXPECT_FALSE(session.view.update_lv(2));
+  EXPECT_EQ(ui.states + ui.rows[0], "(Inactive) Inactive x.s01e01|A.B|Inactive");
 }
 
 }  // namespace

@@ -32,25 +32,25 @@ struct FakeUi : UserInterface {
   explicit FakeUi(Events& events) : events(events) {}
   Events& events;
   std::vector<std::string> rows;  // "filename|new name|status"
+  std::string states;             // that any row has shown, in parentheses where it was not scrolled into view
   std::vector<ListRow> filters, exceptions;
   std::vector<std::string> messages;
   std::vector<ConfirmationQuestion> questions;
   std::optional<bool> answer = true;
   std::function<void()> on_events = [] {};
-  int timer_starts = 0, closed = 0, scrolls = 0;
+  int timer_starts = 0, closed = 0;
 
   void add_row(int, const std::string& filename) override {
     events.add("row " + filename);
-    cells_.push_back({filename, "", ""});
-    redraw();
+    rows.push_back(filename + "||");
   }
   void update_row(int index, const RowUpdate& update) override {
-    if (index < 1 || index > static_cast<int>(cells_.size())) throw Failure("no such row");
-    std::vector<std::string>& cells = cells_[static_cast<std::size_t>(index) - 1];
-    if (update.new_name) cells[1] = *update.new_name;
-    if (update.status) cells[2] = *update.status;
-    scrolls += update.scroll_into_view ? 1 : 0;
-    redraw();
+    if (index < 1 || index > static_cast<int>(rows.size())) throw Failure("no such row");
+    std::string& row = rows[static_cast<std::size_t>(index) - 1];
+    const std::size_t first = row.find('|'), second = row.find('|', first + 1);
+    const std::string status = update.status.value_or(row.substr(second + 1));
+    row = row.substr(0, first + 1) + update.new_name.value_or(row.substr(first + 1, second - first - 1)) + "|" + status;
+    states += (update.scroll_into_view ? status : "(" + status + ")") + " ";
   }
   void show_filters(const std::vector<ListRow>& shown) override { filters = shown; }
   void show_exceptions(const std::vector<ListRow>& shown) override { exceptions = shown; }
@@ -65,13 +65,6 @@ struct FakeUi : UserInterface {
   }
   void arm_start_timer() override { events.add("timer"), ++timer_starts; }
   void close() override { events.add("close"), ++closed; }
-
- private:
-  void redraw() {
-    rows.clear();
-    for (const auto& cells : cells_) rows.push_back(cells[0] + "|" + cells[1] + "|" + cells[2]);
-  }
-  std::vector<std::vector<std::string>> cells_;
 };
 
 struct FakeWindow : MainWindow {
