@@ -30,26 +30,25 @@ TEST_F(Rules, WithoutAFileThereIsTheDefaultRuleAndItIsNotWritten) {
 
 TEST_F(Rules, TheFirstRuleOfWhichEitherConditionFitsIsTaken) {
   const struct {
-    const char* line;
-    const char *extension, *show;
-    bool fits;
-  } cases[] = {{"1\tTrue\tmkv\t\t\tm\td\t1\t0", "mkv", "x", true},
-               {"1\tTrue\tmkv\t\t\tm\td\t1\t0", "avi", "x", false},
-               {"1\tTrue\tmkv\t\t\tm\td\t2\t0", "avi", "x", true},
-               {"1\tTrue\tmkv\t\t\tm\td\t2\t0", "mkv", "x", false},
-               {"1\tTrue\t\tthe *\t\tm\td\t0\t1", "avi", "The X", true},
-               {"1\tTrue\t\tthe *\t\tm\td\t0\t2", "avi", "The X", false},
-               {"1\tTrue\t\tThe *\t\tm\td\t0\t1", "avi", "The X", false},
-               {"1\tFalse\t\t*\t\tm\td\t0\t1", "avi", "x", false},
-               {"1\tTrue\tmkv\tx\t\tm\td\t1\t1", "avi", "X", true},
-               {"1\tTrue\tmkv\tx\t\tm\td\t1\t1", "mkv", "y", true}};
-  for (const auto& c : cases) {
-    load_filters(std::string(c.line) + "\r\n");
-    EXPECT_EQ(filters.first_fitting(c.extension, c.show).has_value(), c.fits) << c.line << " " << c.extension;
+    const char *type, *name;
+    int type_condition, name_condition;
+    const char* fitting;  // of "avi The X", "mkv The X", "avi Y"
+    bool enabled = true;
+  } rules[] = {{"mkv", "", 1, 0, "-+-"},   {"mkv", "", 2, 0, "+-+"},   {"", "the *", 0, 1, "++-"},
+               {"", "the *", 0, 2, "--+"}, {"", "The *", 0, 1, "---"}, {"", "", 2, 2, "---"},
+               {"mkv", "y", 1, 1, "-++"},  {"mkv", "y", 7, 1, "+-+"},  {"", "*", 0, 1, "---", false}};
+  for (const auto& rule : rules) {
+    AFilter& filter = filters.at(1);
+    filter.enabled = rule.enabled, filter.showName = rule.name, filter.showNameCondition = rule.name_condition;
+    filter.fileType = rule.type, filter.fileTypeCondition = rule.type_condition;
+    std::string fitting;
+    for (const auto& [type, name] : {std::pair("avi", "The X"), {"mkv", "The X"}, {"avi", "Y"}}) {
+      fitting += filters.first_fitting(type, name) ? '+' : '-';
+    }
+    EXPECT_EQ(fitting, rule.fitting) << rule.type << rule.name << rule.type_condition << rule.name_condition;
   }
   load_filters(std::string(mkv_line) + any_line + any_line);
-  EXPECT_EQ(filters.first_fitting("mkv", "x"), 1);
-  EXPECT_EQ(filters.first_fitting("avi", "x"), 2);
+  EXPECT_TRUE(filters.first_fitting("mkv", "x") == 1 && filters.first_fitting("avi", "x") == 2);
 }
 
 TEST_F(Rules, LoadingStopsAtABadLineAndSaysWhich) {
