@@ -118,19 +118,30 @@ TEST(Launcher, OpensAddressesAndDocumentsInTheDesktopsChoice) {
   write(folder / "applications/r.desktop", "[Desktop Entry]\nType=Application\nName=r\nExec=" + recorder + " %u\n");
   write(folder / "mimeapps.list",
         "[Default Applications]\nx-scheme-handler/http=r.desktop\nx-scheme-handler/https=r.desktop\n"
-        "x-scheme-handler/file=r.desktop\ntext/html=r.desktop\n");
+        "x-scheme-handler/file=r.desktop\nx-scheme-handler/javascript=r.desktop\n"
+        "text/html=r.desktop\ntext/plain=r.desktop\napplication/x-shellscript=r.desktop\n"
+        "application/x-desktop=r.desktop\n");
   write(page, "x");
   const std::string address = "https://127.0.0.1/a?b=$(x)&c='d'";
-  for (const auto& [target, shown] :
-       {std::pair("\"" + address + "\"", address), {"HTTP://127.0.0.1/", "HTTP://127.0.0.1/"}, {page, page}}) {
+  const auto opened = [&](const std::string& target) {
     Start start = open_target.start(target);
     for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS"}) {
       start.environment[name] = folder.path();
     }
-    EXPECT_EQ(ChildProcess(start).status(), 0) << target;
+    return ChildProcess(start).status() == 0;
+  };
+  for (const auto& [target, shown] :
+       {std::pair("\"" + address + "\"", address), {"HTTP://127.0.0.1/", "HTTP://127.0.0.1/"}, {page, page}}) {
+    EXPECT_TRUE(opened(target)) << target;
     while (!fs::exists(out)) std::this_thread::yield();
     EXPECT_EQ(contents(out), "1 " + shown + "\n");
     fs::remove(out);
+  }
+  // With something to open them.
+  for (const std::string& refused :
+       {"file://" + page, std::string("javascript:1"), std::string("https://"), std::string("http:///x"),
+        std::string("http://a\nb"), "\"\"" + address + "\"\"", recorder, folder / "applications/r.desktop"}) {
+    EXPECT_FALSE(opened(refused)) << refused;
   }
 }
 
