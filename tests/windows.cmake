@@ -2,7 +2,7 @@
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 set(certificates ${CMAKE_CURRENT_SOURCE_DIR}/support/certificates)
-set(system_libraries ws2_32 psapi version)
+set(system_libraries ws2_32 version)
 set(whole_program_properties RESOURCE_LOCK user)
 
 if(CMAKE_CROSSCOMPILING)
