@@ -1,16 +1,41 @@
 #pragma once
 
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "listings_answer.h"
 #include "platform/socket_control.h"
 #include "text/failure.h"
 
 namespace quorvel::testing {
+
+/// What a request asks for, such as "/search/shows?q=x"; empty unless it is a GET.
+inline std::string target_of(const std::string& request) {
+  return request.starts_with("GET ") ? request.substr(4, request.find(' ', 4) - 4) : "";
+}
+
+/// The whole right answer to a request: for "/search/shows?q=RAW" the file search/RAW.json below the folder, or "[]"
+/// without such a file; for "/shows/ID/episodes" episodes/ID.json; 404 for everything else.
+inline std::string listings_answer(const std::string& request, const std::filesystem::path& shows = QUORVEL_SHOWS_DIR) {
+  const std::string search = "/search/shows?q=", show = "/shows/", episodes = "/episodes";
+  std::string target = target_of(request), status = "200 OK", body = "[]";
+  const bool searches = target.starts_with(search);
+  if (searches) target.replace(0, search.size(), "search/");
+  if (target.starts_with(show) && target.ends_with(episodes)) {
+    target = "episodes/" + target.substr(show.size(), target.rfind('/') - show.size());
+  }
+  if (std::ifstream file(shows / (target + ".json"), std::ios::binary); file) {
+    body.assign(std::istreambuf_iterator<char>(file), {});
+  } else if (!searches) {
+    status = "404 Not Found", body = R"({"name":"Not Found","status":404})";
+  }
+  return "HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
+         "\r\n\r\n" + body;
+}
 
 /// The listings service behind a socket that no network is needed for: it answers from the recorded answers, keeps
 /// every request, and fails or misbehaves on demand.
@@ -44,19 +69,21 @@ class FakeListings : public SocketControl {
     return works("connect " + host + ":" + std::to_string(port)) ? 0 : 7;
   }
   std::ptrdiff_t write(std::string_view bytes) override {
-    const std::size_t count = works("write") ? bytes.size() : bytes.size() - 1;
-    sent_ += bytes.substr(0, count);
-    return static_cast<std::ptrdiff_t>(count);
+    sent_ += bytes;
+    return static_cast<std::ptrdiff_t>(bytes.size()) - (works("write") ? 0 : 1);
   }
   std::ptrdiff_t read(char* buffer, std::size_t size) override {
     if (!works("read " + std::to_string(size))) return -1;
-    if (!sent_.empty()) answer();
-    if (next_ == reads_.size()) return 0;
-    const std::optional<std::string>& bytes = reads_[next_];
-    if (!bytes) return -1;
-    const std::size_t count = bytes->copy(buffer, size, at_);
+    if (!sent_.empty()) {
+      const std::string request = requests_.emplace_back(std::exchange(sent_, {})), right = listings_answer(request);
+      reads_ = script_ ? script_(target_of(request), right) : Reads{right};
+      at_ = 0;
+    }
+    if (reads_.empty()) return 0;
+    if (!reads_.front()) return -1;
+    const std::size_t count = reads_.front()->copy(buffer, size, at_);
     at_ += count;
-    if (at_ == bytes->size()) ++next_, at_ = 0;
+    if (at_ == reads_.front()->size()) reads_.erase(reads_.begin()), at_ = 0;
     return static_cast<std::ptrdiff_t>(count);
   }
   void disconnect() override { works("close"); }
@@ -64,19 +91,11 @@ class FakeListings : public SocketControl {
   std::string last_error_string() const override { return "late"; }
 
  private:
-  void answer() {
-    requests_.push_back(std::exchange(sent_, {}));
-    const std::string& request = requests_.back();
-    const std::string right = listings_answer(request);
-    reads_ = script_ ? script_(target_of(request), right) : Reads{right};
-    next_ = at_ = 0;
-  }
-
   std::string sent_;  // on this connection, and not yet answered
   std::vector<std::string> requests_;
   Script script_;
-  Reads reads_;
-  std::size_t next_ = 0, at_ = 0;  // the read that comes next, and how much of it is gone
+  Reads reads_;         // that are to come
+  std::size_t at_ = 0;  // how much of the first of them is gone
 };
 
 }  // namespace quorvel::testing

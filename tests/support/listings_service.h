@@ -11,42 +11,28 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
-#include "listings_answer.h"
+#include "fake_listings.h"
 
 namespace quorvel::testing {
 
-// What differs between systems. No program that a test starts may inherit a socket: it would keep the connection open
-// after the service has closed it. A client that hangs up early must not end the test by a signal.
+// What differs between systems. No program that a test starts may inherit a connection: it would keep it open after the
+// service has closed it. A client that hangs up early must not end the test by a signal.
 #ifdef _WIN32
-using Socket = SOCKET;
-inline constexpr int no_signal = 0;
-inline Socket not_inherited(Socket socket) {
-  return SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0) ? socket : INVALID_SOCKET;
-}
-inline Socket new_socket() {
-  static WSADATA data;
-  static const int started = WSAStartup(MAKEWORD(2, 2), &data);
-  return started == 0 ? not_inherited(socket(AF_INET, SOCK_STREAM, 0)) : INVALID_SOCKET;
-}
-inline Socket next_client(Socket listener) {
-  return not_inherited(accept(listener, nullptr, nullptr));
+inline constexpr int SOCK_CLOEXEC = 0, MSG_NOSIGNAL = 0;
+inline WSADATA sockets;
+inline const int started_sockets = WSAStartup(MAKEWORD(2, 2), &sockets);
+inline SOCKET accept4(SOCKET listener, sockaddr*, int*, int) {
+  const SOCKET client = accept(listener, nullptr, nullptr);
+  SetHandleInformation(reinterpret_cast<HANDLE>(client), HANDLE_FLAG_INHERIT, 0);
+  return client;
 }
 #else
-using Socket = int;
-inline constexpr int no_signal = MSG_NOSIGNAL;
-inline Socket new_socket() {
-  return socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-}
-inline Socket next_client(Socket listener) {
-  return accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
-}
-inline void closesocket(Socket socket) {
+using SOCKET = int;
+inline void closesocket(SOCKET socket) {
   close(socket);
 }
 #endif
@@ -63,12 +49,12 @@ class ListingsService {
         getsockname(listener_, generic_, &size) != 0) {
       throw std::runtime_error("The listings service cannot listen");
     }
-    thread_ = std::thread(&ListingsService::serve, this);
+    thread_ = std::jthread([this](const std::stop_token& stop) { serve(stop); });
   }
   ~ListingsService() {
-    stopping_ = true;
-    const Socket last = new_socket();  // ends the wait for a client
-    if (connect(last, generic_, sizeof address_) != 0) std::abort();
+    thread_.request_stop();
+    const SOCKET last = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    connect(last, generic_, sizeof address_);  // ends the wait for a client
     thread_.join();
     closesocket(last);
     closesocket(listener_);
@@ -76,7 +62,7 @@ class ListingsService {
 
   int port() const { return ntohs(address_.sin_port); }
   std::string base() const { return "http://127.0.0.1:" + std::to_string(port()); }
-  /// Byte for byte, up to and including the blank line; each is kept before it is answered.
+  /// Byte for byte, up to and including the blank line; waits until an answer that has been started is sent.
   std::vector<std::string> requests() const {
     const std::lock_guard lock(mutex_);
     return requests_;
@@ -85,41 +71,39 @@ class ListingsService {
   void slow_down(std::chrono::milliseconds a_byte) { wait_ = a_byte; }
 
  private:
-  void serve() {
-    while (!stopping_) {
-      const Socket client = next_client(listener_);
-      if (!stopping_) converse(client);
+  void serve(const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+      const SOCKET client = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+      if (!stop.stop_requested()) converse(client);
       closesocket(client);
     }
   }
-  void converse(Socket client) {
+  void converse(SOCKET client) {
     std::string request;
     for (char bytes[4096]; !request.ends_with("\r\n\r\n");) {
       const auto size = recv(client, bytes, sizeof bytes, 0);
       if (size <= 0) return;
       request.append(bytes, static_cast<std::size_t>(size));
     }
-    std::unique_lock lock(mutex_);
+    const std::lock_guard lock(mutex_);
     requests_.push_back(request);
-    lock.unlock();
     const std::string answer = listings_answer(request, shows_);
     const std::chrono::milliseconds wait = wait_;
     const std::size_t step = wait.count() > 0 ? 1 : answer.size();
     for (std::size_t at = 0; at < answer.size(); at += step) {
       std::this_thread::sleep_for(wait);
-      if (send(client, answer.data() + at, static_cast<int>(step), no_signal) != static_cast<int>(step)) return;
+      if (send(client, answer.data() + at, static_cast<int>(step), MSG_NOSIGNAL) != static_cast<int>(step)) return;
     }
   }
 
   const std::filesystem::path shows_;
-  const Socket listener_ = new_socket();
+  const SOCKET listener_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   sockaddr_in address_{};
   sockaddr* const generic_ = reinterpret_cast<sockaddr*>(&address_);
   std::atomic<std::chrono::milliseconds> wait_{};
-  std::atomic<bool> stopping_ = false;
   mutable std::mutex mutex_;
   std::vector<std::string> requests_;
-  std::thread thread_;
+  std::jthread thread_;
 };
 
 }  // namespace quorvel::testing

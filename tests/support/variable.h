@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <optional>
 #include <string>
 
 namespace quorvel::testing {
@@ -12,16 +11,15 @@ void set_variable(const std::string& name, const std::string& value);
 /// A variable of the environment for the length of a test. Nothing here tells an empty one from a missing one.
 class Variable {
  public:
-  Variable(const std::string& name, const std::string& value) : name_(name), old_(get(name).value_or("")) {
+  Variable(const std::string& name, const std::string& value) : name_(name), old_(get(name)) {
     set_variable(name, value);
   }
   ~Variable() { set_variable(name_, old_); }
   Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
 
-  static std::optional<std::string> get(const std::string& name) {
+  static std::string get(const std::string& name) {
     const char* const value = std::getenv(name.c_str());
-    return value != nullptr && *value != '\0' ? std::optional<std::string>(value) : std::nullopt;
+    return value != nullptr ? value : "";
   }
 
  private:
