@@ -1,0 +1,44 @@
+#include "fault_world.h"
+#include "support/linux/unprivileged.h"
+
+namespace quorvel::testing {
+namespace {
+
+TEST(Links, AreFollowedOnceAndLoopsEnd) {
+  TestSession test;
+  test.start();
+  const TemporaryFolder& folder = test.folder;
+  for (const char* name : {"in/x.avi", "in/s/y.mkv", "in/s/\"quoted\"/q.avi", "elsewhere/e.avi"}) test.write(name, "x");
+  fs::create_directory_symlink(folder / "in", folder / "in/s/up");
+  fs::create_directory_symlink(folder.path(), folder / "in/top");
+  fs::create_directory_symlink("s", folder / "in/again");
+  fs::create_directory_symlink(folder / "elsewhere", folder / "in/there");
+  fs::create_symlink("nowhere.avi", folder / "in/dangling.avi");
+  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 4);
+  std::set<std::string> queued;
+  for (int i = 1; i <= test.session.queue.count(); ++i) queued.insert(test.item(i).path);
+  EXPECT_EQ(queued, (std::set<std::string>{folder / "in/x.avi", folder / "in/s/y.mkv", folder / "in/s/\"quoted\"/q.avi",
+                                           folder / "in/there/e.avi"}));
+}
+
+TEST(OtherUsers, FilesStayAsTheyAre) {
+  if (getuid() != 0) GTEST_SKIP() << "needs a second user";
+  const WorldFolders folders;
+  for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
+    World world = folders.world(action);
+    world.prepare();
+    const auto before = world.everything();
+    for (const auto& [path, bytes] : before) ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    FaultPlan plan;
+    {
+      const Unprivileged user;
+      world.run(plan);
+    }
+    world.settings(*system_files())->erase_all();  // the second user's own
+    EXPECT_GT(plan.calls, 40) << "the run reaches its end";
+    EXPECT_EQ(world.everything(), before);
+  }
+}
+
+}  // namespace
+}  // namespace quorvel::testing
