@@ -1,58 +1,46 @@
 #include <gtest/gtest.h>
 
+#include "fake_ports.h"
 #include "naming/episode_patterns.h"
 #include "naming/file_names.h"
 #include "naming/mask.h"
 #include "naming/service_names.h"
 #include "text/failure.h"
 
-namespace quorvel {
-
-void PrintTo(const Detection& found, std::ostream* out) {
-  *out << "{\"" << found.show << "\", " << found.season << ", " << found.episode << ", " << found.id << "}";
-}
-
+namespace quorvel::testing {
 namespace {
 
 TEST(EpisodePatterns, EachFindsShowSeasonAndEpisode) {
-  const std::pair<const char*, Detection> cases[] = {
-      {"the.show.s02e05.720p.mkv", {"the show", 2, 5, 1}},
-      {"the.show.205.hdtv.avi", {"the show", 2, 5, 2}},
-      {"the show - 12x03 - pilot.avi", {"the show", 12, 3, 3}},
-      {"the show - 2x03 - pilot.avi", {"the show", 2, 3, 4}},
-      {"show.1x012.avi", {"show", 1, 12, 6}},
-      {"show.12x34.avi", {"show", 12, 34, 5}},
-      {"show.2x34.avi", {"show", 2, 34, 6}},
-      {"show.s02.e34.avi", {"show", 2, 34, 7}},
-      {"show.s2e34.avi", {"show", 2, 34, 8}},
-      {"show.s02e4.avi", {"show", 2, 4, 9}},
-      {"show.s2e4.avi", {"show", 2, 4, 10}},
-      {"the show 2x34 x.avi", {"the show", 2, 34, 11}},
-      {"the show 12x34 x.avi", {"the show", 12, 34, 12}},
-      {"show.s02e05", {"show", 2, 5, 13}},
-      {"show_12x34.avi", {"show_", 12, 34, 14}},
-      {"the show 2x03.avi", {"the show", 2, 3, 15}},
-      {"show 02.34 x.avi", {"show", 2, 34, 16}},
-      {"movie 2010.avi", {"movie", 20, 10, 17}},
-      {"show 205 720p.avi", {"show", 2, 5, 18}},
-  };
-  for (const auto& [name, found] : cases) EXPECT_EQ(detect_in_file(name), found) << name;
-}
-
-TEST(EpisodePatterns, TheLastMarkerInANameWins) {
-  EXPECT_EQ(detect_in_file("a.s02e03.s02e04.avi"), (Detection{"a s02e03", 2, 4, 1}));
-  EXPECT_EQ(detect_in_file("a.2x02.3x03.avi"), (Detection{"a 2x02", 3, 3, 6}));
-}
-
-TEST(EpisodePatterns, AResolutionAloneIsNoEpisodeAndEndsTheSearch) {
-  EXPECT_EQ(detect_in_file("the show 1080p.mkv"), std::nullopt);
-  EXPECT_EQ(detect_in_file("the show 205 1080p.mkv"), std::nullopt);
-  EXPECT_EQ(detect_in_file("the show 720p.mkv"), std::nullopt);
-  EXPECT_EQ(detect_in_file("the show 1205 1080p.mkv"), (Detection{"the show", 12, 5, 17}));
+  const std::pair<const char*, std::optional<Detection>> cases[] = {
+      {"the.show.s02e05.720p.mkv", {{"the show", 2, 5, 1}}},
+      {"the.show.205.hdtv.avi", {{"the show", 2, 5, 2}}},
+      {"the show - 12x03 - pilot.avi", {{"the show", 12, 3, 3}}},
+      {"the show - 2x03 - pilot.avi", {{"the show", 2, 3, 4}}},
+      {"show.1x012.avi", {{"show", 1, 12, 6}}},
+      {"show.12x34.avi", {{"show", 12, 34, 5}}},
+      {"show.s02.e34.avi", {{"show", 2, 34, 7}}},
+      {"show.s2e34.avi", {{"show", 2, 34, 8}}},
+      {"show.s02e4.avi", {{"show", 2, 4, 9}}},
+      {"show.s2e4.avi", {{"show", 2, 4, 10}}},
+      {"the show 2x34 x.avi", {{"the show", 2, 34, 11}}},
+      {"the show 12x34 x.avi", {{"the show", 12, 34, 12}}},
+      {"show.s02e05", {{"show", 2, 5, 13}}},
+      {"show_12x34.avi", {{"show_", 12, 34, 14}}},
+      {"the show 2x03.avi", {{"the show", 2, 3, 15}}},
+      {"show 02.34 x.avi", {{"show", 2, 34, 16}}},
+      {"movie 2010.avi", {{"movie", 20, 10, 17}}},
+      {"show 205 720p.avi", {{"show", 2, 5, 18}}},
+      // The last marker in a name wins, a resolution alone is none and ends the search, and foreign bytes are kept.
+      {"caf\xE9.s02e03.s02e04.avi", {{"caf\xE9 s02e03", 2, 4, 1}}},
+      {"[group] 21 a.2x02.3x03.avi", {{"group 2 a 2x02", 3, 3, 6}}},
+      {"the show 205 1080p.mkv", {}},
+      {"the show 720p.mkv", {}},
+      {"the show 1205 1080p.mkv", {{"the show", 12, 5, 17}}}};
+  for (const auto& [name, found] : cases) EXPECT_TRUE(detect_in_file(name) == found) << name;
+  EXPECT_THROW(detect_in_file("a&#x;b.s02e05.avi"), Failure);
 }
 
 TEST(EpisodePatterns, FoldersAreReadMoreStrictly) {
-  EXPECT_EQ(detect_in_folder("the.show.s01e02.hdtv"), (Detection{"the show", 1, 2, 1}));
   EXPECT_EQ(detect_in_folder("film 1920x1080"), (Detection{"film 9", 20, 10, 14}));
   for (const char* name : {"show 103", "show s01e02", "show 01.02", "show 2010", ""}) {
     EXPECT_EQ(detect_in_folder(name), std::nullopt) << name;
@@ -62,22 +50,14 @@ TEST(EpisodePatterns, FoldersAreReadMoreStrictly) {
   EXPECT_THROW(parent_folder_name("a.avi", '/'), Failure);
 }
 
-TEST(EpisodePatterns, TheShowIsCleanedAndForeignBytesAreKept) {
-  EXPECT_EQ(detect_in_file("caf\xE9.s02e05.avi"), (Detection{"caf\xE9", 2, 5, 1}));
-  EXPECT_EQ(detect_in_file("[group] 21 show.s02e05.avi"), (Detection{"group 2 show", 2, 5, 1}));
-  EXPECT_THROW(detect_in_file("a&#x;b.s02e05.avi"), Failure);
-}
-
 TEST(FileNames, AreTakenApartAtTheLastSeparator) {
   EXPECT_EQ(getextension("Show.S01E02.MKV"), "mkv");
-  EXPECT_EQ(getextension("noext"), "noext");
   EXPECT_EQ(getextension("dot."), "");
   EXPECT_EQ(remextension("a.b.avi"), "a.b");
   EXPECT_EQ(remextension(".hidden"), "");
   EXPECT_THROW(remextension("noext"), Failure);
   EXPECT_EQ(getshowname("x/y/The Show"), "the show");
   EXPECT_EQ(getfname("C:\\tv\\a.avi", '\\'), "a.avi");
-  EXPECT_EQ(getfname("a.avi", '/'), "a.avi");
   EXPECT_EQ(getpath("C:\\tv\\show\\a.avi", 0, '\\'), "C:\\tv\\show\\");
   EXPECT_EQ(getpath("/tv/show/a.avi", 1, '/'), "/tv/");
   EXPECT_EQ(getpath("/a.avi", 0, '/'), "/");
@@ -88,24 +68,18 @@ TEST(FileNames, AreTakenApartAtTheLastSeparator) {
 TEST(Masks, ReplaceTheirTokensInOrder) {
   const MaskValues values{"Show", 1, 5, "Pilot"};
   EXPECT_EQ(expand_name("[show] - [s]x[ee] - [title].avi", values), "Show - 1x05 - Pilot.avi");
-  EXPECT_EQ(expand_name("[ss][e][S][x]", values), "015[S][x]");
-  EXPECT_EQ(expand_name("[s] [ss] [e] [ee]", {"", 0, 123, ""}), "0 00 123 123");
-  EXPECT_EQ(expand_name("[show]", {"[title]", 1, 1, "x"}), "x");
+  EXPECT_EQ(expand_name("[s] [ss] [e] [ee] [S] [show]", {"[title]", 0, 123, "x"}), "0 00 123 123 [S] x");
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
 }
 
 TEST(ServiceNames, MarksThatMisleadTheEyeAreTakenOut) {
-  struct Lines : Log {
-    std::string all;
-    void debug_log(std::string_view text, LogLevel) override { all += text; }
-  } log;
+  Lines log;
   // Without what is decoded badly, and with the lone marks of right-to-left scripts.
   for (const char* name : {"Ð\u009D - 1x01 - א\u200Fx.avi", "\u2029\u202F\u2065\u206A \u0080"}) {
     EXPECT_EQ(without_control_characters(name, log), name);
   }
-  EXPECT_EQ(log.all, "");
   EXPECT_EQ(without_control_characters("A\x1B[2J\x01\x1F\x7F\u202A\u202E\u2066\u2069b", log), "A[2Jb");
-  EXPECT_EQ(log.all, "Removed 8 control characters from the service's name \"A[2Jb\"");
+  EXPECT_EQ(log.list, std::vector<std::string>{"Removed 8 control characters from the service's name \"A[2Jb\""});
 }
 
 TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
@@ -118,7 +92,7 @@ TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
        {"Conan", "The Con", "com", "com12.avi", "lpt", "", "Agents of S.H.I.E.L.D.", "a..b", ".avi"}) {
     EXPECT_FALSE(name_trouble(name, '\\')) << name;
   }
-  EXPECT_TRUE(name_trouble("..", '/') && name_trouble(".", '\\'));
+  EXPECT_TRUE(name_trouble(".", '/'));
   const MaskValues values{"Con", 1, 2, ".."};
   EXPECT_EQ(mask_trouble("D:\\..\\[show]\\x", values, expand_folder, '\\'), "\"Con\" is the name of a device");
   EXPECT_EQ(mask_trouble("[show] - [title]", values, expand_name, '\\'), std::nullopt);
@@ -127,4 +101,4 @@ TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
 }
 
 }  // namespace
-}  // namespace quorvel
+}  // namespace quorvel::testing

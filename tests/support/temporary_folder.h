@@ -1,20 +1,18 @@
 #pragma once
 
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <random>
-#include <string>
 #include <thread>
+
+#include "file_tools.h"
 
 namespace quorvel::testing {
 /// A fresh folder, gone with all it holds when the test ends.
 class TemporaryFolder {
  public:
   explicit TemporaryFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
-    std::random_device random;
     do {
-      top_ = parent / ("quorvel-" + std::to_string(random()));
+      top_ = parent / ("quorvel-" + std::to_string(std::random_device()()));
     } while (!create_directory(top_));
     permissions(top_, std::filesystem::perms::owner_all);
     create_directory(top_ / "t");
@@ -29,22 +27,15 @@ class TemporaryFolder {
     while (remove_all(top_, failed), failed && std::chrono::steady_clock::now() < until) std::this_thread::yield();
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
-  std::string path() const { return text(top_ / "t"); }
+  std::string path() const { return text_of((top_ / "t").make_preferred()); }
   /// That no other folder has.
-  std::string name() const { return text(top_.filename()); }
+  std::string name() const { return text_of(top_.filename()); }
   /// With the system's separators.
   std::string operator/(const std::string& name) const {
-    std::string native = path() + "/" + name;
-    if (std::filesystem::path::preferred_separator == '\\') std::replace(native.begin(), native.end(), '/', '\\');
-    return native;
+    return text_of(path_of(path() + "/" + name).make_preferred());
   }
 
  private:
-  static std::string text(std::filesystem::path path) {
-    const std::u8string bytes = path.make_preferred().u8string();
-    return {bytes.begin(), bytes.end()};
-  }
-
   std::filesystem::path top_;
 };
 }  // namespace quorvel::testing

@@ -11,13 +11,12 @@
 namespace quorvel {
 namespace {
 
-TEST(Characters, EveryByteSurvivesDecodingValidOrNot) {
+TEST(Characters, AreCountedAndLoweredAndEveryByteSurvives) {
   for (const std::string text : {"abc", "é€😀", "\xE9t\xE9", "a\xC3", "\xED\xA0\x80", "\xC0\xAF", "\xF4\x90\x80\x80"}) {
     EXPECT_EQ(encode(decode(text)), text);
   }
-  EXPECT_EQ(length("é€😀"), 3u);
-  EXPECT_EQ(length("\xE9t\xE9"), 3u);
-  EXPECT_EQ(length("\xC0\xAF"), 2u);
+  EXPECT_EQ(lower_case("ÉTOILE Ж ΑΣ ABC\xC9"), "étoile ж ασ abc\xC9");
+  EXPECT_EQ(length("é€😀\xE9t\xC0\xAF"), 7u);
 }
 
 TEST(CodePage, EveryByteSurvivesAndOtherCharactersBecomeQuestionMarks) {
@@ -29,11 +28,6 @@ TEST(CodePage, EveryByteSurvivesAndOtherCharactersBecomeQuestionMarks) {
   EXPECT_EQ(to_code_page("aЖ日"), "a??");
   EXPECT_FALSE(fits_code_page("Ж"));
   EXPECT_EQ(to_code_page("caf\xE9"), "caf\xE9") << "a stray byte of a file name stands for itself";
-}
-
-TEST(LowerCase, KnowsOtherAlphabetsAndLeavesStrayBytes) {
-  EXPECT_EQ(lower_case("ÉTOILE Ж ΑΣ ABC"), "étoile ж ασ abc");
-  EXPECT_EQ(lower_case("A\xC9"), "a\xC9");
 }
 
 TEST(Numbers, AreWholeOrRefused) {
@@ -68,7 +62,6 @@ TEST(Wildcards, NeverTakeExponentialTime) {
 
 TEST(TextBetween, IsEmptyUnlessBothMarkersEncloseSomething) {
   EXPECT_EQ(textbetween("x<a>y<b>z", "<a>", "<b>"), "y");
-  EXPECT_EQ(textbetween("a,b", "a", ","), "");
   EXPECT_EQ(textbetween("a,b", "c", ","), "");
   EXPECT_EQ(textbetween("a,b", "a", ";"), "");
   EXPECT_EQ(textbetween("a,b", "a", ""), ",b");
@@ -77,12 +70,9 @@ TEST(TextBetween, IsEmptyUnlessBothMarkersEncloseSomething) {
 TEST(CleanTitle, MakesNamesThatFilesCanHave) {
   const struct {
     std::string text, name;
-  } cases[] = {{"Tom &amp; Jerry", "Tom & Jerry"},
-               {"a &amp;amp; b", "a & b"},
-               {"Who?", "Who"},
+  } cases[] = {{"a &amp;amp; b", "a & b"},
                {"&quot;Pilot&quot;", "Pilot"},
                {"Episode 11", "Episode"},
-               {"Part 1", "Part"},
                {"&pound;5&nbsp;x", "£5x"},
                {"a<BR>b<br>c<Br>d", "a b cBrd"},
                {"he said \\\"no\\\"", "he said  no"},
@@ -93,7 +83,7 @@ TEST(CleanTitle, MakesNamesThatFilesCanHave) {
                {"it&#39;s &#x92;", "it's ’"},
                {"&#x26;#x41;", "A"},
                {" \r\n1 x 1\t", "x"},
-               {"a/b:c[d]|e", "abcde"},
+               {"a/b:c[d]|e*f?g<h>i\"j", "abcdefghij"},
                {"111", ""}};
   for (const auto& c : cases) EXPECT_EQ(cleantitle(c.text), c.name) << c.text;
 }
