@@ -1,8 +1,6 @@
 #include "fault_world.h"
 
-#include <iomanip>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "listings_service.h"
@@ -13,14 +11,16 @@ namespace {
 constexpr const char* by_hand = "1\tTrue\t\tby hand\t\tx\tmine\t0\t1\r\n";
 
 struct Faults : ::testing::TestWithParam<int> {
+  /// What is done to a call that many after the chosen one; false makes it fail.
+  using Harm = std::function<bool(int later, const std::string& written)>;
+
   const WorldFolders folders;
   World world = folders.world(GetParam());
 
   ~Faults() override { world.settings(*system_files())->erase_all(); }
 
-  /// For each call that a run without a fault makes, or every few where processes are slow to start: a fresh world, in
-  /// which `each` runs the program.
-  void at_every_call(const std::function<void(const FaultPlan& clean, int at)>& each) {
+  /// For each call that a run without a fault makes, or every few where files are slow: a run in a fresh world.
+  void at_every_call(const Harm& harm, const std::function<void(FaultPlan& plan)>& check) {
     const int step = facts::windows ? 4 : 1;
     FaultPlan clean;
     world.prepare();
@@ -28,82 +28,48 @@ struct Faults : ::testing::TestWithParam<int> {
     ASSERT_TRUE(world.done);
     for (int at = 1 + GetParam() % step; at <= clean.calls && !HasFailure(); at += step) {
       SCOPED_TRACE("at call " + std::to_string(at) + " of " + std::to_string(clean.calls));
+      FaultPlan plan;
+      plan.works = [&](int call, const std::string& written) { return harm(call - at, written); };
       world.prepare();
-      each(clean, at);
+      world.run(plan);
+      check(plan);
     }
   }
 };
 
 INSTANTIATE_TEST_SUITE_P(Actions, Faults, ::testing::Values(Rename, MoveAndRename, CopyAndRename));
 
-TEST_P(Faults, AFailureAFullDiskOrAQuitAtAnyCallCostsNothing) {
-  for (const Fault fault : {Fault::Fail, Fault::Full, Fault::Outside}) {
-    at_every_call([&](const FaultPlan&, int at) {
-      FaultPlan plan{.fault = fault, .at = at, .outside = [&] { world.quit_requested = true; }};
-      world.run(plan);
-      world.expect_nothing_lost(plan);
-    });
-  }
-}
-
-const SecondProcess run_until_killed("run", [](const std::string& given) {
-  int action = 0, fault = 0, at = 0;
-  std::string here, home, there;
-  std::istringstream(given) >> action >> fault >> at >> std::quoted(here) >> std::quoted(home) >> std::quoted(there);
-  FaultPlan plan{.fault = static_cast<Fault>(fault), .at = at};
-  World{action, here, home, there}.run(plan);
-  return 0;
-});
-
-TEST_P(Faults, AKillAtAnyCallCostsNothing) {
-  for (const Fault fault : {Fault::KillBefore, Fault::KillAfter}) {
-    at_every_call([&](const FaultPlan& clean, int at) {
-      std::ostringstream given;
-      given << GetParam() << " " << static_cast<int>(fault) << " " << at << " " << std::quoted(world.here)
-            << std::quoted(world.home) << std::quoted(world.there);
-      EXPECT_EQ(ChildProcess(run_until_killed.start(given.str())).status(), ChildProcess::killed);
-      world.expect_nothing_lost(clean);
-    });
-  }
+TEST_P(Faults, AFailureAFullDiskAKillOrAQuitAtAnyCallCostsNothing) {
+  const Harm harms[] = {[](int later, const std::string&) { return later != 0; },
+                        [](int later, const std::string& written) { return later < 0 || written.empty(); },
+                        [](int later, const std::string&) { return later < 0; },  // files as a kill leaves them
+                        [&](int later, const std::string&) { return world.quit_requested |= later == 0, true; }};
+  for (const Harm& harm : harms) at_every_call(harm, [&](FaultPlan& plan) { world.expect_nothing_lost(plan); });
 }
 
 TEST_P(Faults, NothingThatOthersDoMeanwhileCostsAFile) {
   const std::string moved = world.target + "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
-  FaultPlan plan;
-  // The bytes that must still be somewhere afterwards, and what somebody does.
-  const std::pair<std::string, std::function<void()>> others[] = {{"", [&] { fs::remove(world.first); }},
-                                                                  {"grown",
-                                                                   [&] {
-                                                                     if (fs::exists(world.first))
-                                                                       std::ofstream(world.first, std::ios::app)
-                                                                           << "grown";
-                                                                   }},
-                                                                  {"replaced",
-                                                                   [&] {
-                                                                     write_file(world.in + "new", "replaced");
-                                                                     fs::rename(world.in + "new", world.first);
-                                                                   }},
-                                                                  {"in the way",
-                                                                   [&] {
-                                                                     if (!fs::exists(moved))
-                                                                       write_file(moved, "in the way");
-                                                                   }},
-                                                                  {"the first", [&] { fs::remove_all(world.work); }},
-                                                                  {by_hand, [&] {
-                                                                     // Between the last look at the file and its
-                                                                     // renaming nobody can be kept from writing.
-                                                                     if (!plan.last_write.ends_with("filters.dat"))
-                                                                       write_file(world.rules, by_hand);
-                                                                   }}};
-  for (const auto& [bytes, act] : others) {
-    at_every_call([&, bytes = bytes, act = act](const FaultPlan&, int at) {
-      bool acted = false;
-      plan = FaultPlan{.fault = Fault::Outside, .at = at, .outside = [&] {
-                         const auto before = world.everything();
-                         act();
-                         acted = before != world.everything();
-                       }};
-      world.run(plan);
+  // Each is named by the bytes that must still be somewhere afterwards.
+  const auto act = [&](const std::string& bytes, const std::string& written) {
+    if (bytes.empty()) fs::remove(world.first);
+    if (bytes == "grown" && fs::exists(world.first)) std::ofstream(world.first, std::ios::app) << bytes;
+    if (bytes == "replaced") write_file(world.in + "new", bytes), fs::rename(world.in + "new", world.first);
+    if (bytes == "in the way" && !fs::exists(moved)) write_file(moved, bytes);
+    if (bytes == "the first") fs::remove_all(world.work);
+    // Between the last look at the file and its renaming nobody can be kept from writing.
+    if (bytes == by_hand && !written.ends_with("filters.dat")) write_file(world.rules, bytes);
+  };
+  for (const std::string bytes : {"", "grown", "replaced", "in the way", "the first", by_hand}) {
+    bool acted = false;
+    const auto harm = [&](int later, const std::string& written) {
+      if (later == 0) {
+        const auto before = world.everything();
+        act(bytes, written);
+        acted = before != world.everything();
+      }
+      return true;
+    };
+    at_every_call(harm, [&](FaultPlan&) {
       std::string all;
       for (const auto& [path, held] : world.everything()) all += held + "\n";
       EXPECT_TRUE(!acted || all.find(bytes) != std::string::npos) << bytes << " is lost";
@@ -118,24 +84,21 @@ TEST(KilledProgram, LeavesEveryFileWholeUnderItsOldOrItsNewName) {
   const ListingsService service;
   const WorldFolders folders;
   const World world = folders.world(MoveAndRename);
-  const std::string data = data_folder_of(world.home), file = data + native::separator + "filters.dat";
   const std::string rule = "2\tTrue\t\t*\t" + world.target + "\t[title]\td\t0\t1\r\n";
   const std::string moved = world.target + "The Pilot Boat.mkv", big(6'000'000, 'q');
   const std::string path = world.in + "The.Harbour.Lights.S01E02.mkv";
   std::minstd_rand random(std::random_device{}());
   for (int round = 0; round < 60; ++round) {
     world.prepare();
-    fs::create_directories(data);
-    write_file(file, rule);
+    write_file(world.rules, rule);
     write_file(path, big);
-    ChildProcess program(
-        {.program = QUORVEL_CLI, .arguments = {path}, .environment = user_at(world.home, service.base())});
+    ChildProcess program({QUORVEL_CLI, {"-w" + world.work, path}, "", user_at(world.home.path(), service.base())});
     std::this_thread::sleep_for(std::chrono::microseconds(random() % 40'000));  // any instant will do
     program.kill();
     program.status();
     const bool before = contents(path) == big, after = contents(moved) == big;
     EXPECT_TRUE((before || after) && (after || !fs::exists(moved)) && (before || !fs::exists(path)));
-    EXPECT_EQ(contents(file), rule);
+    EXPECT_EQ(contents(world.rules), rule);
   }
 }
 
