@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,92 +22,62 @@ struct Start {
   std::string folder = {};                              // empty: the test's own
   std::map<std::string, std::string> environment = {};  // in place of the test's own variables of these names
   std::string out = {}, error = {};                     // files for its output, which otherwise is dropped
+  bool terminal = false;                                // it has one, in place of those and of an empty input
 };
 
-/// Killed with the test. Its standard input is empty.
+/// Killed with the test, or with the last copy of this.
 class ChildProcess {
  public:
-  static constexpr int killed = -1;
-
   /// Throws std::runtime_error when the program cannot be started.
   explicit ChildProcess(const Start& start);
-  ~ChildProcess();
-  ChildProcess(const ChildProcess&) = delete;
-  ChildProcess& operator=(const ChildProcess&) = delete;
 
-  void kill();
-  /// Waits for the end.
-  int status();
+  void kill() const;
+  /// Waits for the end; -1 after a kill.
+  int status() const;
 
- private:
-  struct System;
-  std::unique_ptr<System> system_;
-};
-
-/// A program at a terminal, with a user in front of it.
-class Conversation {
- public:
-  explicit Conversation(const Start& start);
-  ~Conversation();
-  Conversation(const Conversation&) = delete;
-  Conversation& operator=(const Conversation&) = delete;
-
-  /// Whether the terminal shows this before the program ends.
-  bool shows(const std::string& text);
-  /// "\n" is the key that ends a line, "\x03" the one that interrupts.
-  void type(const std::string& keys);
-  /// Waits for the end.
-  int status();
+  /// At a terminal: whether it shows this before the program ends.
+  bool shows(const std::string& text) const;
+  /// At a terminal: "\n" is the key that ends a line, "\x03" the one that interrupts.
+  void type(const std::string& keys) const;
 
  private:
   struct System;
-  std::unique_ptr<System> system_;
+  std::shared_ptr<System> system_;
 };
 
 /// The events of this thread and, where messages are sent to windows, one with this caption.
 class EventLoop {
  public:
   explicit EventLoop(const std::string& caption);
-  ~EventLoop();
-  EventLoop(const EventLoop&) = delete;
-  EventLoop& operator=(const EventLoop&) = delete;
 
   /// Handles what is pending.
   void process() const;
 
  private:
-  void* window_ = nullptr;
+  std::shared_ptr<void> window_;
 };
-
-/// Ends this process as a kill from outside does: nothing more is done.
-[[noreturn]] void kill_this_process();
 
 /// What a test has done in another process: this test program, started to do nothing else. The work makes nothing that
 /// is left behind when it is killed, and nothing that is not `given`.
 class SecondProcess {
  public:
   using Work = int (*)(const std::string& given);  // the process's exit status
-  SecondProcess(const std::string& name, Work work) : name_(name) { all()[name] = work; }
+  SecondProcess(const std::string& name, Work work) : mark_("--second-process=" + name + "=") { all_[mark_] = work; }
 
-  std::string argument(const std::string& given) const { return mark + name_ + "=" + given; }
+  std::string argument(const std::string& given) const { return mark_ + given; }
   Start start(const std::string& given) const { return {.program = program_file(), .arguments = {argument(given)}}; }
 
-  /// Whether the program was started for that; its `status` then.
-  static bool run(const std::vector<std::string>& arguments, int& status) {
-    if (arguments.empty() || !arguments[0].starts_with(mark)) return false;
-    const std::string rest = arguments[0].substr(mark.size());
-    const std::size_t end = rest.find('=');
-    status = all().at(rest.substr(0, end))(rest.substr(end + 1));
-    return true;
+  /// The exit status of the program if it was started for that.
+  static std::optional<int> run(const std::vector<std::string>& arguments) {
+    for (const auto& [mark, work] : all_) {
+      if (!arguments.empty() && arguments[0].starts_with(mark)) return work(arguments[0].substr(mark.size()));
+    }
+    return std::nullopt;
   }
 
  private:
-  static inline const std::string mark = "--second-process=";
-  static std::map<std::string, Work>& all() {
-    static std::map<std::string, Work> works;
-    return works;
-  }
-  const std::string name_;
+  static inline std::map<std::string, Work> all_;
+  const std::string mark_;
 };
 
 /// The variables that give the terminal program a home of its own there, and this listings service.

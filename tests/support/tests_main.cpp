@@ -3,8 +3,7 @@
 #include "child_process.h"
 
 int main(int argc, char** argv) {
-  int status = 0;
-  if (quorvel::testing::SecondProcess::run(quorvel::separate_arguments(argc, argv), status)) return status;
+  if (const auto status = quorvel::testing::SecondProcess::run(quorvel::separate_arguments(argc, argv))) return *status;
   ::testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
 }
