@@ -1,20 +1,86 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <regex>
 #include <thread>
 
 #include "child_process.h"
 #include "file_tools.h"
 #include "temporary_folder.h"
+#include "text/failure.h"
 
 namespace quorvel::testing {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::AllOf, ::testing::HasSubstr, ::testing::Not, ::testing::ThrowsMessage;
 
-void write(const std::string& path, const std::string& text) {
-  fs::create_directories(fs::path(path).parent_path());
-  write_file(path, text);
+struct LinuxDesktop : ::testing::Test {
+  const TemporaryFolder folder;
+  const std::unique_ptr<Files> files = system_files();
+
+  static void write(const std::string& path, const std::string& text) {
+    fs::create_directories(fs::path(path).parent_path());
+    write_file(path, text);
+  }
+  /// A program that writes its arguments to "out".
+  void write_program(const std::string& path) const {
+    write(path, "#!/bin/sh\nfor a; do printf '%s|' \"$a\"; done >'" + (folder / "out") + "'\n");
+    fs::permissions(path, fs::perms::owner_all);
+  }
+  /// What that has written, up to this end; it is not waited for by those who start it.
+  std::string written(const std::string& end) const {
+    while (!contents(folder / "out").ends_with(end)) std::this_thread::yield();
+    return contents(folder / "out");
+  }
+};
+
+TEST_F(LinuxDesktop, FoldersAndClockFollowTheEnvironment) {
+  const Variable home("HOME", folder.path()), locale("LC_ALL", "no_SUCH");
+  const std::string config = folder / "c/", data = folder / "d/e//";
+  for (const auto& [config_home, data_home, settings, data_folder] :
+       {std::tuple<std::string, std::string, const char*, const char*>(config, data, "c/Q/settings.ini", "d/e"),
+        {"relative", "", ".config/Q/settings.ini", ".local/share"}}) {
+    const Variable one("XDG_CONFIG_HOME", config_home), other("XDG_DATA_HOME", data_home);
+    EXPECT_EQ(application_data_folder(*files), folder / data_folder);
+    EXPECT_TRUE(fs::is_directory(folder / data_folder) && !fs::exists(folder / settings));
+    system_key_values(*files, "Q")->write_number("x", 1);
+    EXPECT_TRUE(fs::exists(folder / settings));
+  }
+  EXPECT_EQ(program_folder(), fs::read_symlink("/proc/self/exe").parent_path());
+  const auto day_in = [](const char* zone) {
+    const Variable time_zone("TZ", zone);
+    return std::chrono::sys_days(system_clock()->today());
+  };
+  EXPECT_GE(day_in("EAST-14"), day_in("WEST+12") + std::chrono::days(1));
+  EXPECT_TRUE(std::regex_match(system_clock()->time_of_day(), std::regex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]")));
+}
+
+TEST_F(LinuxDesktop, TheSettingsFileKeepsWhatElseStandsInItAndStaysWhenItCannotBeUnderstood) {
+  const std::string path = data_folder_of(folder.path()) + "/settings.ini";
+  const std::string foreign =
+      "# mine\n\n[Other]\nkey[de]=wert\n\n[Settings]\n# why\nlow=-1\nbig=4294967296\nword=12 x\nraw=\xff\n";
+  write(path, foreign);
+  const auto store = settings_of(*files, folder.path());
+  store->write_string("", "3.4");
+  for (const char* const name : {"a=b", "a\nb", "[x]", "#x", " x", "x "}) {
+    EXPECT_THROW(store->write_number(name, 1), Failure) << name;
+    EXPECT_EQ(store->read_number(name), std::nullopt);
+  }
+  EXPECT_THROW(store->write_string("types", "\xff"), Failure);
+  EXPECT_EQ(contents(path), foreign + "version=3.4\n");
+  EXPECT_EQ(store->read_number("low"), 0xFFFFFFFFu);
+  for (const char* const name : {"big", "word", ""}) EXPECT_EQ(store->read_number(name), std::nullopt) << name;
+  EXPECT_EQ(store->read_string("raw"), std::nullopt);
+
+  const std::string damaged("[Settings]\nlow=1\0\n", 18);
+  write(path, damaged);
+  const auto none = settings_of(*files, folder.path()), unwritable = settings_of(*files, path);
+  EXPECT_FALSE(!none->trouble() || unwritable->trouble() || none->read_number("low"));
+  EXPECT_THAT([&] { none->write_number("low", 2); }, ThrowsMessage<Failure>(AllOf(HasSubstr(path), HasSubstr("NUL"))));
+  EXPECT_THAT([&] { unwritable->write_number("low", 2); }, ThrowsMessage<Failure>(HasSubstr(path + "/Quorvel/")));
+  EXPECT_EQ(contents(path), damaged);
 }
 
 /// One menu entry, as a program started for it makes it: installed or removed.
@@ -25,53 +91,40 @@ void change(const std::string& data, const std::string& program, const std::stri
   add ? menu->install(extension) : menu->remove(extension);
 }
 
-class ProgramPath : public ::testing::TestWithParam<const char*> {};
-INSTANTIATE_TEST_SUITE_P(DesktopEntries, ProgramPath,
-                         ::testing::Values("plain", "it's \"my\" $HOME `x`\\n ü", "100%f a=b `\"\\"));
-
-TEST_P(ProgramPath, IsStartedByValidEntriesThatGoWithoutATrace) {
-  const TemporaryFolder folder;
-  const std::string program = folder / GetParam() + "/quorvel";
-  write(program, "#!/bin/sh\nfor a; do printf '%s|' \"$a\"; done >'" + (folder / "out") + "'\n");
-  fs::permissions(program, fs::perms::owner_all);
-  const std::string data = folder / "new/data", entry = data + "/applications/quorvel-open.desktop",
-                    menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
-  for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"}) {
-    change(data, program, extension);
+TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
+  for (const char* const name : {"it's \"my\" $HOME `x`\\n ü", "100%f a=b `\"\\"}) {
+    const std::string program = folder / name + "/quorvel", data = folder / "new/data",
+                      entry = data + "/applications/quorvel-open.desktop",
+                      menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
+    write_program(program);
+    for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"})
+      change(data, program, extension);
+    EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
+    for (const char* const type : {"video/x-matroska;", "video/x-msvideo;", "inode/directory;", "video/webm;"}) {
+      EXPECT_THAT(contents(menu), HasSubstr(type));
+    }
+    EXPECT_THAT(contents(menu) + contents(entry), Not(HasSubstr("octet-stream")));
+    EXPECT_THAT(contents(entry), Not(HasSubstr("MimeType")));  // or a double click might rename
+    EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
+    const std::string a = folder / "a b.mkv", c = folder / "c.mkv", both = "' '" + a + "' '" + c + "'";
+    for (const std::string& command : {"gio launch '" + entry + both, "'" + script + both}) {
+      fs::remove(folder / "out");
+      ASSERT_EQ(std::system(command.c_str()), 0);
+      EXPECT_EQ(written("c.mkv|"), a + "|" + c + "|");
+    }
+    for (const char* const extension : {"mkv", "no such type;\n", "DIR"}) change(data, program, extension, false);
+    EXPECT_THAT(contents(menu), HasSubstr("MimeType=video/x-msvideo;\n"));
+    change(data, folder / "moved away", "mp4");
+    change(data, folder / "moved away", "avi", false);
+    EXPECT_FALSE(fs::exists(folder / "new"));
   }
-  EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
-  for (const char* const type : {"video/x-matroska;", "video/x-msvideo;", "inode/directory;", "video/webm;"}) {
-    EXPECT_NE(contents(menu).find(type), std::string::npos) << type;
-  }
-  EXPECT_EQ(contents(menu).find("octet-stream"), std::string::npos);
-  EXPECT_EQ(contents(entry).find("MimeType"), std::string::npos);  // or a double click might rename
-  EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
-  const std::string out = folder / "out", a = folder / "a b.mkv", c = folder / "c.mkv";
-  write(a, "x");
-  write(c, "x");
-  for (const std::string& command :
-       {"gio launch '" + entry + "' '" + a + "' '" + c + "'", "'" + script + "' '" + a + "' '" + c + "'"}) {
-    fs::remove(out);
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    while (!contents(out).ends_with("c.mkv|")) std::this_thread::yield();  // the started program is not waited for
-    EXPECT_EQ(contents(out), a + "|" + c + "|");
-  }
-  const std::string moved = folder / "moved away";
-  change(data, moved, "mp4");
-  for (const char* const extension : {"mkv", "no such type;\n", "DIR"}) change(data, program, extension, false);
-  EXPECT_NE(contents(menu).find("MimeType=video/x-msvideo;\n"), std::string::npos);
-  change(data, moved, "avi", false);
-  EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
-TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
-  const TemporaryFolder folder;
+TEST_F(LinuxDesktop, EntriesOfOthersAndEditedOnesAreLeftAlone) {
   const std::string program = folder / "quorvel", entry = folder / "applications/quorvel-open.desktop",
                     menu = folder / "kio/servicemenus/quorvel.desktop", script = folder / "nautilus/scripts/Quorvel";
-  write(program, "");
-  write(entry, "[Desktop Entry]\n");
-  write(folder / "mine", "");
-  fs::create_directories(fs::path(script).parent_path());
+  for (const std::string& path : {program, entry, folder / "mine", script}) write(path, "");
+  fs::remove(script);
   fs::create_symlink(folder / "mine", script);
   change(folder.path(), program, "avi");
   const std::string ours = contents(menu);
@@ -85,62 +138,45 @@ TEST(DesktopEntries, LeaveFilesOfOthersAndEditedOnesAlone) {
   write(menu, ours);
   change(folder.path(), program, "avi", false);
   EXPECT_FALSE(fs::exists(folder / "kio"));
-  EXPECT_EQ(contents(entry), "[Desktop Entry]\n");
-  EXPECT_TRUE(fs::is_symlink(script) && contents(folder / "mine").empty());
+  EXPECT_TRUE(fs::is_symlink(script) && contents(script) + contents(entry) == "");
 }
 
 /// In a process of its own, for GLib looks at the environment only once.
-const SecondProcess install_entry("install entry", [](const std::string& folder) {
-  change(folder + "/data", folder + "/quorvel", "avi");
-  return 0;
+const SecondProcess open_target("open", [](const std::string& target) {
+  change(*Variable::get("XDG_DATA_HOME"), program_file(), "avi");
+  return system_launcher()->open(target) ? 0 : 1;
 });
 
-TEST(DesktopEntries, AreNotSeenAmongTheProgramsBesideAnInstalledOne) {
-  const TemporaryFolder folder;
-  write(folder / "quorvel", "");
-  const std::string installed = contents(QUORVEL_DESKTOP_ENTRY);
-  EXPECT_EQ(installed.find("MimeType"), std::string::npos);
-  write(folder / "system/applications/quorvel.desktop", installed);
-  Start start = install_entry.start(folder.path());
-  start.environment = {{"XDG_DATA_DIRS", folder / "system"}};
-  EXPECT_EQ(ChildProcess(start).status(), 0);
-  EXPECT_NE(contents(folder / "data/applications/quorvel-open.desktop").find("NoDisplay=true"), std::string::npos);
-}
-
-const SecondProcess open_target("open",
-                                [](const std::string& target) { return system_launcher()->open(target) ? 0 : 1; });
-
-TEST(Launcher, OpensAddressesAndDocumentsInTheDesktopsChoice) {
-  const TemporaryFolder folder;
-  const std::string recorder = folder / "recorder", out = folder / "out", page = folder / "help page.html";
-  write(recorder, "#!/bin/sh\necho \"$#\" \"$1\" >" + out + ".new\nmv " + out + ".new " + out + "\n");
-  fs::permissions(recorder, fs::perms::owner_all);
-  write(folder / "applications/r.desktop", "[Desktop Entry]\nType=Application\nName=r\nExec=" + recorder + " %u\n");
+TEST_F(LinuxDesktop, TheUsersChoiceOpensAddressesAndDocumentsAndAnInstalledEntryIsTheOneSeen) {
+  const std::string page = folder / "help page.html", address = "https://127.0.0.1/a?b=$(x)&c='d'";
+  const std::string installed = contents(QUORVEL_DESKTOP_ENTRY), home = folder.path();
+  EXPECT_THAT(installed, Not(HasSubstr("MimeType")));
+  write(folder / "applications/quorvel.desktop", installed);
+  write_program(folder / "recorder");
+  write(folder / "applications/r.desktop",
+        "[Desktop Entry]\nType=Application\nName=r\nExec=" + folder / "recorder" + " %u\n");
   write(folder / "mimeapps.list",
         "[Default Applications]\nx-scheme-handler/http=r.desktop\nx-scheme-handler/https=r.desktop\n"
         "x-scheme-handler/file=r.desktop\nx-scheme-handler/javascript=r.desktop\n"
         "text/html=r.desktop\ntext/plain=r.desktop\napplication/x-shellscript=r.desktop\n"
         "application/x-desktop=r.desktop\n");
   write(page, "x");
-  const std::string address = "https://127.0.0.1/a?b=$(x)&c='d'";
   const auto opened = [&](const std::string& target) {
     Start start = open_target.start(target);
-    for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_DATA_DIRS"}) {
-      start.environment[name] = folder.path();
-    }
+    start.environment = {{"XDG_DATA_HOME", home}, {"XDG_CONFIG_HOME", home}, {"XDG_DATA_DIRS", home}};
     return ChildProcess(start).status() == 0;
   };
   for (const auto& [target, shown] :
        {std::pair("\"" + address + "\"", address), {"HTTP://127.0.0.1/", "HTTP://127.0.0.1/"}, {page, page}}) {
     EXPECT_TRUE(opened(target)) << target;
-    while (!fs::exists(out)) std::this_thread::yield();
-    EXPECT_EQ(contents(out), "1 " + shown + "\n");
-    fs::remove(out);
+    EXPECT_EQ(written("|"), shown + "|");
+    fs::remove(folder / "out");
   }
-  // With something to open them.
-  for (const std::string& refused :
+  EXPECT_THAT(contents(folder / "applications/quorvel-open.desktop"), HasSubstr("NoDisplay=true"));
+  for (const std::string& refused :  // although there is something to open them with
        {"file://" + page, std::string("javascript:1"), std::string("https://"), std::string("http:///x"),
-        std::string("http://a\nb"), "\"\"" + address + "\"\"", recorder, folder / "applications/r.desktop"}) {
+        std::string("http://a\nb"), "\"\"" + address + "\"\"", folder / "recorder",
+        folder / "applications/r.desktop"}) {
     EXPECT_FALSE(opened(refused)) << refused;
   }
 }
