@@ -143,7 +143,7 @@ TEST_F(LinuxDesktop, EntriesOfOthersAndEditedOnesAreLeftAlone) {
 
 /// In a process of its own, for GLib looks at the environment only once.
 const SecondProcess open_target("open", [](const std::string& target) {
-  change(*Variable::get("XDG_DATA_HOME"), program_file(), "avi");
+  change(Variable::get("XDG_DATA_HOME"), program_file(), "avi");
   return system_launcher()->open(target) ? 0 : 1;
 });
 
