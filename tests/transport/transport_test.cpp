@@ -75,7 +75,7 @@ TEST_F(Http, ATransferTakesTheseStepsAndABarePathStaysWithTheHost) {
   const std::string to_b = "HTTP: Connecting to b...|events|";
   const std::string sent = "HTTP: Sending Request...|write|write|write|write|HTTP: Receiving data...|read 2048|";
   EXPECT_EQ(get({{"HTTP/1.1 301 Moved\r\nX: y\r\nno colon\r\nLOCATION:  https://b:82/c \r\n\r\n"},
-                 {"HTTP/1.1 303 Other\r\nLocation: /d\r\n\r\n"},
+                 {"HTTP/1.1 303 Other\r\nLocation: /d\r\nX: y\r\n\r\n"},
                  {"HTTP/1.1 200 OK\r\nContent-Length\r\nCONTENT-LENGTH: 9\r\n\r\nab", "\xE9"}},
                 "http://a:81/"),
             "abé");
