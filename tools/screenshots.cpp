@@ -137,17 +137,17 @@ TEST_F(Screenshots, Wizard) {
   prepare();
   on_dialog([this](wxDialog& wizard) {
     picture(wizard, "wizard-1");
-    press(wizard, "Next ");
-    find<wxRadioButton>(wizard, "Move & Rename").SetValue(true);
+    press(wizard, "&Next ");
+    find<wxRadioButton>(wizard, "&Move && Rename").SetValue(true);
     picture(wizard, "wizard-2");
-    press(wizard, "Next ");
-    set_text(wizard, "path", shown("/srv/media/TV/[show]/Season [s]"));
+    press(wizard, "&Next ");
+    set_text(wizard, "path", shown("/srv/media/TV/[show]/Season [s]").c_str());
     picture(wizard, "wizard-3");
-    press(wizard, "Next ");
+    press(wizard, "&Next ");
     picture(wizard, "wizard-4");
-    press(wizard, "Next ");
+    press(wizard, "&Next ");
     picture(wizard, "wizard-5");
-    press(wizard, "Finish");
+    press(wizard, "&Finish");
   });
   command(ui::mnuAddFilter);
 }

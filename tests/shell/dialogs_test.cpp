@@ -14,7 +14,6 @@ TEST(Dialogs, SayWhatBecameOfAnItem) {
       {QueueState::Cancelled, {"Filename: a.avi", "Status: Cancelled", "", "Desc: one\ntwo"}},
       {QueueState::Failed, {"Filename: a.avi", "Status: Failed", "", "Error: one\ntwo"}},
       {QueueState::Done, {"Filename: a.avi", "Status: Done", "New Name: B.avi", ""}},
-      {QueueState::Inactive, {}},
       {QueueState::Processing, {}}};
   for (const auto& [state, info] : infos) {
     item.state = state;
@@ -34,17 +33,16 @@ TEST(Dialogs, CutALineAfterWhatFitsAndBreakAMessagesLines) {
 TEST(Dialogs, AddExceptionsWithBothNamesAndRememberMessagesThatAreNotWanted) {
   TestSession at;
   at.start();
-  const auto add = [&](const char* detected, const char* name) {
-    return add_exception(at.session.exceptions, at.ui, detected, name);
-  };
-  EXPECT_EQ(add("", ""), NewException::NoDetectedName);
-  EXPECT_EQ(add("a", ""), NewException::NoNewName);
-  EXPECT_EQ(add("a\tb", "c"), NewException::NotSaved);
+  using N = NewException;
+  std::vector<N> added;
+  for (const auto& [from, to] : {std::pair("", ""), {"a", ""}, {"a\tb", "c"}, {"the office", "The Office"}}) {
+    added.push_back(add_exception(at.session.exceptions, at.ui, from, to));
+  }
+  EXPECT_EQ(added, (std::vector{N::NoDetectedName, N::NoNewName, N::NotSaved, N::Added}));
   EXPECT_EQ(at.ui.messages, (std::vector<std::string>{
                                 "Detected Name Required: Please enter a detected show name",
                                 "New Name Required: Please enter a new show name",
                                 "Unable to save exception: The exception could not be saved. The log says why."}));
-  EXPECT_EQ(add("the office", "The Office"), NewException::Added);
   EXPECT_EQ(at.read("data/Quorvel/man.dat"), "the office\tThe Office\r\n");
   EXPECT_EQ(at.ui.exceptions, (std::vector<ListRow>{{"F1", {"the office", "The Office"}}}));
 

@@ -5,7 +5,8 @@
 #include <wx/log.h>
 #include <wx/notebook.h>
 
-#include "naming/file_names.h"
+#include <algorithm>
+
 #include "ui/desktop.h"
 #include "ui/text.h"
 
@@ -33,7 +34,6 @@ TestWindow::TestWindow() {
   key_values.numbers["context"] = Settings::TurnedOff;  // the menu entries are left alone
   shell = system_file_operation(
       [this](std::uint64_t done, std::uint64_t total) {
-        ++progress_reports;
         on_progress();
         return frame->copy_progress(done, total);
       },
@@ -83,9 +83,9 @@ int TestWindow::Enter(wxDialog* dialog) {
   return wxID_NONE;
 }
 
-void TestWindow::on_dialog(const std::string& title, const std::string& button) {
+void TestWindow::on_dialog(const char* title, const char* button) {
   on_dialog([title, button](wxDialog& dialog) {
-    EXPECT_EQ(from_wx(dialog.GetTitle()), title);
+    EXPECT_EQ(dialog.GetTitle(), title);
     press(dialog, button);
   });
 }
@@ -97,12 +97,12 @@ void TestWindow::command(int id) {
 
 ui::RowList& TestWindow::list(std::size_t tab) const {
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(tab - 1);
-  return find<ui::RowList>(*frame, "ListView" + std::to_string(tab));
+  return find<ui::RowList>(*frame, ("ListView" + std::to_string(tab)).c_str());
 }
 
 std::string TestWindow::rows(std::size_t tab) const {
   wxTheApp->ProcessPendingEvents();
-  const auto& shown = find<wxListCtrl>(*frame, "ListView" + std::to_string(tab));
+  const auto& shown = find<wxListCtrl>(*frame, ("ListView" + std::to_string(tab)).c_str());
   std::string all;
   for (int row = 0; row < shown.GetItemCount(); ++row) {
     for (int column = 0; column < shown.GetColumnCount(); ++column) {
@@ -117,7 +117,8 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
   ui::RowList& over = list(tab);
   wxTheApp->ProcessPendingEvents();
   wxPoint at(40, over.GetClientSize().y - 8);
-  if (wxRect area; row > 0 && over.GetItemRect(row - 1, area)) at.y = area.y + area.height / 2;
+  if (wxRect area; row > 0 && row <= over.GetItemCount() && over.GetItemRect(row - 1, area))
+    at.y = area.y + area.height / 2;
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
   wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), over.ClientToScreen(at));
@@ -125,26 +126,8 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
   return *shown;
 }
 
-void TestWindow::in_the_pass(const std::function<void()>& action) {
-  wxTheApp->CallAfter([this, action] {
-    EXPECT_TRUE(session->processor.queue_busy());
-    action();
-  });
-}
-
 void TestWindow::wait_for_the_end() {
   wait_until([this] { return frame == nullptr; });
-}
-
-void TestWindow::rule(int action, const std::string& to) {
-  session->filters.at(1).action = action;
-  session->filters.at(1).path = with_separator(to);
-}
-
-void TestWindow::focus(const char* name) const {
-  wxWindow& window = find(*frame, name);
-  window.SetFocus();
-  wait_until([&] { return wxWindow::FindFocus() != nullptr && window.IsDescendant(wxWindow::FindFocus()); });
 }
 
 std::string TestWindow::file(const std::string& name, const std::string& bytes) const {
@@ -152,10 +135,8 @@ std::string TestWindow::file(const std::string& name, const std::string& bytes) 
   return folder / ("in/" + name);
 }
 
-int TestWindow::logged(const std::string& end) const {
-  int count = 0;
-  for (const wxString& line : find<wxListBox>(*frame, "List3").GetStrings()) count += line.EndsWith(to_wx(end)) ? 1 : 0;
-  return count;
+std::ptrdiff_t TestWindow::logged(const std::string& end) const {
+  return std::ranges::count_if(session->log.lines(), [&](const std::string& line) { return line.ends_with(end); });
 }
 
 void TestWindow::drop(const std::vector<std::string>& paths) const {
@@ -164,21 +145,7 @@ void TestWindow::drop(const std::vector<std::string>& paths) const {
   static_cast<wxFileDropTarget*>(frame->GetDropTarget())->OnDropFiles(1, 1, dropped);
 }
 
-wxWindow* find_below(const wxWindow& parent, const std::string& name) {
-  if (wxWindow* const found = wxWindow::FindWindowByName(to_wx(name), &parent)) return found;
-  for (wxWindow* const child : parent.GetChildren()) {
-    if (child->IsTopLevel()) continue;
-    if (from_wx(wxControl::RemoveMnemonics(child->GetLabel())) == name) return child;
-    if (wxWindow* const below = find_below(*child, name)) return below;
-  }
-  return nullptr;
-}
-
-std::string label(const wxWindow& parent, const std::string& name) {
-  return from_wx(find<wxControl>(parent, name).GetLabelText());
-}
-
-std::string text(const wxWindow& parent, const std::string& name) {
+std::string text(const wxWindow& parent, const char* name) {
   return from_wx(find<wxTextCtrl>(parent, name).GetValue());
 }
 
@@ -214,8 +181,8 @@ std::string shown(const wxWindow& parent) {
   return all;
 }
 
-void set_text(const wxWindow& parent, const std::string& name, const std::string& text) {
-  find<wxTextCtrl>(parent, name).SetValue(to_wx(text));
+void set_text(const wxWindow& parent, const char* name, const char* text) {
+  find<wxTextCtrl>(parent, name).SetValue(text);
 }
 
 void use(wxWindow& control, wxEventType event, int value) {
@@ -225,13 +192,14 @@ void use(wxWindow& control, wxEventType event, int value) {
   control.ProcessWindowEvent(used);
 }
 
-void press(const wxWindow& parent, const std::string& name) {
+void press(const wxWindow& parent, const char* name) {
   auto& button = find<wxButton>(parent, name);
-  if (!button.IsEnabled() || !button.IsShownOnScreen()) throw std::runtime_error(name + " cannot be pressed");
+  if (!button.IsEnabled() || !button.IsShownOnScreen())
+    throw std::runtime_error(std::string(name) + " cannot be pressed");
   use(button, wxEVT_BUTTON);
 }
 
-void tick(const wxWindow& parent, const std::string& name, bool on) {
+void tick(const wxWindow& parent, const char* name, bool on) {
   find<wxCheckBox>(parent, name).SetValue(on);
   use(find(parent, name), wxEVT_CHECKBOX, on ? 1 : 0);
 }

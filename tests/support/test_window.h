@@ -29,35 +29,28 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   /// a failure.
   void on_dialog(std::function<void(wxDialog&)> drive) { drives_.push_back(std::move(drive)); }
   /// The dialog is to have this title, and is closed by this button.
-  void on_dialog(const std::string& title, const std::string& button);
+  void on_dialog(const char* title, const char* button);
   bool all_dialogs_came() const { return drives_.empty(); }
 
   void command(int id);
   /// All that was dropped goes through a pass, at once.
   void run_pass() { command(ui::mnuRetry); }
-  /// Runs while the pass that is started next lets events run.
-  void in_the_pass(const std::function<void()>& action);
   /// Shows a tab, counted from 1, and gives its list, `ListViewN`.
   ui::RowList& list(std::size_t tab) const;
   /// The cells of all its rows, "|" between them and ";" after each row.
   std::string rows(std::size_t tab) const;
   /// The entries of the menu that a right click on a row of the list brings up, or one on the empty area for row 0.
   std::string menu_over(std::size_t tab, int row);
-  /// Gives the keyboard to a control.
-  void focus(const char* name) const;
   void drop(const std::vector<std::string>& paths) const;
   /// Makes a file below "in"; its path.
   std::string file(const std::string& name, const std::string& bytes = "x") const;
-  /// The first rule is to copy or move below that folder.
-  void rule(int action, const std::string& to);
   bool is_done(int item) const { return session->queue.at(item).state == QueueState::Done; }
   /// How many lines of the log end so.
-  int logged(const std::string& end) const;
+  std::ptrdiff_t logged(const std::string& end) const;
 
   FakeChannel channel{events};
   FakeLauncher launcher{events};
   ui::MainFrame* frame = nullptr;  // null when it has gone
-  int progress_reports = 0;
   std::function<void()> on_progress = [] {};
   std::optional<Session> session;
   std::optional<Startup> startup;
@@ -70,30 +63,25 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   wxDialog* entered_ = nullptr;
 };
 
-/// The control below `parent` that has this name or, without mnemonics, this label.
+/// The control below `parent` that has this name or this label, as the source has it.
 template <typename T = wxWindow>
-T& find(const wxWindow& parent, const std::string& name);
-std::string label(const wxWindow& parent, const std::string& name);
-std::string text(const wxWindow& parent, const std::string& name);
+T& find(const wxWindow& parent, const char* name) {
+  T* const found = dynamic_cast<T*>(wxWindow::FindWindowByName(name, &parent));
+  if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
+  return *found;
+}
+std::string text(const wxWindow& parent, const char* name);
 /// All that is seen in a window: a dialog's title, the labels, "[text]", "<choice>", "x" or "o" before what can be
 /// ticked, "-" before what is disabled, and the titles of a list's columns; "|" after each.
 std::string shown(const wxWindow& parent);
-void set_text(const wxWindow& parent, const std::string& name, const std::string& text);
-void press(const wxWindow& parent, const std::string& button);
-void tick(const wxWindow& parent, const std::string& box, bool on = true);
+void set_text(const wxWindow& parent, const char* name, const char* text);
+void press(const wxWindow& parent, const char* button);
+void tick(const wxWindow& parent, const char* box, bool on = true);
 /// As if the user had used the control: sends it this event, with the value that it has then.
 void use(wxWindow& control, wxEventType event, int value = 0);
 void type(const wxWindow& dialog, int key, bool control);
 std::string captions(const wxMenu& menu);
 /// Closes a dialog by its "Cancel", the system's own ones too.
 void cancel(wxDialog& dialog);
-
-wxWindow* find_below(const wxWindow& parent, const std::string& name);
-template <typename T>
-T& find(const wxWindow& parent, const std::string& name) {
-  T* const found = dynamic_cast<T*>(find_below(parent, name));
-  if (found == nullptr) throw std::runtime_error("no control " + name);
-  return *found;
-}
 
 }  // namespace quorvel::testing

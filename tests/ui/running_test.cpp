@@ -1,6 +1,7 @@
 // What may happen while a pass runs or a dialog is open, and what real keys and the mouse do.
 #include <wx/uiaction.h>
 
+#include "naming/file_names.h"
 #include "shell/commands.h"
 #include "test_window.h"
 #include "ui/text.h"
@@ -10,40 +11,38 @@ namespace quorvel::testing {
 class Running : public TestWindow {
  protected:
   const std::string name = "harbour.lights.s01e01.avi", new_name = "The Harbour Lights - 1x01 - Slack Water.avi";
+  /// Done to a dialog: the message of the updater.
+  const std::function<void(wxDialog&)> end_the_program = [this](wxDialog&) { channel.handle("QV|UD|"); };
 
-  /// The message of the updater.
-  void tell_to_end() { channel.handle("QV|UD|"); }
   void start_with(const std::string& bytes, int action = Rename, const std::string& to = "") {
     start();
-    rule(action, to);
+    session->filters.at(1).action = action;
+    session->filters.at(1).path = with_separator(to);
     drop({file(name, bytes)});
   }
 };
 
 TEST_F(Running, ThePassAndItsDialogsEndWithTheProgramAndNothingElseIsTouched) {
-  const std::function<void()> ends[] = {[this] {
-                                          in_the_pass([this] {
-                                            frame->Close();
-                                            EXPECT_EQ(logged("Got quit signal, finishing up..."), 1);
-                                          });
-                                        },
-                                        [this] {
-                                          on_dialog([this](wxDialog& dialog) {
-                                            on_dialog([this](wxDialog&) { tell_to_end(); });
-                                            set_text(dialog, "txtTypes", "a");
-                                            press(dialog, "OK");  // and a message over the dialog
-                                          });
-                                          in_the_pass([this] { command(ui::mnuPrefs); });
-                                        },
-                                        [this] {
-                                          session->settings.confirm = true;
-                                          session->queue.at(1).confirmed = true;  // as after an earlier try
-                                          on_dialog([this](wxDialog&) { tell_to_end(); });
-                                        }};
-  for (const auto& end : ends) {
+  for (const int opened : {ui::mnuExit, ui::mnuPrefs, ui::mnuRetry}) {
     start_with("x");
     drop({file("harbour.lights.s01e02.avi")});
-    end();
+    if (opened == ui::mnuPrefs) {
+      on_dialog([this](wxDialog& dialog) {
+        on_dialog(end_the_program);
+        set_text(dialog, "txtTypes", "a");
+        press(dialog, "OK");  // and a message over the dialog
+      });
+    }
+    if (opened == ui::mnuRetry) {
+      session->settings.confirm = true;
+      session->queue.at(1).confirmed = true;  // as after an earlier try
+      on_dialog(end_the_program);
+    } else {
+      wxTheApp->CallAfter([this, opened] {
+        EXPECT_TRUE(session->processor.queue_busy());
+        command(opened);
+      });
+    }
     run_pass();
     wait_for_the_end();
     EXPECT_TRUE(exists("in/" + name) && exists("in/harbour.lights.s01e02.avi"));
@@ -85,10 +84,11 @@ TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) 
   const std::string large(1 << 22, 'x');
   for (const bool session_ends : {false, true}) {
     start_with(large, CopyAndRename, folder / "out");
+    int reports = 0;
     on_progress = [&] {
+      if (++reports > 1) return;
       wxCloseEvent query(wxEVT_QUERY_END_SESSION), end(wxEVT_END_SESSION);
       query.SetCanVeto(true);
-      if (progress_reports > 1) return;
       frame->copy_progress(42, 100);
       EXPECT_EQ(rows(1), "harbour.lights.s01e01|The Harbour Lights - 1x01 - Slack Water|Copying 42%;");
       if (!session_ends) return void(frame->Close());
@@ -98,7 +98,7 @@ TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) 
     };
     run_pass();
     wait_for_the_end();
-    EXPECT_GT(std::exchange(progress_reports, 0), 0);
+    EXPECT_GT(reports, 0);
     EXPECT_TRUE(read("in/" + name) == large);
     EXPECT_TRUE(session_ends ? everything_in(folder / "out").empty() : read("out/" + new_name) == large);
     std::filesystem::remove(path_of(folder / ("out/" + new_name)));
@@ -108,10 +108,10 @@ TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) 
 TEST_F(Running, AnExistingFileIsReplacedOnlyOnTheUsersWord) {
   start_with("new", MoveAndRename, folder / "out");
   write("out/" + new_name, "old");
-  on_dialog("Confirm File Replace", "Keep");
+  on_dialog("Confirm File Replace", "&Keep");
   run_pass();
   EXPECT_EQ(session->queue.at(1).state, QueueState::Failed);
-  on_dialog([this](wxDialog&) { tell_to_end(); });
+  on_dialog(end_the_program);
   run_pass();
   wait_for_the_end();
   EXPECT_EQ(read("in/" + name) + read("out/" + new_name), "newold");
@@ -143,7 +143,7 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   look();
   command(ui::mnuShow), look();
   wait_until([&] { return !frame->IsActive(); });
-  frame->life().toggle_from_tray(), look();
+  frame->life().toggle_from_tray();
   wait_until([&] { return frame->IsActive(); });  // the toolkit loses count of a window that goes before it has come
   on_dialog([&](wxDialog& dialog) {
     frame->life().toggle_from_tray(), look();
@@ -151,7 +151,7 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   });
   command(ui::mnuAbout);
   frame->minimise(), look();
-  EXPECT_EQ(seen, "Hide|-|Exit shown, Show|-|Exit hidden, Hide|-|Exit shown, none shown, Show|-|Exit hidden, ");
+  EXPECT_EQ(seen, "Hide|-|Exit shown, Show|-|Exit hidden, none shown, Show|-|Exit hidden, ");
   tray = false;
   wait_until([&] { return frame->IsShown() && frame->IsIconized(); });
 }
@@ -168,12 +168,16 @@ static void key(int code, int modifiers = 0) {
   wxUIActionSimulator().Char(code, modifiers);
 }
 
-TEST_F(TestWindow, RulesAreEditedAndRemovedByKey) {
+TEST_F(TestWindow, ListsAnswerKeysAndTheRightButton) {
   start();
+  const auto focus = [](wxWindow& window) {
+    window.SetFocus();
+    wait_until([&] { return wxWindow::FindFocus() != nullptr && window.IsDescendant(wxWindow::FindFocus()); });
+  };
   session->filters.store(0, session->filters.at(1));
   list(2).select(1);
   for (const int code : {static_cast<int>(WXK_F2), static_cast<int>(WXK_RETURN)}) {
-    focus("ListView2");
+    focus(list(2));
     on_dialog([&](wxDialog& wizard) {
       EXPECT_EQ(wizard.GetTitle(), "Edit Filter Wizard");
       wait_until([&] { return wizard.IsActive(); });
@@ -182,20 +186,17 @@ TEST_F(TestWindow, RulesAreEditedAndRemovedByKey) {
     key(code);
     wait_until([&] { return all_dialogs_came() && !frame->stack().has_dialog() && frame->IsActive(); });
   }
-  focus("ListView2");
+  focus(list(2));
   key(WXK_DELETE);
   wait_until([&] { return session->filters.count() == 1; });
-}
 
-TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
-  start();
   drop({file("nothing.avi"), file("harbour.lights.s01e01.avi")});
   run_pass();
   int shown = 0;
   frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) {
     shown = menu.IsEnabled(ui::mnuUndo) ? 2 : 1;
   };
-  focus("ListView1");
+  focus(list(1));
   key(menu_key, menu_key_with);
   wait_until([&] { return shown == 2; });
   wxRect area;
@@ -204,18 +205,15 @@ TEST_F(TestWindow, MenusOpenByKeyAndByTheRightButton) {
   mouse.MouseMove(list(1).ClientToScreen(wxPoint(40, area.y + area.height / 2)));
   mouse.MouseClick(wxMOUSE_BTN_RIGHT);
   wait_until([&] { return shown == 1; });
-  on_dialog([](wxDialog& dialog) { cancel(dialog); });
-  key('O', wxMOD_CONTROL);
-  wait_until([&] { return all_dialogs_came(); });
 }
 
-TEST_F(TestWindow, KeysWorkInDialogsToo) {
+TEST_F(TestWindow, KeysWorkInMenusAndDialogs) {
   const std::string help = help_file({folder / "data", folder / "program", {}, {}});
-  std::filesystem::create_directories(path_of(help).parent_path());
-  write_file(help, "x");
+  make(help);
   start();
-  key(WXK_F1);
-  wait_until([&] { return events.list.size() == 1; });
+  on_dialog([](wxDialog& dialog) { cancel(dialog); });
+  key('O', wxMOD_CONTROL);
+  wait_until([&] { return all_dialogs_came() && !frame->stack().has_dialog(); });
   std::string order;
   on_dialog([&](wxDialog& dialog) {
     wait_until([&] { return dialog.IsActive() && wxWindow::FindFocus() != nullptr; });
@@ -228,12 +226,12 @@ TEST_F(TestWindow, KeysWorkInDialogsToo) {
     key('U', wxMOD_ALT);
     wait_until([&] { return find<wxCheckBox>(dialog, "Check4").GetValue(); });
     key(WXK_F1);
-    wait_until([&] { return events.list.size() == 2; });
+    wait_until([&] { return !events.list.empty(); });
     key(WXK_ESCAPE);
   });
   command(ui::mnuPrefs);
   EXPECT_EQ(order, "Close whe|Verbose L|Confirm F|Disable C|Disable U|Add To Co||OK|Cancel|");
-  EXPECT_EQ(happened(), std::vector<std::string>(2, "open " + help));
+  EXPECT_EQ(happened(), std::vector<std::string>{"open " + help});
 }
 
 }  // namespace quorvel::testing
