@@ -25,10 +25,10 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
     int action;
     char go;
     const char* path;
-  } moves[] = {{Rename, '>', ""},          {Rename, '>', ""},          {Rename, '<', ""},
-               {MoveAndRename, '>', ""},   {MoveAndRename, '>', ""},   {MoveAndRename, '>', "D:"},
-               {CopyAndRename, '<', ""},   {CopyAndRename, '>', ""},   {CopyAndRename, '>', "/tv"},
-               {CopyAndRename, '<', "D:"}, {CopyAndRename, '>', "/tv"}};
+  } moves[] = {{Rename, '>', ""},          {Rename, '>', ""},           {Rename, '<', ""},
+               {MoveAndRename, '>', ""},   {MoveAndRename, '>', "D:"},  {CopyAndRename, '<', ""},
+               {CopyAndRename, '>', ""},   {CopyAndRename, '>', "/tv"}, {CopyAndRename, '<', "D:"},
+               {CopyAndRename, '>', "/tv"}};
   for (const auto& [action, go, path] : moves) {
     wizard.form.action = action, wizard.form.path = path;
     if (!(go == '>' ? wizard.next() : wizard.back())) seen += ui.messages.back() + " ";
@@ -45,8 +45,7 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
   EXPECT_EQ(
       seen + shown(),
       "Add Filter Wizard: Step 1 - Filter Conditions|Specify the critera of this filter|\n" + options + "Step 3" +
-          name + options + move + refused + move + refused + move + options + copy + "Step 4" + name + copy + "Step 4" +
-          name +
+          name + options + move + refused + move + options + copy + "Step 4" + name + copy + "Step 4" + name +
           "Filter Added|You have successfully added a filter|The following filter has been successfully added:\n");
   EXPECT_EQ(stored(),
             "1\tTrue\t\t*\t\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n"
@@ -57,15 +56,26 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
 }
 
 TEST_F(RuleWizardTest, EditsARuleAndKeepsWhatItDoesNotShow) {
-  session.filters.at(1).path = "/old/";
-  wizard.setID(1);
+  AFilter& rule = session.filters.at(1);
+  const auto form = [&](const char* name, int name_condition, const char* type, int type_condition) {
+    rule.showName = name, rule.showNameCondition = name_condition;
+    rule.fileType = type, rule.fileTypeCondition = type_condition;
+    wizard.setID(1);
+    return wizard.form;
+  };
+  rule.path = "/old/", rule.mask = "m";
+  EXPECT_EQ(form("lost", 2, "mkv", 1), (RuleForm{RuleForm::ShowName, false, "lost", Rename, "/old/", "m"}));
+  EXPECT_EQ(form("", 0, "mkv", 7), (RuleForm{RuleForm::FileType, false, "mkv", Rename, "/old/", "m"}));
+  rule.description = "File Type Equals mkv", rule.action = CopyAndRename;
+  EXPECT_EQ(form("lost", 2, "mkv", 1), (RuleForm{RuleForm::FileType, true, "mkv", CopyAndRename, "/old/", "m"}));
+  rule.action = 9;
+  EXPECT_EQ(form("", 0, "", 0), (RuleForm{RuleForm::ShowName, true, "", Rename, "/old/", "m"}));
   EXPECT_STREQ(wizard.title(), "Edit Filter Wizard");
-  EXPECT_EQ(wizard.form, (RuleForm{0, true, "*", Rename, "/old/", "[show] - [s]x[ee] - [title]"}));
   wizard.form = {RuleForm::FileType, false, "AVI", Rename, "/old/", "[title]"};
   wizard.showstep(RuleWizard::Summary);
   EXPECT_EQ(shown(),
             "Filter Edited|You have successfully edited a filter|The following filter has been successfully edited:\n");
-  EXPECT_EQ(stored(), "1\tTrue\tavi\t*\t\t[title]\tFile Type Doesn't Equal AVI\t2\t1\r\n");
+  EXPECT_EQ(stored(), "1\tTrue\tavi\t\t\t[title]\tFile Type Doesn't Equal AVI\t2\t0\r\n");
   EXPECT_EQ(wizard.rule().description, "File Type Doesn't Equal AVI");
   wizard.setID(1);
   wizard.form.mask = "a\tb";  // which the file cannot hold
@@ -74,21 +84,6 @@ TEST_F(RuleWizardTest, EditsARuleAndKeepsWhatItDoesNotShow) {
   EXPECT_EQ(session.filters.at(1).mask + ui.filters[0].cells[2], "[title][title]");
   wizard.setID(2);  // no such rule
   EXPECT_EQ(wizard.form, RuleForm());
-}
-
-TEST(RuleForm, ShowsTheConditionThatTheDescriptionNames) {
-  using F = RuleForm;
-  AFilter both;
-  both.description = "File Type Equals mkv", both.action = CopyAndRename, both.path = "/tv/", both.mask = "m";
-  both.showName = "lost", both.showNameCondition = 2, both.fileType = "mkv", both.fileTypeCondition = 1;
-  AFilter by_name = both, only_type = both, other = both;
-  by_name.description = "Show Name Doesn't Equal lost";
-  only_type.showName = "", only_type.description = "x", only_type.fileTypeCondition = 7;
-  other.showName = other.fileType = "", other.action = 9, other.showNameCondition = 0;
-  EXPECT_EQ(rule_form(both), (F{F::FileType, true, "mkv", CopyAndRename, "/tv/", "m"}));
-  EXPECT_EQ(rule_form(by_name), (F{F::ShowName, false, "lost", CopyAndRename, "/tv/", "m"}));
-  EXPECT_EQ(rule_form(only_type), (F{F::FileType, false, "mkv", CopyAndRename, "/tv/", "m"}));
-  EXPECT_EQ(rule_form(other), (F{F::ShowName, true, "", Rename, "/tv/", "m"}));
 }
 
 }  // namespace

@@ -19,16 +19,10 @@ struct Rules : ::testing::Test, TestSession {
 constexpr const char* mkv_line = "2\tTrue\tmkv\t\t/tv/\t[show]\tFile Type Equals mkv\t1\t0\r\n";
 constexpr const char* any_line = "1\tTrue\t\t*\t\t[title]\tShow Name Equals Anything\t0\t1\r\n";
 
-TEST_F(Rules, WithoutAFileThereIsTheDefaultRuleAndItIsNotWritten) {
-  ASSERT_EQ(filters.count(), 1);
+TEST_F(Rules, ThereIsADefaultRuleAndTheFirstOfWhichEitherConditionFitsIsTaken) {
   EXPECT_EQ(ui.filters,
             (std::vector<ListRow>{{"F1", {"Show Name Equals Anything", "Rename", "[show] - [s]x[ee] - [title]", ""}}}));
-  EXPECT_EQ(filters.first_fitting("avi", ""), 1);
   EXPECT_FALSE(exists("data/Quorvel/filters.dat"));
-  EXPECT_EQ(exceptions.count(), 0);
-}
-
-TEST_F(Rules, TheFirstRuleOfWhichEitherConditionFitsIsTaken) {
   const struct {
     const char *type, *name;
     int type_condition, name_condition;
@@ -56,9 +50,6 @@ TEST_F(Rules, LoadingStopsAtABadLineAndSaysWhich) {
   EXPECT_TRUE(logged("Error loading afilters: line 2 of filters.dat has 2 of 9 fields"));
   EXPECT_EQ(filters.count(), 3) << "what follows the last line end is no rule";
   EXPECT_EQ(filters.at(1).path, "/tv/");
-  EXPECT_EQ(filters.first_fitting("avi", "x"), std::nullopt);
-  load_filters("x\tTrue\t\t\t\t\t\t0\t0\r\n");
-  EXPECT_TRUE(logged("Error loading afilters: line 1 of filters.dat: \"x\" is not a whole number of 32 bits"));
   write("data/Quorvel/man.dat", "no tab\r\n");
   EXPECT_FALSE(exceptions.loadefilters());
   EXPECT_TRUE(logged("Error loading efilters: line 1 of man.dat has 1 of 2 fields"));

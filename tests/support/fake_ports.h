@@ -67,9 +67,14 @@ struct FakeUi : UserInterface {
   void close() override { events.add("close"), ++closed; }
 };
 
-struct FakeWindow : MainWindow {
-  explicit FakeWindow(Events& events) : events(events) {}
+/// All that the desktop does for the program: its window, its tray, menu entries, other programs and other copies.
+struct FakeDesktop : MainWindow, InstanceChannel, ContextMenu, Launcher {
+  explicit FakeDesktop(Events& events) : events(events) {}
   Events& events;
+  int others = 0;  // how often another copy is found running
+  bool launches = true;
+  std::function<void(const std::string&)> handle;
+
   void open(const std::string& caption, bool visible) override {
     events.add((visible ? "open " : "open hidden ") + caption);
   }
@@ -79,42 +84,21 @@ struct FakeWindow : MainWindow {
   void minimise() override { events.add("minimise"); }
   void accept_tray_clicks() override { events.add("clicks"); }
   void unload() override { events.add("unload"); }
-};
 
-/// `others` answers, one by one, whether another copy is running; afterwards none is.
-struct FakeChannel : InstanceChannel {
-  explicit FakeChannel(Events& events) : events(events) {}
-  Events& events;
-  std::vector<bool> others;
-  std::function<void(const std::string&)> handle;
-  bool become_running_copy() override {
-    if (others.empty()) return true;
-    const bool other = others.front();
-    others.erase(others.begin());
-    return !other;
-  }
+  bool become_running_copy() override { return others-- <= 0; }
   void send(const std::string& text) override { events.add("send " + text); }
   void receive(std::function<void(const std::string&)> handler) override {
     events.add("receive");
     handle = std::move(handler);
   }
   void stop() override { events.add("stop"); }
-};
 
-struct FakeMenu : ContextMenu {
-  explicit FakeMenu(Events& events) : events(events) {}
-  Events& events;
   void install(const std::string& extension) override { events.add("install " + extension); }
   void remove(const std::string& extension) override { events.add("remove " + extension); }
-};
 
-struct FakeLauncher : Launcher {
-  explicit FakeLauncher(Events& events) : events(events) {}
-  Events& events;
-  bool works = true;
-  bool open(const std::string& target) override { return events.add("open " + target), works; }
+  bool open(const std::string& target) override { return events.add("open " + target), launches; }
   bool start(const std::string& program, const std::string& argument) override {
-    return events.add(program + "|" + argument), works;
+    return events.add(program + "|" + argument), launches;
   }
 };
 

@@ -22,13 +22,13 @@ struct TestPorts {
   FakeKeyValues key_values;
   std::unique_ptr<Files> files = system_files();
   std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
-  FakeMenu menu{events};
+  FakeDesktop desktop{events};
   FakeListings service;
 
   TestPorts() {
     for (const char* const name : {"data", "in", "program"}) files->create_folder(folder / name);
   }
-  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, ui, clock, &menu}; }
+  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, ui, clock, &desktop}; }
   Places places() const { return {folder / "data", folder / "program", {}, service.base()}; }
 
   /// Makes a file, and the folders that it lacks.
@@ -76,9 +76,7 @@ struct TestSession : TestPorts {
 
 /// One copy of the desktop program without its window: the log and all that is asked of the ports are events.
 struct ProgramCopy : TestSession {
-  FakeWindow window{events};
-  FakeChannel channel{events};
-  Startup startup{session, window, channel};
+  Startup startup{session, desktop, desktop};
 
   ProgramCopy() {
     session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };

@@ -57,8 +57,8 @@ void TestWindow::start() {
     event.Skip();
   });
   session.emplace(with(*frame), places());
-  startup.emplace(*session, *frame, channel);
-  frame->attach(*session, launcher, [this] { startup->unload(); });
+  startup.emplace(*session, *frame, desktop);
+  frame->attach(*session, desktop, [this] { startup->unload(); });
   ASSERT_EQ(startup->run({}), StartResult::Running);
   wait_until([this] { return frame->IsActive(); });
   events.list.clear();
@@ -121,7 +121,7 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
     at.y = area.y + area.height / 2;
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
-  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), over.ClientToScreen(at));
+  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row < 0 ? wxDefaultPosition : over.ClientToScreen(at));
   over.ProcessWindowEvent(event);
   return *shown;
 }

@@ -39,7 +39,8 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   ui::RowList& list(std::size_t tab) const;
   /// The cells of all its rows, "|" between them and ";" after each row.
   std::string rows(std::size_t tab) const;
-  /// The entries of the menu that a right click on a row of the list brings up, or one on the empty area for row 0.
+  /// The entries of the menu that a right click on a row of the list brings up, one on the empty area for row 0, or
+  /// the menu key for row -1.
   std::string menu_over(std::size_t tab, int row);
   void drop(const std::vector<std::string>& paths) const;
   /// Makes a file below "in"; its path.
@@ -48,8 +49,6 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   /// How many lines of the log end so.
   std::ptrdiff_t logged(const std::string& end) const;
 
-  FakeChannel channel{events};
-  FakeLauncher launcher{events};
   ui::MainFrame* frame = nullptr;  // null when it has gone
   std::function<void()> on_progress = [] {};
   std::optional<Session> session;

@@ -1,8 +1,7 @@
-// What may happen while a pass runs or a dialog is open, and what real keys and the mouse do.
+// What may happen while a pass runs or a dialog is open, and what real keys do.
 #include <wx/uiaction.h>
 
 #include "naming/file_names.h"
-#include "shell/commands.h"
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -12,7 +11,7 @@ class Running : public TestWindow {
  protected:
   const std::string name = "harbour.lights.s01e01.avi", new_name = "The Harbour Lights - 1x01 - Slack Water.avi";
   /// Done to a dialog: the message of the updater.
-  const std::function<void(wxDialog&)> end_the_program = [this](wxDialog&) { channel.handle("QV|UD|"); };
+  const std::function<void(wxDialog&)> end_the_program = [this](wxDialog&) { desktop.handle("QV|UD|"); };
 
   void start_with(const std::string& bytes, int action = Rename, const std::string& to = "") {
     start();
@@ -70,7 +69,7 @@ TEST_F(Running, FilesHandedOverMeanwhileJoinThePassAndTheTimerStartsNoSecondOne)
   bool ticked = false;
   frame->Bind(wxEVT_TIMER, [&](wxTimerEvent& event) { ticked = true, event.Skip(); });
   on_dialog([&](wxDialog& dialog) {
-    channel.handle("QV|PI|C=" + file("harbour.lights.s01e03.avi"));
+    desktop.handle("QV|PI|C=" + file("harbour.lights.s01e03.avi"));
     wait_until([&] { return ticked; });
     command(ui::mnuRetry);
     press(dialog, "OK");
@@ -122,8 +121,7 @@ TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
   const TemporaryFolder there("/dev/shm");
   start_with(std::string(1 << 22, 'x'), MoveAndRename, there.path());
   run_pass();
-  EXPECT_TRUE(is_done(1));
-  menu_over(1, 1);
+  menu_over(1, -1);
   on_progress = [this] { command(ui::mnuUndo); };
   command(ui::mnuUndo);
   EXPECT_EQ(rows(1), "harbour.lights.s01e01||Cancelled;");
@@ -156,19 +154,8 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   wait_until([&] { return frame->IsShown() && frame->IsIconized(); });
 }
 
-// With real keys.
-
-#ifdef _WIN32
-constexpr int menu_key = WXK_WINDOWS_MENU, menu_key_with = 0;  // Wine goes on to the menu bar after Shift+F10
-#else
-constexpr int menu_key = WXK_F10, menu_key_with = wxMOD_SHIFT;  // the display's keyboard has no menu key
-#endif
-
-static void key(int code, int modifiers = 0) {
-  wxUIActionSimulator().Char(code, modifiers);
-}
-
-TEST_F(TestWindow, ListsAnswerKeysAndTheRightButton) {
+TEST_F(TestWindow, ListsAnswerRealKeys) {
+  wxUIActionSimulator keyboard;
   start();
   const auto focus = [](wxWindow& window) {
     window.SetFocus();
@@ -181,57 +168,14 @@ TEST_F(TestWindow, ListsAnswerKeysAndTheRightButton) {
     on_dialog([&](wxDialog& wizard) {
       EXPECT_EQ(wizard.GetTitle(), "Edit Filter Wizard");
       wait_until([&] { return wizard.IsActive(); });
-      key(WXK_ESCAPE);
+      keyboard.Char(WXK_ESCAPE);
     });
-    key(code);
+    keyboard.Char(code);
     wait_until([&] { return all_dialogs_came() && !frame->stack().has_dialog() && frame->IsActive(); });
   }
   focus(list(2));
-  key(WXK_DELETE);
+  keyboard.Char(WXK_DELETE);
   wait_until([&] { return session->filters.count() == 1; });
-
-  drop({file("nothing.avi"), file("harbour.lights.s01e01.avi")});
-  run_pass();
-  int shown = 0;
-  frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) {
-    shown = menu.IsEnabled(ui::mnuUndo) ? 2 : 1;
-  };
-  focus(list(1));
-  key(menu_key, menu_key_with);
-  wait_until([&] { return shown == 2; });
-  wxRect area;
-  list(1).GetItemRect(0, area);
-  wxUIActionSimulator mouse;
-  mouse.MouseMove(list(1).ClientToScreen(wxPoint(40, area.y + area.height / 2)));
-  mouse.MouseClick(wxMOUSE_BTN_RIGHT);
-  wait_until([&] { return shown == 1; });
-}
-
-TEST_F(TestWindow, KeysWorkInMenusAndDialogs) {
-  const std::string help = help_file({folder / "data", folder / "program", {}, {}});
-  make(help);
-  start();
-  on_dialog([](wxDialog& dialog) { cancel(dialog); });
-  key('O', wxMOD_CONTROL);
-  wait_until([&] { return all_dialogs_came() && !frame->stack().has_dialog(); });
-  std::string order;
-  on_dialog([&](wxDialog& dialog) {
-    wait_until([&] { return dialog.IsActive() && wxWindow::FindFocus() != nullptr; });
-    for (int i = 0; i < 9; ++i) {
-      wxWindow* const focused = wxWindow::FindFocus();
-      order += ui::from_wx(wxControl::RemoveMnemonics(focused->GetLabel())).substr(0, 9) + "|";
-      key(WXK_TAB);
-      wait_until([&] { return wxWindow::FindFocus() != focused; });
-    }
-    key('U', wxMOD_ALT);
-    wait_until([&] { return find<wxCheckBox>(dialog, "Check4").GetValue(); });
-    key(WXK_F1);
-    wait_until([&] { return !events.list.empty(); });
-    key(WXK_ESCAPE);
-  });
-  command(ui::mnuPrefs);
-  EXPECT_EQ(order, "Close whe|Verbose L|Confirm F|Disable C|Disable U|Add To Co||OK|Cancel|");
-  EXPECT_EQ(happened(), std::vector<std::string>{"open " + help});
 }
 
 }  // namespace quorvel::testing
