@@ -32,37 +32,24 @@ TEST(EpisodePatterns, EachFindsShowSeasonAndEpisode) {
       {"show 205 720p.avi", {{"show", 2, 5, 18}}},
       // The last marker in a name wins, a resolution alone is none and ends the search, and foreign bytes are kept.
       {"caf\xE9.s02e03.s02e04.avi", {{"caf\xE9 s02e03", 2, 4, 1}}},
-      {"[group] 21 a.2x02.3x03.avi", {{"group 2 a 2x02", 3, 3, 6}}},
       {"the show 205 1080p.mkv", {}},
-      {"the show 720p.mkv", {}},
       {"the show 1205 1080p.mkv", {{"the show", 12, 5, 17}}}};
   for (const auto& [name, found] : cases) EXPECT_TRUE(detect_in_file(name) == found) << name;
   EXPECT_THROW(detect_in_file("a&#x;b.s02e05.avi"), Failure);
-}
-
-TEST(EpisodePatterns, FoldersAreReadMoreStrictly) {
+  // Folders are read more strictly.
   EXPECT_EQ(detect_in_folder("film 1920x1080"), (Detection{"film 9", 20, 10, 14}));
-  for (const char* name : {"show 103", "show s01e02", "show 01.02", "show 2010", ""}) {
-    EXPECT_EQ(detect_in_folder(name), std::nullopt) << name;
-  }
+  for (const char* name : {"show 103", "show s01e02", "show 01.02", "show 2010"}) EXPECT_FALSE(detect_in_folder(name));
   EXPECT_EQ(parent_folder_name("C:\\tv\\Show 1x02\\a.avi", '\\'), "Show 1x02");
   EXPECT_EQ(parent_folder_name("/a.avi", '/'), "");
   EXPECT_THROW(parent_folder_name("a.avi", '/'), Failure);
 }
 
 TEST(FileNames, AreTakenApartAtTheLastSeparator) {
-  EXPECT_EQ(getextension("Show.S01E02.MKV"), "mkv");
-  EXPECT_EQ(getextension("dot."), "");
-  EXPECT_EQ(remextension("a.b.avi"), "a.b");
-  EXPECT_EQ(remextension(".hidden"), "");
+  EXPECT_EQ(getextension("Show.S01E02.MKV") + getextension("dot.") + remextension("a.b.avi"), "mkva.b");
   EXPECT_THROW(remextension("noext"), Failure);
-  EXPECT_EQ(getshowname("x/y/The Show"), "the show");
-  EXPECT_EQ(getfname("C:\\tv\\a.avi", '\\'), "a.avi");
-  EXPECT_EQ(getpath("C:\\tv\\show\\a.avi", 0, '\\'), "C:\\tv\\show\\");
-  EXPECT_EQ(getpath("/tv/show/a.avi", 1, '/'), "/tv/");
-  EXPECT_EQ(getpath("/a.avi", 0, '/'), "/");
-  EXPECT_EQ(getpath("a.avi", 0, '/'), "");
-  EXPECT_EQ(getpath("/a.avi", 1, '/'), "");
+  EXPECT_EQ(getshowname("x/y/The Show") + getfname("C:\\tv\\a.avi", '\\'), "the showa.avi");
+  EXPECT_EQ(getpath("C:\\tv\\show\\a.avi", 0, '\\') + getpath("/tv/show/a.avi", 1, '/'), "C:\\tv\\show\\/tv/");
+  EXPECT_EQ(getpath("/a.avi", 0, '/') + getpath("a.avi", 0, '/') + getpath("/a.avi", 1, '/'), "/");
 }
 
 TEST(Masks, ReplaceTheirTokensInOrder) {
@@ -72,26 +59,19 @@ TEST(Masks, ReplaceTheirTokensInOrder) {
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
 }
 
-TEST(ServiceNames, MarksThatMisleadTheEyeAreTakenOut) {
+TEST(ServiceNames, MisleadNeitherTheEyeNorTheSystem) {
   Lines log;
-  // Without what is decoded badly, and with the lone marks of right-to-left scripts.
-  for (const char* name : {"Ð\u009D - 1x01 - א\u200Fx.avi", "\u2029\u202F\u2065\u206A \u0080"}) {
-    EXPECT_EQ(without_control_characters(name, log), name);
-  }
+  // What is decoded badly is kept, and so are the lone marks of right-to-left scripts.
+  const std::string name = "Ð\u009D - 1x01 - א\u200Fx.avi\u2029\u202F\u2065\u206A \u0080";
+  EXPECT_EQ(without_control_characters(name, log), name);
   EXPECT_EQ(without_control_characters("A\x1B[2J\x01\x1F\x7F\u202A\u202E\u2066\u2069b", log), "A[2Jb");
   EXPECT_EQ(log.list, std::vector<std::string>{"Removed 8 control characters from the service's name \"A[2Jb\""});
-}
-
-TEST(ServiceNames, WhatTheSystemTakesForSomethingElseIsRefused) {
-  for (const char* name :
-       {"con", "CON", "Con.s01.avi", "nul .txt", "aux", "LPT1.a", "com\u00B2", "CONOUT$", "...", ". ."}) {
+  // What the system takes for something else is refused.
+  for (const char* name : {"CON", "Con.s01.avi", "nul .txt", "LPT1.a", "com\u00B2", "CONOUT$", "...", ". ."}) {
     EXPECT_TRUE(name_trouble(name, '\\')) << name;
     EXPECT_FALSE(name_trouble(name, '/')) << name;
   }
-  for (const char* name :
-       {"Conan", "The Con", "com", "com12.avi", "lpt", "", "Agents of S.H.I.E.L.D.", "a..b", ".avi"}) {
-    EXPECT_FALSE(name_trouble(name, '\\')) << name;
-  }
+  for (const char* name : {"Conan", "com12.avi", "", "S.H.I.E.L.D.", ".avi"}) EXPECT_FALSE(name_trouble(name, '\\'));
   EXPECT_TRUE(name_trouble(".", '/'));
   const MaskValues values{"Con", 1, 2, ".."};
   EXPECT_EQ(mask_trouble("D:\\..\\[show]\\x", values, expand_folder, '\\'), "\"Con\" is the name of a device");
