@@ -7,8 +7,6 @@
 namespace quorvel::testing {
 namespace {
 
-const std::string page = "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"";
-
 const std::string cache = "data/Quorvel/cache/Shift.epc";
 const std::string off = "|Ep cache disabled|Getting listings for: Shift";
 
@@ -51,37 +49,34 @@ struct Listings : ::testing::Test, TestSession {
 };
 
 TEST_F(Listings, AShowIsSearchedOnceAndThenFoundInItsCache) {
+  const std::string page = "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"";
   const std::string found = "101 The Harbour Lights " + page, fetched = "|Query not in cache|Updating query cache";
-  for (const char* damaged : {"", "no tab", "1\tone tab", "x\ty\tz", ""}) {
+  for (const char* damaged : {"", "1\tone tab", "x\ty\tz"}) {
     EXPECT_EQ(search("the harbour lights"), found + fetched);
     EXPECT_EQ(read("data/Quorvel/cache/the harbour lights.qc"), "101\t" + page + "\tThe Harbour Lights");
     EXPECT_EQ(search("the: harbour? lights"), found + "|Found query in cache") << "the characters that no name holds";
     write("data/Quorvel/cache/the harbour lights.qc", damaged);
   }
   EXPECT_EQ(search("café noir"), "102 CafÃ© Noir \"https://www.tvmaze.com/shows/102/cafe-noir\"" + fetched);
-  EXPECT_EQ(service.requests().size(), 6u);
-  EXPECT_TRUE(service.requests()[4].starts_with("GET /search/shows?q=the+harbour+lights HTTP/1.0\r\n"));
+  EXPECT_EQ(service.requests().size(), 4u);
+  EXPECT_TRUE(service.requests()[2].starts_with("GET /search/shows?q=the+harbour+lights HTTP/1.0\r\n"));
 }
 
 TEST_F(Listings, EverySearchEndsInAShowOrInAReason) {
-  const std::string longest(65'536, 'x'), off = "|Query cache disabled";
-  const std::string error = "(none)" + off + "|Error parsing results (Err 2)";
+  const std::string off = "|Query cache disabled", error = "(none)" + off + "|Error parsing results (Err 2)";
   const std::pair<std::string, std::string> cases[] = {
       {"", "(none)" + off},
       {"[]", "(none)" + off + "|Site reports no results for: \"x\""},
       {R"([{"id":5,"name":"X",}])", error},
       {R"([{"show":{"id":5,"url":u,"name":"cut o)", error},
-      {R"(:{"id":9,"name":"Net","show"}])", error},
       {R"([{"show":{"name":"X",}}])", "(failure) \"\" is not a whole number of 32 bits" + off},
       {"\n[{\"show\":{\"id\":5,\"url\":u,\"name\":\"A\",}},{\"id\":6,\"url\":v,\"name\":\"B\",}}] \r\n", "5 A u" + off},
-      {R"([{"show":{"id":5,"url":)" + longest + R"(,"name":")" + longest + R"(",}}])",
-       "5 " + longest + " " + longest + off},
-      {R"(["show""url":x)" + longest + ",]", "(failure) the address of the show's page is too long" + off}};
+      {R"(["show""url":)" + std::string(65'537, 'x') + ",]",
+       "(failure) the address of the show's page is too long" + off}};
   for (const auto& [body, result] : cases) {
     answer(body);
     EXPECT_EQ(search("x", false), result) << body.substr(0, 80);
   }
-  EXPECT_FALSE(exists("data/Quorvel/cache"));
   answer("[{\"show\":{\"id\":5,\"url\":\"u\tv\",\"name\":\"A\",}}]");
   EXPECT_EQ(search("x"), "5 A \"u\tv\"|Query not in cache|Updating query cache");
   EXPECT_FALSE(exists("data/Quorvel/cache/x.qc")) << "a tab would become the end of a field";
@@ -90,9 +85,10 @@ TEST_F(Listings, EverySearchEndsInAShowOrInAReason) {
 TEST_F(Listings, AiredEpisodesComeFromTheCacheAndOthersAreFetchedAgain) {
   const std::string one = "One & Only \"u\"", in_cache = "|Found episode in cache",
                     bad = one + "|Error checking ep cache: ";
-  const std::string none =
-      "|No matches found in ep cache|Getting listings for: Shift|Updating ep cache|Error checking date";
-  const std::string fetched = none + "|Found episode in listings";
+  const std::string fetched =
+      "|No matches found in ep cache|Getting listings for: Shift|Updating ep cache|Error checking date|Found episode "
+      "in "
+      "listings";
   answer("[" + listed("1", "One &amp; Only") + listed("1", "Its Twin") + listed("2", "Today", "2026-03-14") +
          listed("3", "Tomorrow", "2026-03-15") + listed("4", "Some Day", "") +
          listed("-5", "\xC3\x9C\xC3\xA9", "2015-01-01-\t1\t6\tu\tWrong") +
@@ -107,12 +103,10 @@ TEST_F(Listings, AiredEpisodesComeFromTheCacheAndOthersAreFetchedAgain) {
   EXPECT_EQ(title(-5, {.decode_utf8 = false}), "ÃœÃ© \"u\"" + in_cache);
   EXPECT_EQ(service.requests().size(), 1u);
   EXPECT_EQ(title(4), "Some Day \"u\"" + fetched);
-  EXPECT_EQ(title(6), "(none)" + none);
 
   const std::string old = "2015-01-01\t1\t1\turl\t";
   const std::pair<std::string, std::string> changed[] = {
       {old + "By Hand\r\n" + old + "Second\r\nno line", "By Hand url" + in_cache},
-      {old + "By Hand, Longer\tand more\r\n", "By Hand, Longer url" + in_cache},
       {old + "Unended", one + fetched},
       {"2015-01-01\tx\t1\turl\tBroken\r\n", bad + "\"x\" is not a whole number of 32 bits" + fetched},
       {old + "Good\r\n2015-01-01\t1\t2\turl\r\n", bad + "line 2 has 4 of 5 fields" + fetched}};
@@ -129,21 +123,16 @@ TEST_F(Listings, AiredEpisodesComeFromTheCacheAndOthersAreFetchedAgain) {
 TEST_F(Listings, AListThatCannotBeReadToItsEndIsNotTrusted) {
   const std::string episode = listed("1", "A"), error = "(none)" + off + "|Error parsing listings (Err 5)";
   const std::string too_many = "(failure) the service lists more episodes than any show has" + off;
-  const std::string name(8'370, 'x'), wide = listed("1", name, "2222222222");  // 8,383 bytes are kept
-  std::string bare, wides;
+  std::string bare;
   for (int i = 0; i < 100'000; ++i) bare += R"("id":1,"season":1,"number":1,)";
-  for (int i = 0; i < 1'000; ++i) wides += wide;
   const std::pair<std::string, std::string> cases[] = {
       {"", "(none)" + off},
       {"[]", "(none)" + off + "|Site reports no episodes for: \"searched\""},
-      {R"([{"name":"x"}])", error},
       {episode + "]", error},
       {"[" + episode, error},
       {"[" + episode + listed("null", "B") + "]", "(failure) \"null\" is not a whole number of 32 bits" + off},
       {"[" + bare + "]", " " + off + "|Found episode in listings"},
-      {"[" + bare + episode + "]", too_many},
-      {"[" + wides + "]", name + " \"u\"" + off + "|Found episode in listings"},
-      {"[" + wides + wide + "]", too_many}};
+      {"[" + bare + episode + "]", too_many}};
   for (const auto& [body, result] : cases) {
     answer(body);
     EXPECT_EQ(title(1, {.use_cache = false}), result) << body.substr(0, 100);
@@ -152,28 +141,24 @@ TEST_F(Listings, AListThatCannotBeReadToItsEndIsNotTrusted) {
 }
 
 TEST_F(Listings, OnlyAPastCalendarDayCountsAsAired) {
-  const std::pair<const char*, std::vector<const char*>> cases[] = {
-      {"aired", {"2026-03-14", "2011-4-7", "0001-01-01", "2024-02-29", "2015-12-31", "2011-05-06-7"}},
-      {"no", {"2026-03-15", "9999-12-31", "0000-00-00", "0-0-0", "2011-00-05", "2011-05-00"}},
-      {"no|Error checking date",
-       {"", "2011-02-30", "2011-05", "x-y-z", "2011-13-01", "2011-0-01", "2011-01-0", "2011-01-32", "10000-01-01",
-        "0000-01-01", "-1-01-01", "2011-257-01", "2011-01-257"}}};
-  for (const auto& [expected, dates] : cases) {
-    for (const char* date : dates) {
-      EXPECT_EQ(outcome([&] { return session.listings.is_aired(date) ? "aired" : "no"; }), expected) << date;
-    }
+  std::string aired;
+  const std::string before = log();
+  for (const char* day : {"2026-03-14", "2011-4-7", "0001-01-01", "2024-02-29", "2015-12-31", "2011-05-06-7",
+                          "2026-03-15", "9999-12-31", "0000-00-00", "2011-00-05", "2011-05-00"}) {
+    aired += session.listings.is_aired(day) ? "+" : "-";
+  }
+  EXPECT_EQ(aired + log(), "++++++-----" + before);
+  for (const char* day : {"", "2011-02-30", "2011-05", "x-y-z", "2011-13-01", "10000-01-01", "2011-257-01"}) {
+    EXPECT_EQ(outcome([&] { return session.listings.is_aired(day) ? "+" : "-"; }), "-|Error checking date") << day;
   }
 }
 
 TEST_F(Listings, Utf8IsDecodedLeniently) {
-  const auto decoded = [&](const std::string& bytes) {
-    return outcome([&] { return UTF8Decode(from_code_page(bytes), session.log); });
-  };
-  const std::string good = "x日\u0080\u07FF\u0800\uD7FF\uE000\uFFFD";
-  EXPECT_EQ(decoded("") + decoded("x") + decoded("é") + decoded(good), "é" + good);
-  EXPECT_EQ(decoded("\xC1\xBF\xF0\x9F\x98\x80 ab\x80 \xC2zz"), "Á¿ðŸ˜€ ab€ \xC2\xBAz");
+  const std::string bytes = from_code_page("\xC1\xBF\xF0\x9F\x98\x80 ab\x80 \xC2zzé日\u0080\u07FF\u0800\uFFFD");
+  EXPECT_EQ(UTF8Decode(bytes, session.log), "Á¿ðŸ˜€ ab€ \xC2\xBAzé日\u0080\u07FF\u0800\uFFFD");
   for (const char* refused : {"a\xC3", "a\xE6\x97", "..\xE0\x81\xBFx", "\xED\xA0\x80", "\xED\xBF\xBF"}) {
-    EXPECT_TRUE(decoded(refused).starts_with(from_code_page(refused) + "|Error converting string from UTF-8: "));
+    const std::string kept = from_code_page(refused);
+    EXPECT_TRUE(outcome([&] { return UTF8Decode(kept, session.log); }).starts_with(kept + "|Error converting string "));
   }
 }
 
