@@ -1,13 +1,12 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <optional>
-#include <string>
+#include <regex>
 #include <utility>
 #include <vector>
 
+#include "file_tools.h"
 #include "platform/socket_control.h"
 #include "text/failure.h"
 
@@ -15,26 +14,19 @@ namespace quorvel::testing {
 
 /// What a request asks for, such as "/search/shows?q=x"; empty unless it is a GET.
 inline std::string target_of(const std::string& request) {
-  return request.starts_with("GET ") ? request.substr(4, request.find(' ', 4) - 4) : "";
+  return request.substr(4, request.find(' ', 4) - 4);
 }
 
 /// The whole right answer to a request: for "/search/shows?q=RAW" the file search/RAW.json below the folder, or "[]"
 /// without such a file; for "/shows/ID/episodes" episodes/ID.json; 404 for everything else.
 inline std::string listings_answer(const std::string& request, const std::filesystem::path& shows = QUORVEL_SHOWS_DIR) {
-  const std::string search = "/search/shows?q=", show = "/shows/", episodes = "/episodes";
-  std::string target = target_of(request), status = "200 OK", body = "[]";
-  const bool searches = target.starts_with(search);
-  if (searches) target.replace(0, search.size(), "search/");
-  if (target.starts_with(show) && target.ends_with(episodes)) {
-    target = "episodes/" + target.substr(show.size(), target.rfind('/') - show.size());
-  }
-  if (std::ifstream file(shows / (target + ".json"), std::ios::binary); file) {
-    body.assign(std::istreambuf_iterator<char>(file), {});
-  } else if (!searches) {
-    status = "404 Not Found", body = R"({"name":"Not Found","status":404})";
-  }
-  return "HTTP/1.1 " + status + "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
-         "\r\n\r\n" + body;
+  const std::string episodes =
+      std::regex_replace(target_of(request), std::regex("/shows/(.*)/episodes"), "episodes/$1");
+  const std::string name = std::regex_replace(episodes, std::regex("/search/shows.q="), "search/");
+  const std::string found = contents(text_of(shows / (name + ".json"))), body = found.empty() ? "[]" : found;
+  const char* const status = found.empty() && !name.starts_with("search/") ? "404 Not Found" : "200 OK";
+  return std::string("HTTP/1.1 ") + status +
+         "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
 /// The listings service behind a socket that no network is needed for: it answers from the recorded answers, keeps
