@@ -4,23 +4,11 @@
 
 #include "fake_listings.h"
 #include "fake_ports.h"
-#include "platform/system.h"
-#include "temporary_folder.h"
 #include "text/code_page.h"
 #include "transport/http_client.h"
-#include "transport/whole_file.h"
 
 namespace quorvel::testing {
 namespace {
-
-TEST(WholeFile, IsKeptOrWrittenOverItsStart) {
-  const TemporaryFolder folder;
-  const auto files = system_files();
-  const std::string path = folder / "f.dat";
-  for (const bool fresh : {true, false}) EXPECT_EQ(savefile(*files, path, fresh ? "abcdef" : "no", true), fresh);
-  EXPECT_TRUE(savefile(*files, path, "x日", false));
-  EXPECT_EQ(loadfile(*files, path), "x?cdef");
-}
 
 using Reads = FakeListings::Reads;
 
@@ -80,13 +68,13 @@ TEST_F(Http, ATransferTakesTheseStepsAndABarePathStaysWithTheHost) {
   url = "https://host/a?q=b";
   service.misbehave({});
   http.GetData(url, "k=v");
-  http.PostData(url, "a=b", "");
-  http.PostData(url, "", "k=v");
+  http.PostData(url, "a=b", "k=v");
   const std::string lines = "/a?q=b HTTP/1.0\r\nHost: host\r\nAccept: */*\r\n", cookie = "Cookie: k=v\r\n\r\n";
-  const std::string post = "POST " + lines + "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: ";
   EXPECT_EQ(std::vector(service.requests().begin() + 2, service.requests().end()),
             (std::vector<std::string>{"GET /d HTTP/1.0\r\nHost: b\r\nAccept: */*\r\n\r\n", "GET " + lines + cookie,
-                                      post + "3\r\n\r\na=b", post + "0\r\n" + cookie}));
+                                      "POST " + lines +
+                                          "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: 3\r\n" +
+                                          cookie + "a=b"}));
 }
 
 TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
