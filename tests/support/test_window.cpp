@@ -83,9 +83,9 @@ int TestWindow::Enter(wxDialog* dialog) {
   return wxID_NONE;
 }
 
-void TestWindow::on_dialog(const char* title, const char* button) {
-  on_dialog([title, button](wxDialog& dialog) {
-    EXPECT_EQ(dialog.GetTitle(), title);
+void TestWindow::on_dialog(const std::string& title, const char* button) {
+  on_dialog([=](wxDialog& dialog) {
+    EXPECT_EQ(dialog.GetTitle(), to_wx(title));
     press(dialog, button);
   });
 }
@@ -117,8 +117,8 @@ std::string TestWindow::menu_over(std::size_t tab, int row) {
   ui::RowList& over = list(tab);
   wxTheApp->ProcessPendingEvents();
   wxPoint at(40, over.GetClientSize().y - 8);
-  if (wxRect area; row > 0 && row <= over.GetItemCount() && over.GetItemRect(row - 1, area))
-    at.y = area.y + area.height / 2;
+  wxRect area;
+  if (row > 0 && over.GetItemRect(row - 1, area)) at.y = area.y + area.height / 2;
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
   wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row < 0 ? wxDefaultPosition : over.ClientToScreen(at));
@@ -145,17 +145,12 @@ void TestWindow::drop(const std::vector<std::string>& paths) const {
   static_cast<wxFileDropTarget*>(frame->GetDropTarget())->OnDropFiles(1, 1, dropped);
 }
 
-std::string text(const wxWindow& parent, const char* name) {
-  return from_wx(find<wxTextCtrl>(parent, name).GetValue());
-}
-
 static std::string seen(const wxControl& control) {
   const std::string label = from_wx(control.GetLabelText());
   const auto ticked = [&label](bool is_ticked) { return (is_ticked ? "x " : "o ") + label; };
   if (const auto* const box = dynamic_cast<const wxTextCtrl*>(&control)) return "[" + from_wx(box->GetValue()) + "]";
-  if (const auto* const choice = dynamic_cast<const wxChoice*>(&control)) {
-    return "<" + from_wx(choice->GetStringSelection()) + ">";
-  }
+  const auto* const choice = dynamic_cast<const wxChoice*>(&control);
+  if (choice != nullptr) return "<" + from_wx(choice->GetStringSelection()) + ">";
   if (const auto* const box = dynamic_cast<const wxCheckBox*>(&control)) return ticked(box->GetValue());
   if (const auto* const button = dynamic_cast<const wxRadioButton*>(&control)) return ticked(button->GetValue());
   const auto* const list = dynamic_cast<const wxListCtrl*>(&control);
@@ -194,8 +189,7 @@ void use(wxWindow& control, wxEventType event, int value) {
 
 void press(const wxWindow& parent, const char* name) {
   auto& button = find<wxButton>(parent, name);
-  if (!button.IsEnabled() || !button.IsShownOnScreen())
-    throw std::runtime_error(std::string(name) + " cannot be pressed");
+  EXPECT_TRUE(button.IsEnabled() && button.IsShownOnScreen()) << name;
   use(button, wxEVT_BUTTON);
 }
 

@@ -29,7 +29,7 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   /// a failure.
   void on_dialog(std::function<void(wxDialog&)> drive) { drives_.push_back(std::move(drive)); }
   /// The dialog is to have this title, and is closed by this button.
-  void on_dialog(const char* title, const char* button);
+  void on_dialog(const std::string& title, const char* button);
   bool all_dialogs_came() const { return drives_.empty(); }
 
   void command(int id);
@@ -69,7 +69,6 @@ T& find(const wxWindow& parent, const char* name) {
   if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
   return *found;
 }
-std::string text(const wxWindow& parent, const char* name);
 /// All that is seen in a window: a dialog's title, the labels, "[text]", "<choice>", "x" or "o" before what can be
 /// ticked, "-" before what is disabled, and the titles of a list's columns; "|" after each.
 std::string shown(const wxWindow& parent);
