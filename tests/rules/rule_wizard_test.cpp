@@ -34,7 +34,6 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
     if (!(go == '>' ? wizard.next() : wizard.back())) seen += ui.messages.back() + " ";
     seen += shown();
   }
-  EXPECT_EQ(wizard.form.mask, "[show] - [s]x[ee] - [title]");
   EXPECT_TRUE(wizard.next() && wizard.is_stored());
   const std::string
       options = "Step 2 - Filter Options|Select what this filter will do||Back\n",
@@ -51,7 +50,6 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
             "1\tTrue\t\t*\t\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n"
             "3\tTrue\t\t*\t" +
                 with_separator("/tv") + "\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n");
-  EXPECT_EQ(ui.filters.size(), 2U);
   EXPECT_TRUE(wizard.next() && wizard.step() == RuleWizard::End);
 }
 

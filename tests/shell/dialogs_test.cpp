@@ -19,12 +19,13 @@ TEST(Dialogs, SayWhatBecameOfAnItem) {
   }
 }
 
-TEST(Dialogs, CutALineAfterWhatFitsAndBreakAMessagesLines) {
+TEST(Dialogs, CutALineAfterWhatFits) {
   const auto measure = [](const std::string& text) { return static_cast<int>(text.size()); };
   EXPECT_EQ(fitted("123456789", 10, measure), "123456789");
   EXPECT_EQ(fitted("1234567890", 10, measure), "123456...");
   EXPECT_EQ(fitted("12345\u00E9\u00E9\u00E9", 10, measure), "12345...");
   EXPECT_EQ(message_lines("one#two##"), "one\ntwo\n\n");
+  EXPECT_EQ(fitted("12", 1, measure), "...");
 }
 
 TEST(Dialogs, AddExceptionsWithBothNames) {
@@ -41,6 +42,7 @@ TEST(Dialogs, AddExceptionsWithBothNames) {
                                 "New Name Required: Please enter a new show name",
                                 "Unable to save exception: The exception could not be saved. The log says why."}));
   EXPECT_EQ(at.read("data/Quorvel/man.dat"), "the office\tThe Office\r\n");
+  EXPECT_EQ(at.ui.exceptions, (std::vector<ListRow>{{"F1", {"the office", "The Office"}}}));
 }
 
 }  // namespace

@@ -275,10 +275,10 @@ TEST_F(TestWindow, QuestionsDecideAndTheyAndMessagesWithANumberCanBeSwitchedOff)
   EXPECT_TRUE(session->queue.at(1).state == QueueState::Cancelled && is_done(2)) << rows(1);
   EXPECT_TRUE(exists("in/harbour.lights.s01e01.avi"));
 
-  const auto show = [this](int id) { frame->show_message(id, "Title", "one#two", MessageIcon::Warning); };
+  const auto show = [this](int id) { frame->show_message(id, "Title", "one#two##", MessageIcon::Warning); };
   for (const bool is_unwanted : {false, true}) {
     on_dialog([=](wxDialog& dialog) {
-      EXPECT_EQ(shown(dialog), "Title: [one\ntwo]|o Don't show this again|OK|");
+      EXPECT_EQ(shown(dialog), "Title: [one\ntwo\n\n]|o Don't show this again|OK|");
       tick(dialog, "&Don't show this again", is_unwanted);
       dialog.Close();
     });
@@ -286,6 +286,12 @@ TEST_F(TestWindow, QuestionsDecideAndTheyAndMessagesWithANumberCanBeSwitchedOff)
   }
   show(7);  // stays away
   EXPECT_EQ(key_values.numbers["msgskip$7"], 1U);
+  key_values.numbers["msgskip$0"] = 1;
+  on_dialog([](wxDialog& dialog) {
+    EXPECT_EQ(shown(dialog), "Title: [one\ntwo\n\n]|OK|");
+    dialog.Close();
+  });
+  show(0);
 }
 
 }  // namespace quorvel::testing
