@@ -14,8 +14,7 @@ struct Faults : ::testing::TestWithParam<int> {
   /// What is done to a call that many after the chosen one; false makes it fail.
   using Harm = std::function<bool(int later, const std::string& written)>;
 
-  const WorldFolders folders;
-  World world = folders.world(GetParam());
+  World world{GetParam()};
 
   ~Faults() override { world.settings(*system_files())->erase_all(); }
 
@@ -82,8 +81,7 @@ TEST_P(Faults, NothingThatOthersDoMeanwhileCostsAFile) {
 
 TEST(KilledProgram, LeavesEveryFileWholeUnderItsOldOrItsNewName) {
   const ListingsService service;
-  const WorldFolders folders;
-  const World world = folders.world(MoveAndRename);
+  const World world{MoveAndRename};
   const std::string rule = "2\tTrue\t\t*\t" + world.target + "\t[title]\td\t0\t1\r\n";
   const std::string moved = world.target + "The Pilot Boat.mkv", big(6'000'000, 'q');
   const std::string path = world.in + "The.Harbour.Lights.S01E02.mkv";

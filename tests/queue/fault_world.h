@@ -51,7 +51,7 @@ inline const std::string taken_name = "The Harbour Lights - 1x03 - A Lantern for
 /// exception and a setting are saved, the files are worked on, and what was done is undone.
 struct World {
   int action;
-  const TemporaryFolder &here, &home, &there;
+  const TemporaryFolder here{}, home{facts::other_device}, there{facts::other_device};
   std::string in = here / "in/", first = in + "Harbor.S01E02.mkv", second = in + "Harbor.S01E03.mkv";
   std::string work = home / "work/", rules = work + "filters.dat";
   std::string target = action == Rename ? in : there / "target/";
@@ -128,11 +128,6 @@ struct World {
     EXPECT_EQ(contents(target + taken_name), "there before");
     EXPECT_TRUE(fs::exists(rules)) << "there are always rules";
   }
-};
-
-struct WorldFolders {
-  const TemporaryFolder here, home{facts::other_device}, there{facts::other_device};
-  World world(int action) const { return {action, here, home, there}; }
 };
 
 }  // namespace quorvel::testing

@@ -21,9 +21,8 @@ TEST(Links, AreFollowedOnceAndLoopsEnd) {
 
 TEST(OtherUsers, FilesStayAsTheyAre) {
   if (getuid() != 0) GTEST_SKIP() << "needs a second user";
-  const WorldFolders folders;
   for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
-    World world = folders.world(action);
+    World world{action};
     world.prepare();
     const auto before = world.everything();
     for (const auto& [path, bytes] : before) ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
