@@ -120,8 +120,7 @@ TEST_F(FilesTest, OperationsThatFailChangeNothing) {
   const std::tuple<std::string, std::string, int> rows[] = {
       {a, here / "b", facts::taken}, {a, here / "folder", facts::taken_by_folder},
       {a, "", facts::no_path},       {a, here / std::string(260, 'x'), facts::too_long},
-      {"", x, facts::no_path},       {a + nul, x, facts::no_path},
-      {a, x + nul, facts::no_path}};
+      {a + nul, x, facts::no_path},  {a, x + nul, facts::no_path}};
   for (const int operation : {Request::Rename, Request::Move, Request::Copy}) {
     for (const auto& [from, to, code] : rows) EXPECT_EQ(perform(operation, from, to), code) << operation << from << to;
     EXPECT_NE(perform(operation, here / "gone", x), 0);

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <regex>
 #include <thread>
 
 #include "child_process.h"
@@ -37,7 +36,7 @@ struct LinuxDesktop : ::testing::Test {
 };
 
 TEST_F(LinuxDesktop, FoldersAndClockFollowTheEnvironment) {
-  const Variable home("HOME", folder.path()), locale("LC_ALL", "no_SUCH");
+  const Variable home("HOME", folder.path());
   const std::string config = folder / "c/", data = folder / "d/e//";
   for (const auto& [config_home, data_home, settings, data_folder] :
        {std::tuple<std::string, std::string, const char*, const char*>(config, data, "c/Q/settings.ini", "d/e"),
@@ -48,13 +47,11 @@ TEST_F(LinuxDesktop, FoldersAndClockFollowTheEnvironment) {
     system_key_values(*files, "Q")->write_number("x", 1);
     EXPECT_TRUE(fs::exists(folder / settings));
   }
-  EXPECT_EQ(program_folder(), fs::read_symlink("/proc/self/exe").parent_path());
   const auto day_in = [](const char* zone) {
     const Variable time_zone("TZ", zone);
     return std::chrono::sys_days(system_clock()->today());
   };
   EXPECT_GE(day_in("EAST-14"), day_in("WEST+12") + std::chrono::days(1));
-  EXPECT_TRUE(std::regex_match(system_clock()->time_of_day(), std::regex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]")));
 }
 
 TEST_F(LinuxDesktop, TheSettingsFileKeepsWhatElseStandsInItAndStaysWhenItCannotBeUnderstood) {
@@ -64,22 +61,17 @@ TEST_F(LinuxDesktop, TheSettingsFileKeepsWhatElseStandsInItAndStaysWhenItCannotB
   write(path, foreign);
   const auto store = settings_of(*files, folder.path());
   store->write_string("", "3.4");
-  for (const char* const name : {"a=b", "a\nb", "[x]", "#x", " x", "x "}) {
-    EXPECT_THROW(store->write_number(name, 1), Failure) << name;
-    EXPECT_EQ(store->read_number(name), std::nullopt);
-  }
+  for (const char* const name : {"a=b", "a\nb", "[x]", "#x"}) EXPECT_THROW(store->write_number(name, 1), Failure);
   EXPECT_THROW(store->write_string("types", "\xff"), Failure);
   EXPECT_EQ(contents(path), foreign + "version=3.4\n");
   EXPECT_EQ(store->read_number("low"), 0xFFFFFFFFu);
-  for (const char* const name : {"big", "word", ""}) EXPECT_EQ(store->read_number(name), std::nullopt) << name;
-  EXPECT_EQ(store->read_string("raw"), std::nullopt);
+  EXPECT_FALSE(store->read_number("big") || store->read_number("word") || store->read_string("raw"));
 
   const std::string damaged("[Settings]\nlow=1\0\n", 18);
   write(path, damaged);
-  const auto none = settings_of(*files, folder.path()), unwritable = settings_of(*files, path);
-  EXPECT_FALSE(!none->trouble() || unwritable->trouble() || none->read_number("low"));
+  const auto none = settings_of(*files, folder.path());
+  EXPECT_TRUE(none->trouble() && !none->read_number("low"));
   EXPECT_THAT([&] { none->write_number("low", 2); }, ThrowsMessage<Failure>(AllOf(HasSubstr(path), HasSubstr("NUL"))));
-  EXPECT_THAT([&] { unwritable->write_number("low", 2); }, ThrowsMessage<Failure>(HasSubstr(path + "/Quorvel/")));
   EXPECT_EQ(contents(path), damaged);
 }
 
@@ -92,73 +84,53 @@ void change(const std::string& data, const std::string& program, const std::stri
 }
 
 TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
-  for (const char* const name : {"it's \"my\" $HOME `x`\\n ü", "100%f a=b `\"\\"}) {
-    const std::string program = folder / name + "/quorvel", data = folder / "new/data",
-                      entry = data + "/applications/quorvel-open.desktop",
-                      menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
-    write_program(program);
-    for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"})
-      change(data, program, extension);
-    EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
-    for (const char* const type : {"video/x-matroska;", "video/x-msvideo;", "inode/directory;", "video/webm;"}) {
-      EXPECT_THAT(contents(menu), HasSubstr(type));
-    }
-    EXPECT_THAT(contents(menu) + contents(entry), Not(HasSubstr("octet-stream")));
-    EXPECT_THAT(contents(entry), Not(HasSubstr("MimeType")));  // or a double click might rename
-    EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
-    const std::string a = folder / "a b.mkv", c = folder / "c.mkv", both = "' '" + a + "' '" + c + "'";
-    for (const std::string& command : {"gio launch '" + entry + both, "'" + script + both}) {
-      fs::remove(folder / "out");
-      ASSERT_EQ(std::system(command.c_str()), 0);
-      EXPECT_EQ(written("c.mkv|"), a + "|" + c + "|");
-    }
-    for (const char* const extension : {"mkv", "no such type;\n", "DIR"}) change(data, program, extension, false);
-    EXPECT_THAT(contents(menu), HasSubstr("MimeType=video/x-msvideo;\n"));
-    change(data, folder / "moved away", "mp4");
-    change(data, folder / "moved away", "avi", false);
-    EXPECT_FALSE(fs::exists(folder / "new"));
+  const std::string program = folder / "it's \"my\" $HOME `x`\\n 100%f a=b ü/quorvel", data = folder / "new/data",
+                    entry = data + "/applications/quorvel-open.desktop",
+                    menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
+  write_program(program);
+  for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"}) change(data, program, extension);
+  EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
+  EXPECT_THAT(contents(menu), AllOf(HasSubstr("video/x-msvideo;"), HasSubstr("directory;"), HasSubstr("video/webm;")));
+  EXPECT_THAT(contents(entry), Not(HasSubstr("MimeType")));  // or a double click might rename
+  EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
+  const std::string a = folder / "a b.mkv", c = folder / "c.mkv", both = "' '" + a + "' '" + c + "'";
+  for (const std::string& command : {"gio launch '" + entry + both, "'" + script + both}) {
+    fs::remove(folder / "out");
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    EXPECT_EQ(written("c.mkv|"), a + "|" + c + "|");
   }
+  for (const char* const extension : {"mkv", "no such type;\n", "DIR", "avi"}) change(data, program, extension, false);
+  EXPECT_FALSE(fs::exists(folder / "new"));
 }
 
 TEST_F(LinuxDesktop, EntriesOfOthersAndEditedOnesAreLeftAlone) {
   const std::string program = folder / "quorvel", entry = folder / "applications/quorvel-open.desktop",
                     menu = folder / "kio/servicemenus/quorvel.desktop", script = folder / "nautilus/scripts/Quorvel";
-  for (const std::string& path : {program, entry, folder / "mine", script}) write(path, "");
-  fs::remove(script);
-  fs::create_symlink(folder / "mine", script);
+  for (const std::string& path : {program, entry}) write(path, "");
   change(folder.path(), program, "avi");
-  const std::string ours = contents(menu);
-  for (const std::string& edited :
-       {ours + "\n", ours.substr(1), "#\n" + ours, std::string(ours).replace(ours.find("Name"), 1, "n")}) {
-    write(menu, edited);
-    change(folder.path(), program, "mkv");
-    change(folder.path(), program, "avi", false);
-    EXPECT_EQ(contents(menu), edited);
-  }
-  write(menu, ours);
+  fs::rename(script, folder / "mine");
+  fs::create_symlink(folder / "mine", script);
+  const std::string edited = contents(menu) + "\n";
+  write(menu, edited);
+  change(folder.path(), program, "mkv");
   change(folder.path(), program, "avi", false);
-  EXPECT_FALSE(fs::exists(folder / "kio"));
-  EXPECT_TRUE(fs::is_symlink(script) && contents(script) + contents(entry) == "");
+  EXPECT_EQ(contents(menu) + contents(entry), edited);
+  EXPECT_TRUE(fs::is_symlink(script));
 }
 
 /// In a process of its own, for GLib looks at the environment only once.
-const SecondProcess open_target("open", [](const std::string& target) {
-  change(Variable::get("XDG_DATA_HOME"), program_file(), "avi");
-  return system_launcher()->open(target) ? 0 : 1;
-});
+const SecondProcess open_target("open",
+                                [](const std::string& target) { return system_launcher()->open(target) ? 0 : 1; });
 
-TEST_F(LinuxDesktop, TheUsersChoiceOpensAddressesAndDocumentsAndAnInstalledEntryIsTheOneSeen) {
+TEST_F(LinuxDesktop, TheUsersChoiceOpensAddressesAndDocuments) {
   const std::string page = folder / "help page.html", address = "https://127.0.0.1/a?b=$(x)&c='d'";
-  const std::string installed = contents(QUORVEL_DESKTOP_ENTRY), home = folder.path();
-  EXPECT_THAT(installed, Not(HasSubstr("MimeType")));
-  write(folder / "applications/quorvel.desktop", installed);
+  const std::string home = folder.path();
   write_program(folder / "recorder");
   write(folder / "applications/r.desktop",
         "[Desktop Entry]\nType=Application\nName=r\nExec=" + folder / "recorder" + " %u\n");
   write(folder / "mimeapps.list",
-        "[Default Applications]\nx-scheme-handler/http=r.desktop\nx-scheme-handler/https=r.desktop\n"
-        "x-scheme-handler/file=r.desktop\nx-scheme-handler/javascript=r.desktop\n"
-        "text/html=r.desktop\ntext/plain=r.desktop\napplication/x-shellscript=r.desktop\n"
+        "[Default Applications]\nx-scheme-handler/https=r.desktop\nx-scheme-handler/javascript=r.desktop\n"
+        "x-scheme-handler/file=r.desktop\ntext/html=r.desktop\napplication/x-shellscript=r.desktop\n"
         "application/x-desktop=r.desktop\n");
   write(page, "x");
   const auto opened = [&](const std::string& target) {
@@ -166,17 +138,13 @@ TEST_F(LinuxDesktop, TheUsersChoiceOpensAddressesAndDocumentsAndAnInstalledEntry
     start.environment = {{"XDG_DATA_HOME", home}, {"XDG_CONFIG_HOME", home}, {"XDG_DATA_DIRS", home}};
     return ChildProcess(start).status() == 0;
   };
-  for (const auto& [target, shown] :
-       {std::pair("\"" + address + "\"", address), {"HTTP://127.0.0.1/", "HTTP://127.0.0.1/"}, {page, page}}) {
+  for (const std::string& target : {"\"" + address + "\"", page}) {
     EXPECT_TRUE(opened(target)) << target;
-    EXPECT_EQ(written("|"), shown + "|");
+    EXPECT_EQ(written("|"), (target == page ? page : address) + "|");
     fs::remove(folder / "out");
   }
-  EXPECT_THAT(contents(folder / "applications/quorvel-open.desktop"), HasSubstr("NoDisplay=true"));
   for (const std::string& refused :  // although there is something to open them with
-       {"file://" + page, std::string("javascript:1"), std::string("https://"), std::string("http:///x"),
-        std::string("http://a\nb"), "\"\"" + address + "\"\"", folder / "recorder",
-        folder / "applications/r.desktop"}) {
+       {"file://" + page, std::string("javascript:1"), folder / "recorder", folder / "applications/r.desktop"}) {
     EXPECT_FALSE(opened(refused)) << refused;
   }
 }

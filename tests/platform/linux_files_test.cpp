@@ -100,9 +100,9 @@ TEST_F(LinuxFiles, OperationsTakeFilesAndLinksFromWhereTheUserMay) {
   EXPECT_EQ(state(), before);
 
   fs::create_symlink(here / "a", here / "absolute");
-  for (const auto& [link, folder] : {std::pair("link", &here), {"absolute", &there}}) {
-    const std::string moved = *folder / "folder/link", copy = *folder / "folder/copy";
-    fs::create_directory(*folder / "folder");
+  fs::create_directory(here / "folder");
+  for (const auto& [link, folder] : {std::pair("link", here / "folder"), {"absolute", there.path()}}) {
+    const std::string moved = folder + "/moved", copy = folder + "/copy";
     EXPECT_EQ(perform(Request::Rename, here / link, here / "renamed"), 0);
     EXPECT_EQ(perform(Request::Copy, here / "renamed", copy), 0);
     EXPECT_EQ(perform(Request::Move, here / "renamed", moved), 0);
@@ -112,18 +112,6 @@ TEST_F(LinuxFiles, OperationsTakeFilesAndLinksFromWhereTheUserMay) {
   fs::create_directory_symlink(there.path(), here / "to there");
   EXPECT_EQ(system_file_operation({}, {})->perform({Request::Delete, here / "to there/", "", 0}), 0);
   EXPECT_TRUE(!fs::is_symlink(here / "to there") && contents(there / "a") == "a");
-}
-
-TEST(OtherUsersFiles, AMoveThatCannotRemoveItsSourceLeavesNoCopy) {
-  const TemporaryFolder shared, own("/dev/shm");
-  write_file(shared / "a", "a");
-  fs::permissions(shared.path(), fs::perms(01777));
-  for (const std::string& path : {shared / "a", shared.path()}) {
-    if (chown(path.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "needs a second user";
-  }
-  const Unprivileged user;
-  EXPECT_EQ(perform(Request::Move, shared / "a", own / "a"), EPERM);
-  EXPECT_TRUE(contents(shared / "a") == "a" && fs::is_empty(own.path()));
 }
 
 TEST_F(LinuxFiles, AnInterruptedCopyLeavesNothingBehind) {
@@ -170,12 +158,8 @@ TEST_F(LinuxFiles, WhatIsDeletedOrGivenUpByTheUserGoesToTheTrash) {
   start.folder = here.path();
   start.environment = {{"HOME", here.path()}, {"XDG_DATA_HOME", here.path()}};
   EXPECT_EQ(ChildProcess(start).status(), 0);
-  std::string left;
-  for (const std::string& path : {here / "b", here / "c", there / "c", here / "Trash/files/a\xff",
-                                  here / "Trash/files/b", here / "Trash/files/c"}) {
-    left += contents(path) + "|";
-  }
-  EXPECT_EQ(left, "a|other|other|a\xff|b|c|");
+  EXPECT_EQ(contents(here / "b") + contents(here / "c") + contents(there / "c"), "aotherother");
+  for (const std::string name : {"a\xff", "b", "c"}) EXPECT_EQ(contents(here / ("Trash/files/" + name)), name);
   EXPECT_FALSE(files->exists(here / "a\xff") || files->exists(here / "a"));
 }
 
