@@ -25,7 +25,7 @@ class RulePage : public wxPanel {
     std::function<bool(int)> remove;
     std::function<bool(int, int)> exchange;
     std::function<void()> add;
-    std::function<void(int)> edit;               // empty where rules cannot be edited
+    std::function<void(int)> edit;                      // empty where rules cannot be edited
     std::function<void(const std::string&)> not_saved;  // tells the user that this did not work: "move", "remove"
     std::function<void(wxWindow& over, wxMenu& menu, const wxPoint& at)> pop_up;
   };
