@@ -69,13 +69,13 @@ TEST(InstanceChannel, OneCopyRunsAndTakesAllTextsWholeAndInOrderAndSendersLearnO
   on_text = [] { throw Failure("refused"); };
   meanwhile([&] { EXPECT_THROW(copy(300ms)->send("refused"), Failure); });
   on_text = [&] {  // another text, and the end of the channel, while a text is handled
-    if (taken.back() != "inner") return meanwhile([&] { copy()->send("inner"); });
+    if (taken.empty() || taken.back() != "inner") return meanwhile([&] { copy()->send("inner"); });
     running->stop();
     EXPECT_FALSE(copy()->become_running_copy()) << "it finishes its work";
     running.reset();
   };
   meanwhile([&] { copy()->send("outer"); });
-  EXPECT_EQ(taken.back(), "inner");
+  EXPECT_TRUE(taken.size() > 1 && taken.back() == "inner");
   EXPECT_THROW(copy()->send("x"), Failure) << "nobody is there";
 }
 

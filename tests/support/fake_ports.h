@@ -48,8 +48,9 @@ struct FakeUi : UserInterface {
     if (index < 1 || index > static_cast<int>(rows.size())) throw Failure("no such row");
     std::string& row = rows[static_cast<std::size_t>(index) - 1];
     const std::size_t first = row.find('|'), second = row.find('|', first + 1);
+    const std::string filename = row.substr(0, first), name = row.substr(first + 1, second - first - 1);
     const std::string status = update.status.value_or(row.substr(second + 1));
-    row = row.substr(0, first + 1) + update.new_name.value_or(row.substr(first + 1, second - first - 1)) + "|" + status;
+    row = filename + "|" + update.new_name.value_or(name) + "|" + status;
     states += (update.scroll_into_view ? status : "(" + status + ")") + " ";
   }
   void show_filters(const std::vector<ListRow>& shown) override { filters = shown; }
