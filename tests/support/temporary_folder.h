@@ -19,8 +19,11 @@ class TemporaryFolder {
   }
   ~TemporaryFolder() {
     std::error_code failed;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(top_, failed)) {
-      if (!entry.is_symlink() && entry.is_directory()) permissions(entry.path(), std::filesystem::perms::owner_all);
+    using Walk = std::filesystem::recursive_directory_iterator;
+    for (Walk at(top_, failed); !failed && at != Walk(); at.increment(failed)) {
+      if (!at->is_symlink() && at->is_directory(failed)) {
+        permissions(at->path(), std::filesystem::perms::owner_all, failed);
+      }
     }
     // A program that has just ended may hold a file open for a moment more, with which some systems keep the folder.
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
