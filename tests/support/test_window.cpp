@@ -52,10 +52,6 @@ TestWindow::~TestWindow() {
 
 void TestWindow::start() {
   frame = new ui::MainFrame;
-  frame->Bind(wxEVT_DESTROY, [this](wxWindowDestroyEvent& event) {
-    if (event.GetWindow() == frame) frame = nullptr;
-    event.Skip();
-  });
   session.emplace(with(*frame), places());
   startup.emplace(*session, *frame, desktop);
   frame->attach(*session, desktop, [this] { startup->unload(); });
@@ -116,12 +112,12 @@ std::string TestWindow::rows(std::size_t tab) const {
 std::string TestWindow::menu_over(std::size_t tab, int row) {
   ui::RowList& over = list(tab);
   wxTheApp->ProcessPendingEvents();
-  wxPoint at(40, over.GetClientSize().y - 8);
+  wxPoint at(40, row == -2 ? 2 : over.GetClientSize().y - 8);
   wxRect area;
   if (row > 0 && over.GetItemRect(row - 1, area)) at.y = area.y + area.height / 2;
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
-  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row < 0 ? wxDefaultPosition : over.ClientToScreen(at));
+  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row == -1 ? wxDefaultPosition : over.ClientToScreen(at));
   over.ProcessWindowEvent(event);
   return *shown;
 }

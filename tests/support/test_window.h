@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <wx/app.h>
 #include <wx/modalhook.h>
+#include <wx/weakref.h>
 #include <wx/wx.h>
 
 #include <deque>
@@ -39,8 +40,8 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   ui::RowList& list(std::size_t tab) const;
   /// The cells of all its rows, "|" between them and ";" after each row.
   std::string rows(std::size_t tab) const;
-  /// The entries of the menu that a right click on a row of the list brings up, one on the empty area for row 0, or
-  /// the menu key for row -1.
+  /// The entries of the menu that a right click on a row of the list brings up, one on the empty area for row 0, the
+  /// menu key for row -1, or one on the titles for row -2.
   std::string menu_over(std::size_t tab, int row);
   void drop(const std::vector<std::string>& paths) const;
   /// Makes a file below "in"; its path.
@@ -49,7 +50,7 @@ class TestWindow : public ::testing::Test, protected TestPorts, private wxModalD
   /// How many lines of the log end so.
   std::ptrdiff_t logged(const std::string& end) const;
 
-  ui::MainFrame* frame = nullptr;  // null when it has gone
+  wxWeakRef<ui::MainFrame> frame;  // null when it has gone
   std::function<void()> on_progress = [] {};
   std::optional<Session> session;
   std::optional<Startup> startup;

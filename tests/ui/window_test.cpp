@@ -32,19 +32,20 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   }
   const auto& tabs = find<wxNotebook>(*frame, "TabStrip1");
   for (const std::size_t tab : {2U, 3U, 1U}) {
-    const std::string menus = menu_over(tab, 0) + ";" + menu_over(tab, tab > 1 ? 1 : 0);
-    all +=
-        from_wx(tabs.GetPageText(tab - 1)) + ": " + shown(tabs) + std::to_string(list(tab).selected()) + menus + "\n";
+    const std::string menus = menu_over(tab, 0) + ";" + menu_over(tab, -2) + ";" + menu_over(tab, tab > 1 ? 1 : 0);
+    const std::string page = shown(tabs) + std::to_string(list(tab).selected()) + menus;
+    all += from_wx(tabs.GetPageText(tab - 1)) + ": " + page + "\n";
   }
-  EXPECT_EQ(all,
-            "File: Add File|-|Exit\n"
-            "Options: Preferences\n"
-            "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
-            "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Edit Filter|Remove "
-            "Filter|-|Add Filter\n"
-            "Exceptions: Detected Show Name,New Show Name|Move Up|Move Down|Add New|1Add Exception;Add Exception|"
-            "Remove Exception\n"
-            "File Queue: Filename,New Name,Status|0;\n");
+  EXPECT_EQ(
+      all,
+      "File: Add File|-|Exit\n"
+      "Options: Preferences\n"
+      "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
+      "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Add Filter;Edit Filter|Remove "
+      "Filter|-|Add Filter\n"
+      "Exceptions: Detected Show Name,New Show Name|Move Up|Move Down|Add New|1Add Exception;Add Exception;Add "
+      "Exception|Remove Exception\n"
+      "File Queue: Filename,New Name,Status|0;;\n");
 }
 
 TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStartsThenUndoneAndRetriedByTheMenu) {
