@@ -24,8 +24,7 @@ struct NoOperation : FileOperation {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   testing::Events events;
   testing::FakeUi ui(events);
-  testing::FakeWindow window(events);
-  testing::FakeChannel channel(events);
+  testing::FakeDesktop desktop(events);
   testing::FakeClock clock(events);
   fuzz::NoSocket socket;
   fuzz::MemoryFiles files;
@@ -33,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Values values;
   NoOperation shell;
   Session session({values, shell, files, socket, ui, clock}, {"/data", "/program", "/w/", "http://127.0.0.1"});
-  Startup startup(session, window, channel);
+  Startup startup(session, desktop, desktop);
   std::string_view rest = fuzz::text_of(data, size);
   for (int i = 0; i < 3; ++i) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
