@@ -38,7 +38,7 @@ struct FilesTest : ::testing::Test {
 };
 
 TEST_F(FilesTest, AreLookedAtListedAndRead) {
-  const std::string odd = facts::odd_names.front(), cut = here / "a" + std::string(1, '\0');
+  const std::string &odd = facts::odd_names.front(), cut = here / "a" + std::string(1, '\0');
   EXPECT_TRUE(files->replace(here / odd, std::string("\0b", 2)));
   for (const auto& [path, kind, bytes] : {std::tuple(here / odd, Kind::File, std::string("\0b", 2)),
                                           {here / "folder", Kind::Folder, ""},

@@ -26,6 +26,7 @@ TEST(InstanceChannel, OneCopyRunsAndTakesAllTextsWholeAndInOrderAndSendersLearnO
   std::atomic<int> count = 0;
   {
     std::vector<std::jthread> threads;
+    threads.reserve(copies.size());
     for (auto& each : copies) {
       threads.emplace_back([&] {
         each = copy();

@@ -46,7 +46,7 @@ class ListingsService {
   ~ListingsService() {
     thread_.request_stop();
     const SOCKET last = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    connect(last, generic_, sizeof address_);  // ends the wait for a client
+    (void)connect(last, generic_, sizeof address_);  // ends the wait for a client
     thread_.join();
     closesocket(last);
     closesocket(listener_);
