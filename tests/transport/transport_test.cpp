@@ -79,7 +79,8 @@ TEST_F(Http, ATransferTakesTheseStepsAndABarePathStaysWithTheHost) {
 
 TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
   const std::string given_up = "|close|The answer from a was given up: ";
-  const std::string body = std::string(11'184'810, '\x80') + "xx";  // as long as it may be, with three bytes each
+  std::string body("xx");
+  body.resize(11'184'812, '\x80');  // as long as it may be, with three bytes each
   const std::vector<Reads> redirects(51, {"HTTP/1.1 302 Found\r\nLocation: /again\r\n\r\n"});
   const std::tuple<std::vector<Reads>, std::string, std::string> cases[] = {
       {{{"HTTP/1.1 200 OK\r\n"}}, "", "|close|HTTP: Downloaded 0 bytes|"},
@@ -112,7 +113,7 @@ TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryStep) {
       {"read 2048|", cancel, "HTTP: Download canceled|close|"},
       {"Got 1 bytes|events|", cancel, "close|HTTP: Download canceled|"}};
   for (const auto& [at, happens, end] : cases) {
-    works = [&] { return !steps.ends_with(at) || happens(); };
+    works = [this, &at = at, &happens = happens] { return !steps.ends_with(at) || happens(); };
     EXPECT_EQ(get({{ok + "x", "y"}}, "https://a/"), "");
     EXPECT_TRUE(steps.ends_with(at + end)) << steps;
     works = [] { return true; };
