@@ -181,7 +181,7 @@ TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
 TEST_F(TestWindow, EachPreferenceHasItsBox) {
   key_values.numbers["autoclose"] = 1;
   start();
-  on_dialog([this](wxDialog& dialog) {
+  on_dialog([](wxDialog& dialog) {
     EXPECT_EQ(shown(dialog),
               "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Disable Cache|o Disable "
               "UTF-8 Decoding|o Add To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|OK|"
