@@ -32,8 +32,8 @@ class FileJobs {
  public:
   FileJobs(FileOperation& shell, Files& files, Log& log) : shell_(shell), files_(files), log_(log) {}
 
-  /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure,
-  /// as undo() does, when a name holds a NUL, and for an action that is none.
+  /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure
+  /// when a name holds a NUL, as undo() does, and when the action is unknown.
   FileJobResult run(const FileJob& job);
 
   /// Brings back what run() has changed: a renamed or moved file returns to its old path, a copy goes to the trash.

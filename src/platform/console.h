@@ -11,7 +11,6 @@ namespace quorvel::console {
 void write_out(std::string_view text);
 void write_error(std::string_view text);
 
-bool out_is_terminal();
 bool error_is_terminal();
 
 /// Columns of the terminal behind standard error; 80 where it does not say.

@@ -58,10 +58,6 @@ void write_error(std::string_view text) {
   write_all(STDERR_FILENO, text);
 }
 
-bool out_is_terminal() {
-  return ::isatty(STDOUT_FILENO) == 1;
-}
-
 bool error_is_terminal() {
   return ::isatty(STDERR_FILENO) == 1;
 }

@@ -66,10 +66,6 @@ void write_error(std::string_view text) {
   write_all(STD_ERROR_HANDLE, text);
 }
 
-bool out_is_terminal() {
-  return is_terminal(STD_OUTPUT_HANDLE);
-}
-
 bool error_is_terminal() {
   return is_terminal(STD_ERROR_HANDLE);
 }
