@@ -80,7 +80,7 @@ TEST_F(Http, ATransferTakesTheseStepsAndABarePathStaysWithTheHost) {
 TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
   const std::string given_up = "|close|The answer from a was given up: ";
   std::string body("xx");
-  body.resize(11'184'812, '\x80');  // as long as it may be, with three bytes each
+  body.append(11'184'810, static_cast<char>(0x80));  // as long as it may be, with three bytes each
   const std::vector<Reads> redirects(51, {"HTTP/1.1 302 Found\r\nLocation: /again\r\n\r\n"});
   const std::tuple<std::vector<Reads>, std::string, std::string> cases[] = {
       {{{"HTTP/1.1 200 OK\r\n"}}, "", "|close|HTTP: Downloaded 0 bytes|"},
