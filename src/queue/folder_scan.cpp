@@ -1,10 +1,12 @@
 #include "queue/folder_scan.h"
 
+#include <map>
 #include <set>
 #include <utility>
 
 #include "naming/file_names.h"
 #include "platform/native.h"
+#include "text/natural_order.h"
 
 namespace quorvel {
 namespace {
@@ -12,7 +14,7 @@ namespace {
 class Scan {
  public:
   Scan(const Files& files, const std::string& top) : files_(files), top_(top) {
-    for (std::string folder = top; !folder.empty(); folder = getpath(folder, 1)) is_new(folder);
+    for (std::string folder = top; !folder.empty(); folder = getpath(folder, 1)) enter(folder);
   }
 
   std::vector<std::string> run() {
@@ -20,29 +22,34 @@ class Scan {
     while (!links_.empty()) {
       const std::vector<std::string> links = std::exchange(links_, {});
       for (const std::string& link : links) {
-        if (is_new(top_ + link)) list(link);
+        if (enter(top_ + link)) list(link);
       }
     }
     return std::move(found_);
   }
 
  private:
-  bool is_new(const std::string& folder) {
+  /// Whether the folder has not been entered before. Only of use at links: some file systems number all folders alike.
+  bool enter(const std::string& folder) {
     const std::optional<FileStamp> stamp = files_.stamp(folder);
     return stamp && entered_.emplace(stamp->device, stamp->id).second;
   }
 
   /// The entries are taken in before the first subfolder is entered: systems let few folders be open at once.
   void list(const std::string& folder) {
-    std::vector<FolderEntry> entries;
-    files_.list(top_ + folder, [&](FolderEntry entry) { entries.push_back(std::move(entry)); });
-    for (const FolderEntry& entry : entries) {
+    std::multimap<std::pair<std::string, std::string>, FolderEntry> entries;  // names that differ in case alone last
+    files_.list(top_ + folder, [&](FolderEntry entry) {
+      const std::string name = entry.name;
+      entries.emplace(std::pair(natural_key(name), name), std::move(entry));
+    });
+    for (const auto& [key, entry] : entries) {
       const std::string path = folder + entry.name;
       if (!entry.is_folder) {
         found_.push_back(path);
       } else if (entry.is_link) {
         links_.push_back(with_separator(path));
-      } else if (is_new(top_ + path)) {
+      } else {
+        enter(top_ + path);
         list(with_separator(path));
       }
     }

@@ -1,4 +1,5 @@
 #include "fault_world.h"
+#include "queue/folder_scan.h"
 #include "support/linux/unprivileged.h"
 
 namespace quorvel::testing {
@@ -17,6 +18,12 @@ TEST(Links, AreFollowedOnceAndLoopsEnd) {
   std::set<std::string> queued;
   for (int i = 1; i <= 3; ++i) queued.insert(test.item(i).path.substr(folder.path().size()));
   EXPECT_EQ(queued, (std::set<std::string>{"/in/x.avi", "/in/s/\"quoted\".avi", "/in/there/e.avi"}));
+
+  struct : FaultPlan {  // a file system that numbers all files alike
+    std::optional<FileStamp> stamp(const std::string&) const override { return FileStamp(); }
+  } const alike;
+  EXPECT_EQ(scan_folder(alike, folder / "in/"),
+            (std::vector<std::string>{"dangling.avi", "s/\"quoted\".avi", "x.avi"}));
 }
 
 TEST(OtherUsers, FilesStayAsTheyAre) {
