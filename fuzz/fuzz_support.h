@@ -103,7 +103,7 @@ struct Service {
   FakeClock clock{events};
   NoLog log;
   FeedSocket socket;
-  HttpClient http{socket, ui, log};
+  HttpClient http{socket, ui};
 };
 
 }  // namespace quorvel::fuzz

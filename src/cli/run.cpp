@@ -97,7 +97,7 @@ bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
 int run_session(Session& session, const std::vector<std::string>& paths, TerminalUi& ui, Terminal& terminal) {
   session.log.on_line = [&](const std::string& line, bool) { terminal.out_line(line); };
   ui.on_quit = [&] { session.processor.may_close(); };
-  ui.on_cancel = [&] { session.http.cancel(); };
+  ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
   session.start();
   queue_paths(session, paths, terminal);

@@ -15,7 +15,7 @@ class TerminalUi : public UserInterface {
  public:
   explicit TerminalUi(Terminal& terminal) : terminal_(terminal) {}
 
-  /// What an interrupt does; nothing by default. The first ends the pass, the second stops a transfer.
+  /// What an interrupt does; nothing by default. The first ends the pass, the second stops a transfer as well.
   std::function<void()> on_quit = [] {};
   std::function<void()> on_cancel = [] {};
 

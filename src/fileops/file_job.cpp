@@ -11,6 +11,13 @@ namespace {
 
 using Request = FileOperationRequest;
 
+/// Some file systems keep times only to two seconds.
+bool may_be_copy(const FileStamp& copy, const FileStamp& source) {
+  constexpr std::int64_t precision_ns = 2'000'000'000;
+  const std::int64_t apart = copy.modified_ns - source.modified_ns;
+  return copy.size == source.size && apart <= precision_ns && apart >= -precision_ns;
+}
+
 /// A NUL would end the name early and hit another file.
 void refuse_nul(const FileJob& job) {
   for (const std::string* text : {&job.path, &job.dest_path, &job.new_name}) {
@@ -58,14 +65,16 @@ FileJobResult FileJobs::rename(const FileJob& job) {
 }
 
 FileJobResult FileJobs::perform(const FileOperationRequest& request) {
-  return result_of(shell_.perform(request));
+  FileJobResult result = result_of(shell_.perform(request));
+  if (result.done) result.stamp = files_.stamp(request.destination);
+  return result;
 }
 
 FileJobResult FileJobs::result_of(int code) {
-  if (code == 0) return {true, std::nullopt};
+  if (code == 0) return {true};
   log_.debug_log("File operation failed (" + std::to_string(code) + ")", LogLevel::Normal);
   return {false, std::string("The file operation failed. ").append(native::system_name) + " reports error " +
-                     std::to_string(code)};
+                     std::to_string(code) + ": " + native::error_words(code)};
 }
 
 FileJobResult FileJobs::undo(const FileJob& job) {
@@ -75,6 +84,7 @@ FileJobResult FileJobs::undo(const FileJob& job) {
     log_.debug_log("Undo rename failed. Source file not found", LogLevel::Verbose);
     return {};
   }
+  refuse_another_file(job);
   FileJobResult result;
   const auto back = [&](Request::Operation operation) {
     return perform({operation, current, job.path, Request::AllowUndo});
@@ -101,12 +111,20 @@ FileJobResult FileJobs::undo(const FileJob& job) {
   return result;
 }
 
+/// Numbers of files are left out of account: some file systems give a file a new one now and then.
+void FileJobs::refuse_another_file(const FileJob& job) const {
+  const std::optional<FileStamp> now = files_.stamp(job.destination());
+  if (!job.done_stamp || !now) return;
+  if (now->size == job.done_stamp->size && now->modified_ns == job.done_stamp->modified_ns) return;
+  throw Failure(job.destination() + " has been changed or replaced since");
+}
+
 int FileJobs::delete_copy(const FileJob& job) {
   const std::string copy = job.destination();
   const int code = shell_.perform({Request::Delete, copy, "", Request::AllowUndo | Request::NoConfirmation});
   if (code != native::no_trash_code) return code;
   const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(copy);
-  if (!source || !copied || source->size != copied->size || source->same_file(*copied)) return code;
+  if (!source || !copied || source->same_file(*copied) || !may_be_copy(*copied, *source)) return code;
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
 }
 

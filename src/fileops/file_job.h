@@ -16,8 +16,9 @@ struct FileJob {
   std::string path;      // of the source
   std::string filename;  // its last component
   std::string new_name;
-  std::string dest_path;  // the destination folder, ending in a separator
-  int action = 0;         // an Action of the rules
+  std::string dest_path;                     // the destination folder, ending in a separator
+  int action = 0;                            // an Action of the rules
+  std::optional<FileStamp> done_stamp = {};  // of the destination after the job was done
 
   std::string destination() const { return dest_path + new_name; }
 };
@@ -25,7 +26,8 @@ struct FileJob {
 /// How it ended. Without an error text, the one that the user sees stays as it was.
 struct FileJobResult {
   bool done = false;
-  std::optional<std::string> error_text;
+  std::optional<std::string> error_text = {};
+  std::optional<FileStamp> stamp = {};  // of the destination, when done
 };
 
 class FileJobs {
@@ -37,7 +39,8 @@ class FileJobs {
   FileJobResult run(const FileJob& job);
 
   /// Brings back what run() has changed: a renamed or moved file returns to its old path, a copy goes to the trash.
-  /// Where there is no trash, a copy is deleted only while its source is there with the same size.
+  /// Where there is no trash, a copy is deleted only while its source is there with the same size and time of change.
+  /// Throws Failure when the file at the destination is not the one that `done_stamp` describes.
   FileJobResult undo(const FileJob& job);
 
   /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
@@ -47,6 +50,7 @@ class FileJobs {
  private:
   FileJobResult rename(const FileJob& job);
   FileJobResult perform(const FileOperationRequest& request);
+  void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);
   int delete_copy(const FileJob& job);
 

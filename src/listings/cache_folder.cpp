@@ -14,6 +14,14 @@ std::string CacheFolder::file(std::string_view name, std::string_view extension)
   return path() + native::separator + cleantitle(name) + std::string(extension);
 }
 
+std::vector<std::string> CacheFolder::files(std::string_view extension) const {
+  std::vector<std::string> found;
+  files_.list(path(), [&](const FolderEntry& entry) {
+    if (!entry.is_folder && entry.name.ends_with(extension)) found.push_back(path() + native::separator + entry.name);
+  });
+  return found;
+}
+
 std::string CacheFolder::load(const std::string& file) const {
   return loadfile(files_, file);
 }

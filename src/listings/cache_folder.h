@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/files.h"
 
@@ -17,6 +18,9 @@ class CacheFolder {
 
   /// The path of the cache file for `name`, without the characters that cleantitle removes.
   std::string file(std::string_view name, std::string_view extension) const;
+
+  /// The paths of all files in it that have this extension, in no order.
+  std::vector<std::string> files(std::string_view extension) const;
 
   /// The stamp of a cache file as it is now; empty when it does not exist.
   std::optional<FileStamp> stamp(const std::string& file) const { return files_.stamp(file); }

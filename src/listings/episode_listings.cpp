@@ -85,6 +85,7 @@ FoundEpisode EpisodeListings::finish(const Episode& episode, bool decode_utf8) {
 }
 
 bool EpisodeListings::checkepcache(const std::string& show_name) {
+  if (known_.share_cache(show_name)) return false;
   const std::string file = cache_.file(show_name, ".epc");
   const std::optional<FileStamp> stamp = cache_.stamp(file);
   if (!stamp) return false;
@@ -127,7 +128,7 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
 
 /// By the time the cache is written the answer has been freed: a long one takes much memory.
 bool EpisodeListings::accept_answer(const std::string& answer, const std::string& search_name) {
-  if (answer.empty()) return false;
+  if (answer.empty()) throw Failure(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", LogLevel::Normal);
     return false;
@@ -161,18 +162,22 @@ void EpisodeListings::read_answer(std::string_view answer) {
 void EpisodeListings::update_cache(const std::string& show_name) {
   log_.debug_log("Updating ep cache", LogLevel::Verbose);
   std::string text;
+  bool all_dated = true;
   for (const Episode& episode : list_.all()) {
     // is_aired ignores what follows a date's third part, and tabs there would split it into further fields.
     const bool fits =
         fits_cache_field(episode.airdate) && fits_cache_field(episode.url) && fits_cache_field(episode.title);
-    if (!fits || !is_aired(episode.airdate)) continue;
+    const std::optional<bool> aired = is_aired(episode.airdate);
+    all_dated = all_dated && aired;
+    if (!fits || !aired.value_or(false)) continue;
     text += episode.airdate + "\t" + std::to_string(episode.season) + "\t" + std::to_string(episode.number) + "\t" +
             episode.url + "\t" + episode.title + "\r\n";
   }
+  if (!all_dated) log_.debug_log("Error checking date", LogLevel::Normal);
   cache_.store(cache_.file(show_name, ".epc"), text);
 }
 
-bool EpisodeListings::is_aired(std::string_view airdate) {
+std::optional<bool> EpisodeListings::is_aired(std::string_view airdate) const {
   if (airdate == "0000-00-00" || airdate == "0-0-0") return false;
   try {
     const std::vector<std::string_view> parts = split(airdate, "-");
@@ -180,8 +185,7 @@ bool EpisodeListings::is_aired(std::string_view airdate) {
     if (parts[1] == "00" || parts[2] == "00") return false;
     return to_day(parts[0], parts[1], parts[2]) <= std::chrono::sys_days(clock_.today());
   } catch (const Failure&) {
-    log_.debug_log("Error checking date", LogLevel::Normal);
-    return false;
+    return std::nullopt;
   }
 }
 

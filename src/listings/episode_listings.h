@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "listings/cache_folder.h"
-#include "listings/show_search.h"
+#include "listings/known_shows.h"
 #include "platform/clock.h"
 #include "platform/log.h"
 #include "transport/http_client.h"
@@ -53,21 +53,22 @@ class EpisodeListings {
     bool decode_utf8 = true;
   };
 
-  EpisodeListings(HttpClient& http, CacheFolder& cache, Log& log, Clock& clock, std::string api_base)
-      : http_(http), cache_(cache), log_(log), clock_(clock), api_base_(std::move(api_base)) {}
+  EpisodeListings(HttpClient& http, CacheFolder& cache, KnownShows& known, Log& log, Clock& clock, std::string api_base)
+      : http_(http), cache_(cache), known_(known), log_(log), clock_(clock), api_base_(std::move(api_base)) {}
 
-  /// `search_name` is what was searched for, for the log. Empty when the show has no such episode or the service
-  /// cannot be reached or understood. Throws Failure when one of the fetched episodes lacks a number, or when there are
-  /// more of them than any show has: a list that cannot be read to its end is not trusted.
+  /// `search_name` is what was searched for, for the log. Empty when the show has no such episode or the service's
+  /// answer is no list of episodes. Throws Failure when there is no answer, when one of the fetched episodes lacks a
+  /// number, or when there are more of them than any show has: a list that cannot be read to its end is not trusted.
   std::optional<FoundEpisode> getlistings(const Show& show, const std::string& search_name, int season, int episode,
                                           Options options);
 
-  /// Makes the cache file's episodes of the show the episode list; false when there is no file or it is damaged.
+  /// Makes the cache file's episodes of the show the episode list; false when there is no file, when it is damaged, or
+  /// when it may be another show's of the same name.
   bool checkepcache(const std::string& show_name);
 
-  /// Whether an episode of that date has been aired, so that its title will not change any more.
-  /// False for everything that is not a date, with a log line.
-  bool is_aired(std::string_view airdate);
+  /// Whether an episode of that date has been aired, so that its title will not change any more; empty for everything
+  /// that is not a date.
+  std::optional<bool> is_aired(std::string_view airdate) const;
 
  private:
   const Episode* fetch(const Show& show, const std::string& search_name, int season, int episode, bool use_cache);
@@ -79,6 +80,7 @@ class EpisodeListings {
 
   HttpClient& http_;
   CacheFolder& cache_;
+  KnownShows& known_;
   Log& log_;
   Clock& clock_;
   std::string api_base_;

@@ -1,7 +1,5 @@
 #include "listings/show_search.h"
 
-#include <vector>
-
 #include "listings/answer.h"
 #include "text/cut.h"
 #include "text/failure.h"
@@ -11,16 +9,7 @@
 namespace quorvel {
 
 std::optional<Show> ShowSearch::checkqcache(const std::string& search_name) const {
-  try {
-    const std::string file = cache_.file(search_name, ".qc");
-    if (!cache_.stamp(file)) return std::nullopt;
-    const std::string text = cache_.load(file);
-    const std::vector<std::string_view> fields = split(text, "\t");
-    if (fields.size() < 3) return std::nullopt;
-    return Show{to_number(fields[0]), std::string(fields[2]), std::string(fields[1])};
-  } catch (const Failure&) {
-    return std::nullopt;  // the service is asked, and the file replaced
-  }
+  return cached_show(cache_, cache_.file(search_name, ".qc"));
 }
 
 std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool use_cache) {
@@ -34,6 +23,7 @@ std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool us
     log_.debug_log("Query cache disabled", LogLevel::Verbose);
   }
   std::optional<Show> show = search_service(search_name);
+  if (show) known_.add(*show);
   if (show && use_cache) {
     log_.debug_log("Updating query cache", LogLevel::Verbose);
     if (fits_cache_field(show->url) && fits_cache_field(show->name)) {
@@ -46,7 +36,7 @@ std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool us
 std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   std::string url = api_base_ + "/search/shows?q=" + HttpClient::URLEncode(search_name);
   const std::string answer = http_.GetData(url, "");
-  if (answer.empty()) return std::nullopt;
+  if (answer.empty()) throw Failure(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no results for: \"" + search_name + "\"", LogLevel::Normal);
     return std::nullopt;

@@ -5,28 +5,21 @@
 #include <string_view>
 
 #include "listings/cache_folder.h"
+#include "listings/known_shows.h"
 #include "platform/log.h"
 #include "transport/http_client.h"
 
 namespace quorvel {
 
-/// A show as the listings service knows it.
-struct Show {
-  int id = 0;
-  std::string name;
-  std::string url;  // of its web page, in the double quotes that surround it in the answer
-  bool operator==(const Show&) const = default;
-};
-
 /// Finds shows by name, in the query cache or at the service.
 class ShowSearch {
  public:
   /// `api_base` is the service's address without a trailing slash.
-  ShowSearch(HttpClient& http, CacheFolder& cache, Log& log, std::string api_base)
-      : http_(http), cache_(cache), log_(log), api_base_(std::move(api_base)) {}
+  ShowSearch(HttpClient& http, CacheFolder& cache, KnownShows& known, Log& log, std::string api_base)
+      : http_(http), cache_(cache), known_(known), log_(log), api_base_(std::move(api_base)) {}
 
-  /// The first show that the cache or the service gives for the name; empty when there is none or the service cannot
-  /// be reached or understood. Throws Failure when a value of the answer is not what it must be.
+  /// The first show that the cache or the service gives for the name; empty when there is none or the answer is no
+  /// list of shows. Throws Failure when there is no answer, or when a value of it is not what it must be.
   std::optional<Show> searchtv(const std::string& search_name, bool use_cache);
 
   /// The show in the cache file for the name; empty when there is no such file or it is damaged.
@@ -37,6 +30,7 @@ class ShowSearch {
 
   HttpClient& http_;
   CacheFolder& cache_;
+  KnownShows& known_;
   Log& log_;
   std::string api_base_;
 };

@@ -106,7 +106,7 @@ std::optional<Detection> detect(std::string_view name, bool is_folder) {
     if (is_folder && pattern.where == FileOnly) continue;
     const Place place = find_place(pattern, name);
     if (!place.probe_found) continue;
-    if (place.at == std::string_view::npos) return std::nullopt;
+    if (place.at == std::string_view::npos) return Detection{.is_refused = true};
     std::string show(name.substr(0, place.at));
     std::replace(show.begin(), show.end(), '.', ' ');
     return Detection{cleantitle(show), number_at(name, place.at, pattern.season),

@@ -11,10 +11,11 @@ namespace quorvel {
 
 /// What a name says about its episode.
 struct Detection {
-  std::string show;  // lower case, cleaned, dots turned into spaces
+  std::string show = {};  // lower case, cleaned, dots turned into spaces
   int season = 0;
   int episode = 0;
-  int id = 0;  // of the pattern, for the log
+  int id = 0;               // of the pattern, for the log
+  bool is_refused = false;  // the pattern fits nothing but a resolution such as "1080p"; nothing else is set then
   bool operator==(const Detection&) const = default;
 };
 

@@ -12,6 +12,9 @@ extern const char separator;
 /// The system's name as error texts give it.
 extern const std::string_view system_name;
 
+/// What the code of a failed file operation means, in the system's own words.
+std::string error_words(int code);
+
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 

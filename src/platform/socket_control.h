@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,9 @@ namespace quorvel {
 class SocketControl {
  public:
   virtual ~SocketControl() = default;
+
+  /// Called many times a second while a call waits; where it returns false, that call fails at once.
+  std::function<bool()> on_wait = [] { return true; };
 
   virtual void set_timeout(int seconds) = 0;
 

@@ -35,7 +35,8 @@ struct ConfirmationQuestion {
 /// The standard icons of the message box.
 enum class MessageIcon { Error = 32513, Question = 32514, Warning = 32515, Information = 32516 };
 
-/// The user interface as the core sees it. Events run only inside process_events, ask_confirmation and show_message.
+/// The user interface as the core sees it. Events run only inside process_events, catch_up, ask_confirmation and
+/// show_message.
 class UserInterface {
  public:
   virtual ~UserInterface() = default;
@@ -50,8 +51,11 @@ class UserInterface {
   virtual void show_filters(const std::vector<ListRow>& rows) = 0;
   virtual void show_exceptions(const std::vector<ListRow>& rows) = 0;
 
-  /// Lets pending events run and comes back.
+  /// Lets pending events run and comes back. May do nothing when it did so a moment ago.
   virtual void process_events() = 0;
+
+  /// The same, but never does nothing: what has changed is to be seen before something takes its time.
+  virtual void catch_up() { process_events(); }
 
   /// The user's answer, or empty when the question was closed without one.
   virtual std::optional<bool> ask_confirmation(const ConfirmationQuestion& question) = 0;

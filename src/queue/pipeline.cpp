@@ -18,6 +18,7 @@ bool Pipeline::getbits(QueueItem& item, bool parentFolder) {
     parts_.log.debug_log("No filter found", LogLevel::Verbose);
     return false;
   }
+  if (found->is_refused) return false;
   item.search_name = found->show;
   item.season = found->season;
   item.episode = found->episode;
@@ -77,13 +78,14 @@ bool Pipeline::confirm(QueueItem& item) {
   const std::optional<bool> answer =
       parts_.ui.ask_confirmation({std::string("Confirm File ") + operation,
                                   "Continue with file " + lower_case(operation) + "?", job.path, job.destination()});
-  if (answer) item.confirmed = *answer;
+  item.confirmed = answer.value_or(false);
   return item.confirmed;
 }
 
 bool Pipeline::fileops(QueueItem& item) {
   const FileJobResult result = parts_.jobs.run(job_of(item));
   if (result.error_text) item.error_text = *result.error_text;
+  item.done_stamp = result.stamp;
   return result.done;
 }
 

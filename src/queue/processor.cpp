@@ -1,11 +1,19 @@
 #include "queue/processor.h"
 
+#include <algorithm>
+
 #include "queue/stage.h"
 
 namespace quorvel {
 namespace {
 
 constexpr const char* listings_site = "tvmaze.com";
+constexpr const char* stopped = "Stopped by the user";
+
+/// A reason's last line; none where nothing else is known.
+std::string line_of(const std::string& failure) {
+  return failure.empty() ? std::string() : "\r\n" + failure;
+}
 
 std::string episode_text(const QueueItem& item) {
   return item.show_name + " " + std::to_string(item.season) + "x" + std::to_string(item.episode);
@@ -32,16 +40,21 @@ void Processor::process_queue() {
   try {
     run_pass();
   } catch (...) {
-    queue_busy_ = false;  // else the window could never be closed again
+    end_pass();  // else the window could never be closed again
     throw;
   }
 }
 
+void Processor::stop() {
+  if (!queue_busy_ || stop_after_ > 0) return;
+  if (!quit_) log_.debug_log(stopped, LogLevel::Normal);
+  stop_after_ = queue_.count();
+}
+
 void Processor::run_pass() {
-  while (!ends_for_quit()) {
+  while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
-      retry_mode_ = false;
-      queue_busy_ = false;
+      end_pass();
       if (queue_cursor_ == 0) {
         log_.debug_log("No work to do", LogLevel::Verbose);
       } else {
@@ -58,16 +71,30 @@ void Processor::run_pass() {
     }
     process_item(index);
   }
+  if (!quit_) cancel_rest();  // meanwhile the user may quit
+  end_pass();
+  if (quit_) {
+    ui_.close();
+  } else if (queue_cursor_ < queue_.count()) {
+    ui_.arm_start_timer();  // for what was added after the pass was stopped
+  }
 }
 
-/// Whether the user wants to quit; the pass is over then and the window closes.
-bool Processor::ends_for_quit() {
-  if (!quit_) return false;
-  if (queue_busy_) {
-    queue_busy_ = false;
-    ui_.close();
+/// The next pass goes on after the last item, even where a retry has stepped over that.
+void Processor::end_pass() {
+  queue_cursor_ = std::min(queue_cursor_, queue_.count());
+  retry_mode_ = false;
+  queue_busy_ = false;
+  stop_after_ = 0;
+}
+
+void Processor::cancel_rest() {
+  for (int index = std::max(queue_cursor_, 1); index <= stop_after_; ++index) {
+    const QueueState state = queue_.at(index).state;
+    const bool is_at_work = index == queue_cursor_ && state >= QueueState::Scanning && state < QueueState::Done;
+    if (is_at_work || state == QueueState::Inactive) cancel(index, stopped);
   }
-  return true;
+  queue_cursor_ = std::max(queue_cursor_, stop_after_);
 }
 
 void Processor::set_state(int index, QueueState state) {
@@ -75,18 +102,26 @@ void Processor::set_state(int index, QueueState state) {
   view_.update_lv(index);
 }
 
+/// What fails after the user has stopped it has been cancelled.
 void Processor::fail(int index, const std::string& log_line, const std::string& error_text) {
+  if (stop_after_ > 0) return cancel(index, stopped);
   if (!log_line.empty()) log_.debug_log(log_line, LogLevel::Normal);
   queue_.at(index).error_text = error_text;
   set_state(index, QueueState::Failed);
 }
 
-/// Ends early when the user wants to quit; the item then keeps the state it has reached.
+void Processor::cancel(int index, const std::string& error_text) {
+  queue_.at(index).error_text = error_text;
+  set_state(index, QueueState::Cancelled);
+}
+
+/// Ends early when the user wants to quit or has stopped the pass; the item then keeps the state it has reached.
 void Processor::process_item(int index) {
   QueueItem& item = queue_.at(index);
   const auto names_an_episode = [&](bool parent_folder) {
     return run_stage(log_, "Error getting filename filter: ", [&] { return pipeline_.getbits(item, parent_folder); });
   };
+  item.error_text.clear();
   set_state(index, QueueState::Scanning);
   if (!names_an_episode(true) && !names_an_episode(false)) {
     return fail(index, "Unable to find filename filter for: " + item.filename, "Unable to find filename filter");
@@ -98,21 +133,24 @@ void Processor::process_item(int index) {
   pipeline_.checkex(item);
   log_.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
   const std::string searched = "\r\nSearched for: " + item.search_name;
-  if (!run_stage(log_, "Error searching for show: ", [&] { return pipeline_.searchtv(item); })) {
+  if (stop_after_ > 0) return;
+  const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return pipeline_.searchtv(item); });
+  if (!search) {
     return fail(index, "Unable to find show page for: " + item.search_name,
-                std::string("Unable to find show on ") + listings_site + searched);
+                std::string("Unable to find show on ") + listings_site + searched + line_of(search.failure));
   }
 
   set_state(index, QueueState::FetchingListings);
-  if (ends_for_quit()) return;
-  if (!run_stage(log_, "Error getting listings: ", [&] { return pipeline_.getlistings(item); })) {
+  if (is_ending()) return;
+  const StageResult listings = run_stage(log_, "Error getting listings: ", [&] { return pipeline_.getlistings(item); });
+  if (!listings) {
     return fail(index, "Unable to find listings for: " + episode_text(item),
                 std::string("Unable to find listings on ") + listings_site + searched +
-                    "\r\nDetected as: " + episode_text(item));
+                    "\r\nDetected as: " + episode_text(item) + line_of(listings.failure));
   }
 
   set_state(index, QueueState::CheckingFilters);
-  if (ends_for_quit()) return;
+  if (is_ending()) return;
   const StageResult rule = run_stage(log_, "Error checking filters: ", [&] { return pipeline_.dofilter(item); });
   if (!rule.failure.empty()) return fail(index, {}, rule.failure);
   if (!rule) {
@@ -121,17 +159,15 @@ void Processor::process_item(int index) {
   }
 
   set_state(index, QueueState::Processing);
-  if (ends_for_quit()) return;
+  if (is_ending()) return;
   if (!pipeline_.confirm(item)) {
     log_.debug_log("Unable to rename/move files for: " + item.new_name + " (user cancelled)", LogLevel::Normal);
-    item.error_text = "User cancelled the file operation";
-    return set_state(index, QueueState::Cancelled);
+    return cancel(index, "User cancelled the file operation");
   }
-  if (run_stage(log_, "Error renaming/moving: ", [&] { return pipeline_.fileops(item); })) {
-    return set_state(index, QueueState::Done);
-  }
-  log_.debug_log("Unable to rename/move files for: " + item.new_name, LogLevel::Normal);
-  set_state(index, QueueState::Failed);
+  const StageResult operation = run_stage(log_, "Error renaming/moving: ", [&] { return pipeline_.fileops(item); });
+  if (operation) return set_state(index, QueueState::Done);
+  fail(index, "Unable to rename/move files for: " + item.new_name,
+       operation.failure.empty() ? item.error_text : operation.failure);
 }
 
 }  // namespace quorvel

@@ -23,6 +23,13 @@ class Processor {
   /// closes the window itself.
   bool may_close();
 
+  /// Whether a running pass will end so.
+  bool is_quitting() const { return quit_; }
+
+  /// Ends a running pass at its next stage. What it has not done by then is cancelled, so that nothing happens to it
+  /// when the user adds another file; a retry takes it up again.
+  void stop();
+
   bool queue_busy() const { return queue_busy_; }
 
  private:
@@ -30,7 +37,11 @@ class Processor {
   void process_item(int index);
   void set_state(int index, QueueState state);
   void fail(int index, const std::string& log_line, const std::string& error_text);
-  bool ends_for_quit();
+  void cancel(int index, const std::string& error_text);
+  /// Whether the user wants to quit or has stopped the pass.
+  bool is_ending() const { return quit_ || stop_after_ > 0; }
+  void end_pass();
+  void cancel_rest();
 
   WorkQueue& queue_;
   const Settings& settings_;
@@ -42,6 +53,7 @@ class Processor {
   bool queue_busy_ = false;
   bool retry_mode_ = false;
   bool quit_ = false;
+  int stop_after_ = 0;  // the last item when the user stopped the pass; 0 when that was not so
 };
 
 }  // namespace quorvel

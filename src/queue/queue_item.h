@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "fileops/file_job.h"
@@ -39,13 +40,14 @@ struct QueueItem {
   // taking a move back as if it had been a copy would delete the only file.
   std::int32_t action = 0;
   bool confirmed = false;
-  std::string error_text;   // why it failed or was cancelled; lines end in CR LF
-  std::string episode_url;  // in double quotes, as the service gives it
+  std::optional<FileStamp> done_stamp;  // of the file that the operation has left at the destination
+  std::string error_text;               // why it failed or was cancelled; lines end in CR LF
+  std::string episode_url;              // in double quotes, as the service gives it
 };
 
 /// The file operation that the item's fields describe.
 inline FileJob job_of(const QueueItem& item) {
-  return {item.path, item.filename, item.new_name, item.dest_path, item.action};
+  return {item.path, item.filename, item.new_name, item.dest_path, item.action, item.done_stamp};
 }
 
 }  // namespace quorvel

@@ -23,12 +23,13 @@ void Undo::run(int index) {
   QueueItem& item = queue_.at(index);
   // A file at the destination of an item that is not done belongs to somebody else.
   if (item.state != QueueState::Done) return;
-  if (run_stage(log_, "Error undoing: ", [&] { return undofileops(item); })) {
+  const StageResult undone = run_stage(log_, "Error undoing: ", [&] { return undofileops(item); });
+  if (undone) {
     item.state = QueueState::Cancelled;
     item.error_text = "The file operation has been undone";
   } else {
     log_.debug_log("Failed to undo file operation", LogLevel::Normal);
-    item.error_text = "The file undo operation failed";
+    item.error_text = "The file undo operation failed" + (undone.failure.empty() ? "" : "\r\n" + undone.failure);
     item.state = QueueState::Failed;
   }
   view_.update_lv(index);

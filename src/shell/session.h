@@ -65,6 +65,12 @@ class Session {
   void setworkdir();
   void load_rules();
 
+  /// Ends the pass as its processor does, and the transfer in progress at once.
+  void stop() {
+    processor.stop();
+    http.cancel();
+  }
+
   const Ports ports;
   const Places places;
   DebugLog log;
@@ -75,6 +81,7 @@ class Session {
   ExceptionList exceptions;
   HttpClient http;
   CacheFolder cache;
+  KnownShows known_shows;
   ShowSearch search;
   EpisodeListings listings;
   FileJobs jobs;

@@ -17,7 +17,7 @@ constexpr int timeout_seconds = 4;
 constexpr std::size_t read_size = 2048;
 constexpr int max_port = 65535;
 constexpr int unauthorized = 401;
-constexpr std::size_t max_host_length = 253;
+constexpr std::size_t max_host_length = 253, max_status_length = 100;  // characters of each that are told
 
 /// One of HttpLimits is exceeded.
 class LimitExceeded : public Failure {
@@ -130,37 +130,50 @@ std::string HttpClient::PostData(std::string& url, std::string_view form, std::s
 
 std::string HttpClient::fetch(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
   deadline_ = std::chrono::steady_clock::now() + limits.time;
+  trouble_.clear();
+  in_progress_ = true;
+  cancel_ = false;
+  socket_.on_wait = [this] {
+    ui_.process_events();
+    return !cancel_;
+  };
+  std::string body;
   try {
-    Address address;  // outlives a redirect: a bare path stays with the last host and its security
-    std::string body;
-    for (int redirects = 0;; ++redirects) {
-      if (redirects > limits.redirects) {
-        throw LimitExceeded("it redirects more than " + std::to_string(limits.redirects) + " times");
-      }
-      if (!spliturl(url, address)) {
-        on_status("HTTP: The specified address is invalid");
-        return {};
-      }
-      const Outcome outcome = exchange(url, address, request_lines(address, cookie, form), body);
-      if (outcome != Outcome::Redirect) return body;
-    }
+    body = redirected(url, cookie, form);
+    if (body.empty() && trouble_.empty()) trouble_ = host() + " sent an empty answer";
   } catch (const LimitExceeded& exceeded) {
     socket_.disconnect();
-    log_.debug_log("The answer from " + last_host_.substr(0, max_host_length) + " was given up: " + exceeded.what(),
-                   LogLevel::Normal);
-    return {};
+    trouble_ = "The answer from " + host() + " was given up: " + exceeded.what();
   } catch (const Failure& failure) {
     socket_.disconnect();
-    on_status(std::string("Error in modHTTP.") + (form ? "PostData" : "GetData") +
-              "()\r\nError Code: 0 Error Text: " + failure.what());
-    return {};
+    fail(std::string("Error in modHTTP.") + (form ? "PostData" : "GetData") +
+             "()\r\nError Code: 0 Error Text: " + failure.what(),
+         "The answer from " + host() + " cannot be used: " + failure.what());
+  }
+  in_progress_ = false;
+  return body;
+}
+
+std::string HttpClient::redirected(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
+  Address address;  // outlives a redirect: a bare path stays with the last host and its security
+  std::string body;
+  for (int redirects = 0;; ++redirects) {
+    if (redirects > limits.redirects) {
+      throw LimitExceeded("it redirects more than " + std::to_string(limits.redirects) + " times");
+    }
+    if (!spliturl(url, address)) {
+      fail("HTTP: The specified address is invalid", "The address " + url.substr(0, max_host_length) + " is invalid");
+      return {};
+    }
+    const Outcome outcome = exchange(url, address, request_lines(address, cookie, form), body);
+    if (outcome != Outcome::Redirect) return body;
   }
 }
 
 HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& address,
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
-  ui_.process_events();
+  ui_.catch_up();
   check_deadline();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
@@ -170,13 +183,14 @@ bool HttpClient::connect(const Address& address) {
   socket_.set_timeout(timeout_seconds);
   try {
     socket_.set_secure(address.secure);
-  } catch (const Failure&) {
-    on_status("HTTP: Unable to initialize security interface");
+  } catch (const Failure& failure) {
+    fail("HTTP: Unable to initialize security interface", failure.what());
     return false;
   }
   if (socket_.connect(address.host, address.port) == 0) return true;
   if (!consume_cancel("HTTP: Connection canceled")) {
-    on_status("HTTP: Unable to connect to " + address.host + " (error " + std::to_string(socket_.last_error()) + ")");
+    fail("HTTP: Unable to connect to " + address.host + " (error " + std::to_string(socket_.last_error()) + ")",
+         "No connection to " + host() + ": " + socket_.last_error_string());
   }
   return false;
 }
@@ -185,7 +199,10 @@ bool HttpClient::send(const Address& address, const std::vector<std::string>& re
   on_status("HTTP: Sending Request...");
   for (const std::string& line : request) {
     if (socket_.write(line) == static_cast<std::ptrdiff_t>(line.size())) continue;
-    if (!consume_cancel("HTTP: Download canceled")) on_status("HTTP: Unable to send request to " + address.host);
+    if (!consume_cancel("HTTP: Download canceled")) {
+      fail("HTTP: Unable to send request to " + address.host,
+           "The request could not be sent to " + host() + ": " + socket_.last_error_string());
+    }
     socket_.disconnect();
     return false;
   }
@@ -211,8 +228,9 @@ HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
     }
     if (count < 0) {
       if (!consume_cancel("HTTP: Download canceled")) {
-        on_status("HTTP: Unable to receive data from server (error " + std::to_string(socket_.last_error()) +
-                  socket_.last_error_string() + ")");
+        fail("HTTP: Unable to receive data from server (error " + std::to_string(socket_.last_error()) +
+                 socket_.last_error_string() + ")",
+             "The answer from " + host() + " did not arrive: " + socket_.last_error_string());
       }
       socket_.disconnect();
       return Outcome::Nothing;
@@ -268,7 +286,9 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
     }
   }
   if ((status < 200 || status > 299) && status != unauthorized) {
-    on_status("HTTP: Unhandled return code (" + std::to_string(status) + ")");
+    const std::string_view line = lines.front();
+    fail("HTTP: Unhandled return code (" + std::to_string(status) + ")",
+         host() + " answered \"" + from_code_page(line.substr(0, max_status_length)) + "\"");
     return Outcome::Nothing;
   }
   for (std::size_t i = 1; i < lines.size(); ++i) {
@@ -286,8 +306,17 @@ void HttpClient::check_deadline() const {
 bool HttpClient::consume_cancel(std::string_view message) {
   if (!cancel_) return false;
   cancel_ = false;
-  on_status(message);
+  fail(message, "The transfer was cancelled");
   return true;
+}
+
+std::string HttpClient::host() const {
+  return last_host_.substr(0, max_host_length);
+}
+
+void HttpClient::fail(std::string_view status, const std::string& trouble) {
+  on_status(status);
+  trouble_ = trouble;
 }
 
 }  // namespace quorvel

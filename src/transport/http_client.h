@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/log.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
 
@@ -33,14 +32,14 @@ struct HttpLimits {
 };
 
 /// Fetches resources by HTTP/1.0, one request at a time, and follows redirects. Pending events of the user interface
-/// run before connecting and after each read.
+/// run before connecting, while the network is waited for, and after each read.
 class HttpClient {
  public:
-  HttpClient(SocketControl& socket, UserInterface& ui, Log& log) : socket_(socket), ui_(ui), log_(log) {}
+  HttpClient(SocketControl& socket, UserInterface& ui) : socket_(socket), ui_(ui) {}
 
   /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
-  /// unverified connection, time-out, cancel, a status that is neither 2xx nor 401, or an exceeded limit, which is
-  /// logged. After a redirect `url` is the new address. `cookie` may be empty.
+  /// unverified connection, time-out, cancel, a status that is neither 2xx nor 401, or an exceeded limit; trouble()
+  /// says which. After a redirect `url` is the new address. `cookie` may be empty.
   std::string GetData(std::string& url, std::string_view cookie);
 
   /// The same as a POST of `form`, which is sent as it is.
@@ -53,8 +52,11 @@ class HttpClient {
   /// Letters and digits as they are, a blank as "+", every other character as "%" and its code page number.
   static std::string URLEncode(std::string_view text);
 
-  /// Stops the transfer in progress, or the next one, at its next step.
-  void cancel() { cancel_ = true; }
+  /// Why the last body was empty, a sentence for the user without its full stop.
+  const std::string& trouble() const { return trouble_; }
+
+  /// Stops the transfer in progress at its next step; does nothing when there is none.
+  void cancel() { cancel_ = in_progress_; }
 
   HttpLimits limits;
 
@@ -72,13 +74,17 @@ class HttpClient {
   bool send(const Address& address, const std::vector<std::string>& request);
   Outcome receive(std::string& url, std::string& body);
   Outcome read_header(Answer& answer, std::string& url);
+  std::string redirected(std::string& url, std::string_view cookie, std::optional<std::string_view> form);
   bool consume_cancel(std::string_view message);
+  void fail(std::string_view status, const std::string& trouble);
+  std::string host() const;
   void check_deadline() const;
 
   SocketControl& socket_;
   UserInterface& ui_;
-  Log& log_;
+  bool in_progress_ = false;
   bool cancel_ = false;
+  std::string trouble_;
   std::chrono::steady_clock::time_point deadline_;
   std::string last_host_;  // for an address that names none, such as a redirect to a bare path
 };

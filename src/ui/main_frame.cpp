@@ -86,7 +86,7 @@ void MainFrame::attach(Session& session, Launcher& launcher, std::function<void(
   session_ = &session;
   launcher_ = &launcher;
   commands_.emplace(session, launcher);
-  life_.attach({[this] { return session_->processor.may_close(); }, [this] { return Timer1_.IsRunning(); },
+  life_.attach({[this] { return may_close(); }, [this] { stop(); }, [this] { return Timer1_.IsRunning(); },
                 std::move(on_unload)});
   session.log.on_line = [this](const std::string& line, bool cleared) {
     if (cleared) List3_->Clear();
@@ -125,6 +125,7 @@ void MainFrame::show_empty() {
 void MainFrame::build() {
   SetIcons(icons::application());
   SetMenuBar(menu_bar());
+  GetMenuBar()->Enable(mnuStop, false);
   auto* const panel = new wxPanel(this);
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
   auto* const queue_page = new wxPanel(TabStrip1_);
@@ -199,6 +200,7 @@ void MainFrame::bind_commands() {
         wxEVT_MENU, [action = std::move(action)](wxCommandEvent&) { action(); }, command);
   };
   on(mnuOpen, [this] { on_add_file(); });
+  on(mnuStop, [this] { stop(); });
   on(mnuExit, [this] { Close(); });
   on(mnuExit2, [this] { Close(); });
   on(mnuPrefs, [this] { show_preferences(); });
@@ -237,11 +239,14 @@ void MainFrame::update_row(int index, const RowUpdate& update) {
 }
 
 void MainFrame::process_events() {
-  wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
-  if (loop == nullptr) return;  // the program is starting: nothing can be pending yet
   // A pass asks for this a dozen times a file, and painting the window takes longer than a file does. Nobody sees more
   // pictures a second than this gives.
-  if (std::chrono::steady_clock::now() - last_yield_ < events_interval) return;
+  if (std::chrono::steady_clock::now() - last_yield_ >= events_interval) catch_up();
+}
+
+void MainFrame::catch_up() {
+  wxEventLoopBase* const loop = wxEventLoopBase::GetActive();
+  if (loop == nullptr) return;  // the program is starting: nothing can be pending yet
   const CallStack::Use use(stack_);
   loop->YieldFor(wxEVT_CATEGORY_ALL);
   last_yield_ = std::chrono::steady_clock::now();
@@ -249,7 +254,7 @@ void MainFrame::process_events() {
 
 bool MainFrame::copy_progress(std::uint64_t done, std::uint64_t total) {
   const auto now = std::chrono::steady_clock::now();
-  if (now - last_progress_ < progress_interval) return !life_.gives_up_copies();
+  if (now - last_progress_ < progress_interval) return !stopped_;
   last_progress_ = now;
   if (total > 0) {
     const auto percent = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
@@ -257,7 +262,7 @@ bool MainFrame::copy_progress(std::uint64_t done, std::uint64_t total) {
     ListView1_->set_progress(work_.row, work_.undoing ? "(undoing, " + progress + ")" : progress);
   }
   process_events();
-  return !life_.gives_up_copies();
+  return !stopped_;
 }
 
 wxWindow* MainFrame::dialog_parent() {
@@ -293,11 +298,41 @@ void MainFrame::arm_start_timer() {
 
 // The queue.
 
+/// While it lives, there is something that can be stopped.
+class MainFrame::Running {
+ public:
+  explicit Running(MainFrame& frame) : frame_(frame) {
+    if (frame_.running_++ == 0) frame_.GetMenuBar()->Enable(mnuStop, true);
+  }
+  ~Running() {
+    if (--frame_.running_ > 0) return;
+    frame_.GetMenuBar()->Enable(mnuStop, false);
+    frame_.stopped_ = false;
+  }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+ private:
+  MainFrame& frame_;
+};
+
 /// With copy_progress reporting on `work`.
 void MainFrame::run(const Work& work, const std::function<void()>& action) {
   const CallStack::Use use(stack_);
+  const Running running(*this);
   const Restored<Work> meanwhile(work_, work);
   action();
+}
+
+void MainFrame::stop() {
+  stopped_ = running_ > 0;
+  session_->stop();
+}
+
+/// A pass finishes what it is at; whoever asks a second time does not want to wait for that.
+bool MainFrame::may_close() {
+  if (session_->processor.is_quitting()) stop();
+  return session_->processor.may_close();
 }
 
 void MainFrame::on_start_timer() {

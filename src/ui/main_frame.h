@@ -43,7 +43,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   CallStack& stack() { return stack_; }
   WindowLife& life() { return life_; }
 
-  /// `done` of `total` bytes are moved or copied; false when that is to be given up.
+  /// `done` of `total` bytes are moved or copied; false when that is to be abandoned.
   bool copy_progress(std::uint64_t done, std::uint64_t total);
 
   /// Whether the file at `path` may go to the trash for another; true only when the user has said so.
@@ -57,6 +57,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   void show_filters(const std::vector<ListRow>& rows) override { filter_page_->list().show(rows); }
   void show_exceptions(const std::vector<ListRow>& rows) override { exception_page_->list().show(rows); }
   void process_events() override;
+  void catch_up() override;
   std::optional<bool> ask_confirmation(const ConfirmationQuestion& question) override;
   void show_message(int id, const std::string& title, const std::string& text, MessageIcon icon) override;
   void arm_start_timer() override;
@@ -76,6 +77,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
     int row = 0;
     bool undoing = false;
   };
+  class Running;
 
   void show_empty();
   void build();
@@ -87,6 +89,8 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   wxWindow* dialog_parent();
 
   void run(const Work& work, const std::function<void()>& action);
+  bool may_close();
+  void stop();
   void on_start_timer();
   void on_add_file();
   void on_info();
@@ -111,6 +115,8 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   CallStack stack_;
   WindowLife life_{*this, stack_};
   Work work_;
+  int running_ = 0;  // passes and undoings, one inside the other
+  bool stopped_ = false;
   std::chrono::steady_clock::time_point last_progress_;
   std::chrono::steady_clock::time_point last_yield_;
   int context_item_ = 0;  // the queue item that the last context menu was for

@@ -24,7 +24,7 @@ wxMenuBar* menu_bar() {
     fill(*menu, items);
     bar->Append(menu, title);
   };
-  add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
+  add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, {mnuStop, "&Stop\tEsc"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
   add("&Options", {{mnuPrefs, "&Preferences"}});
   add("&Help", {{mnuHelpGuide, "Quorvel &Help\tF1"},
                 {mnuUpdate, "Check For &Updates"},

@@ -9,6 +9,7 @@ namespace quorvel::ui {
 /// The commands of the menus.
 enum MenuCommand {
   mnuOpen = wxID_HIGHEST + 1,
+  mnuStop,
   mnuExit,
   mnuPrefs,
   mnuHelpGuide,

@@ -110,8 +110,8 @@ void WindowLife::close() {
 }
 
 void WindowLife::unload() {
-  gives_up_copies_ = true;
   hooks_.may_close();
+  hooks_.stop();
   begin_unload();
 }
 

@@ -18,6 +18,7 @@ class WindowLife {
  public:
   struct Hooks {
     std::function<bool()> may_close;    // false when a pass is running, which then ends at its next stage
+    std::function<void()> stop;         // a transfer or a copy is abandoned
     std::function<bool()> pass_is_due;  // whether one will start by itself
     std::function<void()> on_unload;    // called once, when the window really goes away
   };
@@ -43,10 +44,9 @@ class WindowLife {
 
   /// As the user closes the window; with a dialog open, once that has come back.
   void close();
-  /// Ends the window whatever is going on, and gives up what is being copied.
+  /// Ends the window whatever is going on, and abandons what is being copied.
   void unload();
   bool is_unloading() const { return unloading_; }
-  bool gives_up_copies() const { return gives_up_copies_; }
 
   /// Whether this desktop has a tray; tests put their own in its place.
   std::function<bool()> tray_is_available = &TrayIcon::is_available;
@@ -65,13 +65,12 @@ class WindowLife {
 
   wxFrame& frame_;
   CallStack& stack_;
-  Hooks hooks_{[] { return true; }, [] { return false; }, [] {}};
+  Hooks hooks_{[] { return true; }, [] {}, [] { return false; }, [] {}};
   std::unique_ptr<TrayIcon> tray_icon_;
   wxTimer tray_watch_;  // while the window lives in the tray
   bool tray_clicks_count_ = false;
   bool minimised_ = false;
   bool close_when_empty_ = false;
-  bool gives_up_copies_ = false;
   bool unloading_ = false;
   bool unloaded_ = false;
 };

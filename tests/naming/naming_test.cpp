@@ -33,7 +33,7 @@ TEST(EpisodePatterns, EachFindsShowSeasonAndEpisode) {
                                                      {"caf\xE9.s02e03.s02e04.avi", {"caf\xE9 s02e03", 2, 4, 1}},
                                                      {"the show 1205 1080p.mkv", {"the show", 12, 5, 17}}};
   for (const auto& [name, found] : cases) EXPECT_TRUE(detect_in_file(name) == found) << name;
-  EXPECT_FALSE(detect_in_file("the show 205 1080p.mkv"));
+  EXPECT_TRUE(detect_in_file("the show 205 1080p.mkv")->is_refused);
   EXPECT_THROW(detect_in_file("a&#x;b.s02e05.avi"), Failure);
   // Folders are read more strictly.
   EXPECT_EQ(detect_in_folder("film 1920x1080"), (Detection{"film 9", 20, 10, 14}));

@@ -32,6 +32,11 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.write(request.substr(0, 5)), 5);
   EXPECT_EQ(read_to_end(socket), "|error") << "the service waits for the rest";
   EXPECT_EQ(socket.last_error(), CURLE_OPERATION_TIMEDOUT);
+  int waits = 0;
+  socket.on_wait = [&] { return ++waits < 3; };
+  EXPECT_EQ(read_to_end(socket), "|error");
+  EXPECT_EQ(socket.last_error() + waits, CURLE_ABORTED_BY_CALLBACK + 3);
+  socket.on_wait = [] { return true; };
   service->slow_down(std::chrono::milliseconds(1));
   EXPECT_EQ(socket.write(request.substr(5)), static_cast<std::ptrdiff_t>(request.size()) - 5);
   EXPECT_EQ(read_to_end(socket), listings_answer(request) + "|closed");
@@ -39,6 +44,8 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   service.reset();
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_COULDNT_CONNECT);
   EXPECT_NE(socket.last_error_string(), "");
+  socket.on_wait = [] { return false; };
+  EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_ABORTED_BY_CALLBACK);
 }
 
 /// What the system's own connection gets from a server of tls_peers_main.cpp, in whose place `authority` vouches.

@@ -49,9 +49,11 @@ TEST_F(Queue, IntakeTakesOnlyFilesThatFitAndSaysWhyNot) {
   EXPECT_TRUE(session.intake.add_to_queue(folder / "in/c.avi", true));
   EXPECT_EQ(ui.timer_starts, 1);
 
-  for (const char* name : {"x/x.avi", "x/s/y.mkv", "x/s/Samples/z.avi", "x/n.txt"}) write(name, name);
+  const int before = session.queue.count();
+  for (const char* name : {"x/e10.avi", "x/s/y.mkv", "x/s/Samples/z.avi", "x/E9.avi", "x/n.txt"}) write(name, name);
   const IntakeResult whole = session.intake.take(folder / "x", false);
-  EXPECT_TRUE(whole.is_folder && whole.queued == 2 && whole.left_out == 2);
+  EXPECT_TRUE(whole.is_folder && whole.queued == 3 && whole.left_out == 2);
+  EXPECT_EQ(item(before + 1).filename + item(before + 2).filename + item(before + 3).filename, "E9.avie10.aviy.mkv");
 }
 
 TEST_F(Queue, AFileGoesThroughEveryStageAndLeavesItsTrace) {
@@ -101,22 +103,31 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
 }
 
 TEST_F(Queue, UndoNeverTouchesAFileThatIsNotItsOwn) {
+  const std::string old_name = std::string("in/") + lights_file, new_name = std::string("in/") + lights_name;
   add(lights_file);
   processor.process_queue();
-  write(std::string("in/") + lights_file, "somebody else's");
+  write(old_name, "somebody else's");
   const std::size_t before = session.log.lines().size();
   for (const int index : {1, 1, 0}) session.undo.run(index);  // the second time it is no longer done
   EXPECT_EQ(log(before), "File rename failed. Destination already exists|Failed to undo file operation");
   EXPECT_EQ(item(1).error_text, "The file undo operation failed");
   EXPECT_TRUE(ui.states.ends_with("Done Failed "));
-  EXPECT_EQ(read(std::string("in/") + lights_name) + read(std::string("in/") + lights_file),
-            lights_file + std::string("somebody else's"));
+  EXPECT_EQ(read(new_name) + read(old_name), lights_file + std::string("somebody else's"));
+
+  files->remove(folder / new_name);
+  processor.retry_failed();
+  write(new_name, "somebody else's");  // as long as the one it replaces
+  session.undo.run(1);
+  EXPECT_EQ(item(1).error_text,
+            "The file undo operation failed\r\n" + folder / new_name + " has been changed or replaced since");
+  EXPECT_EQ(read(new_name) + read(old_name), "somebody else's(missing)");
 }
 
 TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
   const std::string no_listings = "Unable to find listings on tvmaze.com\r\nSearched for: ";
   const auto failed = [](int code) {
-    return "The file operation failed. " + std::string(native::system_name) + " reports error " + std::to_string(code);
+    return "The file operation failed. " + std::string(native::system_name) + " reports error " + std::to_string(code) +
+           ": " + native::error_words(code);
   };
   const std::string there = folder / "target/", nowhere = std::string("relative") + native::separator;
   const struct {
@@ -128,7 +139,8 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
        "Error getting filename filter: \"\" is not the number of a character"},
       {"the.harbour.lights.s09e09.avi", no_listings + "the harbour lights\r\nDetected as: The Harbour Lights 9x9",
        "Unable to find listings for: The Harbour Lights 9x9"},
-      {"specials.galore.s01e01.avi", no_listings + "specials galore\r\nDetected as: Specials Galore 1x1",
+      {"specials.galore.s01e01.avi",
+       no_listings + "specials galore\r\nDetected as: Specials Galore 1x1\r\n\"null\" is not a whole number of 32 bits",
        "Error getting listings: \"null\" is not a whole number of 32 bits"},
       {"The Harbour Lights - 1x02 - the pilot boat.MKV", "The new filename is the same as the old filename",
        "File rename failed. New name = old name"},
@@ -165,6 +177,14 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
   processor.retry_failed();
   EXPECT_EQ(item(unruled).state, QueueState::Done) << "one bad file never ends a pass";
   EXPECT_TRUE(logged("File rename failed. Source file not found"));
+  EXPECT_EQ(item(gone).error_text, "") << "not the reason of its first failure";
+  service.misbehave([](auto&, auto&) { return FakeListings::Reads{"HTTP/1.0 503 Busy\r\n\r\n"}; });
+  const int unanswered = add("unheard.of.s01e01.avi");
+  processor.process_queue();
+  EXPECT_TRUE(logged("Error searching for show: 127.0.0.1 answered \"HTTP/1.0 503 Busy\""));
+  EXPECT_EQ(item(unanswered).error_text,
+            "Unable to find show on tvmaze.com\r\nSearched for: unheard of\r\n"
+            "127.0.0.1 answered \"HTTP/1.0 503 Busy\"");
 }
 
 TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
@@ -214,6 +234,11 @@ TEST_F(Queue, TheUserIsAskedWhenTheSettingsSaySo) {
   const ConfirmationQuestion& last = ui.questions.back();
   EXPECT_EQ(last.title + last.question, "Confirm File CopyContinue with file copy?");
   EXPECT_EQ(last.source + last.destination, item(1).path + folder / ("target/" + std::string(lights_name)));
+  files->remove(last.destination);
+  session.undo.run(1);
+  ui.answer = std::nullopt;
+  processor.retry_failed();
+  EXPECT_EQ(item(1).state, QueueState::Cancelled) << "the yes was for the first time";
 }
 
 TEST_F(Queue, ARetryStepsOverTheItemAfterASkippedOne) {
@@ -222,6 +247,34 @@ TEST_F(Queue, ARetryStepsOverTheItemAfterASkippedOne) {
   const std::size_t before = session.log.lines().size();
   processor.retry_failed();
   EXPECT_TRUE(log(before).find("nothing.avi") == std::string::npos && log(before).find("nothing more.avi") < 100);
+  item(3).state = QueueState::Done;  // so that the next retry steps over the queue's end
+  processor.retry_failed();
+  add("show 1080p.avi");
+  const std::size_t added = session.log.lines().size();
+  processor.process_queue();
+  EXPECT_EQ(log(added),
+            "Looking up filename filter for: in (p=1)|No filter found|"
+            "Looking up filename filter for: show 1080p.avi (p=0)|"
+            "Unable to find filename filter for: show 1080p.avi|All items processed");
+}
+
+TEST_F(Queue, AStoppedPassLeavesTheRestToARetryAndWhatIsAddedToTheNextPass) {
+  for (const char* const name : {lights_file, "the.harbour.lights.s01e03.avi"}) add(name);
+  service.works = [&](const std::string& call) {
+    if (call.starts_with("read") && session.queue.count() == 2) {
+      session.stop();
+      add("the.harbour.lights.s01e01.avi");
+    }
+    return true;
+  };
+  processor.process_queue();
+  EXPECT_EQ(ui.states, "Scanning Searching Cancelled Cancelled ");
+  EXPECT_EQ(item(1).error_text + item(2).error_text, "Stopped by the userStopped by the user");
+  EXPECT_TRUE(logged("Error searching for show: The transfer was cancelled") && ui.timer_starts == 1);
+  processor.process_queue();
+  EXPECT_TRUE(item(3).state == QueueState::Done && item(1).state == QueueState::Cancelled);
+  processor.retry_failed();
+  EXPECT_TRUE(item(1).state == QueueState::Done && item(2).state == QueueState::Done);
 }
 
 TEST_F(Queue, QuittingWaitsForTheStageAndAutocloseForTheEnd) {

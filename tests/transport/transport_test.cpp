@@ -13,27 +13,27 @@ namespace {
 using Reads = FakeListings::Reads;
 
 const std::string ok = "HTTP/1.1 200 OK\r\n\r\n";
-const std::string error = "|close|Error in modHTTP.GetData()\r\nError Code: 0 Error Text: ";
 
-struct Http : ::testing::Test, Log {
+struct Http : ::testing::Test {
   FakeListings service;
   Events events;
   FakeUi ui{events};
-  HttpClient http{service, ui, *this};
-  std::string url, steps;                             // all that happened, in order
+  HttpClient http{service, ui};
+  std::string url, steps;                             // all that happened, in order, and the trouble
   std::function<bool()> works = [] { return true; };  // whether the last of them succeeds
 
   Http() {
-    http.on_status = [this](std::string_view message) { debug_log(message, LogLevel::Normal); };
+    http.on_status = [this](std::string_view message) { steps += std::string(message) + "|"; };
     ui.on_events = [this] { service.works("events"); };
     service.works = [this](const std::string& call) { return steps += call + "|", works(); };
   }
-  void debug_log(std::string_view text, LogLevel) override { steps += std::string(text) + "|"; }
   std::string get(const std::vector<Reads>& answers, const std::string& from = "http://a/") {
     steps.clear();
     url = from;
     service.misbehave([&, next = std::size_t{0}](auto&, auto&) mutable { return answers.at(next++); });
-    return http.GetData(url, "");
+    const std::string body = http.GetData(url, "");
+    steps += http.trouble();
+    return body;
   }
 };
 
@@ -79,21 +79,29 @@ TEST_F(Http, ATransferTakesTheseStepsAndABarePathStaysWithTheHost) {
 
 TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
   const std::string given_up = "|close|The answer from a was given up: ";
+  const std::string error = "Error in modHTTP.GetData()\r\nError Code: 0 Error Text: ",
+                    parts = "The header arrived in parts";
   std::string body("xx");
   body.append(11'184'810, static_cast<char>(0x80));  // as long as it may be, with three bytes each
   const std::vector<Reads> redirects(51, {"HTTP/1.1 302 Found\r\nLocation: /again\r\n\r\n"});
   const std::tuple<std::vector<Reads>, std::string, std::string> cases[] = {
-      {{{"HTTP/1.1 200 OK\r\n"}}, "", "|close|HTTP: Downloaded 0 bytes|"},
-      {{{ok + "x", {}}}, "", "|HTTP: Unable to receive data from server (error 28late)|close|"},
-      {{{"nonsense\r\n\r\nx"}}, "", "HTTP: Unhandled return code (0)|close|"},
-      {{{"HTTP/1.1 300 Many\r\nLocation: ftp://b/\r\n\r\n"}}, "", "|close|HTTP: The specified address is invalid|"},
+      {{{"HTTP/1.1 200 OK\r\n"}}, "", "|close|HTTP: Downloaded 0 bytes|a sent an empty answer"},
+      {{{ok + "x", {}}},
+       "",
+       "|HTTP: Unable to receive data from server (error 28late)|close|The answer from a did not arrive: late"},
+      {{{"nonsense\xE9\r\n\r\nx"}}, "", "HTTP: Unhandled return code (0)|close|a answered \"nonsenseé\""},
+      {{{"HTTP/1.1 300 Many\r\nLocation: ftp://b/\r\n\r\n"}},
+       "",
+       "|close|HTTP: The specified address is invalid|The address ftp://b/ is invalid"},
       // The first part of the body is measured by the read that ends the header, so these bytes are lost.
       {{{"HTTP/1.1 200 OK\r\n\r", "\nabcdefghijklmnopqrst"}}, "st", "|close|HTTP: Downloaded 2 bytes|"},
-      {{{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnop"}}, "", error + "The header arrived in parts|"},
+      {{{"HTTP/1.1 200 OK\r\n", "\r\nabcdefghijklmnop"}},
+       "",
+       "|close|" + error + parts + "|The answer from a cannot be used: " + parts},
       {{{ok + body}}, from_code_page(body), "|close|HTTP: Downloaded 11184812 bytes|"},
-      {{{ok + body + "x"}}, "", given_up + "its body is longer than 33554432 bytes|"},
-      {{{std::string(65'537, 'x')}}, "", given_up + "its header is longer than 65536 bytes|"},
-      {redirects, "", given_up + "it redirects more than 50 times|"}};
+      {{{ok + body + "x"}}, "", given_up + "its body is longer than 33554432 bytes"},
+      {{{std::string(65'537, 'x')}}, "", given_up + "its header is longer than 65536 bytes"},
+      {redirects, "", given_up + "it redirects more than 50 times"}};
   for (const auto& [answers, whole, end] : cases) EXPECT_TRUE(get(answers) == whole && steps.ends_with(end)) << end;
   for (int code = 100; code < 600; ++code) {
     const std::string answer = "HTTP/1.1 " + std::to_string(code) + " X\r\nX: y\r\nLocation: /b\r\n\r\nx";
@@ -104,14 +112,16 @@ TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
 
 TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryStep) {
   const std::function<bool()> fail = [] { return false; }, cancel = [this] { return http.cancel(), false; };
+  const std::string cancelled = "The transfer was cancelled";
+  http.cancel();  // there is nothing to cancel yet
   const std::tuple<std::string, std::function<bool()>, std::string> cases[] = {
-      {"tls|", fail, "HTTP: Unable to initialize security interface|"},
-      {"connect a:443|", fail, "HTTP: Unable to connect to a (error 28)|"},
-      {"connect a:443|", cancel, "HTTP: Connection canceled|"},
-      {"write|", fail, "HTTP: Unable to send request to a|close|"},
-      {"write|", cancel, "HTTP: Download canceled|close|"},
-      {"read 2048|", cancel, "HTTP: Download canceled|close|"},
-      {"Got 1 bytes|events|", cancel, "close|HTTP: Download canceled|"}};
+      {"tls|", fail, "HTTP: Unable to initialize security interface|no TLS"},
+      {"connect a:443|", fail, "HTTP: Unable to connect to a (error 28)|No connection to a: late"},
+      {"connect a:443|", cancel, "HTTP: Connection canceled|" + cancelled},
+      {"write|", fail, "HTTP: Unable to send request to a|close|The request could not be sent to a: late"},
+      {"write|", cancel, "HTTP: Download canceled|close|" + cancelled},
+      {"read 2048|", cancel, "HTTP: Download canceled|close|" + cancelled},
+      {"Got 1 bytes|events|", cancel, "close|HTTP: Download canceled|" + cancelled}};
   for (const auto& [at, happens, end] : cases) {
     works = [this, &at = at, &happens = happens] { return !steps.ends_with(at) || happens(); };
     EXPECT_EQ(get({{ok + "x", "y"}}, "https://a/"), "");
@@ -123,7 +133,7 @@ TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryStep) {
   works = [&] { return std::this_thread::sleep_for(std::chrono::seconds(steps.ends_with("read 2048|"))), true; };
   http.limits.time = std::chrono::seconds(1);
   EXPECT_EQ(get({{ok + "x", {}}}), "");
-  EXPECT_TRUE(steps.ends_with("|close|The answer from a was given up: it takes longer than 1 seconds|")) << steps;
+  EXPECT_TRUE(steps.ends_with("|close|The answer from a was given up: it takes longer than 1 seconds")) << steps;
 }
 
 }  // namespace

@@ -79,9 +79,10 @@ TEST_F(Running, FilesHandedOverMeanwhileJoinThePassAndTheTimerStartsNoSecondOne)
   EXPECT_TRUE(is_done(1) && is_done(2) && logged("All items processed") == 1);
 }
 
-TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) {
+TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndAbandonedWhenThatIsNotWaitedFor) {
   const std::string large(1 << 22, 'x');
-  for (const bool session_ends : {false, true}) {
+  enum { CloseOnce, CloseTwice, Stop, SessionEnds };
+  for (const int user : {CloseOnce, CloseTwice, Stop, SessionEnds}) {
     start_with(large, CopyAndRename, folder / "out");
     int reports = 0;
     on_progress = [&] {
@@ -90,16 +91,24 @@ TEST_F(Running, ACopyIsFinishedBeforeTheWindowClosesAndGivenUpAtTheSessionsEnd) 
       query.SetCanVeto(true);
       frame->copy_progress(42, 100);
       EXPECT_EQ(rows(1), "harbour.lights.s01e01|The Harbour Lights - 1x01 - Slack Water|Copying 42%;");
-      if (!session_ends) return void(frame->Close());
+      if (user == Stop) return command(ui::mnuStop);
+      frame->Close();
+      if (user == CloseTwice) frame->Close();
+      if (user != SessionEnds) return;
       wxTheApp->ProcessEvent(query);
       EXPECT_TRUE(query.GetVeto());
       wxTheApp->ProcessEvent(end);
     };
+    EXPECT_FALSE(frame->GetMenuBar()->IsEnabled(ui::mnuStop));
     run_pass();
-    wait_for_the_end();
+    if (user == Stop) {
+      EXPECT_EQ(rows(1), "harbour.lights.s01e01||Cancelled;");
+    } else {
+      wait_for_the_end();
+    }
     EXPECT_GT(reports, 0);
     EXPECT_TRUE(read("in/" + name) == large);
-    EXPECT_TRUE(session_ends ? everything_in(folder / "out").empty() : read("out/" + new_name) == large);
+    EXPECT_TRUE(user != CloseOnce ? everything_in(folder / "out").empty() : read("out/" + new_name) == large);
     std::filesystem::remove(path_of(folder / ("out/" + new_name)));
   }
 }

@@ -38,7 +38,7 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   }
   EXPECT_EQ(
       all,
-      "File: Add File|-|Exit\n"
+      "File: Add File|Stop|-|Exit\n"
       "Options: Preferences\n"
       "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
       "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Add Filter;Edit Filter|Remove "

@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <functional>
 #include <utility>
 
 #include "text/failure.h"
@@ -20,10 +21,15 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// Waits until the socket can be read from or written to. CURLE_OPERATION_TIMEDOUT when the deadline passes first.
-CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point deadline) {
-  while (true) {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now()).count();
+constexpr auto slice = std::chrono::milliseconds(50);  // of waiting
+
+/// Waits until the socket can be read from or written to. CURLE_OPERATION_TIMEDOUT when the deadline passes first,
+/// CURLE_ABORTED_BY_CALLBACK when `on_wait` returns false.
+CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point deadline,
+                  const std::function<bool()>& on_wait) {
+  while (on_wait()) {
+    const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());
+    const auto left = std::min(rest, slice).count();
     if (left <= 0) return CURLE_OPERATION_TIMEDOUT;
 #ifdef _WIN32
     WSAPOLLFD waiting{socket, static_cast<SHORT>(readable ? POLLRDNORM : POLLWRNORM), 0};
@@ -38,6 +44,7 @@ CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point d
     if (ready > 0) return CURLE_OK;
     if (ready < 0 && !interrupted) return readable ? CURLE_RECV_ERROR : CURLE_SEND_ERROR;
   }
+  return CURLE_ABORTED_BY_CALLBACK;
 }
 
 /// Whether the peer closed a TLS connection in due form. With every TLS library but OpenSSL, libcurl itself reports a
@@ -54,6 +61,18 @@ bool closed_in_due_form([[maybe_unused]] CURL* easy) {
 #endif
 }
 
+/// Until `easy` has connected, has failed, or `on_wait` returns false.
+CURLcode perform(CURLM* multi, CURL* easy, const std::function<bool()>& on_wait) {
+  if (curl_multi_add_handle(multi, easy) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
+  for (int running = 1; curl_multi_perform(multi, &running) == CURLM_OK;) {
+    int left = 0;
+    if (const CURLMsg* const ended = curl_multi_info_read(multi, &left)) return ended->data.result;
+    if (!on_wait()) return CURLE_ABORTED_BY_CALLBACK;
+    if (curl_multi_poll(multi, nullptr, 0, static_cast<int>(slice.count()), nullptr) != CURLM_OK) break;
+  }
+  return CURLE_FAILED_INIT;
+}
+
 bool start_curl() {
   static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
   return started == CURLE_OK;
@@ -66,13 +85,17 @@ struct CurlSocketControl::Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection() {
+    curl_multi_remove_handle(multi, easy);
     curl_easy_cleanup(easy);
+    curl_multi_cleanup(multi);
     curl_url_cleanup(address);
   }
 
-  CURLcode open(const std::string& host, int port, int timeout_seconds, const std::string& ca_file);
+  CURLcode open(const std::string& host, int port, int timeout_seconds, const std::string& ca_file,
+                const std::function<bool()>& on_wait);
 
   bool secure;
+  CURLM* multi = curl_multi_init();  // keeps the connection
   CURL* easy = curl_easy_init();
   CURLU* address = curl_url();
   curl_socket_t socket = CURL_SOCKET_BAD;
@@ -80,8 +103,8 @@ struct CurlSocketControl::Connection {
 };
 
 CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, int timeout_seconds,
-                                             const std::string& ca_file) {
-  if (easy == nullptr || address == nullptr) return CURLE_OUT_OF_MEMORY;
+                                             const std::string& ca_file, const std::function<bool()>& on_wait) {
+  if (multi == nullptr || easy == nullptr || address == nullptr) return CURLE_OUT_OF_MEMORY;
   const bool bare_ipv6 = host.find(':') != std::string::npos && !host.starts_with('[');
   const std::string named = bare_ipv6 ? "[" + host + "]" : host;
   // Part by part: a host's text pasted into an address could smuggle in a user name or another host.
@@ -111,7 +134,7 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
     // TLS libraries without such a folder refuse the option, to the same effect.
     curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
   }
-  CURLcode code = curl_easy_perform(easy);
+  CURLcode code = perform(multi, easy, on_wait);
   if (code == CURLE_OK) code = curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &socket);
   // From here on libcurl sends, and when it does it may ignore SIGPIPE, which it leaves alone under NOSIGNAL.
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 0L);
@@ -138,7 +161,7 @@ void CurlSocketControl::set_secure(bool secure) {
 int CurlSocketControl::connect(const std::string& host, int port) {
   disconnect();
   auto opened = std::make_unique<Connection>(secure_);
-  const CURLcode code = opened->open(host, port, timeout_seconds_, ca_file_);
+  const CURLcode code = opened->open(host, port, timeout_seconds_, ca_file_, on_wait);
   set_error(code, opened->message.data());
   if (code == CURLE_OK) connection_ = std::move(opened);
   return code;
@@ -155,7 +178,7 @@ std::ptrdiff_t CurlSocketControl::write(std::string_view bytes) {
     std::size_t sent = 0;
     CURLcode code = curl_easy_send(connection_->easy, bytes.data() + done, bytes.size() - done, &sent);
     done += sent;
-    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, false, deadline);
+    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, false, deadline, on_wait);
     if (code != CURLE_OK) {
       set_error(code);
       break;
@@ -179,7 +202,7 @@ std::ptrdiff_t CurlSocketControl::read(char* buffer, std::size_t size) {
       return -1;
     }
     if (code == CURLE_OK) return static_cast<std::ptrdiff_t>(got);
-    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, true, deadline);
+    if (code == CURLE_AGAIN) code = wait_for(connection_->socket, true, deadline, on_wait);
     if (code != CURLE_OK) {
       set_error(code);
       return -1;

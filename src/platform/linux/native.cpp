@@ -19,6 +19,10 @@ const bool command_line_is_one_text = false;
 // Here the current folder is wherever the user stands, and a "filters.dat" in it is somebody else's.
 const bool uninstall_clears_current_folder = false;
 
+std::string error_words(int code) {
+  return std::generic_category().message(code);
+}
+
 }  // namespace quorvel::native
 
 namespace quorvel {

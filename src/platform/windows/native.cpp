@@ -2,9 +2,46 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <iterator>
+
 #include "platform/windows/wide.h"
 
 namespace quorvel::native {
+namespace {
+
+struct ShellError {
+  int code;
+  const char* words;
+};
+/// The codes that the shell's file operation has of its own. Source: Microsoft's documentation of SHFileOperation.
+constexpr ShellError shell_errors[] = {{0x71, "The source and the destination are the same file."},
+                                       {0x72, "There are several sources but only one destination."},
+                                       {0x73, "A file cannot be renamed into another folder."},
+                                       {0x74, "A drive cannot be moved or renamed."},
+                                       {0x75, "The operation was cancelled."},
+                                       {0x76, "The destination lies below the source."},
+                                       {0x78, "Access to the source is denied."},
+                                       {0x79, "The path is too long."},
+                                       {0x7A, "There are several destinations."},
+                                       {0x7C, "The path is invalid."},
+                                       {0x7D, "The source and the destination have the same folder."},
+                                       {0x7E, "There is a file of that name already."},
+                                       {0x80, "There is a folder of that name already."},
+                                       {0x81, "The name is too long."},
+                                       {0x82, "The destination is a read-only disc."},
+                                       {0x83, "The destination is a read-only disc."},
+                                       {0x84, "The destination is a read-only disc."},
+                                       {0x85, "The file is too large for the destination."},
+                                       {0x86, "The source is a read-only disc."},
+                                       {0x87, "The source is a read-only disc."},
+                                       {0x88, "The source is a read-only disc."},
+                                       {0xB7, "The path is too long."},
+                                       {0x402, "The path cannot be used."},
+                                       {0x10000, "The destination cannot be written to."},
+                                       {-1, "There is no recycle bin."}};
+
+}  // namespace
 
 const char separator = '\\';
 const std::string_view system_name = "Windows";
@@ -14,6 +51,12 @@ const std::string_view help_file = "quorvel help.chm";
 // The file manager hands over the selected path without quotes, and names hold blanks.
 const bool command_line_is_one_text = true;
 const bool uninstall_clears_current_folder = true;
+
+std::string error_words(int code) {
+  const auto* const known = std::find_if(std::begin(shell_errors), std::end(shell_errors),
+                                         [code](const ShellError& error) { return error.code == code; });
+  return known != std::end(shell_errors) ? known->words : error_text(static_cast<DWORD>(code));
+}
 
 }  // namespace quorvel::native
 
