@@ -62,6 +62,13 @@ int find_vacant(const std::string& path) {
   return errno == ENOENT ? 0 : errno;
 }
 
+bool can_trash(const std::string& path) {
+  g_autoptr(GFile) file = local_file(path);
+  g_autoptr(GFileInfo) info =
+      g_file_query_info(file, G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, nullptr);
+  return info != nullptr && g_file_info_get_attribute_boolean(info, G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH) != FALSE;
+}
+
 int trash(const std::string& path) {
   g_autoptr(GFile) file = local_file(path);
   g_autoptr(GError) error = nullptr;
@@ -73,7 +80,7 @@ int trash(const std::string& path) {
 /// The name that a file is to get in the end.
 class FinalName {
  public:
-  /// `may_replace` is asked when another file has the name.
+  /// `may_replace` is asked when another file has the name and there is a trash for it.
   FinalName(std::string path, const MayReplace& may_replace) : path_(std::move(path)), may_replace_(may_replace) {}
 
   const std::string& path() const { return path_; }
@@ -88,7 +95,7 @@ class FinalName {
     const bool is_another = lstat(path_.c_str(), &existing) == 0 && stat(source.c_str(), &own) == 0 &&
                             S_ISREG(existing.st_mode) &&
                             (existing.st_dev != own.st_dev || existing.st_ino != own.st_ino);
-    is_given_up_ = is_another && may_replace_(path_);
+    is_given_up_ = is_another && can_trash(path_) && may_replace_(path_);
     return is_given_up_ ? 0 : EEXIST;
   }
 
