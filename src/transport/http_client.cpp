@@ -266,11 +266,7 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
     throw LimitExceeded("its header is longer than " + std::to_string(limits.header) + " bytes");
   }
   if (blank_line == std::string::npos) return Outcome::Body;
-  // The size of the body's first part comes from this read alone. It is right when the whole header arrived in it, and
-  // too small when an earlier read brought a part: the body then lacks its start, which its readers must notice.
-  const std::size_t header_size = blank_line + 4;
-  if (answer.chunk.size() < header_size) throw Failure("The header arrived in parts");
-  answer.chunk = answer.header.substr(answer.header.size() - (answer.chunk.size() - header_size));
+  answer.chunk = answer.header.substr(blank_line + 4);
   answer.header.erase(blank_line + 2);
   answer.in_header = false;
 
