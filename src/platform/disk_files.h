@@ -12,7 +12,8 @@ namespace quorvel {
 /// The files of this machine and of those it reaches. One definition per system, chosen by the build.
 class DiskFiles : public Files {
  public:
-  /// What is there but, on Windows, may not be looked at is Other, so that nothing is ever put in its place.
+  /// What is there but may not be looked at, or may be there, is Other, and so is a link that leads nowhere: nothing is
+  /// ever put in its place or taken for missing.
   Kind kind(const std::string& path) const override;
   std::optional<FileStamp> stamp(const std::string& path) const override;
 

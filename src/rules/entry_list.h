@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -33,17 +34,19 @@ class EntryList {
 
   void append(Entry entry) { entries_.push_back(std::move(entry)); }
 
-  /// Puts an entry in place of the one at `index`, or last for 0, on disk too, and shows the list. False, and the list
-  /// is again what the file holds, when the file cannot be written.
+  /// Puts an entry in place of the one at `index`, or last for 0, on disk too, and shows the list. False, and nothing
+  /// changed, when the file cannot be written.
   bool store(int index, Entry entry) {
+    const std::vector<Entry> before = entries_;
     if (index > 0) {
       at(index) = std::move(entry);
     } else {
       append(std::move(entry));
     }
-    if (!save()) return load(), false;
+    const bool saved = save();
+    if (!saved) entries_ = before;
     refresh();
-    return true;
+    return saved;
   }
 
   /// Exchanges two entries, on disk too. False, and nothing changed, when an index is not the list's or the file cannot
@@ -66,13 +69,16 @@ class EntryList {
   }
 
   /// The list becomes what the file holds. False, with a log line, when a line cannot be understood: the entries
-  /// before it stay, and empty ones take its place and that of those after it.
+  /// before it stay, and empty ones take its place and that of those after it. Throws Unreadable, and the list stays
+  /// what it is, when there may be a file but it cannot be read.
   bool load() {
+    const std::optional<std::vector<std::string>> lines =
+        file_.exists() ? std::optional(file_.read_lines()) : std::nullopt;
     entries_.clear();
     bool whole = true;
     try {
-      if (file_.exists()) {
-        load_file();
+      if (lines) {
+        take_lines(*lines);
       } else {
         entries_ = Format::defaults();
       }
@@ -122,15 +128,18 @@ class EntryList {
   /// are, for with the default ones in their place files would go elsewhere.
   bool reload() {
     std::erase_if(entries_, [](const Entry& entry) { return entry.deleted; });
-    if (entries_.empty() || file_.exists()) return load();
-    log_.debug_log(std::string("Error loading ").append(Format::plural).append(": the file cannot be found"),
-                   LogLevel::Normal);
+    std::string trouble = "the file cannot be found";
+    try {
+      if (entries_.empty() || file_.exists()) return load();
+    } catch (const Unreadable& failure) {
+      trouble = failure.what();
+    }
+    log_.debug_log(std::string("Error loading ").append(Format::plural).append(": ") + trouble, LogLevel::Normal);
     refresh();
     return true;
   }
 
-  void load_file() {
-    const std::vector<std::string> lines = file_.read_lines();
+  void take_lines(const std::vector<std::string>& lines) {
     entries_.resize(lines.size());
     for (std::size_t i = 0; i < lines.size(); ++i) {
       const std::vector<std::string_view> fields = split(lines[i], "\t");

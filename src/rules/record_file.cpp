@@ -39,7 +39,9 @@ bool RecordFile::exists() const {
 }
 
 std::vector<std::string> RecordFile::read_lines() const {
-  const std::string text = loadfile(files_, path());
+  const std::optional<std::string> bytes = files_.read(path());
+  if (!bytes) throw Unreadable("The file " + path() + " cannot be read; with other rules files would go elsewhere");
+  const std::string text = from_code_page(*bytes);
   const std::vector<std::string_view> pieces = split(text, "\r\n");
   return {pieces.begin(), pieces.end() - 1};
 }

@@ -5,8 +5,15 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "text/failure.h"
 
 namespace quorvel {
+
+/// A file that is there, or may be, but cannot be read.
+class Unreadable : public Failure {
+ public:
+  using Failure::Failure;
+};
 
 /// A text file of records: one a line, every line ended by CR LF, fields separated by TAB, nothing quoted or escaped.
 class RecordFile {
@@ -18,7 +25,7 @@ class RecordFile {
 
   bool exists() const;
 
-  /// The lines; text after the last CR LF is not one. Throws Failure when there is no file.
+  /// The lines; text after the last CR LF is not one. Throws Unreadable.
   std::vector<std::string> read_lines() const;
 
   /// Sets what the user's list holds after a load. Whatever else the file held is kept when it is next saved.

@@ -21,6 +21,11 @@ bool holds_nul(const std::string& path) {
   return path.find('\0') != std::string::npos;
 }
 
+/// Whether the error says that there is nothing, rather than that it cannot be looked at.
+bool is_missing(int error) {
+  return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == EINVAL || error == EILSEQ;
+}
+
 bool status(const std::string& path, struct stat& found) {
   return !holds_nul(path) && ::stat(path.c_str(), &found) == 0;
 }
@@ -75,7 +80,12 @@ bool take_over(int file, const struct stat& old) {
 
 Files::Kind DiskFiles::kind(const std::string& path) const {
   struct stat found {};
-  if (!status(path, found)) return Kind::Missing;
+  if (holds_nul(path)) return Kind::Missing;
+  if (::stat(path.c_str(), &found) != 0) {
+    const int error = errno;
+    const bool is_dangling = error == ENOENT && lstat(path.c_str(), &found) == 0;
+    return is_missing(error) && !is_dangling ? Kind::Missing : Kind::Other;
+  }
   if (S_ISREG(found.st_mode)) return Kind::File;
   return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
 }

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <array>
 #include <random>
 #include <string_view>
 
@@ -27,8 +28,12 @@ HANDLE open_existing(const std::wstring& path, DWORD access) {
   return CreateFileW(path.c_str(), access, share_all, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
+/// Whether the error says that there is nothing, rather than that it cannot be looked at.
 bool is_missing(DWORD error) {
-  return error != ERROR_SHARING_VIOLATION && error != ERROR_ACCESS_DENIED;
+  constexpr std::array missing = {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND,       ERROR_INVALID_NAME,
+                                  ERROR_BAD_PATHNAME,   ERROR_FILENAME_EXCED_RANGE, ERROR_INVALID_DRIVE,
+                                  ERROR_BAD_NETPATH,    ERROR_BAD_NET_NAME};
+  return std::find(missing.begin(), missing.end(), static_cast<long>(error)) != missing.end();
 }
 
 Files::Kind kind_of(const std::wstring& path) {
@@ -39,9 +44,7 @@ Files::Kind kind_of(const std::wstring& path) {
   const Handle handle(open_existing(path, 0));
   BY_HANDLE_FILE_INFORMATION found{};
   if (!handle) {
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
-      return is_missing(GetLastError()) ? Files::Kind::Missing : Files::Kind::Other;
-    }
+    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return Files::Kind::Other;
     return (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? Files::Kind::Folder : Files::Kind::File;
   }
   if (GetFileType(handle.get()) != FILE_TYPE_DISK || !GetFileInformationByHandle(handle.get(), &found)) {
