@@ -45,16 +45,15 @@ std::string files(int count) {
 }
 
 /// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is refused.
-void refuse_foreign_cache(const Files& files, const std::string& work_dir) {
-  files.list(work_dir + "cache", [&](const FolderEntry& entry) {
-    if (entry.is_folder || (!entry.name.ends_with(".qc") && !entry.name.ends_with(".epc"))) {
-      throw Failure("The folder " + work_dir + "cache holds \"" + entry.name +
-                    "\", which is no cache file, so it cannot be used for caches");
-    }
-  });
+void refuse_foreign_cache(Files& files, const std::string& work_dir) {
+  const CacheFolder cache(files, work_dir);
+  if (const std::optional<std::string> foreign = cache.foreign_entry()) {
+    throw Failure("The folder " + cache.path() + " holds \"" + *foreign +
+                  "\", which is no cache file, so it cannot be used for caches");
+  }
 }
 
-std::string checked_work_dir(const Files& files, const std::string& given) {
+std::string checked_work_dir(Files& files, const std::string& given) {
   std::string work_dir = with_separator(absolute_path(given));
   if (given.empty() || files.kind(work_dir) != Files::Kind::Folder) {
     throw Failure("The work folder \"" + given + "\" does not exist");

@@ -22,6 +22,16 @@ std::vector<std::string> CacheFolder::files(std::string_view extension) const {
   return found;
 }
 
+std::optional<std::string> CacheFolder::foreign_entry() const {
+  std::optional<std::string> foreign;
+  files_.list(path(), [&](const FolderEntry& entry) {
+    const bool is_own = entry.name.ends_with(".qc") || entry.name.ends_with(".epc") ||
+                        entry.name.starts_with(".quorvel-");  // what a crash in the middle of writing has left
+    if (entry.is_folder || !is_own) foreign = entry.name;
+  });
+  return foreign;
+}
+
 std::string CacheFolder::load(const std::string& file) const {
   return loadfile(files_, file);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,9 @@ class CacheFolder {
 
   /// The file's text. Throws Failure when it does not exist.
   std::string load(const std::string& file) const;
+
+  /// An entry of the folder that is none of its files, so that the folder may be somebody else's; empty without one.
+  std::optional<std::string> foreign_entry() const;
 
   /// Replaces the file's text, and makes the folder when it is missing. A failure leaves the old file or none, and is
   /// not reported: the next look-up asks the service again.

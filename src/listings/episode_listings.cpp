@@ -112,6 +112,7 @@ void EpisodeListings::load_cache(const std::string& text) {
     if (fields.size() < 5) {
       throw Failure("line " + std::to_string(i + 1) + " has " + std::to_string(fields.size()) + " of 5 fields");
     }
+    if (!is_clean(fields[4])) throw Failure("line " + std::to_string(i + 1) + " has a title that is none");
     list_.append({std::string(fields[0]), to_number(fields[1]), to_number(fields[2]), std::string(fields[3]),
                   std::string(fields[4])});
   }

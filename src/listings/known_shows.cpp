@@ -7,6 +7,7 @@
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
+#include "text/title.h"
 
 namespace quorvel {
 
@@ -15,7 +16,7 @@ std::optional<Show> cached_show(const CacheFolder& cache, const std::string& fil
     if (!cache.stamp(file)) return std::nullopt;
     const std::string text = cache.load(file);
     const std::vector<std::string_view> fields = split(text, "\t");
-    if (fields.size() < 3) return std::nullopt;
+    if (fields.size() < 3 || !is_clean(fields[2])) return std::nullopt;
     return Show{to_number(fields[0]), std::string(fields[2]), std::string(fields[1])};
   } catch (const Failure&) {
     return std::nullopt;  // the service is asked, and the file replaced

@@ -17,7 +17,8 @@ struct Show {
   bool operator==(const Show&) const = default;
 };
 
-/// The show in a query cache's file; empty when there is no such file or it is damaged.
+/// The show in a query cache's file; empty when there is no such file, when it is damaged, and when
+/// the show's name is none that the service's answers give.
 std::optional<Show> cached_show(const CacheFolder& cache, const std::string& file);
 
 /// Which shows there are in the query caches. An episode cache is named after its show, and two shows of one name must

@@ -56,6 +56,8 @@ std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues&
   for (const std::string_view part : split(mask, std::string_view(&separator, 1))) {
     const std::string name = expand(part, values);
     if (name == part) continue;
+    // Names from the service are clean; this is for what nobody has thought of.
+    if (name.find(separator) != std::string::npos) return "\"" + name + "\" leads into another folder";
     if (std::optional<std::string> trouble = name_trouble(name, separator)) return trouble;
   }
   return std::nullopt;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,10 +18,18 @@ constexpr std::array<std::string_view, 3> versions_with_old_caches = {"3.1", "3.
 constexpr const char* folders_and_videos = "DIR";
 constexpr int cache_warning = 1;  // the message's number, by which the user can switch it off
 
+/// A folder of that name that holds anything else is somebody else's, and only the caches in it go.
 void drop_caches(Session& session) {
   using Request = FileOperationRequest;
-  const std::string cache = session.settings.work_dir + "cache";
+  const std::string cache = session.cache.path();
   if (!session.ports.files.exists(cache)) return;
+  if (const std::optional<std::string> foreign = session.cache.foreign_entry()) {
+    session.log.debug_log("The folder " + cache + " is kept, for it holds \"" + *foreign + "\"", LogLevel::Normal);
+    for (const char* const extension : {".qc", ".epc"}) {
+      for (const std::string& file : session.cache.files(extension)) session.ports.files.remove(file);
+    }
+    return;
+  }
   const int code = session.ports.shell.perform(
       {Request::Delete, cache, "", Request::Silent | Request::NoConfirmation | Request::SimpleProgress});
   if (code != 0) {

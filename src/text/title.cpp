@@ -73,6 +73,11 @@ std::string cleantitle(std::string_view text) {
   return trimtext(title);
 }
 
+bool is_clean(std::string_view text) {
+  return text.find_first_of(unfit_for_file_names) == std::string_view::npos &&
+         text.find_first_of("\t\r\n") == std::string_view::npos;
+}
+
 std::string trimtext(std::string_view text) {
   std::string trimmed(text);
   // Users' file names and caches depend on this: the digit goes wherever it stands.

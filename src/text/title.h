@@ -15,6 +15,10 @@ inline constexpr std::size_t max_title_size = 65536;
 /// than max_title_size bytes.
 std::string cleantitle(std::string_view text);
 
+/// Whether cleantitle would leave all its characters but the digit 1: none that file names cannot hold, no tab and no
+/// line break.
+bool is_clean(std::string_view text);
+
 /// Without any digit 1, then without spaces, CR, LF and TAB at both ends.
 std::string trimtext(std::string_view text);
 

@@ -51,14 +51,14 @@ struct Listings : ::testing::Test, TestSession {
 TEST_F(Listings, AShowIsSearchedOnceAndThenFoundInItsCache) {
   const std::string page = "\"https://www.tvmaze.com/shows/101/the-harbour-lights\"";
   const std::string found = "101 The Harbour Lights " + page, fetched = "|Query not in cache|Updating query cache";
-  for (const char* damaged : {"", "1\tone tab", "x\ty\tz"}) {
+  for (const char* damaged : {"", "1\tone tab", "x\ty\tz", "1\ty\t../../z"}) {
     EXPECT_EQ(search("the harbour lights"), found + fetched);
     EXPECT_EQ(read("data/Quorvel/cache/the harbour lights.qc"), "101\t" + page + "\tThe Harbour Lights");
     EXPECT_EQ(search("the: harbour? lights"), found + "|Found query in cache") << "the characters that no name holds";
     write("data/Quorvel/cache/the harbour lights.qc", damaged);
   }
   EXPECT_EQ(search("café noir"), "102 CafÃ© Noir \"https://www.tvmaze.com/shows/102/cafe-noir\"" + fetched);
-  EXPECT_EQ(service.requests().size(), 4u);
+  EXPECT_EQ(service.requests().size(), 5u);
   EXPECT_TRUE(service.requests()[2].starts_with("GET /search/shows?q=the+harbour+lights HTTP/1.0\r\n"));
 }
 
@@ -108,6 +108,7 @@ TEST_F(Listings, AiredEpisodesComeFromTheCacheAndOthersAreFetchedAgain) {
   const std::pair<std::string, std::string> changed[] = {
       {old + "By Hand\r\n" + old + "Second\r\nno line", "By Hand url" + in_cache},
       {old + "Unended", one + fetched},
+      {old + "a/b\r\n", bad + "line 1 has a title that is none" + fetched},
       {"2015-01-01\tx\t1\turl\tBroken\r\n", bad + "\"x\" is not a whole number of 32 bits" + fetched},
       {old + "Good\r\n2015-01-01\t1\t2\turl\r\n", bad + "line 2 has 4 of 5 fields" + fetched}};
   for (const auto& [text, found] : changed) {

@@ -24,10 +24,25 @@ TEST_F(Shell, AFirstRunAndOlderVersionsDropTheCaches) {
     EXPECT_EQ(key_values.texts[""], "3.4");
     EXPECT_EQ(key_values.numbers, (Numbers{{"context", context}})) << version;
   }
+  write("data/Quorvel/cache/of somebody else.txt", "x");
+  for (const char* const own : {"a.qc", "b.epc", ".quorvel-x"}) write(std::string("data/Quorvel/cache/") + own, "x");
+  key_values.texts[""] = "3.1";
+  session.start();
+  EXPECT_TRUE(exists("data/Quorvel/cache/of somebody else.txt") && !exists("data/Quorvel/cache/a.qc") &&
+              !exists("data/Quorvel/cache/b.epc"));
   EXPECT_EQ(session.settings.work_dir, work_dir());
   EXPECT_EQ(shell->perform({FileOperationRequest::Delete, folder / "data", "", 0}), 0);
   session.start();
   EXPECT_EQ(session.settings.work_dir, folder / "program/");
+}
+
+TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
+  session.start();
+  for (const char* const name : {"man.dat", "filters.dat"}) {
+    files->create_folder(work_dir() + name);
+    EXPECT_THROW(session.start(), Unreadable) << name;
+    std::filesystem::remove(path_of(work_dir() + name));
+  }
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
