@@ -9,6 +9,7 @@
 
 int main(int argc, char** argv) {
   using namespace quorvel;
+  console::open_missing_streams();
   try {
     std::vector<std::string> arguments = separate_arguments(argc, argv);
     arguments.insert(arguments.begin(), "quorvel-cli");

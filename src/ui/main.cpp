@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/console.h"
 #include "platform/system.h"
 #include "shell/session.h"
 #include "shell/startup.h"
@@ -125,6 +126,7 @@ bool App::OnExceptionInMainLoop() {
 }  // namespace quorvel::ui
 
 int main(int argc, char** argv) {
+  quorvel::console::open_missing_streams();
   wxDISABLE_DEBUG_SUPPORT();
   wxApp::SetInstance(new quorvel::ui::App(quorvel::command_line_arguments(argc, argv)));
   int toolkit_argc = 1;  // the arguments are the program's own, even those that look like the toolkit's

@@ -122,6 +122,16 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   EXPECT_EQ(contents(damaged), "nonsense");
 }
 
+TEST_F(Cli, AHangUpThatIsIgnoredStaysSo) {
+  if (facts::windows) GTEST_SKIP() << "there is no such signal";
+  add({"The.Harbour.Lights.S01E02.mkv"});
+  const char* const script =
+      "trap '' HUP; \"$@\" & while kill -HUP $! 2>&-; do grep -q ') Z' /proc/$!/stat 2>&- && break; done; wait $!";
+  Start shell = start({"-c", script, "sh", QUORVEL_CLI, "The.Harbour.Lights.S01E02.mkv"}, false);
+  shell.program = "/bin/sh";
+  EXPECT_EQ(ChildProcess(shell).status(), 0);
+}
+
 TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswerIsNo) {
   const Arguments two = {"The.Harbour.Lights.S01E03.mkv", "The.Harbour.Lights.S01E02.mkv"};
   add(two);

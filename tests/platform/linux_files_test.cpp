@@ -1,11 +1,14 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 
 #include "child_process.h"
 #include "file_tools.h"
+#include "platform/console.h"
 #include "platform/linux/exclusive_rename.h"
 #include "support/linux/unprivileged.h"
 #include "temporary_folder.h"
@@ -130,6 +133,16 @@ TEST_F(LinuxFiles, AnInterruptedCopyLeavesNothingBehind) {
     std::ofstream(big, std::ios::in) << 'A';
     EXPECT_TRUE(state() == before);
   }
+}
+
+const SecondProcess without_streams("streams", [](const std::string&) {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO}) close(stream);
+  console::open_missing_streams();
+  return open("/dev/null", O_RDONLY) > STDERR_FILENO ? 0 : 1;
+});
+
+TEST_F(LinuxFiles, NoFileBecomesAStandardStream) {
+  EXPECT_EQ(ChildProcess(without_streams.start("")).status(), 0);
 }
 
 /// In a process of its own, for GIO looks for the home folder only once.

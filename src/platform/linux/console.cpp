@@ -1,5 +1,6 @@
 #include "platform/console.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -50,6 +51,14 @@ void write_all(int descriptor, std::string_view text) {
 
 }  // namespace
 
+void open_missing_streams() {
+  // The lowest number that is free is taken.
+  for (int opened = 0; opened >= 0 && opened <= STDERR_FILENO;) {
+    opened = ::open("/dev/null", O_RDWR);
+    if (opened > STDERR_FILENO) ::close(opened);
+  }
+}
+
 void write_out(std::string_view text) {
   write_all(STDOUT_FILENO, text);
 }
@@ -86,7 +95,12 @@ void count_interrupts() {
   struct sigaction action {};
   action.sa_handler = on_interrupt;
   action.sa_flags = SA_RESTART;
-  for (const int signal : interrupting) ::sigaction(signal, &action, nullptr);
+  for (const int signal : interrupting) {
+    struct sigaction given {};
+    // Whoever started the program so that it ignores one, such as nohup, meant it.
+    if (::sigaction(signal, nullptr, &given) == 0 && given.sa_handler == SIG_IGN) continue;
+    ::sigaction(signal, &action, nullptr);
+  }
   action.sa_handler = SIG_IGN;
   ::sigaction(SIGPIPE, &action, nullptr);
 }

@@ -58,6 +58,15 @@ void write_all(DWORD which, std::string_view text) {
 
 }  // namespace
 
+void open_missing_streams() {
+  for (const DWORD which : {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE}) {
+    SetLastError(ERROR_SUCCESS);
+    if (GetFileType(GetStdHandle(which)) != FILE_TYPE_UNKNOWN || GetLastError() == ERROR_SUCCESS) continue;
+    SetStdHandle(which, CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr));
+  }
+}
+
 void write_out(std::string_view text) {
   write_all(STD_OUTPUT_HANDLE, text);
 }
