@@ -35,6 +35,7 @@ bool Pipeline::searchtv(QueueItem& item) {
   if (!show) return false;
   item.show_id = show->id;
   item.show_name = without_control_characters(show->name, parts_.log);
+  if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
   item.show_url = show->url;
   return true;
 }
@@ -45,6 +46,9 @@ bool Pipeline::getlistings(QueueItem& item) {
       {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
   if (!episode) return false;
   item.episode_title = without_control_characters(episode->title, parts_.log);
+  if (item.episode_title.empty()) {
+    parts_.log.debug_log("The episode has no title that a file can have", LogLevel::Normal);
+  }
   item.episode_url = episode->url;
   return true;
 }
@@ -61,10 +65,14 @@ bool Pipeline::dofilter(QueueItem& item) {
   } else {
     if (const auto trouble = mask_trouble(filter.path, values, expand_folder)) throw Failure("The folder " + *trouble);
     folder = expand_folder(filter.path, values);
+    if (folder.empty()) throw Failure("The rule has no folder to put files into");
   }
   const std::string mask = filter.mask + "." + extension;
   if (const auto trouble = mask_trouble(mask, values, expand_name)) throw Failure("The new name " + *trouble);
   item.new_name = expand_name(mask, values);
+  if (item.new_name.starts_with('.') && !item.filename.starts_with('.')) {
+    throw Failure("The new name \"" + item.new_name + "\" would hide the file");
+  }
   item.dest_path = with_separator(folder);
   item.filter_index = *rule;
   item.action = filter.action;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -16,15 +17,20 @@ struct StageResult {
   explicit operator bool() const { return passed; }
 };
 
-/// Runs `stage`, which returns a bool. A Failure in it is logged after `prefix`, and the stage has not passed.
+/// Runs `stage`, which returns a bool. A Failure in it is logged after `prefix`, and the stage has not passed; neither
+/// has one that needs more memory than there is, as for a huge answer, which by then has been freed.
 template <typename Stage>
 StageResult run_stage(Log& log, std::string_view prefix, Stage stage) {
+  std::string failure;
   try {
     return {stage(), {}};
-  } catch (const Failure& failure) {
-    log.debug_log(std::string(prefix) + failure.what(), LogLevel::Normal);
-    return {false, failure.what()};
+  } catch (const Failure& thrown) {
+    failure = thrown.what();
+  } catch (const std::bad_alloc&) {
+    failure = "There is not enough memory";
   }
+  log.debug_log(std::string(prefix) + failure, LogLevel::Normal);
+  return {false, failure};
 }
 
 }  // namespace quorvel

@@ -137,6 +137,8 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
   } cases[] = {
       {"a&#x;b.s01e02.avi", "Unable to find filename filter",
        "Error getting filename filter: \"\" is not the number of a character"},
+      {"no.such.show.s01e01.avi", "Unable to find show on tvmaze.com\r\nSearched for: no such show",
+       "Unable to find show page for: no such show"},
       {"the.harbour.lights.s09e09.avi", no_listings + "the harbour lights\r\nDetected as: The Harbour Lights 9x9",
        "Unable to find listings for: The Harbour Lights 9x9"},
       {"specials.galore.s01e01.avi",
@@ -166,6 +168,15 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
   }
   for (const std::string& name : taken) EXPECT_EQ(read(name), "there before");
 
+  for (const auto& [path, mask, why] :
+       {std::tuple("", "[show]", "The rule has no folder to put files into"),
+        {"/a/b/", ".[title]", "The new name \".The Pilot Boat.mkv\" would hide the file"}}) {
+    rule(CopyAndRename, path, mask);
+    processor.retry_failed();
+    EXPECT_EQ(item(session.queue.count()).error_text, why);
+  }
+
+  rule(Rename, "");
   session.filters.at(1).enabled = false;
   const int unruled = add("the.harbour.lights.s01e05.avi"), gone = add("the.harbour.lights.s01e05.mkv");
   processor.process_queue();
@@ -193,7 +204,8 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
   const struct {
     const char *show, *title;
   } cases[] = {{"..", "x"},         {".", "x"},     {"a", "..\xE0\x80\xAF..\xE0\x80\xAFx"},
-               {"a/../b", "/../x"}, {"a", "&#0;x"}, {"a\x07", "\xE2\x80\xAEx"}};
+               {"a/../b", "/../x"}, {"a", "&#0;x"}, {"a\x07", "\xE2\x80\xAEx"},
+               {"?", "x"}};
   int number = 0;
   for (const auto& c : cases) {
     service.misbehave([&](const std::string& target, const std::string&) {
@@ -215,6 +227,7 @@ TEST_F(Queue, AServiceCannotLeadAFileOutOfItsFolder) {
     }
   }
   EXPECT_EQ(item(1).error_text, "The folder \"..\" stands for a folder");
+  EXPECT_TRUE(item(number).error_text.ends_with("The show has no name that a file can have"));
 }
 
 TEST_F(Queue, TheUserIsAskedWhenTheSettingsSaySo) {
