@@ -34,12 +34,6 @@ std::string decode_bytes(std::string_view bytes) {
 
 }  // namespace
 
-bool is_whole_list(std::string_view answer) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t first = answer.find_first_not_of(blanks);
-  return first != std::string_view::npos && answer[first] == '[' && answer[answer.find_last_not_of(blanks)] == ']';
-}
-
 std::string UTF8Decode(std::string_view text, Log& log) {
   const std::string bytes = to_code_page(text);
   if (bytes.size() < 2) return {};

@@ -8,10 +8,6 @@
 /// Reading the answers of the listings service.
 namespace quorvel {
 
-/// Whether an answer is a list from its first bracket to its last. One that lost its start or its end on the way could
-/// still hold values, but those of another show or episode, and a file would get a wrong name.
-bool is_whole_list(std::string_view answer);
-
 /// Reads the text's bytes of the code page as UTF-8 of up to three bytes a character. Bytes that start no such sequence
 /// stand for themselves, and continuation bytes are taken as they come. A text of one byte gives an empty one.
 /// When a sequence runs past the end, is half a character of another encoding, or is a long form of an ASCII character,

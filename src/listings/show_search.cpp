@@ -1,6 +1,5 @@
 #include "listings/show_search.h"
 
-#include "listings/answer.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"

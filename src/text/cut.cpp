@@ -18,6 +18,12 @@ std::string_view trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
+bool is_whole_list(std::string_view answer) {
+  constexpr std::string_view blanks = " \t\r\n";
+  const std::size_t first = answer.find_first_not_of(blanks);
+  return first != std::string_view::npos && answer[first] == '[' && answer[answer.find_last_not_of(blanks)] == ']';
+}
+
 void replace_all(std::string& text, std::string_view what, std::string_view with) {
   std::size_t at = text.find(what);
   if (at == std::string::npos) return;

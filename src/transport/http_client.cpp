@@ -75,6 +75,13 @@ struct HttpClient::Answer {
   std::size_t received = 0;
   int expected = -1;  // bytes, by the header; only reported, never relied on
   bool in_header = true;
+
+  /// By its own count or, without one, by its form: many servers end without TLS's closing notice, and then only this
+  /// tells a whole answer from one that was cut.
+  bool is_complete() const {
+    if (in_header) return false;
+    return expected < 0 ? is_whole_list(body) : received == static_cast<std::size_t>(expected);
+  }
 };
 
 bool HttpClient::spliturl(std::string_view url, Address& address) {
@@ -220,7 +227,7 @@ HttpClient::Outcome HttpClient::receive(std::string& url, std::string& body) {
       return Outcome::Nothing;
     }
     const std::ptrdiff_t count = socket_.read(buffer.data(), buffer.size());
-    if (count == 0) {
+    if (count == 0 || (count < 0 && !cancel_ && answer.is_complete())) {
       socket_.disconnect();
       on_status("HTTP: Downloaded " + std::to_string(answer.received) + " bytes");
       body = std::move(answer.body);

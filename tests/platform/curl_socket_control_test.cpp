@@ -3,8 +3,10 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
+#include "fake_ports.h"
 #include "listings_service.h"
 #include "platform/system.h"
+#include "transport/http_client.h"
 #include "variable.h"
 
 namespace quorvel::testing {
@@ -69,6 +71,12 @@ TEST(Https, AnAnswerArrivesByteForByte) {
 TEST(Https, OnlyTheRightServerIsAcceptedAndOnlyAWholeAnswer) {
   if (no_servers) GTEST_SKIP() << "tls-peers runs this";
   EXPECT_EQ(tls_answer("good") + tls_answer("silent"), good + "closed" + good + "error");
+  const Variable trusted("SSL_CERT_FILE", QUORVEL_CERTIFICATES_DIR "/authority.pem");
+  const std::unique_ptr<SocketControl> socket = system_socket();
+  Events events;
+  FakeUi ui{events};
+  std::string url = "https://localhost:" + Variable::get("QUORVEL_TLS_silent");
+  EXPECT_EQ(HttpClient(*socket, ui).GetData(url, ""), "[]") << "it is whole all the same";
   EXPECT_EQ(tls_answer("good", "") + tls_answer("other_host") + tls_answer("expired") + tls_answer("stranger"),
             "refused|refused|refused|refused|");
 }

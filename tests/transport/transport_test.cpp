@@ -86,6 +86,10 @@ TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
   const std::vector<Reads> redirects(51, {"HTTP/1.1 302 Found\r\nLocation: /again\r\n\r\n"});
   const std::tuple<std::vector<Reads>, std::string, std::string> cases[] = {
       {{{"HTTP/1.1 200 OK\r\n"}}, "", "|close|HTTP: Downloaded 0 bytes|a sent an empty answer"},
+      // Ended without a closing notice.
+      {{{"HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nx", {}}}, "x", "|close|HTTP: Downloaded 1 bytes|"},
+      {{{"HTTP/1.1 200 OK\r\nContent-Length: 3\r\n\r\n[]", {}}}, "", "|close|The answer from a did not arrive: late"},
+      {{{ok + "[x] \n", {}}}, "[x] \n", "|close|HTTP: Downloaded 5 bytes|"},
       {{{ok + "x", {}}},
        "",
        "|HTTP: Unable to receive data from server (error 28late)|close|The answer from a did not arrive: late"},
