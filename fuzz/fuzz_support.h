@@ -103,7 +103,7 @@ struct Service {
   FakeClock clock{events};
   NoLog log;
   FeedSocket socket;
-  HttpClient http{socket, ui};
+  HttpClient http{socket, ui, clock, log};
 };
 
 }  // namespace quorvel::fuzz

@@ -74,7 +74,9 @@ std::optional<FoundEpisode> EpisodeListings::getlistings(const Show& show, const
     }
     log_.debug_log("No matches found in ep cache", LogLevel::Verbose);
   }
-  const Episode* fetched = fetch(show, search_name, season, episode, options.use_cache);
+  const std::string key = std::to_string(show.id) + " " + std::to_string(season) + "x" + std::to_string(episode);
+  const Episode* fetched =
+      unfound_.unless_known(key, [&] { return fetch(show, search_name, season, episode, options.use_cache); });
   if (fetched == nullptr) return std::nullopt;
   log_.debug_log("Found episode in listings", LogLevel::Verbose);
   return finish(*fetched, options.decode_utf8);

@@ -9,6 +9,7 @@
 
 #include "listings/cache_folder.h"
 #include "listings/known_shows.h"
+#include "listings/unfound.h"
 #include "platform/clock.h"
 #include "platform/log.h"
 #include "transport/http_client.h"
@@ -62,6 +63,9 @@ class EpisodeListings {
   std::optional<FoundEpisode> getlistings(const Show& show, const std::string& search_name, int season, int episode,
                                           Options options);
 
+  /// The service is asked again for what it has not found.
+  void forget_unfound() { unfound_.forget(); }
+
   /// Makes the cache file's episodes of the show the episode list; false when there is no file, when it is damaged, or
   /// when it may be another show's of the same name.
   bool checkepcache(const std::string& show_name);
@@ -84,6 +88,7 @@ class EpisodeListings {
   Log& log_;
   Clock& clock_;
   std::string api_base_;
+  Unfound unfound_;
   EpisodeList list_;
   // The cache file that list_ was loaded from, so that each further file of a show need not load it again.
   std::string loaded_file_;

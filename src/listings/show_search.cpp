@@ -21,7 +21,7 @@ std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool us
   } else {
     log_.debug_log("Query cache disabled", LogLevel::Verbose);
   }
-  std::optional<Show> show = search_service(search_name);
+  std::optional<Show> show = unfound_.unless_known(search_name, [&] { return search_service(search_name); });
   if (show) known_.add(*show);
   if (show && use_cache) {
     log_.debug_log("Updating query cache", LogLevel::Verbose);

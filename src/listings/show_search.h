@@ -6,6 +6,7 @@
 
 #include "listings/cache_folder.h"
 #include "listings/known_shows.h"
+#include "listings/unfound.h"
 #include "platform/log.h"
 #include "transport/http_client.h"
 
@@ -22,6 +23,9 @@ class ShowSearch {
   /// list of shows. Throws Failure when there is no answer, or when a value of it is not what it must be.
   std::optional<Show> searchtv(const std::string& search_name, bool use_cache);
 
+  /// The service is asked again for what it has not found.
+  void forget_unfound() { unfound_.forget(); }
+
   /// The show in the cache file for the name; empty when there is no such file or it is damaged.
   std::optional<Show> checkqcache(const std::string& search_name) const;
 
@@ -33,6 +37,7 @@ class ShowSearch {
   KnownShows& known_;
   Log& log_;
   std::string api_base_;
+  Unfound unfound_;
 };
 
 }  // namespace quorvel

@@ -15,6 +15,9 @@ class Clock {
   /// Hours, minutes and seconds of the user's time zone in the user's long time format, e.g. "14:05:33".
   virtual std::string time_of_day() const = 0;
 
+  /// A moment to measure from, which no change of the system's time affects.
+  virtual std::chrono::steady_clock::time_point instant() const { return std::chrono::steady_clock::now(); }
+
   /// Comes back after this time; no events run meanwhile.
   virtual void wait(std::chrono::milliseconds time) = 0;
 };

@@ -29,6 +29,12 @@ class Pipeline {
 
   explicit Pipeline(Parts parts) : parts_(parts) {}
 
+  /// Before each pass.
+  void begin_pass() {
+    parts_.search.forget_unfound();
+    parts_.listings.forget_unfound();
+  }
+
   /// search_name, season and episode, from the name of the file's folder or from its own.
   bool getbits(QueueItem& item, bool parentFolder);
 

@@ -52,6 +52,7 @@ void Processor::stop() {
 }
 
 void Processor::run_pass() {
+  pipeline_.begin_pass();
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
       end_pass();

@@ -22,7 +22,7 @@ Session::Session(Ports ports, Places places)
       settings_store(ports.key_values, ports.ui),
       filters(ports.files, log, ports.ui, settings.work_dir),
       exceptions(ports.files, log, ports.ui, settings.work_dir),
-      http(ports.socket, ports.ui),
+      http(ports.socket, ports.ui, ports.clock, log),
       cache(ports.files, settings.work_dir),
       known_shows(cache),
       search(http, cache, known_shows, log, this->places.api_base),

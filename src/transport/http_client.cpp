@@ -16,7 +16,8 @@ namespace {
 constexpr int timeout_seconds = 4;
 constexpr std::size_t read_size = 2048;
 constexpr int max_port = 65535;
-constexpr int unauthorized = 401;
+constexpr int unauthorized = 401, too_many_requests = 429, unavailable = 503;
+constexpr std::chrono::milliseconds wait_slice(50);
 constexpr std::size_t max_host_length = 253, max_status_length = 100;  // characters of each that are told
 
 /// One of HttpLimits is exceeded.
@@ -136,14 +137,50 @@ std::string HttpClient::PostData(std::string& url, std::string_view form, std::s
 }
 
 std::string HttpClient::fetch(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
-  deadline_ = std::chrono::steady_clock::now() + limits.time;
-  trouble_.clear();
   in_progress_ = true;
   cancel_ = false;
   socket_.on_wait = [this] {
     ui_.process_events();
     return !cancel_;
   };
+  const std::string asked = url;
+  std::string body;
+  do {
+    url = asked;
+    body = attempt(url, cookie, form);
+  } while (refused_ && may_try_again());
+  in_progress_ = false;
+  return body;
+}
+
+/// Whether the refused request should be sent again; by then the time for that has come.
+bool HttpClient::may_try_again() {
+  pace_.slow_down();
+  const std::chrono::milliseconds time = named_wait_.count() > 0 ? named_wait_ : next_wait_;
+  if (waited_ + time > limits.patience) return false;
+  log_.debug_log(
+      trouble_ + "; asking again in " + std::to_string(std::max<long long>(time.count() / 1000, 1)) + " seconds",
+      LogLevel::Normal);
+  waited_ += time;
+  next_wait_ *= 2;
+  return wait(time);
+}
+
+/// False when the transfer is cancelled meanwhile.
+bool HttpClient::wait(std::chrono::milliseconds time) {
+  for (const auto until = clock_.instant() + time; clock_.instant() < until;) {
+    clock_.wait(wait_slice);
+    deadline_ += wait_slice;
+    ui_.process_events();
+    if (consume_cancel("HTTP: Connection canceled")) return false;
+  }
+  return true;
+}
+
+std::string HttpClient::attempt(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
+  deadline_ = clock_.instant() + limits.time;
+  trouble_.clear();
+  refused_ = false;
   std::string body;
   try {
     body = redirected(url, cookie, form);
@@ -157,7 +194,6 @@ std::string HttpClient::fetch(std::string& url, std::string_view cookie, std::op
              "()\r\nError Code: 0 Error Text: " + failure.what(),
          "The answer from " + host() + " cannot be used: " + failure.what());
   }
-  in_progress_ = false;
   return body;
 }
 
@@ -181,6 +217,10 @@ HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& addres
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
   ui_.catch_up();
+  while (pace_.time_left().count() > 0) {
+    if (!wait(pace_.time_left())) return Outcome::Nothing;
+  }
+  pace_.count_request();
   check_deadline();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
@@ -288,6 +328,17 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
       return Outcome::Redirect;
     }
   }
+  refused_ = status == too_many_requests || status == unavailable;
+  named_wait_ = {};
+  if (refused_) {
+    for (const std::string_view line : lines) {
+      const std::optional<HeaderField> field = header_field(line);
+      if (field && field->name == "retry-after") named_wait_ = std::chrono::seconds(leading_number(field->value));
+    }
+  } else {
+    waited_ = {};
+    next_wait_ = first_wait;
+  }
   if ((status < 200 || status > 299) && status != unauthorized) {
     const std::string_view line = lines.front();
     fail("HTTP: Unhandled return code (" + std::to_string(status) + ")",
@@ -302,7 +353,7 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
 }
 
 void HttpClient::check_deadline() const {
-  if (std::chrono::steady_clock::now() < deadline_) return;
+  if (clock_.instant() < deadline_) return;
   throw LimitExceeded("it takes longer than " + std::to_string(limits.time.count() / 1000) + " seconds");
 }
 

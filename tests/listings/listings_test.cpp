@@ -32,12 +32,14 @@ struct Listings : ::testing::Test, TestSession {
     return text + (lines.empty() ? "" : "|" + lines);
   }
   std::string title(int season, EpisodeListings::Options options = {}) {
+    session.listings.forget_unfound();
     return outcome([&] {
       const auto found = session.listings.getlistings({9, "Shift", ""}, "searched", season, 1, options);
       return found ? found->title + " " + found->url : "(none)";
     });
   }
   std::string search(const std::string& name, bool use_cache = true) {
+    session.search.forget_unfound();
     return outcome([&] {
       const auto show = session.search.searchtv(name, use_cache);
       return show ? std::to_string(show->id) + " " + show->name + " " + show->url : "(none)";

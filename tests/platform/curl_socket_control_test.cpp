@@ -76,7 +76,9 @@ TEST(Https, OnlyTheRightServerIsAcceptedAndOnlyAWholeAnswer) {
   Events events;
   FakeUi ui{events};
   std::string url = "https://localhost:" + Variable::get("QUORVEL_TLS_silent");
-  EXPECT_EQ(HttpClient(*socket, ui).GetData(url, ""), "[]") << "it is whole all the same";
+  FakeClock clock{events};
+  Lines log;
+  EXPECT_EQ(HttpClient(*socket, ui, clock, log).GetData(url, ""), "[]") << "it is whole all the same";
   EXPECT_EQ(tls_answer("good", "") + tls_answer("other_host") + tls_answer("expired") + tls_answer("stranger"),
             "refused|refused|refused|refused|");
 }

@@ -288,6 +288,14 @@ TEST_F(Queue, AStoppedPassLeavesTheRestToARetryAndWhatIsAddedToTheNextPass) {
   EXPECT_TRUE(item(3).state == QueueState::Done && item(1).state == QueueState::Cancelled);
   processor.retry_failed();
   EXPECT_TRUE(item(1).state == QueueState::Done && item(2).state == QueueState::Done);
+
+  const std::size_t before = service.requests().size();
+  for (const char* const name : {"no.such.show.s01e01.avi", "no.such.show.s01e02.avi", "the.harbour.lights.s09e09.avi",
+                                 "the.harbour.lights.s09e09.mkv"}) {
+    add(name);
+  }
+  processor.process_queue();
+  EXPECT_EQ(service.requests().size() - before, 2U) << "what a pass has not found is not asked for again in it";
 }
 
 TEST_F(Queue, QuittingWaitsForTheStageAndAutocloseForTheEnd) {

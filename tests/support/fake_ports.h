@@ -108,7 +108,12 @@ struct FakeClock : Clock {
   Events& events;
   std::chrono::year_month_day today() const override { return std::chrono::year(2026) / 3 / 14; }
   std::string time_of_day() const override { return "14:05:33"; }
-  void wait(std::chrono::milliseconds time) override { events.add("wait " + std::to_string(time.count())); }
+  std::chrono::steady_clock::time_point now;  // nothing but waiting takes time
+  std::chrono::steady_clock::time_point instant() const override { return now; }
+  void wait(std::chrono::milliseconds time) override {
+    now += time;
+    events.add("wait " + std::to_string(time.count()));
+  }
 };
 
 /// Settings in memory; writing fails on demand.

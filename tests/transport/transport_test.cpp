@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "fake_listings.h"
 #include "fake_ports.h"
 #include "text/code_page.h"
@@ -18,7 +16,9 @@ struct Http : ::testing::Test {
   FakeListings service;
   Events events;
   FakeUi ui{events};
-  HttpClient http{service, ui};
+  FakeClock clock{events};
+  Lines log;
+  HttpClient http{service, ui, clock, log};
   std::string url, steps;                             // all that happened, in order, and the trouble
   std::function<bool()> works = [] { return true; };  // whether the last of them succeeds
 
@@ -108,7 +108,8 @@ TEST_F(Http, EveryAnswerGivesItsBodyOrAReason) {
   for (const auto& [answers, whole, end] : cases) EXPECT_TRUE(get(answers) == whole && steps.ends_with(end)) << end;
   for (int code = 100; code < 600; ++code) {
     const std::string answer = "HTTP/1.1 " + std::to_string(code) + " X\r\nX: y\r\nLocation: /b\r\n\r\nx";
-    const char* const expected = code >= 300 && code <= 303 ? "b" : code / 100 == 2 || code == 401 ? "x" : "";
+    const bool is_repeated = (code >= 300 && code <= 303) || code == 429 || code == 503;
+    const char* const expected = is_repeated ? "b" : code / 100 == 2 || code == 401 ? "x" : "";
     EXPECT_EQ(get({{answer}, {ok + "b"}}), expected) << code;
   }
 }
@@ -133,10 +134,31 @@ TEST_F(Http, AFailureOrACancelEndsTheTransferAtEveryStep) {
     EXPECT_EQ(get({{ok + "x"}}), "x") << "a cancel is forgotten once it was obeyed";
   }
   // A service that takes its time.
-  works = [&] { return std::this_thread::sleep_for(std::chrono::seconds(steps.ends_with("read 2048|"))), true; };
+  works = [&] { return clock.wait(std::chrono::seconds(steps.ends_with("read 2048|"))), true; };
   http.limits.time = std::chrono::seconds(1);
   EXPECT_EQ(get({{ok + "x", {}}}), "");
   EXPECT_TRUE(steps.ends_with("|close|The answer from a was given up: it takes longer than 1 seconds")) << steps;
+}
+
+TEST_F(Http, AServiceThatRefusesIsAskedAgainLaterAndNeverTooOftenFromThenOn) {
+  const auto refused = [](const std::string& more) { return Reads{"HTTP/1.1 503 Busy\r\n" + more + "\r\n"}; };
+  const auto waited = [&, from = clock.now] {
+    return std::chrono::duration_cast<std::chrono::seconds>(clock.now - from);
+  };
+  EXPECT_EQ(get({refused("Retry-After: 7\r\n"), refused(""), refused(""), {ok + "x"}}), "x");
+  EXPECT_EQ(waited().count(), 7 + 4 + 8);
+  EXPECT_EQ(log.list.front(), "a answered \"HTTP/1.1 503 Busy\"; asking again in 7 seconds");
+  EXPECT_EQ(get(std::vector(9, refused(""))), "");
+  EXPECT_EQ(waited().count(), 19 + 2 + 4 + 8 + 16) << "no more than a minute";
+  EXPECT_EQ(get({refused("")}), "") << "nobody waits for a service that is down";
+
+  std::vector<std::chrono::steady_clock::time_point> sent;
+  while (sent.size() < 50) {
+    EXPECT_EQ(get({{ok + "x"}}), "x");
+    sent.push_back(clock.now);
+  }
+  for (std::size_t i = 20; i < sent.size(); ++i) EXPECT_GE(sent[i] - sent[i - 20], std::chrono::seconds(10));
+  EXPECT_LT(sent.back() - sent.front(), std::chrono::seconds(22));
 }
 
 }  // namespace
