@@ -73,6 +73,7 @@ FileJobResult FileJobs::perform(const FileOperationRequest& request) {
 FileJobResult FileJobs::result_of(int code) {
   if (code == 0) return {true};
   log_.debug_log("File operation failed (" + std::to_string(code) + ")", LogLevel::Normal);
+  if (code == native::being_written_code) return {false, "The file is still being written by another program"};
   return {false, std::string("The file operation failed. ").append(native::system_name) + " reports error " +
                      std::to_string(code) + ": " + native::error_words(code)};
 }

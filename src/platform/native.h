@@ -15,6 +15,9 @@ extern const std::string_view system_name;
 /// What the code of a failed file operation means, in the system's own words.
 std::string error_words(int code);
 
+/// The code a file operation answers when another program has the file open for writing.
+extern const int being_written_code;
+
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 

@@ -129,6 +129,10 @@ TEST_F(LinuxFiles, AnInterruptedCopyLeavesNothingBehind) {
     EXPECT_TRUE(reached > 0 && reached < 8'000'000) << reached;
     EXPECT_THROW(attempt([](auto, auto) -> bool { throw std::runtime_error("no"); }), std::runtime_error);
     EXPECT_EQ((FullDisk(1'000'000), attempt({})), EFBIG);
+    {
+      const std::ofstream writer(big, std::ios::app);
+      EXPECT_EQ(attempt({}), native::being_written_code);
+    }
     EXPECT_EQ(attempt([&](auto, auto) { return std::ofstream(big, std::ios::in) << 'B', true; }), EBUSY);
     std::ofstream(big, std::ios::in) << 'A';
     EXPECT_TRUE(state() == before);

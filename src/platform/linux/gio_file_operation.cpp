@@ -48,6 +48,17 @@ bool is_same_state(const struct stat& before, const struct stat& after) {
          before.st_mtim.tv_sec == after.st_mtim.tv_sec && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
 }
 
+/// Whether somebody has the file open for writing, or mapped so. False where the system does not tell: for files of
+/// other users, and on file systems without leases.
+bool is_being_written(const std::string& path, int lookup) {
+  const int links = (lookup & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | links));
+  if (!file) return false;
+  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
+  fcntl(file.get(), F_SETLEASE, F_UNLCK);  // else the next writer would have to wait for us
+  return false;
+}
+
 bool in_same_folder(const std::string& one, const std::string& other) {
   struct stat first {};
   struct stat second {};
@@ -148,6 +159,7 @@ class Copying {
   int copy_to(FinalName& name) {
     if (const int error = name.check(source_); error != 0) return error;
     if (fstatat(AT_FDCWD, source_.c_str(), &before_, lookup_) != 0) return errno;
+    if (is_being_written(source_, lookup_)) return native::being_written_code;
 
     std::string temporary;
     int error = create_temporary(parent_folder(name.path()), temporary,
@@ -158,11 +170,12 @@ class Copying {
     return error;
   }
 
-  /// 0 when the source is as it was before it was copied.
+  /// 0 when the source is as it was before it was copied, and nobody is about to change it.
   int check_source() const {
     struct stat now {};
     if (fstatat(AT_FDCWD, source_.c_str(), &now, lookup_) != 0) return errno;
-    return is_same_state(before_, now) ? 0 : EBUSY;
+    if (!is_same_state(before_, now)) return EBUSY;
+    return is_being_written(source_, lookup_) ? native::being_written_code : 0;
   }
 
  private:

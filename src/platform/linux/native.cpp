@@ -9,6 +9,7 @@ namespace quorvel::native {
 const char separator = '/';
 const std::string_view system_name = "Linux";
 const int no_trash_code = ENOTSUP;
+const int being_written_code = ETXTBSY;
 
 // Of programs in "bin", installed or just built.
 const std::string_view help_file = "../share/doc/quorvel/help/index.html";

@@ -46,6 +46,7 @@ constexpr ShellError shell_errors[] = {{0x71, "The source and the destination ar
 const char separator = '\\';
 const std::string_view system_name = "Windows";
 const int no_trash_code = -1;  // no code of the system's own is negative
+const int being_written_code = ERROR_SHARING_VIOLATION;
 const std::string_view help_file = "quorvel help.chm";
 
 // The file manager hands over the selected path without quotes, and names hold blanks.
