@@ -138,8 +138,8 @@ TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswe
   service.slow_down(std::chrono::milliseconds(500));
   const auto begin = std::chrono::steady_clock::now();
   {
-    const ChildProcess program(start(two, true));
-    EXPECT_TRUE(program.shows("1 of 2"));
+    const ChildProcess program(start({"-v", two[0], two[1]}, true));
+    EXPECT_TRUE(program.shows("1 of 2") && program.shows("Query not in cache"));  // now the transfer begins
     program.type("\x03");  // ends the pass
     EXPECT_TRUE(program.shows("Got quit signal, finishing up..."));
     program.type("\x03");  // ends the transfer
