@@ -37,7 +37,8 @@ extern const bool uninstall_clears_current_folder;
 namespace quorvel {
 
 /// `path` from the root on, against the current folder, without "." and doubled separators. A ".." is followed as the
-/// system would, through links. Nothing else is looked at; an empty path stays empty.
+/// system would, through links. Nothing else is looked at. An empty path stays as it is, and so does, on Windows, a drive
+/// alone ("C:").
 std::string absolute_path(const std::string& path);
 
 }  // namespace quorvel

@@ -63,10 +63,19 @@ std::string error_words(int code) {
 
 namespace quorvel {
 
+namespace {
+
+/// "C:", which to the system is the current folder there and to the user the whole drive.
+bool is_drive_alone(const std::string& path) {
+  return path.size() == 2 && path[1] == ':';
+}
+
+}  // namespace
+
 std::string absolute_path(const std::string& path) {
   const std::optional<std::wstring> wide = to_utf16(path);
   // What cannot be a path stays what it is, and names nothing.
-  if (path.empty() || !wide || path.find('\0') != std::string::npos) return path;
+  if (path.empty() || is_drive_alone(path) || !wide || path.find('\0') != std::string::npos) return path;
   std::wstring full(MAX_PATH, L'\0');
   while (true) {
     const DWORD size = GetFullPathNameW(wide->c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
