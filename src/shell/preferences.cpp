@@ -10,6 +10,7 @@
 #include "text/case.h"
 #include "text/characters.h"
 #include "text/cut.h"
+#include "text/failure.h"
 
 namespace quorvel {
 namespace {
@@ -38,14 +39,19 @@ void drop_caches(Session& session) {
 }
 
 void update_version(Session& session) {
-  SettingsStore& store = session.settings_store;
-  const std::string stored = store.read_string("");
+  const std::string stored = session.settings_store.read_string("");
   const bool has_old_caches = std::find(versions_with_old_caches.begin(), versions_with_old_caches.end(), stored) !=
                               versions_with_old_caches.end();
   if (!stored.empty() && !has_old_caches) return;
-  store.write_string("", short_version);
+  std::vector<KeyValueStore::Named> values = {{"", short_version}};
+  if (stored.empty()) values.emplace_back("context", std::uint32_t{Settings::NotInstalled});
+  try {
+    session.ports.key_values.write(values);
+  } catch (const Failure& failure) {
+    // Where nothing can be stored, as in a container, the program works all the same.
+    session.log.debug_log(std::string("Unable to store the settings: ") + failure.what(), LogLevel::Normal);
+  }
   drop_caches(session);
-  if (stored.empty()) store.write_number("context", Settings::NotInstalled);
 }
 
 void install_types(ContextMenu* menu, const std::string& types) {

@@ -65,36 +65,44 @@ StartResult Startup::run(const std::vector<std::string>& arguments) {
     return StartResult::Ended;
   }
   try {
-    if (forward(line)) return StartResult::Ended;
+    if (const std::optional<StartResult> forwarded = forward(line)) return *forwarded;
     start(line);
   } catch (const ProgramEnd&) {
     unload_window();  // the user has already seen why
+    return StartResult::Failed;
   } catch (const std::exception& failure) {
     fail(failure.what());
+    return StartResult::Failed;
   }
   return unloaded_ ? StartResult::Ended : StartResult::Running;
 }
 
-/// Hands the command line over to a running copy. False when there is none, so that this one becomes it.
-bool Startup::forward(const CommandLine& line) {
-  if (channel_.become_running_copy()) return false;
+/// Hands the command line over to a running copy. Empty when there is none, so that this one becomes it.
+std::optional<StartResult> Startup::forward(const CommandLine& line) {
+  if (channel_.become_running_copy()) return {};
   std::vector<std::string> paths = line.paths;
   if (paths.empty()) paths.emplace_back();
   // The other copy may just have been started by the same click and need a moment.
   session_.ports.clock.wait(std::chrono::milliseconds(100));
+  StartResult result = StartResult::Ended;
   try {
     for (const std::string& path : paths) channel_.send(std::string(queue_message) + std::string(command_mark) + path);
   } catch (const Failure& failure) {
     // When the other copy has ended meanwhile, this one takes its place. It takes all paths: those already sent
     // were queued by a copy that is gone.
-    if (channel_.become_running_copy()) return false;
+    if (channel_.become_running_copy()) return {};
     session_.ports.ui.show_message(0, application_title, failure.what(), MessageIcon::Error);
+    result = StartResult::Failed;
   }
   session_.ports.ui.process_events();
-  return true;
+  return result;
 }
 
 void Startup::start(const CommandLine& line) {
+  if (const std::optional<std::string> trouble = session_.ports.key_values.trouble()) {
+    session_.ports.ui.show_message(0, application_title, *trouble, MessageIcon::Error);
+    throw ProgramEnd();
+  }
   window_.open(std::string(application_title) + " " + short_version, !line.startup);
   channel_.receive([this](const std::string& text) { handle_message(text); });
   session_.write_banner();

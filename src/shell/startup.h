@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,7 @@
 
 namespace quorvel {
 
-enum class StartResult { Running, Ended };  // Ended: uninstall run, forwarded, or failed (the user has seen why)
+enum class StartResult { Running, Ended, Failed };  // Ended: uninstall run, or forwarded; Failed: the user has seen why
 
 /// How the desktop program comes up and goes down. Session, window and channel outlive it.
 class Startup {
@@ -18,8 +19,8 @@ class Startup {
   Startup(Session& session, MainWindow& window, InstanceChannel& channel)
       : session_(session), window_(window), channel_(channel) {}
 
-  /// Called once, with the arguments without the program's name, when the window exists. Ended: the program has nothing
-  /// more to do; after a failure the window has been unloaded already.
+  /// Called once, with the arguments without the program's name, when the window exists. Unless it is Running
+  /// then, the program has nothing more to do; after a failure the window has been unloaded already.
   ///
   /// To a copy that is running, each path goes in a message of its own, "QV|PI|C=" and the path, so that a path may
   /// hold any character; without paths one message goes with nothing after the "=".
@@ -38,7 +39,7 @@ class Startup {
   void handle_message(const std::string& text);
 
  private:
-  bool forward(const CommandLine& line);
+  std::optional<StartResult> forward(const CommandLine& line);
   void start(const CommandLine& line);
   void handle_kept_messages();
   void unload_window();

@@ -93,13 +93,10 @@ bool App::OnInit() {
 
 void App::start() {
   build();
-  if (const std::optional<std::string> trouble = key_values_->trouble()) {
-    frame_->show_message(0, application_title, *trouble, MessageIcon::Error);
-    status_ = EXIT_FAILURE;
-  } else if (startup_->run(arguments_) == StartResult::Ended) {
-    status_ = EXIT_SUCCESS;
-  }
-  if (status_) delete frame_;
+  const StartResult result = startup_->run(arguments_);
+  if (result == StartResult::Running) return;
+  status_ = result == StartResult::Ended ? EXIT_SUCCESS : EXIT_FAILURE;
+  delete frame_;
 }
 
 int App::OnExit() {

@@ -50,7 +50,7 @@ TEST(Startup, HandsOverToTheRunningCopy) {
   }
   copy.events.fails = "send";
   copy.desktop.others = 2;
-  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Ended);
+  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Failed);
   EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "message Quorvel: no send", "events"));
   copy.desktop.others = 1;  // it has ended meanwhile
   EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Running);
@@ -62,18 +62,19 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
   for (const char* const step : {"open", "receive", "tray", "row", "timer", "centre", "clicks"}) {
     Copy copy;
     copy.events.fails = step;
-    EXPECT_EQ(copy.startup.run({step == std::string("row") ? copy.a : "/startup"}), StartResult::Ended);
+    EXPECT_EQ(copy.startup.run({step == std::string("row") ? copy.a : "/startup"}), StartResult::Failed);
     Texts events = copy.happened();
     events.erase(events.begin(), events.end() - 5);
     EXPECT_THAT(events, ElementsAre("stop", text + "no " + step + ")", "stop", "no tray", "unload"));
     EXPECT_FALSE(copy.startup.loaded());
   }
-  Copy copy;  // with settings that cannot be stored, of which the user has heard already
-  copy.key_values.fails = true;
-  EXPECT_EQ(copy.startup.run({}), StartResult::Ended);
-  const Texts events = copy.happened();
-  EXPECT_THAT(events, ::testing::Not(::testing::Contains(::testing::StartsWith(text))));
-  EXPECT_EQ(events.back(), "unload");
+  Copy damaged, unstored;
+  damaged.key_values.damage = "no sense";
+  EXPECT_EQ(damaged.startup.run({}), StartResult::Failed);
+  EXPECT_THAT(damaged.happened(), ElementsAre("message Quorvel: no sense", "stop", "no tray", "unload"));
+  unstored.key_values.fails = true;
+  EXPECT_EQ(unstored.startup.run({unstored.a}), StartResult::Running);
+  EXPECT_TRUE(unstored.logged("Unable to store the settings: no room") && unstored.session.queue.count() == 1);
 }
 
 TEST(Startup, UnderstandsMessages) {
@@ -111,6 +112,7 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
 
   copy.file("data/Quorvel/filters.dat");
   copy.events.fails = "remove";
+  copy.key_values.damage = "no sense";
   EXPECT_EQ(copy.startup.run({"/uninstall", "x"}), StartResult::Ended);
   EXPECT_FALSE(copy.exists("data/Quorvel"));
 }

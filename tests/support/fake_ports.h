@@ -122,8 +122,9 @@ struct FakeKeyValues : KeyValueStore {
   std::map<std::string, std::uint32_t> numbers;
   bool fails = false;
   int writes = 0;
+  std::optional<std::string> damage;
 
-  std::optional<std::string> trouble() const override { return {}; }
+  std::optional<std::string> trouble() const override { return damage; }
   std::optional<std::string> read_string(const std::string& name) const override { return value(texts, name); }
   std::optional<std::uint32_t> read_number(const std::string& name) const override { return value(numbers, name); }
   void erase_all() override { texts.clear(), numbers.clear(); }
