@@ -24,10 +24,11 @@ Gives television episode files their right name and place. Each PATH is a file, 
   -w, --work-dir DIR    keep rules, exceptions and caches in DIR
       --set NAME=VALUE  a setting for this run; may be given again. NAME is one of
 )";
-constexpr const char* help_end = R"(  -h, --help            show this text
+constexpr const char* help_end = R"(  -h, --help, /?        show this text
       --version         show the version
 
-Exit status: 0 every file taken is done; 1 something failed or was cancelled, or there was nothing to do; 2 wrong usage.
+Exit status: 0 every path was taken and every file is done; 1 something was refused, failed or was cancelled, or there
+was nothing to do; 2 wrong usage.
 )";
 
 std::string help() {
@@ -118,6 +119,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
   if (options.paths.empty()) refuse("No path is given");
+  if (argc == 2 && options.paths[0] == "/?") return Ending{0, help()};
   return options;
 }
 

@@ -62,16 +62,28 @@ std::string checked_work_dir(Files& files, const std::string& given) {
   return work_dir;
 }
 
-void queue_paths(Session& session, const std::vector<std::string>& paths, Terminal& terminal) {
-  for (const std::string& path : paths) {
-    const IntakeResult result = session.intake.take(absolute_path(path), false);
-    if (result.is_folder) {
-      const std::string left_out = result.left_out == 0 ? "" : ", " + files(result.left_out) + " left out";
-      terminal.error_line(path + ": " + files(result.queued) + " queued" + left_out);
-    } else if (result.refusal != Refusal::None) {
-      terminal.error_line(path + ": not queued: " + reason(path.empty() ? Refusal::Missing : result.refusal));
-    }
+/// Returns whether the file or folder is in the queue.
+bool queue_path(Session& session, const std::string& path, Terminal& terminal) {
+  const IntakeResult result = session.intake.take(absolute_path(path), false);
+  if (result.is_folder) {
+    const std::string left_out = result.left_out == 0 ? "" : ", " + files(result.left_out) + " left out";
+    terminal.error_line(path + ": " + files(result.queued) + " queued" + left_out);
+  } else if (result.refusal != Refusal::None) {
+    terminal.error_line(path + ": not queued: " + reason(path.empty() ? Refusal::Missing : result.refusal));
+    return result.refusal == Refusal::AlreadyQueued;
   }
+  return true;
+}
+
+/// Returns whether all are in the queue.
+bool queue_paths(Session& session, const std::vector<std::string>& paths, Terminal& terminal) {
+  bool all_queued = true;
+  for (const std::string& path : paths) {
+    std::vector<std::string> fitting = native::files_of_pattern(path);
+    if (fitting.empty()) fitting = {path};
+    for (const std::string& each : fitting) all_queued = queue_path(session, each, terminal) && all_queued;
+  }
+  return all_queued;
 }
 
 /// Reports why items failed and how many did. Returns whether all are done.
@@ -99,10 +111,10 @@ int run_session(Session& session, const std::vector<std::string>& paths, Termina
   ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
   session.start();
-  queue_paths(session, paths, terminal);
+  const bool all_queued = queue_paths(session, paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});
-  return tell_outcome(session.queue, terminal) ? all_done : something_failed;
+  return tell_outcome(session.queue, terminal) && all_queued ? all_done : something_failed;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Plain values and functions of the system that the core needs. One definition per system, chosen by the build.
 namespace quorvel::native {
@@ -21,9 +22,16 @@ extern const int being_written_code;
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 
-/// Whether the command line is one text in which switches are looked for anywhere, and all of it is one path. Else each
+/// Whether the command line is one text, in which switches are looked for anywhere and which may be one path. Else each
 /// argument is a switch or a path of its own.
 extern const bool command_line_is_one_text;
+
+/// The arguments in such a text, by the system's rules for blanks and quotes.
+std::vector<std::string> split_command_line(const std::string& text);
+
+/// What fits a pattern of file names, in natural order; nothing where the shell has replaced patterns already,
+/// so that a name may hold the signs.
+std::vector<std::string> files_of_pattern(const std::string& pattern);
 
 /// Where the help is, from the program's folder on.
 extern const std::string_view help_file;
@@ -37,8 +45,8 @@ extern const bool uninstall_clears_current_folder;
 namespace quorvel {
 
 /// `path` from the root on, against the current folder, without "." and doubled separators. A ".." is followed as the
-/// system would, through links. Nothing else is looked at. An empty path stays as it is, and so does, on Windows, a drive
-/// alone ("C:").
+/// system would, through links. Nothing else is looked at. An empty path stays as it is, and so does, on Windows, a
+/// drive alone ("C:").
 std::string absolute_path(const std::string& path);
 
 }  // namespace quorvel

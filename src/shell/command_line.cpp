@@ -1,13 +1,27 @@
 #include "shell/command_line.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
-#include <optional>
 #include <string_view>
 
+#include "shell/version.h"
 #include "text/case.h"
 
 namespace quorvel {
 namespace {
+
+constexpr const char* help = R"(Usage: quorvel [/startup] [PATH...]
+Opens the window that gives television episode files their right name and place. Each PATH is a file, or a folder whose
+files are taken; a window that is open already is handed them.
+
+  /startup, --startup      start hidden, with an icon in the tray
+  /uninstall, --uninstall  remove settings, rules, exceptions, caches and the file manager's menu entries, and end
+  /?, -h, --help           show this text
+  --version                show the version
+
+quorvel-cli does the same work in a terminal.
+)";
 
 std::string joined(const std::vector<std::string>& arguments) {
   std::string text;
@@ -64,16 +78,36 @@ std::optional<std::string> path_of_address(std::string_view text) {
   return path;
 }
 
-void take_argument(const std::string& argument, const Files& files, CommandLine& line) {
-  if (const std::optional<std::string> path = existing_path(argument, files)) {
-    line.paths.push_back(*path);
-  } else if (argument == "/uninstall" || argument == "--uninstall") {
-    line.uninstall = true;
-  } else if (argument == "/startup" || argument == "--startup") {
-    line.startup = true;
-  } else if (!argument.empty()) {
-    line.paths.push_back(absolute_path(path_of_address(argument).value_or(without_quotes(argument))));
+struct Switch {
+  std::array<std::string_view, 3> names;
+  bool CommandLine::*member;
+};
+
+constexpr std::array<Switch, 4> switches = {{{{"/uninstall", "--uninstall"}, &CommandLine::uninstall},
+                                             {{"/startup", "--startup"}, &CommandLine::startup},
+                                             {{"/?", "--help", "-h"}, &CommandLine::help},
+                                             {{"--version"}, &CommandLine::version}}};
+
+bool take_switch(const std::string& argument, CommandLine& line) {
+  for (const Switch& each : switches) {
+    if (argument.empty() || std::ranges::find(each.names, argument) == each.names.end()) continue;
+    line.*each.member = true;
+    return true;
   }
+  return false;
+}
+
+/// False for what is no switch and names nothing that exists, although it is taken for a path.
+bool take_argument(const std::string& argument, const Files& files, bool is_one_text, CommandLine& line) {
+  const std::optional<std::string> path = existing_path(argument, files);
+  if ((is_one_text || !path) && take_switch(argument, line)) return true;
+  if (path) return line.paths.push_back(*path), true;
+  if (argument.empty()) return true;
+  const std::vector<std::string> fitting = native::files_of_pattern(argument);
+  for (const std::string& each : fitting) line.paths.push_back(absolute_path(each));
+  if (!fitting.empty()) return true;
+  line.paths.push_back(absolute_path(path_of_address(argument).value_or(without_quotes(argument))));
+  return false;
 }
 
 }  // namespace
@@ -84,13 +118,24 @@ CommandLine parse_command_line(const std::vector<std::string>& arguments, const 
   if (is_one_text) {
     line.uninstall = text.find("/uninstall") != std::string::npos;
     line.startup = text.find("/startup") != std::string::npos;
-    if (!text.empty()) line.paths = {absolute_path(without_quotes(text))};
-  } else if (const std::optional<std::string> path = existing_path(text, files)) {
-    line.paths = {*path};
-  } else {
-    for (const std::string& argument : arguments) take_argument(argument, files, line);
+    if (take_switch(text, line)) return line;
   }
+  if (const std::optional<std::string> path = existing_path(text, files)) {
+    line.paths = {*path};
+    return line;
+  }
+  bool all_known = true;
+  for (const std::string& argument : is_one_text ? native::split_command_line(text) : arguments) {
+    all_known = take_argument(argument, files, is_one_text, line) && all_known;
+  }
+  if (is_one_text && !all_known && text.find('"') == std::string::npos) line.paths = {absolute_path(text)};
   return line;
+}
+
+std::optional<std::string> answer_to(const CommandLine& line) {
+  if (line.help) return help;
+  if (line.version) return std::string("quorvel ") + full_version + "\n";
+  return {};
 }
 
 }  // namespace quorvel

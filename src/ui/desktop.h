@@ -36,6 +36,13 @@ class TrayIcon {
   std::shared_ptr<Icon> icon_;
 };
 
+/// Shows a text before there is any window: on standard output, or in a message where a program of the desktop has
+/// none.
+void tell(const std::string& text);
+
+/// Brings the window, with the dialog that it waits for, in front of those of other programs.
+void bring_to_front(wxFrame& window);
+
 /// Cancels the dialogs that the system shows for this program by itself: where it picks files or asks about them. They
 /// close as soon as their own event loops come to it. False when there is none.
 bool cancel_system_dialogs();

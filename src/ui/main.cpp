@@ -14,6 +14,7 @@
 #include "shell/session.h"
 #include "shell/startup.h"
 #include "shell/version.h"
+#include "ui/desktop.h"
 #include "ui/main_frame.h"
 #include "ui/text.h"
 
@@ -125,7 +126,14 @@ bool App::OnExceptionInMainLoop() {
 int main(int argc, char** argv) {
   quorvel::console::open_missing_streams();
   wxDISABLE_DEBUG_SUPPORT();
-  wxApp::SetInstance(new quorvel::ui::App(quorvel::command_line_arguments(argc, argv)));
+  const std::vector<std::string> arguments = quorvel::command_line_arguments(argc, argv);
+  // Before the toolkit, which wants a display.
+  const auto answer = quorvel::answer_to(quorvel::parse_command_line(arguments, *quorvel::system_files()));
+  if (answer) {
+    quorvel::ui::tell(*answer);
+    return EXIT_SUCCESS;
+  }
+  wxApp::SetInstance(new quorvel::ui::App(arguments));
   int toolkit_argc = 1;  // the arguments are the program's own, even those that look like the toolkit's
   return wxEntry(toolkit_argc, argv);
 }

@@ -57,13 +57,20 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
 
   add({"The.Harbour.Lights.S01E03.mkv", "a sample.avi"});
   const std::string path = "./The.Harbour.Lights.S01E03.mkv";
-  EXPECT_EQ(run({path.substr(2), "gone\n.avi", "a sample.avi", "notes.txt", "", path}), 0);
+  EXPECT_EQ(run({path.substr(2), "gone\n.avi", "a sample.avi", "notes.txt", "", path}), 1);
   EXPECT_EQ(error,
             "gone?.avi: not queued: no such file or folder\na sample.avi: not queued: a sample, as its path says\n"
             "notes.txt: not queued: its type is not listed in the settings\n: not queued: no such file or folder\n" +
                 path + ": not queued: already queued\n1 done, 0 failed, 0 cancelled\n");
   EXPECT_EQ(service.requests().size(), 2u) << "the second run finds everything in its caches";
   EXPECT_EQ(run({"gone.avi"}), 1);
+
+  add({"The.Harbour.Lights.S01E01.mkv"});
+  std::filesystem::remove_all(path_of(data_folder_of(folder / "home")));
+  write_file(data_folder_of(folder / "home"), "in the way of all that is kept");
+  EXPECT_EQ(run({facts::windows ? "*S01E01.mkv" : "The.Harbour.Lights.S01E01.mkv", "The.Harbour.Lights.S01E01.mkv"}),
+            0);
+  EXPECT_TRUE(facts::windows || out.find("> Unable to store the settings: ") != std::string::npos) << out;
 }
 
 TEST_F(Cli, ADryRunShowsWhatTheRunAfterItDoes) {

@@ -20,6 +20,8 @@ TEST(CommandLine, TellsSwitchesFromPaths) {
       {{"", "/uninstall"}, {true, false, {}}},
       {{"--startup", "a.1x01.mkv", "b 1x02.avi"}, {false, true, {a, b}}},
       {{"--uninstall"}, {false, false, {dashes}}},
+      {{"--help", a}, {false, false, {a}, true}},
+      {{"/?", "--version"}, {false, false, {}, true, true}},
       {{"./uninstall/c.mkv", here + "/uninstall"}, {false, false, {c, here + "/uninstall"}}},
       {{"/UNINSTALL", "x/uninstall", "/startup2"}, {false, false, {"/UNINSTALL", here + "/x/uninstall", "/startup2"}}},
       {{"b", "1x02.avi"}, {false, false, {b}}},

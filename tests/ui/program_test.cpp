@@ -8,6 +8,11 @@ namespace quorvel::testing {
 TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
   const ListingsService real;
   const Variable base("QUORVEL_API_BASE", real.base());
+  const ChildProcess asked({.program = QUORVEL_PROGRAM,
+                            .arguments = {"--version"},
+                            .environment = {{"DISPLAY", ""}},
+                            .out = folder / "out"});
+  EXPECT_TRUE(asked.status() == 0 && read("out") == "quorvel 3.4.0\n");
   const std::string early = file("harbour.lights.s01e01.avi"), late = file("Lights/harbour.lights.s01e02.avi");
   ChildProcess first({.program = QUORVEL_PROGRAM, .arguments = {early}});
   wait_until([&] { return exists("in/The Harbour Lights - 1x01 - Slack Water.avi"); });

@@ -24,6 +24,14 @@ std::string error_words(int code) {
   return std::generic_category().message(code);
 }
 
+std::vector<std::string> split_command_line(const std::string& text) {
+  return {text};
+}
+
+std::vector<std::string> files_of_pattern(const std::string&) {
+  return {};
+}
+
 }  // namespace quorvel::native
 
 namespace quorvel {

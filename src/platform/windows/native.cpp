@@ -2,10 +2,13 @@
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include <algorithm>
 #include <iterator>
 
 #include "platform/windows/wide.h"
+#include "text/natural_order.h"
 
 namespace quorvel::native {
 namespace {
@@ -49,7 +52,7 @@ const int no_trash_code = -1;  // no code of the system's own is negative
 const int being_written_code = ERROR_SHARING_VIOLATION;
 const std::string_view help_file = "quorvel help.chm";
 
-// The file manager hands over the selected path without quotes, and names hold blanks.
+// The file manager's menu hands over the selected path without quotes, and names hold blanks.
 const bool command_line_is_one_text = true;
 const bool uninstall_clears_current_folder = true;
 
@@ -57,6 +60,35 @@ std::string error_words(int code) {
   const auto* const known = std::find_if(std::begin(shell_errors), std::end(shell_errors),
                                          [code](const ShellError& error) { return error.code == code; });
   return known != std::end(shell_errors) ? known->words : error_text(static_cast<DWORD>(code));
+}
+
+std::vector<std::string> split_command_line(const std::string& text) {
+  std::vector<std::string> arguments;
+  int count = 0;
+  // The first argument, the program's name, has rules of its own.
+  wchar_t** const found = CommandLineToArgvW((L"x " + to_utf16_or_marks(text)).c_str(), &count);
+  for (int i = 1; found != nullptr && i < count; ++i) arguments.push_back(to_utf8(found[i]));
+  LocalFree(found);
+  return arguments;
+}
+
+/// Hidden files and the system's are left out, as the command shell does: a recycle bin is in the root of every drive.
+std::vector<std::string> files_of_pattern(const std::string& pattern) {
+  std::vector<std::string> found;
+  const std::size_t name_start = pattern.find_last_of("\\/:") + 1;
+  const std::optional<std::wstring> wide = system_path(pattern);
+  if (pattern.find_first_of("*?", name_start) == std::string::npos || !wide) return found;
+  WIN32_FIND_DATAW entry{};
+  const HANDLE listing = FindFirstFileW(wide->c_str(), &entry);
+  if (listing == INVALID_HANDLE_VALUE) return found;
+  do {
+    const std::wstring_view name = entry.cFileName;
+    const bool hidden = (entry.dwFileAttributes & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM)) != 0;
+    if (!hidden && name != L"." && name != L"..") found.push_back(pattern.substr(0, name_start) + to_utf8(name));
+  } while (FindNextFileW(listing, &entry));
+  FindClose(listing);
+  std::ranges::sort(found, {}, natural_key);
+  return found;
 }
 
 }  // namespace quorvel::native

@@ -2,6 +2,7 @@
 
 #include <wx/taskbar.h>
 
+#include "platform/console.h"
 #include "ui/icons.h"
 #include "ui/text.h"
 
@@ -35,6 +36,14 @@ bool TrayIcon::is_available() {
 
 bool TrayIcon::is_in() const {
   return true;
+}
+
+void tell(const std::string& text) {
+  console::write_out(text);
+}
+
+void bring_to_front(wxFrame& window) {
+  window.Raise();
 }
 
 bool cancel_system_dialogs() {

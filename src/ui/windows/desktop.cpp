@@ -8,6 +8,9 @@
 
 #include <string_view>
 
+#include "platform/console.h"
+#include "platform/windows/wide.h"
+#include "shell/version.h"
 #include "ui/icons.h"
 
 namespace quorvel::ui {
@@ -113,6 +116,16 @@ bool TrayIcon::is_available() {
 
 bool TrayIcon::is_in() const {
   return icon_->is_in();
+}
+
+void tell(const std::string& text) {
+  if (GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN) return console::write_out(text);
+  MessageBoxW(nullptr, to_utf16_or_marks(text).c_str(), to_utf16_or_marks(application_title).c_str(),
+              MB_OK | MB_ICONINFORMATION);
+}
+
+void bring_to_front(wxFrame& window) {
+  SetForegroundWindow(GetLastActivePopup(GetHwndOf(&window)));
 }
 
 bool cancel_system_dialogs() {
