@@ -13,6 +13,13 @@ class InstanceChannel {
   /// For a running copy that is in the middle of something: a large file takes minutes to be copied and flushed.
   static constexpr std::chrono::milliseconds usual_patience = std::chrono::minutes(10);
 
+  /// What send() fails with when the running copy refuses the text, and when it stays busy.
+  static constexpr const char* refused_text =
+      "Quorvel is already running but did not take what it was given. If it is closing, wait until it has ended, then "
+      "try again.";
+  static constexpr const char* unanswered_text =
+      "Quorvel is already running but does not answer. Close it or wait until it has finished, then try again.";
+
   virtual ~InstanceChannel() = default;
 
   /// Makes this copy the running one, from now on until the channel ends, unless another copy of the same user's is;

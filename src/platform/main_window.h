@@ -21,12 +21,18 @@ class MainWindow {
   virtual void centre() = 0;
   virtual void minimise() = 0;
 
+  /// Shows the window again, as it was before it was minimised, and brings it to the front.
+  virtual void bring_up() = 0;
+
   /// From now on clicks on the tray icon count.
   virtual void accept_tray_clicks() = 0;
 
   /// Ends the window, and the program with it, without asking anybody; safe while a dialog is open or events are being
   /// processed in the middle of a pass.
   virtual void unload() = 0;
+
+  /// Whether its end has begun, for which it may still have to wait.
+  virtual bool is_unloading() const = 0;
 };
 
 }  // namespace quorvel

@@ -81,6 +81,7 @@ StartResult Startup::run(const std::vector<std::string>& arguments) {
 std::optional<StartResult> Startup::forward(const CommandLine& line) {
   if (channel_.become_running_copy()) return {};
   std::vector<std::string> paths = line.paths;
+  if (paths.empty() && line.startup) return StartResult::Ended;
   if (paths.empty()) paths.emplace_back();
   // The other copy may just have been started by the same click and need a moment.
   session_.ports.clock.wait(std::chrono::milliseconds(100));
@@ -131,11 +132,15 @@ void Startup::handle_kept_messages() {
 }
 
 void Startup::handle_message(const std::string& text) {
-  if (unloaded_) throw Failure(std::string(application_title) + " is closing");
+  const bool for_queue = text.starts_with(queue_message);
+  // Whoever sends a path then should learn that it would be forgotten.
+  const bool closing = unloaded_ || (for_queue && (window_.is_unloading() || session_.processor.is_quitting()));
+  if (closing) throw Failure(std::string(application_title) + " is closing");
   if (!loaded_) {
     kept_messages_.push_back(text);
-  } else if (text.starts_with(queue_message)) {
-    session_.intake.add_to_queue(without_mark(std::string_view(text).substr(queue_message.size())), true);
+  } else if (for_queue) {
+    const std::string path = without_mark(std::string_view(text).substr(queue_message.size()));
+    path.empty() ? window_.bring_up() : void(session_.intake.add_to_queue(path, true));
   } else if (text.starts_with(unload_message)) {
     unload_window();
   }

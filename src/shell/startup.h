@@ -23,7 +23,8 @@ class Startup {
   /// then, the program has nothing more to do; after a failure the window has been unloaded already.
   ///
   /// To a copy that is running, each path goes in a message of its own, "QV|PI|C=" and the path, so that a path may
-  /// hold any character; without paths one message goes with nothing after the "=".
+  /// hold any character; without paths one message goes with nothing after the "=", which brings the window up. A start
+  /// that is to be hidden, as at the session's begin, sends none without paths.
   StartResult run(const std::vector<std::string>& arguments);
 
   /// For when the window really goes away, while its lists still exist: ends a running pass at its next stage, stops
@@ -33,9 +34,10 @@ class Startup {
   /// Whether messages and clicks on the tray icon are acted on.
   bool loaded() const { return loaded_; }
 
-  /// A text from another copy ("QV|PI|" and two characters, then a path to queue) or from the updater ("QV|UD|": the
-  /// window is unloaded). Others are ignored. Before loaded() they are kept until then. In the middle of a pass paths
-  /// are only appended. Throws Failure when the window has been unloaded.
+  /// A text from another copy ("QV|PI|" and two characters, then a path to queue, or nothing: the window is brought up)
+  /// or from the updater ("QV|UD|": the window is unloaded). Others are ignored. Before loaded() they are kept until
+  /// then. In the middle of a pass paths are only appended. Throws Failure when the window has been unloaded, and from
+  /// the moment that it is to close when the text is another copy's.
   void handle_message(const std::string& text);
 
  private:

@@ -68,8 +68,10 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   void remove_tray_icon() override { life_.remove_tray_icon(); }
   void centre() override { CentreOnScreen(); }
   void minimise() override { life_.minimise(); }
+  void bring_up() override { life_.restore(); }
   void accept_tray_clicks() override { life_.accept_tray_clicks(); }
   void unload() override { life_.unload(); }
+  bool is_unloading() const override { return life_.is_unloading(); }
 
  private:
   /// What copy_progress reports on.

@@ -46,7 +46,7 @@ void WindowLife::restore() {
   tray_watch_.Stop();
   frame_.Iconize(false);
   frame_.Show();
-  frame_.Raise();
+  bring_to_front(frame_);
 }
 
 void WindowLife::toggle() {

@@ -31,6 +31,8 @@ class WindowLife {
   void attach(Hooks hooks) { hooks_ = std::move(hooks); }
 
   void minimise();
+  /// Shows the window, in front of all others, with the dialog that is open.
+  void restore();
   /// Minimises the window, or restores it when it is minimised.
   void toggle();
 
@@ -57,7 +59,6 @@ class WindowLife {
   void on_query_end_session(wxCloseEvent& event);
   void on_end_session(wxCloseEvent&) { unload(); }
   void on_tray_watch(wxTimerEvent& event);
-  void restore();
   bool lives_in_tray() const { return tray_icon_ != nullptr && tray_icon_->is_in() && tray_is_available(); }
   void begin_unload();
   void stack_is_empty();

@@ -125,7 +125,8 @@ TEST(WindowsProgram, TakesNamesWithoutQuotesEndsWithTheSessionAndUninstallLeaves
   const auto start = [&](const std::vector<std::string>& words) {
     return ChildProcess({.program = std::string(QUORVEL_PROGRAMS) + "/quorvel.exe",
                          .arguments = words,
-                         .environment = user_at(folder / "data", service.base())});
+                         .environment = user_at(folder / "data", service.base()),
+                         .out = folder / "out"});
   };
   for (const char* const name : {"data", "a b"}) files->create_folder(folder / name);
   write_file(folder / "a b/harbour.lights.s01e02.mkv", "x");
@@ -133,8 +134,12 @@ TEST(WindowsProgram, TakesNamesWithoutQuotesEndsWithTheSessionAndUninstallLeaves
   const ChildProcess with_the_system = start({"/startup"});
   HWND window = nullptr;
   wait_until([&] { return (window = FindWindowW(nullptr, L"Quorvel 3.4")) != nullptr; });
-  // A message that the window answers only when it has been set up.
-  wait_until([&] { return SendMessageW(window, WM_MOUSEMOVE, 1, WM_LBUTTONDBLCLK), IsWindowVisible(window); });
+  EXPECT_TRUE(start({"--version"}).status() == 0 && contents(folder / "out") == "quorvel 3.4.0\n");
+  EXPECT_EQ(start({"/startup"}).status() + IsWindowVisible(window), 0);
+  EXPECT_EQ(start({}).status(), 0);
+  wait_until([&] { return IsWindowVisible(window); });
+  SendMessageW(window, WM_MOUSEMOVE, 1, WM_LBUTTONDBLCLK);
+  EXPECT_FALSE(IsWindowVisible(window));
   // Without quotes, as the file manager gives it.
   EXPECT_EQ(start({folder / "a", "b\\harbour.lights.s01e02.mkv"}).status(), 0);
   wait_until([&] { return files->exists(folder / "a b/The Harbour Lights - 1x02 - The Pilot Boat.mkv"); });

@@ -48,6 +48,11 @@ TEST(Startup, HandsOverToTheRunningCopy) {
     EXPECT_EQ(copy.startup.run({path}), StartResult::Ended);
     EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=" + path, "events"));
   }
+  copy.desktop.others = 1;
+  copy.key_values.damage = "no sense";  // does not concern the other copy
+  EXPECT_EQ(copy.startup.run({"/startup"}), StartResult::Ended);
+  EXPECT_THAT(copy.happened(), ElementsAre());
+  copy.key_values.damage.reset();
   copy.events.fails = "send";
   copy.desktop.others = 2;
   EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Failed);
@@ -87,10 +92,20 @@ TEST(Startup, UnderstandsMessages) {
     copy.desktop.handle(start + copy.b);
     EXPECT_EQ(copy.session.queue.count(), 1) << start;
   }
-  for (const char* const text : {"", "QV|PI|C"}) copy.desktop.handle(text);
   copy.happened();
+  for (const char* const text : {"", "QV|PI|C=", "QV|PI|"}) copy.desktop.handle(text);
   copy.desktop.handle("QV|PI|\xC3\xA9\xFF" + copy.b);  // two characters, whichever
-  EXPECT_THAT(copy.happened(), ElementsAre("row b 1x02", "timer"));
+  EXPECT_THAT(copy.happened(), ElementsAre("up", "up", "row b 1x02", "timer"));
+  copy.ui.on_events = [&] {
+    copy.session.processor.may_close();
+    EXPECT_THROW(copy.desktop.handle("QV|PI|C=" + copy.file("c.1x03.avi")), Failure);
+  };
+  copy.session.processor.process_queue();
+  Copy closing;
+  closing.startup.run({});
+  closing.desktop.is_closing = true;
+  EXPECT_THROW(closing.desktop.handle("QV|PI|C=" + closing.a), Failure);
+  EXPECT_EQ(copy.session.queue.count() + closing.session.queue.count(), 2);
   copy.desktop.handle("QV|UD|whatever");
   EXPECT_THAT(copy.happened(), ::testing::IsSupersetOf({"stop", "unload"}));
 }

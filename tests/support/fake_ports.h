@@ -73,7 +73,7 @@ struct FakeDesktop : MainWindow, InstanceChannel, ContextMenu, Launcher {
   explicit FakeDesktop(Events& events) : events(events) {}
   Events& events;
   int others = 0;  // how often another copy is found running
-  bool launches = true;
+  bool launches = true, is_closing = false;
   std::function<void(const std::string&)> handle;
 
   void open(const std::string& caption, bool visible) override {
@@ -83,8 +83,10 @@ struct FakeDesktop : MainWindow, InstanceChannel, ContextMenu, Launcher {
   void remove_tray_icon() override { events.add("no tray"); }
   void centre() override { events.add("centre"); }
   void minimise() override { events.add("minimise"); }
+  void bring_up() override { events.add("up"); }
   void accept_tray_clicks() override { events.add("clicks"); }
   void unload() override { events.add("unload"); }
+  bool is_unloading() const override { return is_closing; }
 
   bool become_running_copy() override { return others-- <= 0; }
   void send(const std::string& text) override { events.add("send " + text); }

@@ -161,6 +161,8 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   EXPECT_EQ(seen, "Hide|-|Exit shown, Show|-|Exit hidden, none shown, Show|-|Exit hidden, ");
   tray = false;
   wait_until([&] { return frame->IsShown() && frame->IsIconized(); });
+  desktop.handle("QV|PI|C=");
+  wait_until([&] { return frame->IsActive() && !frame->IsIconized(); });
 }
 
 TEST_F(TestWindow, ListsAnswerRealKeys) {

@@ -335,13 +335,12 @@ void SocketChannel::send(const std::string& text) {
     const bool sent = connected && send_all(socket.get(), message, until);
     const std::optional<char> answer = sent ? receive_answer(socket.get(), until) : std::nullopt;
     if (answer == taken) return;
-    if (answer) throw Failure("Quorvel is already running but could not take what it was given.");
+    if (answer) throw Failure(refused_text);
     if (place().claim()) throw Failure("The running copy of Quorvel has ended");
     // It is starting, ending, or has more senders than it can listen to.
     poll(nullptr, 0, static_cast<int>(retry_interval.count()));
   }
-  throw Failure(
-      "Quorvel is already running but does not answer. Close it or wait until it has finished, then try again.");
+  throw Failure(unanswered_text);
 }
 
 void SocketChannel::receive(std::function<void(const std::string&)> handle) {

@@ -19,6 +19,7 @@ namespace {
 constexpr DWORD retry_ms = 20;
 constexpr ULONG_PTR plain_record = 3, own_record = 0x51560001;
 constexpr std::size_t buffer_size = 255, max_text = 16U << 20;
+constexpr LRESULT refused = 2;  // what a copy answers that understood the record but cannot take it; TRUE: it did
 
 /// The text in the system's code page; empty when that does not hold it.
 std::optional<std::string> in_code_page(const std::string& text) {
@@ -46,18 +47,27 @@ HWND next_window(HWND after, const std::string& caption) {
   return FindWindowExW(nullptr, after, nullptr, to_utf16_or_marks(caption).c_str());
 }
 
+enum class Delivery { Taken, Refused, Forbidden, Unanswered };
+
 /// A folder shown under the same caption answers nothing; so every window with it is asked.
-bool deliver(const std::string& caption, COPYDATASTRUCT& record, ULONGLONG until) {
+Delivery deliver(const std::string& caption, COPYDATASTRUCT& record, ULONGLONG until) {
+  Delivery outcome = Delivery::Unanswered;
   HWND window = nullptr;
   while ((window = next_window(window, caption)) != nullptr) {
     const ULONGLONG now = GetTickCount64();
-    if (now >= until) return false;
-    DWORD_PTR taken = 0;
+    if (now >= until) break;
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    // The user has just started this copy, and the other one may show itself in its place.
+    AllowSetForegroundWindow(process);
+    DWORD_PTR answer = 0;
     const LRESULT answered = SendMessageTimeoutW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&record), SMTO_NORMAL,
-                                                 static_cast<UINT>(until - now), &taken);
-    if (answered != 0 && taken == TRUE) return true;
+                                                 static_cast<UINT>(until - now), &answer);
+    if (answered == 0 && GetLastError() == ERROR_ACCESS_DENIED) outcome = Delivery::Forbidden;
+    if (answered != 0 && answer == TRUE) return Delivery::Taken;
+    if (answered != 0 && answer == refused) return Delivery::Refused;
   }
-  return false;
+  return outcome;
 }
 
 HWND own_window(const std::string& caption) {
@@ -93,8 +103,14 @@ class Receiver : public std::enable_shared_from_this<Receiver> {
     if (!SetWindowSubclass(window_, procedure, id, reinterpret_cast<DWORD_PTR>(this))) {
       throw Failure("The window cannot listen to other copies of the program");
     }
+    // With an administrator's rights, the system would keep away what programs without them send. All that they can ask
+    // for is that a path is queued, or the window shown or closed.
+    ChangeWindowMessageFilterEx(window_, WM_COPYDATA, MSGFLT_ALLOW, nullptr);
   }
-  ~Receiver() { RemoveWindowSubclass(window_, procedure, id); }
+  ~Receiver() {
+    ChangeWindowMessageFilterEx(window_, WM_COPYDATA, MSGFLT_RESET, nullptr);
+    RemoveWindowSubclass(window_, procedure, id);
+  }
   Receiver(const Receiver&) = delete;
   Receiver& operator=(const Receiver&) = delete;
 
@@ -104,20 +120,20 @@ class Receiver : public std::enable_shared_from_this<Receiver> {
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second, UINT_PTR, DWORD_PTR data) {
     if (message != WM_COPYDATA || second == 0) return DefSubclassProc(window, message, first, second);
     const std::shared_ptr<Receiver> self = reinterpret_cast<Receiver*>(data)->shared_from_this();
-    const bool taken = self->take(*reinterpret_cast<const COPYDATASTRUCT*>(second));
+    const LRESULT answer = self->take(*reinterpret_cast<const COPYDATASTRUCT*>(second));
     const LRESULT passed_on = DefSubclassProc(window, message, first, second);
-    return taken ? TRUE : passed_on;
+    return answer != FALSE ? answer : passed_on;
   }
 
-  /// Nothing may be thrown through the system.
-  bool take(const COPYDATASTRUCT& record) const noexcept {
+  /// The answer; FALSE for a record of another program's. Nothing may be thrown through the system.
+  LRESULT take(const COPYDATASTRUCT& record) const noexcept {
     try {
       const std::optional<std::string> text = text_of_record(record);
-      if (!text) return false;
+      if (!text) return FALSE;
       handle_(*text);
-      return true;
+      return TRUE;
     } catch (const std::exception&) {
-      return false;  // the sender reports it to its user
+      return refused;  // the sender reports it to its user
     }
   }
 
@@ -174,9 +190,21 @@ class CopyDataChannel : public InstanceChannel {
     }
     record.lpData = bytes.data();
     const ULONGLONG until = GetTickCount64() + static_cast<ULONGLONG>(patience_.count());
-    while (!deliver(caption_, record, until)) {
-      if (GetTickCount64() >= until || become_running_copy())
-        throw Failure("Quorvel is already running but did not take what it was given.");
+    while (true) {
+      switch (deliver(caption_, record, until)) {
+        case Delivery::Taken:
+          return;
+        case Delivery::Refused:
+          throw Failure(refused_text);
+        case Delivery::Forbidden:
+          throw Failure(
+              "Quorvel is already running with an administrator's rights and can be given nothing by programs without "
+              "them. Close it, then try again.");
+        case Delivery::Unanswered:
+          break;
+      }
+      if (become_running_copy()) throw Failure("The running copy of Quorvel has ended");
+      if (GetTickCount64() >= until) throw Failure(unanswered_text);
       Sleep(retry_ms);
     }
   }
