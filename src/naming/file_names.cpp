@@ -1,5 +1,7 @@
 #include "naming/file_names.h"
 
+#include <algorithm>
+
 #include "text/case.h"
 #include "text/failure.h"
 
@@ -37,6 +39,11 @@ std::string getpath(std::string_view path, int levels, char separator) {
     path = path.substr(0, last);
   }
   return std::string(path) + separator;
+}
+
+std::string with_native_separators(std::string path, char separator) {
+  if (separator == '\\') std::ranges::replace(path, '/', separator);
+  return path;
 }
 
 std::string with_separator(std::string path, char separator) {

@@ -24,6 +24,9 @@ std::string getfname(std::string_view path, char separator = native::separator);
 /// Empty when the path has no more components than that.
 std::string getpath(std::string_view path, int levels, char separator = native::separator);
 
+/// The path, with "\" in place of every "/" where that is the separator: both separate there.
+std::string with_native_separators(std::string path, char separator = native::separator);
+
 /// The path, with a separator at its end.
 std::string with_separator(std::string path, char separator = native::separator);
 

@@ -63,8 +63,9 @@ bool Pipeline::dofilter(QueueItem& item) {
   if (filter.action < MoveAndRename) {
     folder = getpath(item.path, 0);
   } else {
-    if (const auto trouble = mask_trouble(filter.path, values, expand_folder)) throw Failure("The folder " + *trouble);
-    folder = expand_folder(filter.path, values);
+    const std::string path = with_native_separators(filter.path);
+    if (const auto trouble = mask_trouble(path, values, expand_folder)) throw Failure("The folder " + *trouble);
+    folder = expand_folder(path, values);
     if (folder.empty()) throw Failure("The rule has no folder to put files into");
   }
   const std::string mask = filter.mask + "." + extension;

@@ -33,7 +33,7 @@ AFilter with_form(AFilter filter, const RuleForm& form) {
   (by_type ? filter.fileTypeCondition : filter.showNameCondition) = form.equals ? Equals : DoesNotEqual;
   filter.action = form.action;
   filter.enabled = true;
-  filter.path = form.action == Rename ? "" : with_separator(form.path);
+  filter.path = form.action == Rename ? "" : with_separator(with_native_separators(form.path));
   filter.mask = form.mask;
   filter.description = std::string(field_names[form.field]) + " " + comparison_names[form.equals ? 0 : 1] + " " +
                        (pattern == "*" ? "Anything" : form.condition);

@@ -77,7 +77,7 @@ TEST_F(Cli, ADryRunShowsWhatTheRunAfterItDoes) {
   const std::string first = "The.Harbour.Lights.S01E02.ts", second = "the harbour lights 1x02.ts";
   const std::string third = "the harbour lights 1x03 " + facts::odd_names.back(), to = " -> " + folder / "out-1/";
   add({first, second, third});
-  write_file(folder / "work/filters.dat", "2\tTrue\t\t*\t" + folder / "out-[s]/" + "\t[title]\tAny\t0\t1\r\n");
+  write_file(folder / "work/filters.dat", "2\tTrue\t\t*\t" + folder.path() + "/out-[s]/" + "\t[title]\tAny\t0\t1\r\n");
   const auto before = everything_in(folder.path());
   EXPECT_EQ(run({"-n", "--set=confirm=1", "-w../work", "--set=types=ts;avi", first, second, "./" + third}), 1);
   EXPECT_EQ(

@@ -48,6 +48,7 @@ TEST(FileNames, AreTakenApartAtTheLastSeparator) {
   EXPECT_THROW(remextension("noext"), Failure);
   EXPECT_EQ(getshowname("x/y/The Show") + getfname("C:\\tv\\a.avi", '\\'), "the showa.avi");
   EXPECT_EQ(getpath("C:\\tv\\show\\a.avi", 0, '\\') + getpath("/tv/show/a.avi", 1, '/'), "C:\\tv\\show\\/tv/");
+  EXPECT_EQ(with_native_separators("D:/TV\\", '\\') + with_native_separators("/a\\b", '/'), "D:\\TV\\/a\\b");
   EXPECT_EQ(getpath("/a.avi", 0, '/') + getpath("a.avi", 0, '/') + getpath("/a.avi", 1, '/'), "/");
 }
 

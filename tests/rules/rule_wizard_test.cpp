@@ -49,7 +49,8 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
   EXPECT_EQ(stored(),
             "1\tTrue\t\t*\t\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n"
             "3\tTrue\t\t*\t" +
-                with_separator("/tv") + "\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n");
+                with_separator(with_native_separators("/tv")) +
+                "\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n");
   EXPECT_TRUE(wizard.next() && wizard.step() == RuleWizard::End);
 }
 

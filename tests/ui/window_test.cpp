@@ -139,7 +139,8 @@ TEST_F(TestWindow, TheFileAndHelpMenusLeadOut) {
 
 TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
   start();
-  const std::string folder = with_separator("/tv"), rule = "|Copy & Rename|", mask = "[show] - [s]x[ee] - [title]!";
+  const std::string folder = with_separator(with_native_separators("/tv")), rule = "|Copy & Rename|",
+                    mask = "[show] - [s]x[ee] - [title]!";
   const std::string hints = "Conditions are not case sensitive.|Wildcards are supported. Leave blank for anything.|";
   const std::string first = "Wizard: Step 1 - Filter Conditions|Specify the critera of this filter|";
   on_dialog([&](wxDialog& wizard) {
