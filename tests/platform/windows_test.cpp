@@ -109,7 +109,23 @@ TEST(ExplorerVerbs, AreWrittenAndRemovedWithTheirAsymmetries) {
   registry::write_string(HKEY_CLASSES_ROOT, keys[2], "", "kept");
   verbs->remove(type);
   EXPECT_EQ(values(), "|-|kept|");
+
+  // Without an administrator's rights the user's own classes have to do.
+  HKEY unwritable = nullptr;
+  const std::string own = "Software\\Classes\\";
+  RegCreateKeyW(HKEY_CURRENT_USER, to_utf16(own + type)->c_str(), &unwritable);
+  RegDeleteKeyW(HKEY_CURRENT_USER, to_utf16(own + type)->c_str());
+  RegOverridePredefKey(HKEY_CLASSES_ROOT, unwritable);
+  verbs->install(type);
+  RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+  RegCloseKey(unwritable);
+  const auto own_verb = [&] { return registry::read_string(HKEY_CURRENT_USER, own + keys[2], "").value_or("-"); };
+  EXPECT_EQ(own_verb(), text);
+  registry::write_string(HKEY_CLASSES_ROOT, keys[0], "", lower + "file");
+  verbs->remove(type);
+  EXPECT_EQ(own_verb(), "-");
   for (const std::string& key : {keys[0], lower + "file", "SystemFileAssociations\\." + lower}) {
+    RegDeleteTreeW(HKEY_CURRENT_USER, to_utf16(own + key)->c_str());
     RegDeleteTreeW(HKEY_CLASSES_ROOT, to_utf16(key)->c_str());
   }
 }

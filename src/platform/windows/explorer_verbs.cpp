@@ -9,18 +9,22 @@ namespace {
 const std::string folders_and_videos = "DIR";
 const std::string verb = "\\shell\\Quorvel";
 const std::string command = verb + "\\command";
+const std::string users_classes = "Software\\Classes\\";
 
 std::string class_of(const std::string& extension) {
   return registry::read_string(HKEY_CLASSES_ROOT, "." + extension, "").value_or(std::string());
 }
 
-/// Failures are ignored: without the rights to write here the entry is missing.
+/// Only an administrator may write the classes of all users; the user's own are shown with them. Failures are ignored:
+/// without the rights for either the entry is missing.
 void write(const std::string& key, const std::string& text) {
-  static_cast<void>(registry::write_string(HKEY_CLASSES_ROOT, key, "", text));
+  if (registry::write_string(HKEY_CLASSES_ROOT, key, "", text) == ERROR_SUCCESS) return;
+  static_cast<void>(registry::write_string(HKEY_CURRENT_USER, users_classes + key, "", text));
 }
 
 /// Keys that hold other keys stay.
 void remove_key(const std::string& key) {
+  static_cast<void>(RegDeleteKeyW(HKEY_CURRENT_USER, to_utf16_or_marks(users_classes + key).c_str()));
   static_cast<void>(RegDeleteKeyW(HKEY_CLASSES_ROOT, to_utf16_or_marks(key).c_str()));
 }
 
