@@ -2,8 +2,15 @@
 
 #include <shellapi.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <optional>
 #include <string_view>
+#include <thread>
+#include <vector>
 
 #include "platform/native.h"
 #include "platform/system.h"
@@ -60,6 +67,56 @@ bool has_recycle_bin(const std::wstring& path) {
          GetDriveTypeW(root.c_str()) == DRIVE_FIXED;
 }
 
+DWORD process_of(HWND window) {
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  return process;
+}
+
+/// Brings what the shell shows to the front, for as long as it lives. Those windows belong to none of the program's,
+/// and would come up behind it or fall behind it at a click, where nobody answers what they ask.
+class ShellsWindowsInFront {
+ public:
+  ShellsWindowsInFront() = default;
+  ShellsWindowsInFront(const ShellsWindowsInFront&) = delete;
+  ShellsWindowsInFront& operator=(const ShellsWindowsInFront&) = delete;
+
+ private:
+  static constexpr auto look_again = std::chrono::milliseconds(50);
+
+  /// On a thread of its own, for the shell's call comes back only when the user has answered.
+  void watch(const std::stop_token& stop) {
+    const auto look = [](HWND window, LPARAM self) -> BOOL {
+      reinterpret_cast<ShellsWindowsInFront*>(self)->look_at(window);
+      return TRUE;
+    };
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any never;
+    while (!never.wait_for(lock, stop, look_again, [&stop] { return stop.stop_requested(); })) {
+      EnumWindows(look, reinterpret_cast<LPARAM>(this));
+    }
+  }
+
+  void look_at(HWND window) {
+    if (process_of(window) != GetCurrentProcessId() || !IsWindowVisible(window) || GetWindow(window, GW_OWNER)) return;
+    std::array<wchar_t, 32> name{};
+    GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+    const bool is_question = name.data() == std::wstring_view(L"#32770");
+    if (!is_question && name.data() != std::wstring_view(L"OperationStatusWindow")) return;
+    // The other class also shows how far it is, and must leave the program's window to the user.
+    const HWND front = GetForegroundWindow();
+    const bool has_fallen_behind =
+        is_question && process_of(front) == GetCurrentProcessId() && GetAncestor(front, GA_ROOTOWNER) != window;
+    const bool is_new = std::ranges::find(seen_, window) == seen_.end();
+    if (is_new) seen_.push_back(window);
+    if (is_new || has_fallen_behind) SetForegroundWindow(window);
+  }
+
+  std::vector<HWND> seen_;
+  std::jthread thread_{[this](const std::stop_token& stop) { watch(stop); }};
+};
+
 /// The shell's own file operation: it can be undone from the recycle bin, asks before it replaces a file, and shows how
 /// far it is. Its codes are answered as they are.
 class ShellFileOperation : public FileOperation {
@@ -89,6 +146,8 @@ class ShellFileOperation : public FileOperation {
     if (!may_ask_) order.fFlags |= FOF_SILENT | FOF_NOERRORUI | FOF_NOCONFIRMMKDIR;
     // Only there: for the others it would be the word to replace a file.
     if (!may_ask_ && request.operation == Request::Delete) order.fFlags |= FOF_NOCONFIRMATION;
+    std::optional<ShellsWindowsInFront> in_front;
+    if (may_ask_) in_front.emplace();
     const int code = SHFileOperationW(&order);
     if (code != 0) return code;
     return order.fAnyOperationsAborted ? aborted : 0;
