@@ -62,6 +62,7 @@ VIAddVersionKey "LegalCopyright" "Copyright © ${COPYRIGHT}"
 
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
+!define MUI_PAGE_CUSTOMFUNCTION_PRE ChooseVerbs
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
 !insertmacro MUI_PAGE_INSTFILES
@@ -151,7 +152,91 @@ Function .onInit
     SetErrorLevel 2
     Quit
   ${EndIf}
+  Call ChooseVerbs
+  Call ChoosePath
 FunctionEnd
+
+; --- The list of folders that commands are looked for in ----------------------------------------------------------------
+
+; Puts $INSTDIR into it ($R0 is "add") or takes it out. With the system's own calls on memory of our own: the installer's
+; strings end after 1023 characters, and what is cut off such a list is lost to every program.
+!macro CHANGE_PATH UN
+  Function ${UN}ChangePath
+    StrCpy $1 -2147483647  ; HKEY_CURRENT_USER
+    StrCpy $2 "Environment"
+    ${If} $MultiUser.InstallMode == "AllUsers"
+      StrCpy $1 -2147483646  ; HKEY_LOCAL_MACHINE
+      StrCpy $2 "SYSTEM\CurrentControlSet\Control\Session Manager\Environment"
+    ${EndIf}
+    System::Call 'advapi32::RegOpenKeyExW(p r1, w r2, i 0, i 3, *p .r3) i .r0'  ; to read and to write
+    ${If} $0 <> 0
+      Return
+    ${EndIf}
+    StrCpy $4 0
+    StrCpy $5 0
+    System::Call 'advapi32::RegQueryValueExW(p r3, w "Path", p 0, *i r4 r4, p 0, *i r5 r5) i .r0'
+    StrLen $6 $INSTDIR
+    IntOp $6 $6 * 2
+    IntOp $6 $6 + $5
+    IntOp $6 $6 + 16
+    System::Alloc $6  ; filled with NULs
+    Pop $7
+    IntPtrOp $8 $7 + 2
+    ${If} $0 = 0
+      System::Call 'advapi32::RegQueryValueExW(p r3, w "Path", p 0, p 0, p r8, *i r5 r5) i .r0'
+    ${ElseIf} $0 = 2  ; there is none yet
+      StrCpy $0 0
+      StrCpy $4 2  ; REG_EXPAND_SZ
+    ${EndIf}
+    ${If} $0 = 0
+    ${AndIf} $4 >= 1
+    ${AndIf} $4 <= 2
+      Call ${UN}ChangePathText
+    ${EndIf}
+    System::Free $7
+    System::Call 'advapi32::RegCloseKey(p r3)'
+  FunctionEnd
+
+  ; $3: the key; $4: the type of the value; $8: the text, with room in front and behind.
+  Function ${UN}ChangePathText
+    System::Call 'kernel32::lstrlenW(p r8) i .r5'
+    System::Call '*$7(&i2 59)'  ; ";"
+    ${If} $5 > 0
+      System::Call 'kernel32::lstrcatW(p r7, w ";")'
+    ${EndIf}
+    System::Call 'shlwapi::StrStrIW(p r7, w ";$INSTDIR;") p .r9'
+    ${If} $R0 == "add"
+    ${AndIf} $9 P= 0
+      System::Call 'kernel32::lstrcatW(p r7, w "$INSTDIR;")'
+    ${ElseIf} $R0 != "add"
+    ${AndIf} $9 P<> 0
+      StrLen $6 ";$INSTDIR"
+      IntOp $6 $6 * 2
+      IntPtrOp $6 $9 + $6
+      System::Call 'kernel32::lstrlenW(p r6) i .r5'
+      IntOp $5 $5 * 2
+      IntOp $5 $5 + 2
+      System::Call 'kernel32::RtlMoveMemory(p r9, p r6, p r5)'
+    ${Else}
+      Return
+    ${EndIf}
+    System::Call 'kernel32::lstrlenW(p r8) i .r5'
+    ${If} $5 < 2
+      System::Call 'advapi32::RegDeleteValueW(p r3, w "Path")'
+    ${Else}
+      IntOp $5 $5 * 2  ; the last ";" becomes the NUL
+      IntPtrOp $6 $8 + $5
+      IntPtrOp $6 $6 - 2
+      System::Call '*$6(&i2 0)'
+      System::Call 'advapi32::RegSetValueExW(p r3, w "Path", i 0, i r4, p r8, i r5)'
+    ${EndIf}
+    SendMessage ${HWND_BROADCAST} ${WM_SETTINGCHANGE} 0 "STR:Environment" /TIMEOUT=5000
+  FunctionEnd
+!macroend
+!insertmacro CHANGE_PATH ""
+!insertmacro CHANGE_PATH "un."
+
+; --- What is installed --------------------------------------------------------------------------------------------------
 
 Section "${PRODUCT}" SectionPrograms
   SectionIn RO
@@ -180,8 +265,8 @@ Section "${PRODUCT}" SectionPrograms
   WriteRegDWORD SHCTX "${INSTALLED}" "NoRepair" 1
 SectionEnd
 
-; The program writes these entries itself at its first start, but without administrator's rights it can only change what
-; is already there for it.
+; The program writes these entries itself at its first start, for the user who starts it; here they are written for all
+; whom the installation is for.
 !macro WRITE_VERB TYPE
   WriteRegStr SHCTX "Software\Classes\${TYPE}\shell\${PRODUCT}\command" "" '"$INSTDIR\quorvel.exe" %1'
 !macroend
@@ -203,11 +288,47 @@ Section /o "Start with Windows, in the tray" SectionAutostart
   CreateShortcut "$SMSTARTUP\${PRODUCT}.lnk" "$INSTDIR\quorvel.exe" "/startup"
 SectionEnd
 
+Section /o "quorvel-cli as a command in every terminal" SectionPath
+  StrCpy $R0 "add"
+  Call ChangePath
+SectionEnd
+
+Var VerbsChosenFor
+
+; A newer version does not bring back entries that were left out or taken away with the older one.
+Function ChooseVerbs
+  ${If} $VerbsChosenFor == $MultiUser.InstallMode
+    Return
+  ${EndIf}
+  StrCpy $VerbsChosenFor $MultiUser.InstallMode
+  !insertmacro SelectSection ${SectionVerbs}
+  ReadRegStr $0 SHCTX "${INSTALLED}" "DisplayVersion"
+  ReadRegStr $1 SHCTX "Software\Classes\Directory\shell\${PRODUCT}\command" ""
+  ReadRegDWORD $2 HKCU "Software\${PRODUCT}" "context"
+  ${If} $0 != ""
+    ${If} $1 == ""
+    ${OrIf} $2 = 1
+      !insertmacro UnselectSection ${SectionVerbs}
+    ${EndIf}
+  ${EndIf}
+FunctionEnd
+
+; The switch /PATH chooses it where nobody sees the page.
+Function ChoosePath
+  ${GetParameters} $0
+  ClearErrors
+  ${GetOptions} $0 "/PATH" $1
+  ${IfNot} ${Errors}
+    !insertmacro SelectSection ${SectionPath}
+  ${EndIf}
+FunctionEnd
+
 !insertmacro MUI_FUNCTION_DESCRIPTION_BEGIN
   !insertmacro MUI_DESCRIPTION_TEXT ${SectionPrograms} "The program, its companion for the terminal, and the help."
   !insertmacro MUI_DESCRIPTION_TEXT ${SectionVerbs} "Hand files and folders over with a right click. Preferences change it later."
   !insertmacro MUI_DESCRIPTION_TEXT ${SectionDesktopIcon} "A second way to start ${PRODUCT}, beside the Start menu."
   !insertmacro MUI_DESCRIPTION_TEXT ${SectionAutostart} "${PRODUCT} waits beside the clock from the moment you sign in."
+  !insertmacro MUI_DESCRIPTION_TEXT ${SectionPath} "Puts the program's folder on the PATH, for terminals opened from then on."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
 ; Explorer starts it without the administrator's rights that the setup may have; with them it would not take what is
@@ -280,6 +401,8 @@ Section "Uninstall"
   Delete "$DESKTOP\${PRODUCT}.lnk"
   Delete "$SMSTARTUP\${PRODUCT}.lnk"
 
+  StrCpy $R0 "remove"
+  Call un.ChangePath
   !insertmacro DELETE_VERBS HKCU
   !insertmacro DELETE_VERBS HKLM
   DeleteRegKey SHCTX "${APP_PATHS}\quorvel.exe"
