@@ -34,6 +34,11 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.write(request.substr(0, 5)), 5);
   EXPECT_EQ(read_to_end(socket), "|error") << "the service waits for the rest";
   EXPECT_EQ(socket.last_error(), CURLE_OPERATION_TIMEDOUT);
+  socket.set_secure(true);
+  EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_OPERATION_TIMEDOUT) << "the service waits here, too";
+  socket.set_secure(false);
+  ASSERT_EQ(socket.connect("127.0.0.1", port), 0) << socket.last_error_string();
+  EXPECT_EQ(socket.write(request.substr(0, 5)), 5);
   int waits = 0;
   socket.on_wait = [&] { return ++waits < 3; };
   EXPECT_EQ(read_to_end(socket), "|error");

@@ -61,14 +61,28 @@ bool closed_in_due_form([[maybe_unused]] CURL* easy) {
 #endif
 }
 
-/// Until `easy` has connected, has failed, or `on_wait` returns false.
-CURLcode perform(CURLM* multi, CURL* easy, const std::function<bool()>& on_wait) {
+/// Lets the handshake of a connection that stands take longer than a connection may.
+void extend_handshake(CURL* easy) {
+  constexpr auto limit = std::chrono::milliseconds(std::chrono::minutes(1));
+  curl_off_t connected_us = 0;
+  curl_easy_getinfo(easy, CURLINFO_CONNECT_TIME_T, &connected_us);
+  if (connected_us > 0) curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limit.count()));
+}
+
+/// Until `easy` has connected, has failed, has been waited for as long as `patience`, or `on_wait` returns false. What
+/// Schannel does in between is no waiting: it asks the authorities' own servers for lists of revoked certificates.
+CURLcode perform(CURLM* multi, CURL* easy, SteadyClock::duration patience, const std::function<bool()>& on_wait) {
   if (curl_multi_add_handle(multi, easy) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
+  SteadyClock::duration waited{};
   for (int running = 1; curl_multi_perform(multi, &running) == CURLM_OK;) {
     int left = 0;
     if (const CURLMsg* const ended = curl_multi_info_read(multi, &left)) return ended->data.result;
+    if (waited > patience) return CURLE_OPERATION_TIMEDOUT;
     if (!on_wait()) return CURLE_ABORTED_BY_CALLBACK;
+    extend_handshake(easy);
+    const auto begin = SteadyClock::now();
     if (curl_multi_poll(multi, nullptr, 0, static_cast<int>(slice.count()), nullptr) != CURLM_OK) break;
+    waited += SteadyClock::now() - begin;
   }
   return CURLE_FAILED_INIT;
 }
@@ -134,7 +148,7 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
     // TLS libraries without such a folder refuse the option, to the same effect.
     curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
   }
-  CURLcode code = perform(multi, easy, on_wait);
+  CURLcode code = perform(multi, easy, std::chrono::seconds(timeout_seconds), on_wait);
   if (code == CURLE_OK) code = curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &socket);
   // From here on libcurl sends, and when it does it may ignore SIGPIPE, which it leaves alone under NOSIGNAL.
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 0L);
