@@ -2,7 +2,7 @@
 cmake_minimum_required(VERSION 3.25)
 set(system_libraries
   advapi32 bcrypt comctl32 comdlg32 crypt32 gdi32 gdiplus imm32 kernel32 msimg32 msvcrt normaliz ole32 oleacc oleaut32
-  rpcrt4 secur32 shell32 shlwapi user32 uuid uxtheme version winmm winspool.drv wldap32 ws2_32)
+  rpcrt4 secur32 shell32 shlwapi user32 uuid uxtheme version winhttp winmm winspool.drv wldap32 ws2_32)
 execute_process(COMMAND ${OBJDUMP} -p ${PROGRAM} OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${headers}")
 if(NOT imports)

@@ -48,6 +48,10 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.write(request.substr(5)), static_cast<std::ptrdiff_t>(request.size()) - 5);
   EXPECT_EQ(read_to_end(socket), listings_answer(request) + "|closed");
   while (socket.write("x") == 1) continue;  // until the system knows; and no signal ends the program
+  CurlSocketControl through(
+      {}, [&](bool, const std::string& host) { return host == "far.example" ? service->base() : ""; });
+  EXPECT_NE(through.connect("far.example", 443), 0) << "it is no proxy";
+  EXPECT_TRUE(service->requests().back().starts_with("CONNECT far.example:443 HTTP/1.1\r\n"));
   service.reset();
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_COULDNT_CONNECT);
   EXPECT_NE(socket.last_error_string(), "");

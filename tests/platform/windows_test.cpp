@@ -8,6 +8,7 @@
 #include "file_tools.h"
 #include "listings_service.h"
 #include "platform/windows/handle.h"
+#include "platform/windows/proxy.h"
 #include "platform/windows/registry.h"
 #include "platform/windows/wide.h"
 #include "temporary_folder.h"
@@ -128,6 +129,15 @@ TEST(ExplorerVerbs, AreWrittenAndRemovedWithTheirAsymmetries) {
     RegDeleteTreeW(HKEY_CURRENT_USER, to_utf16(own + key)->c_str());
     RegDeleteTreeW(HKEY_CLASSES_ROOT, to_utf16(key)->c_str());
   }
+}
+
+TEST(WindowsProxy, IsTheFirstOfItsKindUnlessTheHostIsLeftOut) {
+  const std::string all = "http=a:1;HTTPS=b:2 socks=c:3", out = "*.Example <local>;10.*";
+  EXPECT_EQ(proxy_in(all, "", true, "far.org") + "|" + proxy_in(all, out, false, "far.org"), "http://b:2|http://a:1");
+  EXPECT_EQ(proxy_in("ftp=d:4;socks=c:3", "", true, "far.org") + proxy_in("http://e:5;f:6", "", true, "far.org"),
+            "socks4://c:3http://e:5");
+  for (const char* const host : {"a.example", "nas", "10.0.0.1"}) EXPECT_EQ(proxy_in(all, out, true, host), "") << host;
+  EXPECT_EQ(system_proxy(true, "127.0.0.1"), "");
 }
 
 void wait_until(const std::function<bool()>& done) {

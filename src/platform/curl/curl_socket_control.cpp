@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <functional>
+#include <future>
 #include <utility>
 
 #include "text/failure.h"
@@ -105,8 +106,8 @@ struct CurlSocketControl::Connection {
     curl_url_cleanup(address);
   }
 
-  CURLcode open(const std::string& host, int port, int timeout_seconds, const std::string& ca_file,
-                const std::function<bool()>& on_wait);
+  CURLcode open(const std::string& host, int port, const std::string& proxy, int timeout_seconds,
+                const std::string& ca_file, const std::function<bool()>& on_wait);
 
   bool secure;
   CURLM* multi = curl_multi_init();  // keeps the connection
@@ -116,8 +117,9 @@ struct CurlSocketControl::Connection {
   std::array<char, CURL_ERROR_SIZE> message{};
 };
 
-CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, int timeout_seconds,
-                                             const std::string& ca_file, const std::function<bool()>& on_wait) {
+CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, const std::string& proxy,
+                                             int timeout_seconds, const std::string& ca_file,
+                                             const std::function<bool()>& on_wait) {
   if (multi == nullptr || easy == nullptr || address == nullptr) return CURLE_OUT_OF_MEMORY;
   const bool bare_ipv6 = host.find(':') != std::string::npos && !host.starts_with('[');
   const std::string named = bare_ipv6 ? "[" + host + "]" : host;
@@ -135,8 +137,9 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   // Without it libcurl waits for a name look-up that hangs even after the time-out.
   curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-  curl_easy_setopt(easy, CURLOPT_PROXY, "");
-  curl_easy_setopt(easy, CURLOPT_NOPROXY, "*");
+  curl_easy_setopt(easy, CURLOPT_PROXY, proxy.c_str());
+  curl_easy_setopt(easy, CURLOPT_NOPROXY, proxy.empty() ? "*" : "");
+  curl_easy_setopt(easy, CURLOPT_HTTPPROXYTUNNEL, 1L);
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
   curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
@@ -155,7 +158,8 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   return code;
 }
 
-CurlSocketControl::CurlSocketControl(std::string ca_file) : ca_file_(std::move(ca_file)) {
+CurlSocketControl::CurlSocketControl(std::string ca_file, ProxyFor proxy_for)
+    : ca_file_(std::move(ca_file)), proxy_for_(std::move(proxy_for)) {
   if (!start_curl()) throw Failure("The network library could not be started");
 }
 
@@ -172,10 +176,25 @@ void CurlSocketControl::set_secure(bool secure) {
   secure_ = secure;
 }
 
+/// Nothing when `on_wait` returns false meanwhile.
+std::optional<std::string> CurlSocketControl::ask_for_proxy(const std::string& host) const {
+  if (!proxy_for_) return std::string();
+  std::future<std::string> proxy = std::async(std::launch::async, proxy_for_, secure_, host);
+  while (proxy.wait_for(slice) != std::future_status::ready) {
+    if (!on_wait()) return {};
+  }
+  return proxy.get();
+}
+
 int CurlSocketControl::connect(const std::string& host, int port) {
   disconnect();
+  const std::optional<std::string> proxy = ask_for_proxy(host);
+  if (!proxy) {
+    set_error(CURLE_ABORTED_BY_CALLBACK);
+    return error_;
+  }
   auto opened = std::make_unique<Connection>(secure_);
-  const CURLcode code = opened->open(host, port, timeout_seconds_, ca_file_, on_wait);
+  const CURLcode code = opened->open(host, port, *proxy, timeout_seconds_, ca_file_, on_wait);
   set_error(code, opened->message.data());
   if (code == CURLE_OK) connection_ = std::move(opened);
   return code;

@@ -1,18 +1,24 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/socket_control.h"
 
 namespace quorvel {
 
-/// libcurl as a socket: it connects, speaking TLS when asked, and then only sends and receives. No proxy is ever used,
-/// whatever the environment says. The error codes are libcurl's.
+/// libcurl as a socket: it connects, speaking TLS when asked, and then only sends and receives. Through a proxy, it is
+/// connected by it. The error codes are libcurl's.
 class CurlSocketControl : public SocketControl {
  public:
-  /// `ca_file`: certificates, as PEM, to trust instead of the system's. Throws Failure when libcurl cannot be used.
-  explicit CurlSocketControl(std::string ca_file = {});
+  /// The address of the proxy for a host; empty for none. Called on a thread of its own, as it may take its time.
+  using ProxyFor = std::function<std::string(bool secure, const std::string& host)>;
+
+  /// `ca_file`: certificates, as PEM, to trust instead of the system's. Without `proxy_for` no proxy is used, whatever
+  /// the environment says. Throws Failure when libcurl cannot be used.
+  explicit CurlSocketControl(std::string ca_file = {}, ProxyFor proxy_for = {});
   ~CurlSocketControl() override;
   CurlSocketControl(const CurlSocketControl&) = delete;
   CurlSocketControl& operator=(const CurlSocketControl&) = delete;
@@ -40,8 +46,10 @@ class CurlSocketControl : public SocketControl {
   struct Connection;
 
   void set_error(int code, const std::string& text = {});
+  std::optional<std::string> ask_for_proxy(const std::string& host) const;
 
   std::string ca_file_;
+  ProxyFor proxy_for_;
   int timeout_seconds_ = 4;
   bool secure_ = false;
   int error_ = 0;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/curl/curl_socket_control.h"
+#include "platform/windows/proxy.h"
 #include "platform/windows/wide.h"
 
 namespace quorvel {
@@ -59,7 +60,7 @@ std::unique_ptr<Clock> system_clock() {
 }
 
 std::unique_ptr<SocketControl> system_socket() {
-  return std::make_unique<CurlSocketControl>();
+  return std::make_unique<CurlSocketControl>(std::string(), system_proxy);
 }
 
 std::string application_data_folder(Files&) {
