@@ -11,14 +11,17 @@
 namespace quorvel {
 namespace {
 
+// Without columns, for it is also shown in a message.
 constexpr const char* help = R"(Usage: quorvel [/startup] [PATH...]
-Opens the window that gives television episode files their right name and place. Each PATH is a file, or a folder whose
-files are taken; a window that is open already is handed them.
 
-  /startup, --startup      start hidden, with an icon in the tray
-  /uninstall, --uninstall  remove settings, rules, exceptions, caches and the file manager's menu entries, and end
-  /?, -h, --help           show this text
-  --version                show the version
+Opens the window that gives television episode files their right name and place.
+Each PATH is a file, or a folder whose files are taken.
+A window that is open already is handed them.
+
+/startup, --startup: start hidden, with an icon in the tray
+/uninstall, --uninstall: remove all that is kept for you, and end
+/?, -h, --help: show this text
+--version: show the version
 
 quorvel-cli does the same work in a terminal.
 )";
