@@ -119,7 +119,11 @@ bool TrayIcon::is_in() const {
 }
 
 void tell(const std::string& text) {
-  if (GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) != FILE_TYPE_UNKNOWN) return console::write_out(text);
+  const HANDLE out = GetStdHandle(STD_OUTPUT_HANDLE);
+  const DWORD type = GetFileType(out);
+  DWORD mode = 0;
+  // Of a program that was started by a click it leads nowhere.
+  if (type == FILE_TYPE_DISK || type == FILE_TYPE_PIPE || GetConsoleMode(out, &mode)) return console::write_out(text);
   MessageBoxW(nullptr, to_utf16_or_marks(text).c_str(), to_utf16_or_marks(application_title).c_str(),
               MB_OK | MB_ICONINFORMATION);
 }
