@@ -90,10 +90,8 @@ class ShellsWindowsInFront {
       reinterpret_cast<ShellsWindowsInFront*>(self)->look_at(window);
       return TRUE;
     };
-    std::mutex mutex;
-    std::unique_lock lock(mutex);
-    std::condition_variable_any never;
-    while (!never.wait_for(lock, stop, look_again, [&stop] { return stop.stop_requested(); })) {
+    std::unique_lock lock(mutex_);
+    while (!changed_.wait_for(lock, stop, look_again, [&stop] { return stop.stop_requested(); })) {
       EnumWindows(look, reinterpret_cast<LPARAM>(this));
     }
   }
@@ -113,6 +111,8 @@ class ShellsWindowsInFront {
     if (is_new || has_fallen_behind) SetForegroundWindow(window);
   }
 
+  std::mutex mutex_;
+  std::condition_variable_any changed_;  // never, but the wait for it can be stopped
   std::vector<HWND> seen_;
   std::jthread thread_{[this](const std::stop_token& stop) { watch(stop); }};
 };
