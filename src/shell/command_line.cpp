@@ -118,14 +118,14 @@ bool take_argument(const std::string& argument, const Files& files, bool is_one_
 CommandLine parse_command_line(const std::vector<std::string>& arguments, const Files& files, bool is_one_text) {
   CommandLine line;
   const std::string text = joined(arguments);
-  if (is_one_text) {
-    line.uninstall = text.find("/uninstall") != std::string::npos;
-    line.startup = text.find("/startup") != std::string::npos;
-    if (take_switch(text, line)) return line;
-  }
+  if (is_one_text && take_switch(text, line)) return line;
   if (const std::optional<std::string> path = existing_path(text, files)) {
     line.paths = {*path};
     return line;
+  }
+  if (is_one_text) {
+    line.uninstall = text.find("/uninstall") != std::string::npos;
+    line.startup = text.find("/startup") != std::string::npos;
   }
   bool all_known = true;
   for (const std::string& argument : is_one_text ? native::split_command_line(text) : arguments) {
