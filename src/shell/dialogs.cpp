@@ -1,5 +1,6 @@
 #include "shell/dialogs.h"
 
+#include "naming/file_names.h"
 #include "text/characters.h"
 #include "text/cut.h"
 
@@ -12,22 +13,50 @@ std::string skip_name(int message) {
   return "msgskip$" + std::to_string(message);
 }
 
+void describe(const QueueItem& item, ItemInfo& info) {
+  std::string error = item.error_text;
+  replace_all(error, "\r\n", "\n");
+  switch (item.state) {
+    case QueueState::Cancelled:
+      info.status = "Status: Cancelled";
+      info.description = "Desc: " + error;
+      break;
+    case QueueState::Failed:
+      info.status = "Status: Failed";
+      info.description = "Error: " + error;
+      break;
+    case QueueState::Done:
+      info.status = "Status: Done";
+      info.new_name = "New Name: " + item.new_name;
+      break;
+    default:
+      return;
+  }
+  info.filename = "Filename: " + item.filename;
+}
+
+/// The service writes null where there is no page.
+std::string page_address(const std::string& address) {
+  return address.find("://") == std::string::npos ? "" : address;
+}
+
 }  // namespace
 
 ItemInfo item_info(const QueueItem& item) {
-  std::string error = item.error_text;
-  replace_all(error, "\r\n", "\n");
-  const std::string filename = "Filename: " + item.filename;
-  switch (item.state) {
-    case QueueState::Cancelled:
-      return {filename, "Status: Cancelled", "", "Desc: " + error};
-    case QueueState::Failed:
-      return {filename, "Status: Failed", "", "Error: " + error};
-    case QueueState::Done:
-      return {filename, "Status: Done", "New Name: " + item.new_name, ""};
-    default:
-      return {};
-  }
+  ItemInfo info;
+  describe(item, info);
+  info.old_path = item.path;
+  if (item.state != QueueState::Cancelled && !item.new_name.empty()) info.new_path = job_of(item).destination();
+  info.show_address = page_address(item.show_url);
+  info.episode_address = page_address(item.episode_url);
+  return info;
+}
+
+std::string folder_of(const QueueItem& item, const Files& files) {
+  // Before that, the file at the destination may be another one.
+  const bool is_there =
+      item.state == QueueState::Done || (!files.exists(item.path) && files.exists(job_of(item).destination()));
+  return is_there ? item.dest_path : getpath(item.path, 0);
 }
 
 std::string fitted(const std::string& text, int width, const std::function<int(const std::string&)>& measure) {

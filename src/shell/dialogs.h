@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 
+#include "platform/files.h"
 #include "queue/queue_item.h"
 #include "rules/exceptions.h"
 #include "shell/settings_store.h"
@@ -10,12 +11,18 @@
 /// What the dialogs say and decide, however they look.
 namespace quorvel {
 
-/// What became of an item, a line each; nothing for one that has not been taken or is being worked on.
+/// What is told about an item.
 struct ItemInfo {
-  std::string filename, status, new_name, description;
+  // What became of it, a line each; nothing for one that has not been taken or is being worked on.
+  std::string filename = {}, status = {}, new_name = {}, description = {};
+  std::string old_path = {}, new_path = {};  // in full; no new one before it is known and after it was given up
+  std::string show_address = {}, episode_address = {};  // in double quotes; empty where the service gave none
   bool operator==(const ItemInfo&) const = default;
 };
 ItemInfo item_info(const QueueItem& item);
+
+/// The folder that holds the item's file as it is now, or that held it last.
+std::string folder_of(const QueueItem& item, const Files& files);
 
 /// `text`, or as much of its start as fits below `width` with "..." after it. `measure` gives a text's width.
 std::string fitted(const std::string& text, int width, const std::function<int(const std::string&)>& measure);

@@ -2,21 +2,32 @@
 
 #include <gtest/gtest.h>
 
+#include "naming/file_names.h"
 #include "session_fixture.h"
 
 namespace quorvel::testing {
 namespace {
 
 TEST(Dialogs, SayWhatBecameOfAnItem) {
+  const TestPorts at;
+  const std::string in = with_separator(at.folder / "in"), out = with_separator(at.folder / "data");
   QueueItem item;
+  item.path = in + "a.avi", item.dest_path = out, item.show_url = "\"https://a.b/c\"", item.episode_url = "null";
   item.filename = "a.avi", item.new_name = "B.avi", item.error_text = "one\r\ntwo";
-  const std::pair<QueueState, ItemInfo> infos[] = {
-      {QueueState::Cancelled, {"Filename: a.avi", "Status: Cancelled", "", "Desc: one\ntwo"}},
-      {QueueState::Processing, {}}};
-  for (const auto& [state, info] : infos) {
+  at.make(item.path), at.make(out + "B.avi");  // the second is another's until it is done
+  const std::tuple<QueueState, ItemInfo, std::string> infos[] = {
+      {QueueState::Cancelled, {"Filename: a.avi", "Status: Cancelled", "", "Desc: one\ntwo"}, in},
+      {QueueState::Processing, {.new_path = out + "B.avi"}, in},
+      {QueueState::Done, {"Filename: a.avi", "Status: Done", "New Name: B.avi", "", "", out + "B.avi"}, out}};
+  for (auto [state, info, folder] : infos) {
     item.state = state;
+    info.old_path = item.path, info.show_address = item.show_url;
     EXPECT_EQ(item_info(item), info) << info.status;
+    EXPECT_EQ(folder_of(item, *at.files), folder) << info.status;
   }
+  item.state = QueueState::Failed;  // its undoing
+  at.files->remove(item.path);
+  EXPECT_EQ(folder_of(item, *at.files), out);
 }
 
 TEST(Dialogs, CutALineAfterWhatFits) {

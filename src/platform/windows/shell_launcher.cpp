@@ -22,7 +22,7 @@ std::string extension_of(const std::string& path) {
 }
 
 bool is_full(const std::string& path) {
-  return path.starts_with("\\\\") || (path.size() > 3 && path.compare(1, 2, ":\\") == 0);
+  return path.starts_with("\\\\") || (path.size() >= 3 && path.compare(1, 2, ":\\") == 0);
 }
 
 /// Of what is there; empty where `path` is no full path of something that exists.
