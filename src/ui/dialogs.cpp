@@ -11,6 +11,7 @@
 #include "shell/version.h"
 #include "text/cut.h"
 #include "ui/icons.h"
+#include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -40,7 +41,7 @@ wxSizer* button_row(wxDialog& dialog, Buttons which, wxWindow* left = nullptr) {
 }
 
 wxTextCtrl* text_box(wxWindow* parent, const char* name, const wxSize& size, long style = 0) {
-  return new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, parent->FromDIP(size), style,
+  return new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, scaled(*parent, size), style,
                         wxDefaultValidator, name);
 }
 
@@ -72,8 +73,8 @@ wxTextCtrl* text_area(wxWindow* parent, const std::string& text) {
   auto* const area = new wxTextCtrl(parent, wxID_ANY, to_wx(lines), wxDefaultPosition, wxDefaultSize,
                                     wxTE_MULTILINE | wxTE_READONLY | wxTE_NO_VSCROLL | wxBORDER_NONE);
   area->SetBackgroundColour(parent->GetBackgroundColour());
-  const int width = parent->FromDIP(360);
-  const int line_height = area->GetCharHeight() + parent->FromDIP(3);
+  const int width = scaled(*parent, 360);
+  const int line_height = area->GetCharHeight() + scaled(*parent, 3);
   int count = 0;
   for (const std::string_view line : split(lines, "\n")) count += 1 + area->GetTextExtent(to_wx(line)).x / width;
   area->SetMinSize(wxSize(width, line_height * std::clamp(count + 1, 2, 15)));
@@ -94,14 +95,14 @@ MessageDialog::MessageDialog(wxWindow* parent, int id, const std::string& title,
     : wxDialog(parent, wxID_ANY, to_wx(title)) {
   auto* const message = new wxBoxSizer(wxHORIZONTAL);
   message->Add(new wxStaticBitmap(this, wxID_ANY, wxArtProvider::GetBitmapBundle(art(icon), wxART_MESSAGE_BOX)),
-               wxSizerFlags().Border(wxRIGHT, FromDIP(12)));
+               wxSizerFlags().Border(wxRIGHT, scaled(*this, 12)));
   message->Add(text_area(this, text), wxSizerFlags(1).Expand());
   skip_ = new wxCheckBox(this, wxID_ANY, skip_label);
   skip_->Show(id >= 1);
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(message, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(12)));
+  sizer->Add(message, wxSizerFlags(1).Expand().Border(wxALL, scaled(*this, 12)));
   sizer->Add(button_row(*this, OnlyOk, skip_),
-             wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12)));
+             wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12)));
   SetSizerAndFit(sizer);
   CentreOnParent();
 }
@@ -111,18 +112,18 @@ AboutBox::AboutBox(wxWindow* parent, Log& log, const std::string& address, const
     : wxDialog(parent, wxID_ANY, std::string("About ") + application_title) {
   auto* const title = new wxStaticText(this, wxID_ANY, application_title);
   title->SetFont(title->GetFont().Bold().Scaled(1.4F));
-  const std::string version = std::string("Version ") + short_version + "  Build " + std::to_string(revision);
+  const wxString version = wxString::Format("Version %s  Build %d", short_version, revision);
   auto* const texts = new wxBoxSizer(wxVERTICAL);
   texts->Add(title, wxSizerFlags().Border(wxBOTTOM));
   texts->Add(new wxStaticText(this, wxID_ANY, version), wxSizerFlags().Border(wxBOTTOM));
   texts->Add(new wxStaticText(this, wxID_ANY, to_wx(copyright)), wxSizerFlags().Border(wxBOTTOM));
   texts->Add(link(this, to_wx(address), "website", open_website));
   auto* const top = new wxBoxSizer(wxHORIZONTAL);
-  top->Add(new wxStaticBitmap(this, wxID_ANY, icons::about()), wxSizerFlags().Border(wxRIGHT, FromDIP(16)));
+  top->Add(new wxStaticBitmap(this, wxID_ANY, icons::about(*this)), wxSizerFlags().Border(wxRIGHT, scaled(*this, 16)));
   top->Add(texts, wxSizerFlags(1));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(top, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(16)));
-  sizer->Add(button_row(*this, OnlyOk), wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12)));
+  sizer->Add(top, wxSizerFlags(1).Expand().Border(wxALL, scaled(*this, 16)));
+  sizer->Add(button_row(*this, OnlyOk), wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12)));
   SetSizerAndFit(sizer);
   CentreOnParent();
   Bind(wxEVT_CHAR_HOOK, [&log, socket_version](wxKeyEvent& event) {
@@ -142,7 +143,7 @@ ConfirmDialog::ConfirmDialog(wxWindow* parent, Session& session, const Confirmat
         }
       }) {
   auto* const text = new wxStaticText(this, wxID_ANY, to_wx(question.question));
-  auto* const paths = new wxFlexGridSizer(2, FromDIP(wxSize(8, 8)));
+  auto* const paths = new wxFlexGridSizer(2, scaled(*this, wxSize(8, 8)));
   paths->AddGrowableCol(1);
   const auto path = [&](const char* label, const char* name) {
     paths->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
@@ -153,9 +154,9 @@ ConfirmDialog::ConfirmDialog(wxWindow* parent, Session& session, const Confirmat
   source_ = path("From:", "source");
   destination_ = path("To:", "destination");
   auto* const skip = new wxCheckBox(this, wxID_ANY, skip_label);
-  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12));
+  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->AddSpacer(FromDIP(12));
+  sizer->AddSpacer(scaled(*this, 12));
   sizer->Add(text, part);
   sizer->Add(paths, part);
   sizer->Add(button_row(*this, OkAndCancel, skip), part);
@@ -179,7 +180,7 @@ void ConfirmDialog::on_skip(const wxCommandEvent& event) {
 
 ExceptionDialog::ExceptionDialog(wxWindow* parent, Session& session)
     : wxDialog(parent, wxID_ANY, "Add Exception"), session_(session), first_tick_(*this, [this] { fill(); }) {
-  auto* const names = new wxFlexGridSizer(2, FromDIP(wxSize(8, 8)));
+  auto* const names = new wxFlexGridSizer(2, scaled(*this, wxSize(8, 8)));
   names->AddGrowableCol(1);
   const auto box = [&](const char* label, const char* name) {
     names->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
@@ -190,8 +191,9 @@ ExceptionDialog::ExceptionDialog(wxWindow* parent, Session& session)
   detected_name_ = box("&Detected Show Name:", "detected_name");
   new_name_ = box("&New Show Name:", "new_name");
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(names, wxSizerFlags().Expand().Border(wxALL, FromDIP(12)));
-  sizer->Add(button_row(*this, OkAndCancel), wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12)));
+  sizer->Add(names, wxSizerFlags().Expand().Border(wxALL, scaled(*this, 12)));
+  sizer->Add(button_row(*this, OkAndCancel),
+             wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12)));
   SetSizerAndFit(sizer);
   CentreOnParent();
   Bind(
@@ -227,12 +229,12 @@ ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const WorkQueue& queue, Launche
     : wxDialog(parent, wxID_ANY, "Item Info"), queue_(queue), launcher_(launcher), ui_(ui), first_tick_(*this, [this] {
         fill();
       }) {
-  const wxSizerFlags line = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(8));
+  const wxSizerFlags line = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 8));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->AddSpacer(FromDIP(12));
+  sizer->AddSpacer(scaled(*this, 12));
   const auto add_line = [&](const char* name) {
     auto* const text = new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, name);
-    text->SetMinSize(wxSize(FromDIP(line_width + 7), text->GetCharHeight() + FromDIP(2)));
+    text->SetMinSize(wxSize(scaled(*this, line_width + 7), text->GetCharHeight() + scaled(*this, 2)));
     sizer->Add(text, line);
     return text;
   };
@@ -262,7 +264,7 @@ void ItemInfoDialog::fill() {
   const auto show_fitted = [this](wxStaticText* label, const std::string& text) {
     const wxString whole = to_wx(text);
     const auto measure = [label](const std::string& part) { return label->GetTextExtent(to_wx(part)).x; };
-    label->SetLabelText(to_wx(fitted(from_wx(whole), FromDIP(line_width), measure)));
+    label->SetLabelText(to_wx(fitted(from_wx(whole), scaled(*this, line_width), measure)));
     label->SetToolTip(whole);
   };
   show_fitted(filename_, info.filename);

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <utility>
 
+#include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -64,17 +65,17 @@ void FilterWizard::build() {
   buttons->AddStretchSpacer();
   buttons->Add(back_);
   buttons->Add(next_, wxSizerFlags().Border(wxLEFT));
-  buttons->Add(cancel_, wxSizerFlags().Border(wxLEFT, FromDIP(16)));
-  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12));
+  buttons->Add(cancel_, wxSizerFlags().Border(wxLEFT, scaled(*this, 16)));
+  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(heading_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxTOP, FromDIP(12)));
+  sizer->Add(heading_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxTOP, scaled(*this, 12)));
   sizer->Add(subheading_, part);
   sizer->Add(new wxStaticLine(this), wxSizerFlags().Expand());
-  sizer->AddSpacer(FromDIP(12));
+  sizer->AddSpacer(scaled(*this, 12));
   sizer->Add(book_, wxSizerFlags(part).Proportion(1));
-  sizer->Add(new wxStaticLine(this), wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(12)));
+  sizer->Add(new wxStaticLine(this), wxSizerFlags().Expand().Border(wxBOTTOM, scaled(*this, 12)));
   sizer->Add(buttons, part);
-  sizer->SetMinSize(FromDIP(wxSize(480, -1)));
+  sizer->SetMinSize(scaled(*this, wxSize(480, -1)));
   SetSizerAndFit(sizer);
   CentreOnParent();
   next_->SetDefault();
@@ -136,7 +137,7 @@ wxWindow* FilterWizard::build_name() {
 wxWindow* FilterWizard::build_summary() {
   wxPanel* const panel = page();
   summary_label_ = new wxStaticText(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, "summary");
-  auto* const grid = new wxFlexGridSizer(2, FromDIP(wxSize(12, 6)));
+  auto* const grid = new wxFlexGridSizer(2, scaled(*this, wxSize(12, 6)));
   grid->AddGrowableCol(1);
   const auto line = [&](const wxString& label, const char* name) {
     auto* const title = new wxStaticText(panel, wxID_ANY, label);
@@ -149,7 +150,7 @@ wxWindow* FilterWizard::build_summary() {
   summary_action_ = line("Action:", "summary_action").second;
   summary_mask_ = line("File Mask:", "summary_mask").second;
   std::tie(summary_path_label_, summary_path_) = line("Path:", "summary_path");
-  panel->GetSizer()->Add(summary_label_, wxSizerFlags().Border(wxBOTTOM, FromDIP(10)));
+  panel->GetSizer()->Add(summary_label_, wxSizerFlags().Border(wxBOTTOM, scaled(*this, 10)));
   panel->GetSizer()->Add(grid, wxSizerFlags().Expand());
   return panel;
 }

@@ -10,6 +10,7 @@
 
 #include "text/failure.h"
 #include "ui/icons.h"
+#include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -73,7 +74,7 @@ QueueList::QueueList(wxWindow* parent)
     : RowList(parent, "ListView1", wxLC_VIRTUAL, {"Filename", "New Name", "Status"}),
       // A window of its own, over the list's: the list paints its whole area.
       hint_(new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE)) {
-  SetSmallImages(icons::rows());
+  SetSmallImages(icons::rows(*this));
   auto* const text = new wxStaticText(hint_, wxID_ANY, "Drop files or folders here");
   const auto colour = [this, text] {
     hint_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
@@ -95,7 +96,7 @@ QueueList::QueueList(wxWindow* parent)
 }
 
 std::vector<int> QueueList::widths(int area) const {
-  const int status = FromDIP(150), names = area - status;
+  const int status = scaled(*this, 150), names = area - status;
   if (names < status) return {};
   return {names / 2, names - names / 2, status};
 }
@@ -160,7 +161,7 @@ RuleList::RuleList(wxWindow* parent, const char* name, const std::vector<RuleCol
 }
 
 std::vector<int> RuleList::widths(int area) const {
-  if (area < FromDIP(200)) return {};
+  if (area < scaled(*this, 200)) return {};
   std::vector<int> all;
   for (const int share : shares_) all.push_back(area * share / 100);
   return all;

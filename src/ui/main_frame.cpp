@@ -18,6 +18,7 @@
 #include "ui/filter_wizard.h"
 #include "ui/icons.h"
 #include "ui/preferences_dialog.h"
+#include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -102,11 +103,12 @@ void MainFrame::open(const std::string& caption, bool visible) {
   build();
   bind_commands();
   SetDropTarget(new DropTarget(*this));
+  keep_on_display(*this);
 }
 
 /// The lists, the menus and what is in them take as long again as the frame; it need not wait for them.
 void MainFrame::show_empty() {
-  SetClientSize(FromDIP(window_size));
+  fix_size(*this, window_size);
   Show();
   wxGUIEventLoop loop;
   const wxEventLoopActivator active(&loop);
@@ -136,15 +138,14 @@ void MainFrame::build() {
   TabStrip1_->AddPage(queue_page, "File Queue");
   TabStrip1_->AddPage(filter_page_ = build_filter_page(), "Filter List");
   TabStrip1_->AddPage(exception_page_ = build_exception_page(), "Exceptions");
-  List3_ = new wxListBox(panel, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(-1, log_height)), 0, nullptr,
+  List3_ = new wxListBox(panel, wxID_ANY, wxDefaultPosition, scaled(*this, wxSize(-1, log_height)), 0, nullptr,
                          wxLB_SINGLE | wxLB_HSCROLL, wxDefaultValidator, "List3");
 
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(TabStrip1_, wxSizerFlags(1).Expand().Border());
   sizer->Add(List3_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   panel->SetSizer(sizer);
-  SetClientSize(FromDIP(window_size));
-  SetSizeHints(GetSize(), GetSize());
+  fix_size(*this, window_size);
   ListView1_->SetFocus();
 }
 

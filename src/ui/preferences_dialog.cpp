@@ -8,6 +8,7 @@
 #include <array>
 
 #include "shell/preferences.h"
+#include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -20,7 +21,7 @@ struct Box {
 constexpr std::array<Box, 6> boxes = {{{"autoclose", "Close &when done", "Check6"},
                                        {"logging", "&Verbose Logging", "Check5"},
                                        {"confirm", "Confirm &File Operations", "Check2"},
-                                       {"nocache", "Disable &Cache", "Check3"},
+                                       {"nocache", "&Disable Cache", "Check3"},
                                        {"noutf8", "Disable &UTF-8 Decoding", "Check4"},
                                        {"context", "Add To Context &Menu for Folders && Video Files", "Check1"}}};
 
@@ -45,7 +46,7 @@ PreferencesDialog::PreferencesDialog(wxWindow* parent, Session& session, bool& k
 
 void PreferencesDialog::lay_out() {
   auto* const label = new wxStaticText(this, wxID_ANY, "Additional &Types:");
-  types_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, FromDIP(wxSize(220, -1)), 0,
+  types_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, scaled(*this, wxSize(220, -1)), 0,
                           wxDefaultValidator, "txtTypes");
   types_->ChangeValue(to_wx(session_.settings.types));
   auto* const ok = new wxButton(this, wxID_OK, "OK");
@@ -53,7 +54,7 @@ void PreferencesDialog::lay_out() {
 
   auto* const box_sizer = new wxBoxSizer(wxVERTICAL);
   for (wxCheckBox* const box : boxes_) {
-    box_sizer->Add(box, wxSizerFlags().Border(wxBOTTOM, FromDIP(6)));
+    box_sizer->Add(box, wxSizerFlags().Border(wxBOTTOM, scaled(*this, 6)));
   }
   auto* const types = new wxBoxSizer(wxHORIZONTAL);
   types->Add(label, wxSizerFlags().CenterVertical().Border(wxRIGHT));
@@ -62,9 +63,9 @@ void PreferencesDialog::lay_out() {
   buttons->AddStretchSpacer();
   buttons->Add(ok);
   buttons->Add(cancel, wxSizerFlags().Border(wxLEFT));
-  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(12));
+  const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->AddSpacer(FromDIP(12));
+  sizer->AddSpacer(scaled(*this, 12));
   sizer->Add(box_sizer, part);
   sizer->Add(types, part);
   sizer->Add(buttons, part);

@@ -4,6 +4,7 @@
 #include <wx/evtloop.h>
 #include <wx/log.h>
 #include <wx/notebook.h>
+#include <wx/stockitem.h>
 
 #include <algorithm>
 
@@ -60,6 +61,20 @@ void TestWindow::start() {
   events.list.clear();
 }
 
+/// The letters that the dialog's controls answer to with Alt; each must have one owner.
+static std::string alt_letters(const wxWindow& parent) {
+  std::string letters;
+  for (const wxWindow* const child : parent.GetChildren()) {
+    if (!child->IsShown()) continue;
+    // The system puts its own label, with its own letter, onto the buttons that it knows.
+    wxString label = wxIsStockID(child->GetId()) ? wxGetStockLabel(child->GetId()) : child->GetLabel();
+    label.Replace("&&", "");
+    if (const int mark = label.Find('&'); mark != wxNOT_FOUND) letters += from_wx(label.Mid(mark + 1, 1).Upper());
+    letters += alt_letters(*child);
+  }
+  return letters;
+}
+
 int TestWindow::Enter(wxDialog* dialog) {
   if (std::exchange(entered_, dialog) == dialog) return wxID_NONE;  // the system's own dialogs come twice
   if (drives_.empty()) {
@@ -70,6 +85,9 @@ int TestWindow::Enter(wxDialog* dialog) {
   drives_.pop_front();
   wxTheApp->CallAfter([dialog, drive = std::move(drive)] {
     try {
+      std::string letters = alt_letters(*dialog);
+      std::ranges::sort(letters);
+      EXPECT_EQ(std::ranges::adjacent_find(letters), letters.end()) << from_wx(dialog->GetTitle()) << ": " << letters;
       drive(*dialog);
     } catch (const std::exception& failure) {
       ADD_FAILURE() << from_wx(dialog->GetTitle()) << ": " << failure.what();
