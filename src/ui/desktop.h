@@ -10,7 +10,7 @@
 /// What differs between desktops.
 namespace quorvel::ui {
 
-/// The icon in the tray, which comes back by itself when the tray does. What it does is the window's.
+/// The icon in the tray, which comes by itself whenever a tray does. What it does is the window's.
 class TrayIcon {
  public:
   struct Actions {
@@ -26,9 +26,7 @@ class TrayIcon {
   TrayIcon(const TrayIcon&) = delete;
   TrayIcon& operator=(const TrayIcon&) = delete;
 
-  /// Whether this desktop has a tray.
-  static bool is_available();
-  /// Whether the tray has taken the icon.
+  /// Whether there is a tray and it has taken the icon.
   bool is_in() const;
 
  private:

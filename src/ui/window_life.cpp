@@ -32,9 +32,9 @@ WindowLife::~WindowLife() {
 
 void WindowLife::minimise() {
   minimised_ = true;
+  tray_watch_.Start(tray_watch_ms);
   if (lives_in_tray()) {
     frame_.Hide();
-    tray_watch_.Start(tray_watch_ms);
   } else {
     if (!frame_.IsShown()) frame_.Show();
     frame_.Iconize();
@@ -63,7 +63,6 @@ void WindowLife::on_iconize(wxIconizeEvent& event) {
 }
 
 void WindowLife::add_tray_icon(const std::string& tip) {
-  if (!tray_is_available()) return;
   remove_tray_icon();
   const TrayIcon::Actions actions{[this] { toggle_from_tray(); }, [this] { return open_tray_menu(); },
                                   [this](wxMenu& menu) { stack_.pop_up(frame_, menu, wxDefaultPosition); }};
@@ -71,8 +70,9 @@ void WindowLife::add_tray_icon(const std::string& tip) {
 }
 
 void WindowLife::on_tray_watch(wxTimerEvent&) {
-  // The tray went away with the window in it.
-  if (minimised_ && !frame_.IsShown() && !lives_in_tray()) minimise();
+  if (!minimised_) return tray_watch_.Stop();
+  // The tray went away with the window in it, or has come only now, as it may when both start with the desktop.
+  if (frame_.IsShown() == lives_in_tray()) minimise();
 }
 
 void WindowLife::toggle_from_tray() {

@@ -50,8 +50,8 @@ class WindowLife {
   void unload();
   bool is_unloading() const { return unloading_; }
 
-  /// Whether this desktop has a tray; tests put their own in its place.
-  std::function<bool()> tray_is_available = &TrayIcon::is_available;
+  /// Whether the icon is in a tray; tests put their own in its place.
+  std::function<bool()> lives_in_tray = [this] { return tray_icon_ != nullptr && tray_icon_->is_in(); };
 
  private:
   void on_close(wxCloseEvent& event);
@@ -59,7 +59,6 @@ class WindowLife {
   void on_query_end_session(wxCloseEvent& event);
   void on_end_session(wxCloseEvent&) { unload(); }
   void on_tray_watch(wxTimerEvent& event);
-  bool lives_in_tray() const { return tray_icon_ != nullptr && tray_icon_->is_in() && tray_is_available(); }
   void begin_unload();
   void stack_is_empty();
   void finish_unload();
@@ -68,7 +67,7 @@ class WindowLife {
   CallStack& stack_;
   Hooks hooks_{[] { return true; }, [] {}, [] { return false; }, [] {}};
   std::unique_ptr<TrayIcon> tray_icon_;
-  wxTimer tray_watch_;  // while the window lives in the tray
+  wxTimer tray_watch_;  // while the window is minimised
   bool tray_clicks_count_ = false;
   bool minimised_ = false;
   bool close_when_empty_ = false;

@@ -140,7 +140,7 @@ TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
 TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   start();
   bool tray = true;
-  frame->life().tray_is_available = [&] { return tray; };
+  frame->life().lives_in_tray = [&] { return tray; };
   frame->add_tray_icon("Quorvel");
   std::string seen;
   const auto look = [&] {

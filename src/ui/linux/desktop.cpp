@@ -1,6 +1,9 @@
 #include "ui/desktop.h"
 
+#include <wx/settings.h>
 #include <wx/taskbar.h>
+
+#include <chrono>
 
 #include "platform/console.h"
 #include "ui/icons.h"
@@ -12,14 +15,22 @@ class TrayIcon::Icon : public wxTaskBarIcon {
  public:
   Icon(wxFrame& window, const std::string& tip, Actions actions) : actions_(std::move(actions)) {
     SetIcon(icons::tray(), to_wx(tip));
-    Bind(wxEVT_TASKBAR_LEFT_DCLICK, [this](wxTaskBarIconEvent&) { actions_.toggle(); });
+    Bind(wxEVT_TASKBAR_LEFT_DOWN, &Icon::on_click, this);
     Bind(wxEVT_MENU, [&window](wxCommandEvent& event) { window.ProcessWindowEvent(event); });
   }
 
  private:
   wxMenu* CreatePopupMenu() override { return actions_.menu(); }
 
+  /// Here one click is enough, and who is used to two means the same.
+  void on_click(wxTaskBarIconEvent&) {
+    const auto now = std::chrono::steady_clock::now();
+    const std::chrono::milliseconds pause(wxSystemSettings::GetMetric(wxSYS_DCLICK_MSEC));
+    if (now - std::exchange(last_click_, now) > pause) actions_.toggle();
+  }
+
   const Actions actions_;
+  std::chrono::steady_clock::time_point last_click_;
 };
 
 TrayIcon::TrayIcon(wxFrame& window, const std::string& tip, Actions actions)
@@ -30,12 +41,8 @@ TrayIcon::TrayIcon(wxFrame& window, const std::string& tip, Actions actions)
 
 TrayIcon::~TrayIcon() = default;
 
-bool TrayIcon::is_available() {
-  return wxTaskBarIcon::IsAvailable();
-}
-
 bool TrayIcon::is_in() const {
-  return true;
+  return wxTaskBarIcon::IsAvailable();  // it goes into whatever tray comes
 }
 
 void tell(const std::string& text) {

@@ -110,10 +110,6 @@ TrayIcon::TrayIcon(wxFrame& window, const std::string& tip, Actions actions)
 
 TrayIcon::~TrayIcon() = default;
 
-bool TrayIcon::is_available() {
-  return true;
-}
-
 bool TrayIcon::is_in() const {
   return icon_->is_in();
 }
