@@ -1,7 +1,6 @@
 #include "ui/dialogs.h"
 
 #include <wx/artprov.h>
-#include <wx/button.h>
 #include <wx/sizer.h>
 #include <wx/statbmp.h>
 
@@ -43,6 +42,22 @@ wxSizer* button_row(wxDialog& dialog, Buttons which, wxWindow* left = nullptr) {
 wxTextCtrl* text_box(wxWindow* parent, const char* name, const wxSize& size, long style = 0) {
   return new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, scaled(*parent, size), style,
                         wxDefaultValidator, name);
+}
+
+/// A read-only box for a path, in two columns with its label.
+wxTextCtrl* path_box(wxWindow* parent, wxSizer& rows, wxStaticText* label, const char* name, int width) {
+  rows.Add(label, wxSizerFlags().CenterVertical());
+  wxTextCtrl* const box = text_box(parent, name, wxSize(width, -1), wxTE_READONLY);
+  rows.Add(box, wxSizerFlags().Expand());
+  return box;
+}
+
+void show_path(wxTextCtrl& box, const std::string& path) {
+  box.ChangeValue(to_wx(path));
+  // The end, where the file's name stands, is what the user wants to see.
+  box.SetInsertionPointEnd();
+  box.ShowPosition(box.GetLastPosition());
+  box.SetToolTip(to_wx(path));
 }
 
 wxHyperlinkCtrl* link(wxWindow* parent, const wxString& label, const char* name, const std::function<void()>& click) {
@@ -134,25 +149,14 @@ AboutBox::AboutBox(wxWindow* parent, Log& log, const std::string& address, const
 
 ConfirmDialog::ConfirmDialog(wxWindow* parent, Session& session, const ConfirmationQuestion& question)
     : wxDialog(parent, wxID_ANY, to_wx(question.title)), session_(session), first_tick_(*this, [this, question] {
-        // The end of a path, where the file's name stands, is what the user wants to see.
-        for (const auto& [box, path] : {std::pair(source_, question.source), {destination_, question.destination}}) {
-          box->ChangeValue(to_wx(path));
-          box->SetInsertionPointEnd();
-          box->ShowPosition(box->GetLastPosition());
-          box->SetToolTip(to_wx(path));
-        }
+        show_path(*source_, question.source);
+        show_path(*destination_, question.destination);
       }) {
   auto* const text = new wxStaticText(this, wxID_ANY, to_wx(question.question));
   auto* const paths = new wxFlexGridSizer(2, scaled(*this, wxSize(8, 8)));
   paths->AddGrowableCol(1);
-  const auto path = [&](const char* label, const char* name) {
-    paths->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
-    wxTextCtrl* const box = text_box(this, name, wxSize(460, -1), wxTE_READONLY);
-    paths->Add(box, wxSizerFlags().Expand());
-    return box;
-  };
-  source_ = path("From:", "source");
-  destination_ = path("To:", "destination");
+  source_ = path_box(this, *paths, new wxStaticText(this, wxID_ANY, "&From:"), "source", 460);
+  destination_ = path_box(this, *paths, new wxStaticText(this, wxID_ANY, "&To:"), "destination", 460);
   auto* const skip = new wxCheckBox(this, wxID_ANY, skip_label);
   const wxSizerFlags part = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
@@ -201,14 +205,10 @@ ExceptionDialog::ExceptionDialog(wxWindow* parent, Session& session)
 }
 
 void ExceptionDialog::fill() {
-  if (session_.queue.holds(index_)) {
-    detected_name_->ChangeValue(to_wx(session_.queue.at(index_).search_name));
-    detected_name_->SetEditable(false);
-    new_name_->SetFocus();
-  } else {
-    detected_name_->ChangeValue(wxString());
-    detected_name_->SetFocus();
-  }
+  const std::string name = session_.queue.holds(index_) ? session_.queue.at(index_).search_name : "";
+  detected_name_->ChangeValue(to_wx(name));
+  detected_name_->SetEditable(name.empty());  // no name was recognised, or there is no item
+  (name.empty() ? detected_name_ : new_name_)->SetFocus();
 }
 
 void ExceptionDialog::on_ok() {
@@ -225,10 +225,11 @@ void ExceptionDialog::on_ok() {
   }
 }
 
-ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const WorkQueue& queue, Launcher& launcher, UserInterface& ui)
-    : wxDialog(parent, wxID_ANY, "Item Info"), queue_(queue), launcher_(launcher), ui_(ui), first_tick_(*this, [this] {
-        fill();
-      }) {
+ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const Session& session, Launcher& launcher)
+    : wxDialog(parent, wxID_ANY, "Item Info"),
+      session_(session),
+      launcher_(launcher),
+      first_tick_(*this, [this] { fill(); }) {
   const wxSizerFlags line = wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 8));
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->AddSpacer(scaled(*this, 12));
@@ -241,46 +242,76 @@ ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const WorkQueue& queue, Launche
   filename_ = add_line("filename");
   status_ = add_line("status");
   new_name_ = add_line("new_name");
+  auto* const paths = new wxFlexGridSizer(2, scaled(*this, wxSize(8, 8)));
+  paths->AddGrowableCol(1);
+  old_path_ = path_box(this, *paths, new wxStaticText(this, wxID_ANY, "Ol&d Path:"), "old_path", line_width);
+  new_path_label_ = new wxStaticText(this, wxID_ANY, "&New Path:");
+  new_path_ = path_box(this, *paths, new_path_label_, "new_path", line_width);
+  sizer->Add(paths, line);
   description_ = text_box(this, "description", wxSize(-1, 80), wxTE_MULTILINE | wxTE_READONLY);
-  links_ = new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "links");
-  auto* const links = new wxBoxSizer(wxVERTICAL);
-  links->Add(link(links_, "Show page on tvmaze.com", "show_link", [this] { open(queue_.at(index_).show_url); }));
-  links->Add(
-      link(links_, "Episode page on tvmaze.com", "episode_link", [this] { open(queue_.at(index_).episode_url); }));
-  links_->SetSizer(links);
-  links_->Hide();
+  add_links();
   sizer->Add(description_, wxSizerFlags(line).Proportion(1));
   sizer->Add(links_, wxSizerFlags(line).Proportion(1));
-  sizer->Add(button_row(*this, OnlyOk), line);
+  auto* const folder = new wxButton(this, wxID_ANY, "Open &Folder");
+  folder->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { open_folder(); });
+  sizer->Add(button_row(*this, OnlyOk, folder), line);
   SetSizerAndFit(sizer);
   CentreOnParent();
 }
 
+void ItemInfoDialog::add_links() {
+  links_ = new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "links");
+  auto* const sizer = new wxBoxSizer(wxVERTICAL);
+  show_link_ = link(links_, "Show page on tvmaze.com", "show_link", [this] { open_page(info_.show_address); });
+  episode_link_ =
+      link(links_, "Episode page on tvmaze.com", "episode_link", [this] { open_page(info_.episode_address); });
+  for (wxHyperlinkCtrl* const made : {show_link_, episode_link_}) sizer->Add(made);
+  links_->SetSizer(sizer);
+  links_->Hide();
+}
+
 void ItemInfoDialog::fill() {
-  if (!queue_.holds(index_)) return;
-  const ItemInfo info = item_info(queue_.at(index_));
-  if (info.status.empty()) return;
-  const bool is_done = !info.new_name.empty();
+  if (!session_.queue.holds(index_)) return;
+  info_ = item_info(session_.queue.at(index_));
+  const bool is_done = !info_.new_name.empty();
   const auto show_fitted = [this](wxStaticText* label, const std::string& text) {
     const wxString whole = to_wx(text);
     const auto measure = [label](const std::string& part) { return label->GetTextExtent(to_wx(part)).x; };
     label->SetLabelText(to_wx(fitted(from_wx(whole), scaled(*this, line_width), measure)));
     label->SetToolTip(whole);
   };
-  show_fitted(filename_, info.filename);
-  status_->SetLabelText(to_wx(info.status));
-  if (is_done) show_fitted(new_name_, info.new_name);
+  show_fitted(filename_, info_.filename);
+  status_->SetLabelText(to_wx(info_.status));
+  if (is_done) show_fitted(new_name_, info_.new_name);
   new_name_->Show(is_done);
-  description_->ChangeValue(to_wx(info.description));
+  show_path(*old_path_, info_.old_path);
+  show_path(*new_path_, info_.new_path);
+  for (wxWindow* const window : {static_cast<wxWindow*>(new_path_label_), static_cast<wxWindow*>(new_path_)}) {
+    window->Show(!info_.new_path.empty());
+  }
+  description_->ChangeValue(to_wx(info_.description));
   description_->Show(!is_done);
   links_->Show(is_done);
+  show_link_->Show(!info_.show_address.empty());
+  episode_link_->Show(!info_.episode_address.empty());
   Layout();
 }
 
-/// Addresses go to the launcher as the service gave them, in double quotes.
-void ItemInfoDialog::open(const std::string& address) {
+void ItemInfoDialog::open_page(const std::string& address) {
   if (launcher_.open(address)) return;
-  ui_.show_message(0, "Unable to open page", "There is no program to open " + address + " with", MessageIcon::Warning);
+  session_.ports.ui.show_message(0, "Unable to open page", "There is no program to open " + address + " with",
+                                 MessageIcon::Warning);
+}
+
+void ItemInfoDialog::open_folder() {
+  if (!session_.queue.holds(index_)) return;
+  const std::string folder = folder_of(session_.queue.at(index_), session_.ports.files);
+  if (launcher_.open(folder)) return;
+  const bool exists = session_.ports.files.exists(folder);
+  session_.ports.ui.show_message(
+      0, "Unable to open folder",
+      exists ? "There is no program to open " + folder + " with" : "The folder " + folder + " is not there any more",
+      MessageIcon::Warning);
 }
 
 }  // namespace quorvel::ui

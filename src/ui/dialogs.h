@@ -1,5 +1,6 @@
 #pragma once
 
+#include <wx/button.h>
 #include <wx/checkbox.h>
 #include <wx/dialog.h>
 #include <wx/hyperlink.h>
@@ -14,6 +15,7 @@
 
 #include "platform/launcher.h"
 #include "platform/user_interface.h"
+#include "shell/dialogs.h"
 #include "shell/session.h"
 
 /// The small dialogs. What they say and decide is the core's.
@@ -84,25 +86,28 @@ class ExceptionDialog : public wxDialog {
   FirstTick first_tick_;
 };
 
-/// Shows what became of one item of the queue.
+/// Shows what became of one item of the queue, and where its file was and is.
 class ItemInfoDialog : public wxDialog {
  public:
-  ItemInfoDialog(wxWindow* parent, const WorkQueue& queue, Launcher& launcher, UserInterface& ui);
+  ItemInfoDialog(wxWindow* parent, const Session& session, Launcher& launcher);
 
   /// The item to show.
   void setQID(int index) { index_ = index; }
 
  private:
+  void add_links();
   void fill();
-  void open(const std::string& address);
+  void open_page(const std::string& address);
+  void open_folder();
 
-  const WorkQueue& queue_;
+  const Session& session_;
   Launcher& launcher_;
-  UserInterface& ui_;
   int index_ = 0;
-  wxStaticText *filename_ = nullptr, *status_ = nullptr, *new_name_ = nullptr;
-  wxTextCtrl* description_ = nullptr;
+  ItemInfo info_;
+  wxStaticText *filename_ = nullptr, *status_ = nullptr, *new_name_ = nullptr, *new_path_label_ = nullptr;
+  wxTextCtrl *old_path_ = nullptr, *new_path_ = nullptr, *description_ = nullptr;
   wxPanel* links_ = nullptr;
+  wxHyperlinkCtrl *show_link_ = nullptr, *episode_link_ = nullptr;
   FirstTick first_tick_;
 };
 

@@ -350,7 +350,7 @@ void MainFrame::on_undo() {
 
 void MainFrame::on_info() {
   if (!session_->queue.holds(context_item_)) return;
-  ItemInfoDialog dialog(dialog_parent(), session_->queue, *launcher_, *this);
+  ItemInfoDialog dialog(dialog_parent(), *session_, *launcher_);
   dialog.setQID(context_item_);
   stack_.show_modal(dialog);
 }

@@ -214,8 +214,17 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
 
 TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameOfIt) {
   start();
-  drop({file("no.such.show.s01e01.avi")});
+  const std::string path = file("no.such.show.s01e01.avi");
+  drop({path, file("holiday.avi")});
   run_pass();
+  menu_over(1, 2);  // there is no name to be seen in it
+  on_dialog([](wxDialog& dialog) {
+    auto& name = find<wxTextCtrl>(dialog, "detected_name");
+    wait_until([&] { return name.HasFocus(); });
+    EXPECT_TRUE(name.IsEditable());
+    press(dialog, "Cancel");
+  });
+  command(ui::mnuSpecify);
   on_dialog([&](wxDialog& dialog) {
     EXPECT_EQ(shown(dialog), "Add Exception: Detected Show Name:|[]|New Show Name:|[]|OK|Cancel|");
     on_dialog("Detected Name Required", "OK");
@@ -231,15 +240,15 @@ TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameO
     for (const char* const link : {"show_link", "episode_link"}) {
       if (find(info, link).IsShownOnScreen()) use(find(info, link), wxEVT_HYPERLINK);
     }
+    press(info, "Open &Folder");
     press(info, "OK");
   };
   on_dialog(look);
   wxListEvent double_click(wxEVT_LIST_ITEM_ACTIVATED);
   double_click.m_itemIndex = 0;
   list(1).ProcessWindowEvent(double_click);
-  EXPECT_EQ(seen,
-            "Item Info: Filename: no.such.show.s01e01.avi|Status: Failed|[Error: Unable to find show on tvmaze.com\n"
-            "Searched for: no such show]|OK|");
+  EXPECT_EQ(seen, "Item Info: Filename: no.such.show.s01e01.avi|Status: Failed|Old Path:|[" + path +
+                      "]|[Error: Unable to find show on tvmaze.com\nSearched for: no such show]|Open Folder|OK|");
   on_dialog([](wxDialog& dialog) {
     wait_until([&] { return find<wxTextCtrl>(dialog, "detected_name").GetValue() == "no such show"; });
     EXPECT_FALSE(find<wxTextCtrl>(dialog, "detected_name").IsEditable());
@@ -252,12 +261,12 @@ TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameO
   run_pass();
   QueueItem& item = session->queue.at(1);
   item.new_name = "b.avi";  // the real one does not fit everywhere
+  item.episode_url = "null";
   on_dialog(look);
   command(ui::mnuInfo);
-  EXPECT_EQ(seen,
-            "Item Info: Filename: no.such.show.s01e01.avi|Status: Done|New Name: b.avi|Show page on tvmaze.com|"
-            "Episode page on tvmaze.com|OK|");
-  EXPECT_EQ(happened(), (std::vector{"open " + item.show_url, "open " + item.episode_url}));
+  EXPECT_EQ(seen, "Item Info: Filename: no.such.show.s01e01.avi|Status: Done|New Name: b.avi|Old Path:|[" + path +
+                      "]|New Path:|[" + item.dest_path + "b.avi]|Show page on tvmaze.com|Open Folder|OK|");
+  EXPECT_EQ(happened(), (std::vector{"open " + item.dest_path, "open " + item.show_url, "open " + item.dest_path}));
 }
 
 TEST_F(TestWindow, QuestionsDecideAndTheyAndMessagesWithANumberCanBeSwitchedOff) {
