@@ -41,6 +41,9 @@ void tell(const std::string& text);
 /// Brings the window, with the dialog that it waits for, in front of those of other programs.
 void bring_to_front(wxFrame& window);
 
+/// What fits the names of files of this type, in capitals too, where files are picked.
+std::string file_pattern(const std::string& type);
+
 /// Cancels the dialogs that the system shows for this program by itself: where it picks files or asks about them. They
 /// close as soon as their own event loops come to it. False when there is none.
 bool cancel_system_dialogs();

@@ -13,11 +13,11 @@
 
 #include "shell/dialogs.h"
 #include "shell/version.h"
-#include "text/cut.h"
 #include "ui/dialogs.h"
 #include "ui/filter_wizard.h"
 #include "ui/icons.h"
 #include "ui/preferences_dialog.h"
+#include "ui/restored.h"
 #include "ui/size.h"
 #include "ui/text.h"
 
@@ -42,28 +42,6 @@ class DropTarget : public wxFileDropTarget {
 
  private:
   MainFrame& frame_;
-};
-
-/// "Supported Types|*.avi;*.mkv|All Files|*.*"
-wxString file_filter(const std::string& types) {
-  std::string patterns;
-  for (const std::string_view type : split(types, ";")) patterns.append("*.").append(type).append(";");
-  patterns.pop_back();
-  return to_wx("Supported Types|" + patterns + "|All Files|*.*");
-}
-
-/// Puts a value back at the end of a block.
-template <typename T>
-class Restored {
- public:
-  Restored(T& value, const T& meanwhile) : value_(value), old_(std::exchange(value, meanwhile)) {}
-  ~Restored() { value_ = old_; }
-  Restored(const Restored&) = delete;
-  Restored& operator=(const Restored&) = delete;
-
- private:
-  T& value_;
-  const T old_;
 };
 
 }  // namespace

@@ -4,6 +4,9 @@
 
 #include <filesystem>
 
+#include "text/cut.h"
+#include "ui/desktop.h"
+
 namespace quorvel::ui {
 
 wxString to_wx(std::string_view text) {
@@ -23,6 +26,13 @@ std::string path_from_wx(const wxString& path) {
   using Native = std::filesystem::path::value_type;
   const std::u8string bytes = std::filesystem::path(static_cast<const Native*>(path.fn_str())).u8string();
   return {bytes.begin(), bytes.end()};
+}
+
+wxString file_filter(const std::string& types) {
+  std::string patterns;
+  for (const std::string_view type : split(types, ";")) patterns.append(file_pattern(std::string(type))).append(";");
+  patterns.pop_back();
+  return to_wx("Supported Types|" + patterns + "|All Files|") + wxALL_FILES_PATTERN;
 }
 
 }  // namespace quorvel::ui

@@ -16,4 +16,8 @@ std::string from_wx(const wxString& text);
 /// The bytes of a file name that the toolkit gave, also where they are not UTF-8.
 std::string path_from_wx(const wxString& path);
 
+/// What is offered where files are picked, of `types` with ";" between them: "Supported Types|*.avi;*.mkv|All
+/// Files|*.*"
+wxString file_filter(const std::string& types);
+
 }  // namespace quorvel::ui

@@ -20,6 +20,14 @@ constexpr const char *odd_name = "caf\u00E9 \U0001F600", *odd_name_shown = odd_n
 constexpr const char *odd_name = "caf\xE9", *odd_name_shown = "caf\\351";  // not UTF-8
 #endif
 
+/// What a file can be picked by, in capitals too.
+#ifdef _WIN32
+constexpr const char* file_types = "Supported Types|*.avi;*.mkv;*.mpg;*.mp4|All Files|*.*";
+#else
+constexpr const char* file_types =
+    "Supported Types|*.[aA][vV][iI];*.[mM][kK][vV];*.[mM][pP][gG];*.[mM][pP]4|All Files|*";
+#endif
+
 TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   start();
   session->exceptions.store(0, {"a", "b", false});
@@ -115,7 +123,7 @@ TEST_F(TestWindow, TheFileAndHelpMenusLeadOut) {
   on_dialog([](wxDialog& dialog) {
     auto& picker = dynamic_cast<wxFileDialog&>(dialog);
     EXPECT_EQ(picker.GetMessage(), "Select File");
-    EXPECT_EQ(picker.GetWildcard(), "Supported Types|*.avi;*.mkv;*.mpg;*.mp4|All Files|*.*");
+    EXPECT_EQ(picker.GetWildcard(), file_types);
     cancel(picker);
   });
   on_dialog("Quorvel", "OK");

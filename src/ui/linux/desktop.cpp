@@ -53,6 +53,15 @@ void bring_to_front(wxFrame& window) {
   window.Raise();
 }
 
+std::string file_pattern(const std::string& type) {
+  wxString pattern = "*.";
+  for (const wxUniChar letter : to_wx(type)) {
+    const auto capital = static_cast<wxChar>(wxToupper(letter));
+    pattern += letter == capital ? wxString(letter) : wxString::Format("[%c%c]", wxChar(letter), capital);
+  }
+  return from_wx(pattern);
+}
+
 bool cancel_system_dialogs() {
   return false;  // the toolkit runs them all
 }

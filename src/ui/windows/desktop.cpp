@@ -128,6 +128,10 @@ void bring_to_front(wxFrame& window) {
   SetForegroundWindow(GetLastActivePopup(GetHwndOf(&window)));
 }
 
+std::string file_pattern(const std::string& type) {
+  return "*." + type;
+}
+
 bool cancel_system_dialogs() {
   bool found = false;
   EnumThreadWindows(GetCurrentThreadId(), cancel, reinterpret_cast<LPARAM>(&found));
