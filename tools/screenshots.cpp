@@ -1,5 +1,4 @@
 // Each case brings the window into one state and takes its picture. Start it by the script beside it.
-#include <wx/listctrl.h>
 #include <wx/notebook.h>
 #include <wx/radiobut.h>
 #include <wx/utils.h>

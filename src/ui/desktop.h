@@ -41,6 +41,9 @@ void tell(const std::string& text);
 /// Brings the window, with the dialog that it waits for, in front of those of other programs.
 void bring_to_front(wxFrame& window);
 
+/// What screen readers call a control that has no label.
+void set_spoken_name(wxWindow& control, const char* name);
+
 /// What fits the names of files of this type, in capitals too, where files are picked.
 std::string file_pattern(const std::string& type);
 

@@ -3,27 +3,28 @@
 #include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
-#include <wx/wupdlock.h>
 
 #include <algorithm>
 #include <utility>
 
 #include "text/failure.h"
+#include "ui/desktop.h"
 #include "ui/icons.h"
 #include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
-namespace {
 
-constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
-
-}  // namespace
-
-RowList::RowList(wxWindow* parent, const char* name, long style, const std::vector<const char*>& titles)
-    : wxListCtrl(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL | style,
-                 wxDefaultValidator, name) {
-  for (const char* const title : titles) AppendColumn(title);
+RowList::RowList(wxWindow* parent, const Looks& looks)
+    // Some systems complain about a list without room for its titles, even before it is laid out.
+    : wxPanel(parent, wxID_ANY, wxDefaultPosition, scaled(*parent, wxSize(200, 100)), wxTAB_TRAVERSAL | wxBORDER_NONE,
+              looks.name),
+      titles_(looks.titles) {
+  wxWindow* const control = make_control(looks);
+  set_spoken_name(*control, looks.spoken_name);
+  auto* const sizer = new wxBoxSizer(wxVERTICAL);
+  sizer->Add(control, wxSizerFlags(1).Expand());
+  SetSizer(sizer);
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     lay_out();
@@ -34,18 +35,14 @@ void RowList::lay_out() {
   if (columns_are_set_) return;  // from now on they are the user's
   const std::vector<int> all = widths(GetClientSize().x - wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this));
   columns_are_set_ = !all.empty();
-  for (std::size_t i = 0; i < all.size(); ++i) SetColumnWidth(static_cast<int>(i), all[i]);
+  if (columns_are_set_) set_widths(all);
 }
 
-int RowList::selected() const {
-  return static_cast<int>(GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) + 1;
-}
-
-void RowList::select(int index) {
-  const long row = std::min(index, GetItemCount()) - 1;
-  if (row < 0) return;
-  SetItemState(row, chosen, chosen);
-  EnsureVisible(row);
+void RowList::select(int row) {
+  const int last = std::min(row, count());
+  if (last < 1) return;
+  scroll_to(last);
+  mark(last);
 }
 
 int RowList::menu_row(const wxContextMenuEvent& event, wxPoint& at) const {
@@ -55,26 +52,25 @@ int RowList::menu_row(const wxContextMenuEvent& event, wxPoint& at) const {
   }
   // By key: over the selected row.
   const int row = selected();
-  wxRect area;
-  at = row > 0 && GetItemRect(row - 1, area) ? wxPoint(area.x + area.height, area.GetBottom()) : wxPoint(0, 0);
+  const wxRect area = area_of(row);
+  at = area.IsEmpty() ? wxPoint(0, 0) : wxPoint(area.x + area.height, area.GetBottom());
   return row;
 }
 
 /// 0 for the empty area. The toolkit's own test leaves the header out of account on some systems.
 int RowList::row_at(const wxPoint& point) const {
-  wxRect area;
-  for (long row = GetTopItem(); row < GetItemCount() && GetItemRect(row, area); ++row) {
-    if (point.y < area.y) break;
-    if (point.y <= area.GetBottom()) return static_cast<int>(row) + 1;
+  for (int row = top_row(); row >= 1 && row <= count(); ++row) {
+    const wxRect area = area_of(row);
+    if (area.IsEmpty() || point.y < area.y) break;
+    if (point.y <= area.GetBottom()) return row;
   }
   return 0;
 }
 
 QueueList::QueueList(wxWindow* parent)
-    : RowList(parent, "ListView1", wxLC_VIRTUAL, {"Filename", "New Name", "Status"}),
+    : RowList(parent, {"ListView1", "File Queue", {"Filename", "New Name", "Status"}, icons::rows(*parent)}),
       // A window of its own, over the list's: the list paints its whole area.
-      hint_(new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE)) {
-  SetSmallImages(icons::rows(*this));
+      hint_(new wxPanel(overlay_parent(), wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE)) {
   auto* const text = new wxStaticText(hint_, wxID_ANY, "Drop files or folders here");
   const auto colour = [this, text] {
     hint_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
@@ -115,13 +111,12 @@ void QueueList::update_row(int index, const RowUpdate& update) {
   if (update.status) changed.status = *update.status;
   if (update.scroll_into_view) row_to_show_ = index;
   if (update.select) row_to_select_ = index;
-  if (index <= GetItemCount()) RefreshItem(index - 1);
-  show_changes_later();
+  changed_later(index);
 }
 
 void QueueList::set_progress(int index, const std::string& progress) {
   if (!holds(index)) return;
-  if (std::exchange(row(index).progress, progress) != progress && index <= GetItemCount()) RefreshItem(index - 1);
+  if (std::exchange(row(index).progress, progress) != progress) changed_later(index);
 }
 
 /// A pass brings changes in much faster than they can be seen, and with each the system would measure, scroll and
@@ -130,34 +125,29 @@ void QueueList::show_changes_later() {
   if (!std::exchange(changes_wait_, true)) CallAfter(&QueueList::show_changes);
 }
 
-void QueueList::show_changes() {
-  changes_wait_ = false;
-  const int count = static_cast<int>(rows_.size());
-  if (GetItemCount() != count) SetItemCount(count);
-  if (hint_->IsShown()) hint_->Hide();
-  const int show = std::exchange(row_to_show_, 0), row = std::exchange(row_to_select_, 0) - 1;
-  if (show > 0) EnsureVisible(show - 1);
-  if (row >= 0 && GetItemState(row, wxLIST_STATE_SELECTED) == 0) SetItemState(row, chosen, chosen);
+void QueueList::changed_later(int index) {
+  if (changed_rows_.empty() || changed_rows_.back() != index) changed_rows_.push_back(index);
+  show_changes_later();
 }
 
-wxString QueueList::OnGetItemText(long item, long column) const {
-  const int index = static_cast<int>(item) + 1;
+void QueueList::show_changes() {
+  changes_wait_ = false;
+  for (const int row : std::exchange(changed_rows_, {})) {
+    if (row <= count()) repaint(row);
+  }
+  set_count(static_cast<int>(rows_.size()));
+  if (hint_->IsShown()) hint_->Hide();
+  const int show = std::exchange(row_to_show_, 0), select = std::exchange(row_to_select_, 0);
+  if (show > 0) scroll_to(show);
+  if (select > 0 && select != selected()) mark(select);
+}
+
+wxString QueueList::cell(int index, int column) const {
   if (!holds(index)) return {};
   const auto& [filename, new_name, status, progress, icon] = row(index);
   if (column == Filename) return to_wx(filename);
   if (column == NewName) return to_wx(new_name);
   return to_wx(progress.empty() ? status : status + " " + progress);
-}
-
-int QueueList::OnGetItemImage(long item) const {
-  const int index = static_cast<int>(item) + 1;
-  return holds(index) ? row(index).icon - RowUpdate::DoneIcon : -1;
-}
-
-RuleList::RuleList(wxWindow* parent, const char* name, const std::vector<RuleColumn>& columns)
-    : RowList(parent, name, 0, {}) {
-  for (const RuleColumn& column : columns) shares_.push_back(column.share);
-  for (const RuleColumn& column : columns) AppendColumn(column.title);
 }
 
 std::vector<int> RuleList::widths(int area) const {
@@ -168,15 +158,13 @@ std::vector<int> RuleList::widths(int area) const {
 }
 
 void RuleList::show(const std::vector<ListRow>& rows) {
-  const wxWindowUpdateLocker no_flicker(this);
-  DeleteAllItems();
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    const auto item = static_cast<long>(row);
-    InsertItem(item, wxString());
-    for (std::size_t cell = 0; cell < rows[row].cells.size(); ++cell) {
-      SetItem(item, static_cast<int>(cell), to_wx(rows[row].cells[cell]));
-    }
-  }
+  rows_ = rows;
+  reset(static_cast<int>(rows.size()));
+}
+
+wxString RuleList::cell(int row, int column) const {
+  const std::size_t index = static_cast<std::size_t>(row) - 1, cell = static_cast<std::size_t>(column);
+  return index < rows_.size() && cell < rows_[index].cells.size() ? to_wx(rows_[index].cells[cell]) : wxString();
 }
 
 }  // namespace quorvel::ui

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <wx/listctrl.h>
+#include <wx/bmpbndl.h>
 #include <wx/panel.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,36 +11,75 @@
 
 namespace quorvel::ui {
 
-/// A list of the main window. Its rows count from 1, as what they show does.
-class RowList : public wxListCtrl {
+/// A list of the main window: the system's own control, which screen readers know. It asks for the rows in sight, so
+/// its length costs nothing. Rows count from 1, as what they show does.
+class RowList : public wxPanel {
  public:
-  RowList(wxWindow* parent, const char* name, long style, const std::vector<const char*>& titles);
+  struct Looks {
+    const char *name, *spoken_name;
+    std::vector<const char*> titles;
+    wxVector<wxBitmapBundle> icons = {};  // of the first column's cells
+  };
+
+  const std::vector<const char*>& titles() const { return titles_; }
+  int count() const;
+  virtual wxString cell(int row, int column) const = 0;
+  /// 0 for the first one.
+  virtual int icon(int /*row*/) const { return 0; }
 
   /// 0 when none is.
   int selected() const;
-  /// The row, or the last one when there are fewer; does nothing with an empty list.
-  void select(int index);
+  /// The row, or the last one when there are fewer, and scrolls to it; does nothing with an empty list.
+  void select(int row);
+  /// Of the row, in this window; empty when it is out of sight.
+  wxRect area_of(int row) const;
 
   /// The row that a context menu is for, 0 for the empty area; `at` becomes where the menu belongs.
   int menu_row(const wxContextMenuEvent& event, wxPoint& at) const;
 
+  /// Called with the row for Enter and for the double-click.
+  std::function<void(int)> on_activate = [](int) {};
+
  protected:
+  RowList(wxWindow* parent, const Looks& looks);
+
   /// The columns' widths in an area of this width; none while it is too narrow.
   virtual std::vector<int> widths(int area) const = 0;
 
- private:
-  void lay_out();
-  int row_at(const wxPoint& point) const;
+  void set_count(int count);
+  /// Other rows are shown now; none is selected.
+  void reset(int count);
+  void repaint(int row);
+  void scroll_to(int row);
+  /// Selects the row where it is.
+  void mark(int row);
+  /// What is to lie over the list has this parent.
+  wxWindow* overlay_parent();
 
+ private:
+  class Control;
+
+  /// Sets control_.
+  wxWindow* make_control(const Looks& looks);
+  void lay_out();
+  int top_row() const;
+  int row_at(const wxPoint& point) const;
+  void set_widths(const std::vector<int>& widths);
+
+  const std::vector<const char*> titles_;
+  Control* control_ = nullptr;
   bool columns_are_set_ = false;
 };
 
-/// The list of queued files. The system asks it for what is in sight, so its length costs nothing.
+/// The list of queued files.
 class QueueList : public RowList {
  public:
   enum Column { Filename, NewName, Status };
 
   explicit QueueList(wxWindow* parent);
+
+  wxString cell(int row, int column) const override;
+  int icon(int row) const override { return this->row(row).icon - RowUpdate::DoneIcon; }
 
   // Changes are seen as soon as events run.
 
@@ -62,35 +102,35 @@ class QueueList : public RowList {
   bool holds(int index) const { return index >= 1 && index <= static_cast<int>(rows_.size()); }
   const Row& row(int index) const { return rows_[static_cast<std::size_t>(index) - 1]; }
   Row& row(int index) { return rows_[static_cast<std::size_t>(index) - 1]; }
-  wxString OnGetItemText(long row, long column) const override;
-  int OnGetItemImage(long row) const override;
   std::vector<int> widths(int area) const override;
   void show_changes_later();
+  void changed_later(int index);
   void show_changes();
 
   std::vector<Row> rows_;
   wxPanel* hint_;  // what to do, while there is nothing to show
   bool changes_wait_ = false;
+  std::vector<int> changed_rows_;
   int row_to_show_ = 0, row_to_select_ = 0;  // 0 for none
-};
-
-struct RuleColumn {
-  const char* title;
-  int share;  // of the list's width, in percent
 };
 
 /// The list of the filter rules, or of the exceptions.
 class RuleList : public RowList {
  public:
-  RuleList(wxWindow* parent, const char* name, const std::vector<RuleColumn>& columns);
+  /// `shares` are the columns' parts of the width, in percent.
+  RuleList(wxWindow* parent, const Looks& looks, std::vector<int> shares)
+      : RowList(parent, looks), shares_(std::move(shares)) {}
 
   /// Puts these rows in place of those shown; the selection is gone.
   void show(const std::vector<ListRow>& rows);
 
+  wxString cell(int row, int column) const override;
+
  private:
   std::vector<int> widths(int area) const override;
 
-  std::vector<int> shares_;
+  const std::vector<int> shares_;
+  std::vector<ListRow> rows_;
 };
 
 }  // namespace quorvel::ui

@@ -13,6 +13,7 @@
 
 #include "shell/dialogs.h"
 #include "shell/version.h"
+#include "ui/desktop.h"
 #include "ui/dialogs.h"
 #include "ui/filter_wizard.h"
 #include "ui/icons.h"
@@ -107,6 +108,7 @@ void MainFrame::build() {
   SetMenuBar(menu_bar());
   GetMenuBar()->Enable(mnuStop, false);
   auto* const panel = new wxPanel(this);
+  panel->Hide();  // else each part is laid out as it comes, in a space that is not yet the right one
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
   auto* const queue_page = new wxPanel(TabStrip1_);
   ListView1_ = new QueueList(queue_page);
@@ -123,6 +125,8 @@ void MainFrame::build() {
   sizer->Add(TabStrip1_, wxSizerFlags(1).Expand().Border());
   sizer->Add(List3_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   panel->SetSizer(sizer);
+  set_spoken_name(*List3_, "Log");
+  panel->Show();
   fix_size(*this, window_size);
   ListView1_->SetFocus();
 }
@@ -149,11 +153,11 @@ RulePage* MainFrame::build_filter_page() {
   actions.add = [this] { edit_filter(0); };
   actions.edit = [this](int index) { edit_filter(index); };
   return new RulePage(TabStrip1_,
-                      {"ListView2",
+                      {{"ListView2", "Filter List", {"Filter", "Action", "File Mask", "Path"}},
+                       {29, 18, 28, 25},
                        "Command3",
                        "Command1",
                        "Command2",
-                       {{"Filter", 29}, {"Action", 18}, {"File Mask", 28}, {"Path", 25}},
                        menus_.mnuList,
                        menus_.mnuList2},
                       std::move(actions));
@@ -163,11 +167,11 @@ RulePage* MainFrame::build_exception_page() {
   RulePage::Actions actions = rule_actions(session_->exceptions, "exception");
   actions.add = [this] { add_exception(0); };
   return new RulePage(TabStrip1_,
-                      {"ListView3",
+                      {{"ListView3", "Exceptions", {"Detected Show Name", "New Show Name"}},
+                       {50, 50},
                        "Command4",
                        "Command5",
                        "Command6",
-                       {{"Detected Show Name", 50}, {"New Show Name", 50}},
                        menus_.mnuList4,
                        menus_.mnuList5},
                       std::move(actions));
@@ -203,11 +207,10 @@ void MainFrame::bind_commands() {
   Bind(
       wxEVT_TIMER, [this](wxTimerEvent&) { on_start_timer(); }, Timer1_.GetId());
   ListView1_->Bind(wxEVT_CONTEXT_MENU, &MainFrame::on_queue_menu, this);
-  // Enter, and the double-click.
-  ListView1_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](const wxListEvent& event) {
-    context_item_ = static_cast<int>(event.GetIndex()) + 1;
+  ListView1_->on_activate = [this](int row) {
+    context_item_ = row;
     on_info();
-  });
+  };
 }
 
 // What the core asks for.

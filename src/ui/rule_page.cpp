@@ -5,7 +5,7 @@
 namespace quorvel::ui {
 
 RulePage::RulePage(wxWindow* parent, const Looks& looks, Actions actions)
-    : wxPanel(parent), actions_(std::move(actions)), list_(new RuleList(this, looks.list, looks.columns)) {
+    : wxPanel(parent), actions_(std::move(actions)), list_(new RuleList(this, looks.list, looks.shares)) {
   auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
   const auto button = [&](const char* label, const char* name, const std::function<void()>& press,
                           const wxSizerFlags& flags = {}) {
@@ -31,13 +31,11 @@ RulePage::RulePage(wxWindow* parent, const Looks& looks, Actions actions)
                 if (row > 0) list_->select(row);
                 actions_.pop_up(*list_, row > 0 ? on_rule : on_empty_area, at);
               });
-  list_->Bind(wxEVT_LIST_KEY_DOWN, &RulePage::on_key, this);
-  list_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](const wxListEvent& event) {
-    if (actions_.edit) actions_.edit(static_cast<int>(event.GetIndex()) + 1);
-  });
+  list_->Bind(wxEVT_CHAR_HOOK, &RulePage::on_key, this);
+  if (actions_.edit) list_->on_activate = actions_.edit;
 }
 
-void RulePage::on_key(wxListEvent& event) {
+void RulePage::on_key(wxKeyEvent& event) {
   if (event.GetKeyCode() == WXK_F2 && actions_.edit && list_->selected() > 0) {
     edit();
   } else if (event.GetKeyCode() == WXK_DELETE) {
@@ -60,7 +58,7 @@ void RulePage::remove() {
 
 void RulePage::move(int by) {
   const int index = list_->selected(), other = index + by;
-  if (index < 1 || other < 1 || other > list_->GetItemCount()) return;
+  if (index < 1 || other < 1 || other > list_->count()) return;
   const bool moved = actions_.exchange(index, other);
   list_->select(moved ? other : index);
   if (!moved) actions_.not_saved("move");

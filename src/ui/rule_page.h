@@ -15,8 +15,9 @@ namespace quorvel::ui {
 class RulePage : public wxPanel {
  public:
   struct Looks {
-    const char *list, *up, *down, *add;  // the controls' names
-    std::vector<RuleColumn> columns;
+    RowList::Looks list;
+    std::vector<int> shares;      // of its columns
+    const char *up, *down, *add;  // the buttons' names
     wxMenu &on_rule, &on_empty_area;
   };
   /// What is done with the rules, which count from 1. The first two say whether the file has been written, and the
@@ -41,7 +42,7 @@ class RulePage : public wxPanel {
   void move(int by);
 
  private:
-  void on_key(wxListEvent& event);
+  void on_key(wxKeyEvent& event);
 
   const Actions actions_;
   RuleList* list_;

@@ -116,11 +116,11 @@ ui::RowList& TestWindow::list(std::size_t tab) const {
 
 std::string TestWindow::rows(std::size_t tab) const {
   wxTheApp->ProcessPendingEvents();
-  const auto& shown = find<wxListCtrl>(*frame, ("ListView" + std::to_string(tab)).c_str());
+  const auto& shown = find<ui::RowList>(*frame, ("ListView" + std::to_string(tab)).c_str());
   std::string all;
-  for (int row = 0; row < shown.GetItemCount(); ++row) {
-    for (int column = 0; column < shown.GetColumnCount(); ++column) {
-      all += (column > 0 ? "|" : "") + from_wx(shown.GetItemText(row, column));
+  for (int row = 1; row <= shown.count(); ++row) {
+    for (std::size_t column = 0; column < shown.titles().size(); ++column) {
+      all += (column > 0 ? "|" : "") + from_wx(shown.cell(row, static_cast<int>(column)));
     }
     all += ";";
   }
@@ -130,9 +130,10 @@ std::string TestWindow::rows(std::size_t tab) const {
 std::string TestWindow::menu_over(std::size_t tab, int row) {
   ui::RowList& over = list(tab);
   wxTheApp->ProcessPendingEvents();
+  wait_until([&] { return row < 1 || !over.area_of(row).IsEmpty(); });
   wxPoint at(40, row == -2 ? 2 : over.GetClientSize().y - 8);
-  wxRect area;
-  if (row > 0 && over.GetItemRect(row - 1, area)) at.y = area.y + area.height / 2;
+  const wxRect area = over.area_of(row);
+  if (!area.IsEmpty()) at.y = area.y + area.height / 2;
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
   wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row == -1 ? wxDefaultPosition : over.ClientToScreen(at));
@@ -159,23 +160,21 @@ void TestWindow::drop(const std::vector<std::string>& paths) const {
   static_cast<wxFileDropTarget*>(frame->GetDropTarget())->OnDropFiles(1, 1, dropped);
 }
 
-static std::string seen(const wxControl& control) {
-  const std::string label = from_wx(control.GetLabelText());
-  const auto ticked = [&label](bool is_ticked) { return (is_ticked ? "x " : "o ") + label; };
-  if (const auto* const box = dynamic_cast<const wxTextCtrl*>(&control)) return "[" + from_wx(box->GetValue()) + "]";
-  const auto* const choice = dynamic_cast<const wxChoice*>(&control);
-  if (choice != nullptr) return "<" + from_wx(choice->GetStringSelection()) + ">";
-  if (const auto* const box = dynamic_cast<const wxCheckBox*>(&control)) return ticked(box->GetValue());
-  if (const auto* const button = dynamic_cast<const wxRadioButton*>(&control)) return ticked(button->GetValue());
-  const auto* const list = dynamic_cast<const wxListCtrl*>(&control);
-  std::string titles = label;
-  for (int i = 0; list != nullptr && i < list->GetColumnCount(); ++i) {
-    wxListItem column;
-    column.SetMask(wxLIST_MASK_TEXT);
-    list->GetColumn(i, column);
-    titles += (i > 0 ? "," : "") + from_wx(column.GetText());
+static std::string seen(const wxWindow& window) {
+  if (const auto* const list = dynamic_cast<const ui::RowList*>(&window)) {
+    std::string titles;
+    for (const char* const title : list->titles()) titles += (titles.empty() ? "" : ",") + std::string(title);
+    return titles;
   }
-  return titles;
+  const auto* const control = dynamic_cast<const wxControl*>(&window);
+  const std::string label = control != nullptr ? from_wx(control->GetLabelText()) : "";
+  const auto ticked = [&label](bool is_ticked) { return (is_ticked ? "x " : "o ") + label; };
+  if (const auto* const box = dynamic_cast<const wxTextCtrl*>(control)) return "[" + from_wx(box->GetValue()) + "]";
+  const auto* const choice = dynamic_cast<const wxChoice*>(control);
+  if (choice != nullptr) return "<" + from_wx(choice->GetStringSelection()) + ">";
+  if (const auto* const box = dynamic_cast<const wxCheckBox*>(control)) return ticked(box->GetValue());
+  if (const auto* const button = dynamic_cast<const wxRadioButton*>(control)) return ticked(button->GetValue());
+  return label;
 }
 
 std::string shown(const wxWindow& parent) {
@@ -183,8 +182,7 @@ std::string shown(const wxWindow& parent) {
   std::string all = dialog != nullptr ? from_wx(dialog->GetTitle()) + ": " : "";
   for (const wxWindow* const child : parent.GetChildren()) {
     if (!child->IsShownOnScreen() || child->IsTopLevel()) continue;
-    const auto* const control = dynamic_cast<const wxControl*>(child);
-    const std::string piece = control != nullptr ? seen(*control) : "";
+    const std::string piece = seen(*child);
     all += piece.empty() ? shown(*child) : (child->IsEnabled() ? "" : "-") + piece + "|";
   }
   return all;

@@ -1,7 +1,14 @@
+// The whole program, and the window on a desktop with what belongs to one.
+#include <atspi/atspi.h>
+#include <gtk/gtk.h>
+#include <wx/display.h>
+#include <wx/uiaction.h>
+
 #include "child_process.h"
 #include "listings_service.h"
 #include "shell/commands.h"
 #include "test_window.h"
+#include "ui/icons.h"
 
 namespace quorvel::testing {
 
@@ -27,6 +34,90 @@ TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
   EXPECT_TRUE(channel->become_running_copy());
   const std::string build = std::filesystem::path(QUORVEL_PROGRAM).parent_path();
   EXPECT_TRUE(files->exists(help_file({build, build, {}, {}}))) << "the help that the build has made";
+}
+
+template <typename T>
+using Held = std::unique_ptr<T, decltype(&g_object_unref)>;
+
+/// What screen readers are told of a thing, and of what is in it: "role name" or "role name, selected", then the parts.
+static std::string told(AtspiAccessible* thing) {
+  g_autofree const gchar *role = atspi_accessible_get_role_name(thing, nullptr),
+                         *name = atspi_accessible_get_name(thing, nullptr);
+  const Held<AtspiStateSet> states(atspi_accessible_get_state_set(thing), g_object_unref);
+  const bool is_selected = atspi_state_set_contains(states.get(), ATSPI_STATE_SELECTED) != FALSE;
+  std::string all = std::string(role) + " " + name + (is_selected ? ", selected" : "") + "(";
+  const int parts = atspi_accessible_get_child_count(thing, nullptr);
+  for (int i = 0; i < parts; ++i) {
+    const Held<AtspiAccessible> part(atspi_accessible_get_child_at_index(thing, i, nullptr), g_object_unref);
+    if (part != nullptr) all += told(part.get());
+  }
+  return all + ")";
+}
+
+TEST_F(TestWindow, ScreenReadersAreToldWhatIsInTheLists) {
+  const Variable display("DISPLAY", Variable::get("DISPLAY")), address("DBUS_SESSION_BUS_ADDRESS", "");
+  g_autoptr(GTestDBus) bus = g_test_dbus_new(G_TEST_DBUS_NONE);
+  g_test_dbus_add_service_dir(bus, "/usr/share/dbus-1/services");
+  g_test_dbus_up(bus);
+  set_variable("DISPLAY", gdk_display_get_name(gdk_display_get_default()));  // which that has taken away
+  const ListingsService real;
+  const Variable base("QUORVEL_API_BASE", real.base());
+  ChildProcess program({.program = QUORVEL_PROGRAM,
+                        .arguments = {file("harbour.lights.s01e01.avi")},
+                        .environment = {{"NO_AT_BRIDGE", "0"}}});
+  wait_until([&] { return exists("in/The Harbour Lights - 1x01 - Slack Water.avi"); });
+  atspi_init();
+  std::string all;
+  wait_until([&] {
+    const Held<AtspiAccessible> everything(atspi_get_desktop(0), g_object_unref);
+    atspi_accessible_clear_cache(everything.get());
+    return (all = told(everything.get())).find("All items processed()") != std::string::npos;
+  });
+  const auto is_told = [&](const std::string& part) { return all.find(part) != std::string::npos; };
+  EXPECT_TRUE(is_told("page tab File Queue, selected(") && is_told("page tab Filter List(")) << all;
+  EXPECT_TRUE(
+      is_told("table File Queue(table column header Filename()table column header New Name()table column header "
+              "Status()table cell , selected(table cell , selected()table cell harbour.lights.s01e01, selected("
+              "))table cell The Harbour Lights - 1x01 - Slack Water, selected()table cell Done, selected())"))
+      << all;
+  EXPECT_TRUE(is_told("table cell Show Name Equals Anything()table cell Rename()")) << all;
+  EXPECT_TRUE(is_told("table Exceptions(") && is_told("table Log(")) << all;
+  program.kill();
+  g_test_dbus_stop(bus);
+}
+
+TEST_F(TestWindow, ATrayThatComesLaterTakesTheWindowAndADoubleClickOnTheIconCountsOnce) {
+  start();
+  frame->minimise();
+  wait_until([&] { return frame->IsIconized(); });
+  const ChildProcess tray(
+      {.program = "/usr/bin/trayer", .arguments = {"--edge", "top", "--align", "left", "--widthtype", "request"}});
+  wait_until([&] { return !frame->IsShown(); });
+  wxUIActionSimulator mouse;
+  mouse.MouseMove(12, 12);
+  wait_until([&] {  // the icon may not have come yet
+    mouse.MouseDblClick();
+    wxTheApp->Yield();
+    return frame->IsShown();
+  });
+  wxTheApp->Yield();
+  EXPECT_TRUE(frame->IsShown());
+}
+
+TEST_F(TestWindow, LargeLettersEnlargeTheWindowAsFarAsTheDisplayGoes) {
+  start();
+  const wxSize ordinary = frame->GetSize();
+  const int icon = ui::icons::rows(*frame)[0].GetDefaultSize().x;
+  frame->unload();
+  wait_for_the_end();
+  g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 192 * 1024, nullptr);
+  start();
+  const wxRect room = wxDisplay(frame.get()).GetClientArea();
+  EXPECT_EQ(frame->GetSize(), wxSize(std::min(2 * ordinary.x, room.width), std::min(2 * ordinary.y, room.height)));
+  EXPECT_TRUE(room.Contains(frame->GetRect()));
+  const wxRect log = find(*frame, "List3").GetScreenRect();
+  EXPECT_TRUE(log.height >= 200 && frame->GetScreenRect().Contains(log));
+  EXPECT_GT(ui::icons::rows(*frame)[0].GetDefaultSize().x, icon * 3 / 2);
 }
 
 }  // namespace quorvel::testing

@@ -97,7 +97,7 @@ TEST_F(TestWindow, RulesMoveWithTheirSelectionAndStopAtTheEnds) {
     ui::RowList& list = this->list(is_filter ? 2 : 3);
     std::string seen;
     const auto look = [&] {
-      for (int row = 0; row < list.GetItemCount(); ++row) seen += from_wx(list.GetItemText(row));
+      for (int row = 1; row <= list.count(); ++row) seen += from_wx(list.cell(row, 0));
       seen += std::to_string(list.selected()) + " ";
     };
     press(*frame, down), command(remove), look();  // nothing is selected
@@ -252,9 +252,7 @@ TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameO
     press(info, "OK");
   };
   on_dialog(look);
-  wxListEvent double_click(wxEVT_LIST_ITEM_ACTIVATED);
-  double_click.m_itemIndex = 0;
-  list(1).ProcessWindowEvent(double_click);
+  list(1).on_activate(1);
   EXPECT_EQ(seen, "Item Info: Filename: no.such.show.s01e01.avi|Status: Failed|Old Path:|[" + path +
                       "]|[Error: Unable to find show on tvmaze.com\nSearched for: no such show]|Open Folder|OK|");
   on_dialog([](wxDialog& dialog) {

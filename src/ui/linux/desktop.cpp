@@ -3,6 +3,9 @@
 #include <wx/settings.h>
 #include <wx/taskbar.h>
 
+// After the toolkit's, whose names it would otherwise take.
+#include <gtk/gtk.h>
+
 #include <chrono>
 
 #include "platform/console.h"
@@ -51,6 +54,12 @@ void tell(const std::string& text) {
 
 void bring_to_front(wxFrame& window) {
   window.Raise();
+}
+
+void set_spoken_name(wxWindow& control, const char* name) {
+  GtkWidget* widget = control.GetHandle();
+  if (GTK_IS_SCROLLED_WINDOW(widget)) widget = gtk_bin_get_child(GTK_BIN(widget));
+  atk_object_set_name(gtk_widget_get_accessible(widget), name);
 }
 
 std::string file_pattern(const std::string& type) {

@@ -128,6 +128,10 @@ void bring_to_front(wxFrame& window) {
   SetForegroundWindow(GetLastActivePopup(GetHwndOf(&window)));
 }
 
+void set_spoken_name(wxWindow& control, const char* name) {
+  control.SetLabel(name);  // lists do not show theirs
+}
+
 std::string file_pattern(const std::string& type) {
   return "*." + type;
 }

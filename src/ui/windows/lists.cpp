@@ -1,0 +1,88 @@
+#include "ui/lists.h"
+
+#include <wx/listctrl.h>
+#include <wx/wupdlock.h>
+
+namespace quorvel::ui {
+namespace {
+
+constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
+
+}  // namespace
+
+class RowList::Control : public wxListCtrl {
+ public:
+  Control(RowList& owner, const Looks& looks)
+      : wxListCtrl(&owner, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
+        owner_(owner) {
+    for (const char* const title : looks.titles) AppendColumn(title);
+    if (!looks.icons.empty()) SetSmallImages(looks.icons);
+    Bind(wxEVT_LIST_ITEM_ACTIVATED,
+         [this](const wxListEvent& event) { owner_.on_activate(static_cast<int>(event.GetIndex()) + 1); });
+  }
+
+ private:
+  wxString OnGetItemText(long row, long column) const override {
+    return owner_.cell(static_cast<int>(row) + 1, static_cast<int>(column));
+  }
+  int OnGetItemImage(long row) const override {
+    const int item = static_cast<int>(row) + 1;
+    return item <= owner_.count() ? owner_.icon(item) : -1;
+  }
+
+  RowList& owner_;
+};
+
+wxWindow* RowList::make_control(const Looks& looks) {
+  return control_ = new Control(*this, looks);
+}
+
+int RowList::count() const {
+  return control_->GetItemCount();
+}
+
+int RowList::selected() const {
+  return static_cast<int>(control_->GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) + 1;
+}
+
+wxRect RowList::area_of(int row) const {
+  wxRect area;
+  return row >= 1 && row <= count() && control_->GetItemRect(row - 1, area) ? area : wxRect();
+}
+
+void RowList::set_count(int count) {
+  if (count != this->count()) control_->SetItemCount(count);
+}
+
+void RowList::reset(int count) {
+  const wxWindowUpdateLocker no_flicker(control_);
+  if (selected() > 0) control_->SetItemState(selected() - 1, 0, chosen);
+  control_->SetItemCount(count);
+  control_->Refresh();
+}
+
+void RowList::repaint(int row) {
+  control_->RefreshItem(row - 1);
+}
+
+void RowList::scroll_to(int row) {
+  control_->EnsureVisible(row - 1);
+}
+
+void RowList::mark(int row) {
+  control_->SetItemState(row - 1, chosen, chosen);
+}
+
+wxWindow* RowList::overlay_parent() {
+  return control_;  // the control would paint over a sibling
+}
+
+int RowList::top_row() const {
+  return static_cast<int>(control_->GetTopItem()) + 1;
+}
+
+void RowList::set_widths(const std::vector<int>& widths) {
+  for (std::size_t i = 0; i < widths.size(); ++i) control_->SetColumnWidth(static_cast<int>(i), widths[i]);
+}
+
+}  // namespace quorvel::ui
