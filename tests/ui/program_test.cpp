@@ -100,7 +100,7 @@ TEST_F(TestWindow, ATrayThatComesLaterTakesTheWindowAndADoubleClickOnTheIconCoun
     wxTheApp->Yield();
     return frame->IsShown();
   });
-  wxTheApp->Yield();
+  wait_until([&] { return frame->IsActive(); });  // by then the second click has come as well
   EXPECT_TRUE(frame->IsShown());
 }
 
