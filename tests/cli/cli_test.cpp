@@ -147,7 +147,7 @@ TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswe
   {
     const ChildProcess program(start({"-v", two[0], two[1]}, true));
     EXPECT_TRUE(program.shows("1 of 2") && program.shows("Query not in cache"));  // now the transfer begins
-    program.type("\x03");  // ends the pass
+    program.type("\x03");                                                         // ends the pass
     EXPECT_TRUE(program.shows("Got quit signal, finishing up..."));
     program.type("\x03");  // ends the transfer
     EXPECT_TRUE(program.shows("Error searching for show: The transfer was cancelled") &&

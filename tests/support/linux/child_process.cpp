@@ -33,6 +33,8 @@ ChildProcess::ChildProcess(const Start& start) {
     system_.reset(new System{id, terminal});
     return;
   }
+  // Whoever runs the tests in the background may have had them ignored.
+  for (const int interrupt : {SIGINT, SIGTERM, SIGHUP}) (void)std::signal(interrupt, SIG_DFL);
   int descriptor = STDIN_FILENO;
   for (const std::string& file : {std::string(), start.out, start.error}) {
     const int opened = open(file.empty() ? "/dev/null" : file.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
