@@ -26,6 +26,23 @@ TEST(Links, AreFollowedOnceAndLoopsEnd) {
             (std::vector<std::string>{"dangling.avi", "s/\"quoted\".avi", "x.avi"}));
 }
 
+TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
+  TestSession test;
+  test.start();
+  const TemporaryFolder there(facts::other_device);
+  test.session.filters.at(1).action = CopyAndRename;
+  test.session.filters.at(1).path = there / "";
+  test.add("the.harbour.lights.s01e02.mkv");
+  for (const bool changed : {true, false}) {
+    test.session.processor.retry_failed();
+    const fs::path source = test.item(1).path, copy = there / test.item(1).new_name;
+    if (changed) fs::last_write_time(source, fs::last_write_time(source) + std::chrono::hours(1));
+    test.session.undo.run(1);
+    EXPECT_EQ(fs::exists(copy), changed);
+    fs::remove(copy);
+  }
+}
+
 TEST(OtherUsers, FilesStayAsTheyAre) {
   if (getuid() != 0) GTEST_SKIP() << "needs a second user";
   for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
