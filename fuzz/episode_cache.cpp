@@ -9,7 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string file = "/w/cache/show.epc", work_dir = "/w/";
   files.held[file] = fuzz::text_of(data, size);
   CacheFolder cache(files, work_dir);
-  EpisodeListings listings(service.http, cache, service.log, service.clock, "http://127.0.0.1");
+  KnownShows known(cache);
+  EpisodeListings listings(service.http, cache, known, service.log, service.clock, "http://127.0.0.1");
   const bool readable = listings.checkepcache("show");
   const auto found = listings.getlistings({5, "show", "u"}, "show", 9, 9, {});
   fuzz::check(found.has_value(), "the episode comes from the cache or from the service");

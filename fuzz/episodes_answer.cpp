@@ -9,13 +9,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::MemoryFiles files;
   const std::string work_dir = "/w/";
   CacheFolder cache(files, work_dir);
-  EpisodeListings listings(service.http, cache, service.log, service.clock, "http://127.0.0.1");
+  KnownShows known(cache);
+  EpisodeListings listings(service.http, cache, known, service.log, service.clock, "http://127.0.0.1");
   try {
     const auto found = listings.getlistings({5, "show", "u"}, "show", 1, 2, {});
     if (!found) return 0;
     fuzz::check(fuzz::fits_file_name(found->title), "a title fits a file name");
     service.socket.at = service.socket.bytes.size();  // from now on the service has nothing to say
-    EpisodeListings later(service.http, cache, service.log, service.clock, "http://127.0.0.1");
+    EpisodeListings later(service.http, cache, known, service.log, service.clock, "http://127.0.0.1");
     const auto cached = later.getlistings({5, "show", "u"}, "show", 1, 2, {});
     // Of two entries with the same numbers the first may be one that is not cached.
     const std::string& text = files.held["/w/cache/show.epc"];

@@ -9,7 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string file = "/w/cache/name.qc", work_dir = "/w/";
   files.held[file] = fuzz::text_of(data, size);
   CacheFolder cache(files, work_dir);
-  ShowSearch search(service.http, cache, service.log, "http://127.0.0.1");
+  KnownShows known(cache);
+  ShowSearch search(service.http, cache, known, service.log, "http://127.0.0.1");
   const std::optional<Show> cached = search.checkqcache("name");
   const std::optional<Show> show = search.searchtv("name", true);
   fuzz::check(show && (cached ? *show == *cached : show->name == "Found"), "a damaged cache leads to the service");

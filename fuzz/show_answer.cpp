@@ -9,7 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::MemoryFiles files;
   const std::string work_dir = "/w/";
   CacheFolder cache(files, work_dir);
-  ShowSearch search(service.http, cache, service.log, "http://127.0.0.1");
+  KnownShows known(cache);
+  ShowSearch search(service.http, cache, known, service.log, "http://127.0.0.1");
   try {
     const std::optional<Show> show = search.searchtv("name", true);
     if (!show) return 0;
