@@ -47,7 +47,7 @@ std::optional<Detection> slow_detect(const std::string& name, bool folder) {
       const bool resolution = row.backward && name.substr(at + length, 1) == "p";
       if (!resolution && matches(name.substr(at, length), row.probe)) place = at;
     }
-    if (!place) return std::nullopt;
+    if (!place) return Detection{.is_refused = true};
     std::string show = name.substr(0, *place);
     for (char& letter : show) letter = letter == '.' ? ' ' : letter;
     return Detection{cleantitle(show), std::stoi(name.substr(*place + row.season, row.season_digits)),
