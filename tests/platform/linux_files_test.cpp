@@ -106,7 +106,9 @@ TEST_F(LinuxFiles, OperationsTakeFilesAndLinksFromWhereTheUserMay) {
   fs::create_directory(here / "folder");
   for (const auto& [link, folder] : {std::pair("link", here / "folder"), {"absolute", there.path()}}) {
     const std::string moved = folder + "/moved", copy = folder + "/copy";
+    const fs::path target = fs::read_symlink(here / link);
     EXPECT_EQ(perform(Request::Rename, here / link, here / "renamed"), 0);
+    EXPECT_EQ(fs::read_symlink(here / "renamed"), target);
     EXPECT_EQ(perform(Request::Copy, here / "renamed", copy), 0);
     EXPECT_EQ(perform(Request::Move, here / "renamed", moved), 0);
     EXPECT_TRUE(fs::is_symlink(moved) && !fs::is_symlink(copy) && !fs::is_symlink(here / "renamed"));

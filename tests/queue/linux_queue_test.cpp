@@ -14,16 +14,17 @@ TEST(Links, AreFollowedOnceAndLoopsEnd) {
   fs::create_directory_symlink("s", folder / "in/again");
   fs::create_directory_symlink(folder / "elsewhere", folder / "in/there");
   fs::create_symlink("nowhere.avi", folder / "in/dangling.avi");
-  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 3);
+  fs::create_symlink("x.avi", folder / "in/linked.avi");
+  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 4);
   std::set<std::string> queued;
-  for (int i = 1; i <= 3; ++i) queued.insert(test.item(i).path.substr(folder.path().size()));
-  EXPECT_EQ(queued, (std::set<std::string>{"/in/x.avi", "/in/s/\"quoted\".avi", "/in/there/e.avi"}));
+  for (int i = 1; i <= 4; ++i) queued.insert(test.item(i).path.substr(folder.path().size()));
+  EXPECT_EQ(queued, (std::set<std::string>{"/in/linked.avi", "/in/x.avi", "/in/s/\"quoted\".avi", "/in/there/e.avi"}));
 
   struct : FaultPlan {  // a file system that numbers all files alike
     std::optional<FileStamp> stamp(const std::string&) const override { return FileStamp(); }
   } const alike;
   EXPECT_EQ(scan_folder(alike, folder / "in/"),
-            (std::vector<std::string>{"dangling.avi", "s/\"quoted\".avi", "x.avi"}));
+            (std::vector<std::string>{"dangling.avi", "linked.avi", "s/\"quoted\".avi", "x.avi"}));
 }
 
 TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
@@ -41,6 +42,16 @@ TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
     EXPECT_EQ(fs::exists(copy), changed);
     fs::remove(copy);
   }
+  // A second name of the source is no copy of it.
+  fs::create_directory(there / "a");
+  write_file(there / "a/the.harbour.lights.s01e03.mkv", "x");
+  test.session.intake.add_to_queue(there / "a/the.harbour.lights.s01e03.mkv", false);
+  test.session.processor.process_queue();
+  const fs::path copy = there / test.item(2).new_name;
+  fs::remove(copy);
+  fs::create_hard_link(test.item(2).path, copy);
+  test.session.undo.run(2);
+  EXPECT_TRUE(fs::exists(copy));
 }
 
 TEST(OtherUsers, FilesStayAsTheyAre) {
