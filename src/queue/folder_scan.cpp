@@ -1,7 +1,8 @@
 #include "queue/folder_scan.h"
 
-#include <map>
+#include <algorithm>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "naming/file_names.h"
@@ -37,10 +38,13 @@ class Scan {
 
   /// The entries are taken in before the first subfolder is entered: systems let few folders be open at once.
   void list(const std::string& folder) {
-    std::multimap<std::pair<std::string, std::string>, FolderEntry> entries;  // names that differ in case alone last
+    std::vector<std::pair<std::string, FolderEntry>> entries;
     files_.list(top_ + folder, [&](FolderEntry entry) {
-      const std::string name = entry.name;
-      entries.emplace(std::pair(natural_key(name), name), std::move(entry));
+      std::string key = natural_key(entry.name);
+      entries.emplace_back(std::move(key), std::move(entry));
+    });
+    std::sort(entries.begin(), entries.end(), [](const auto& one, const auto& other) {
+      return std::tie(one.first, one.second.name) < std::tie(other.first, other.second.name);
     });
     for (const auto& [key, entry] : entries) {
       const std::string path = folder + entry.name;

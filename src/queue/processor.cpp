@@ -10,11 +10,6 @@ namespace {
 constexpr const char* listings_site = "tvmaze.com";
 constexpr const char* stopped = "Stopped by the user";
 
-/// A reason's last line; none where nothing else is known.
-std::string line_of(const std::string& failure) {
-  return failure.empty() ? std::string() : "\r\n" + failure;
-}
-
 std::string episode_text(const QueueItem& item) {
   return item.show_name + " " + std::to_string(item.season) + "x" + std::to_string(item.episode);
 }
@@ -138,7 +133,7 @@ void Processor::process_item(int index) {
   const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return pipeline_.searchtv(item); });
   if (!search) {
     return fail(index, "Unable to find show page for: " + item.search_name,
-                std::string("Unable to find show on ") + listings_site + searched + line_of(search.failure));
+                std::string("Unable to find show on ") + listings_site + searched + search.line());
   }
 
   set_state(index, QueueState::FetchingListings);
@@ -147,7 +142,7 @@ void Processor::process_item(int index) {
   if (!listings) {
     return fail(index, "Unable to find listings for: " + episode_text(item),
                 std::string("Unable to find listings on ") + listings_site + searched +
-                    "\r\nDetected as: " + episode_text(item) + line_of(listings.failure));
+                    "\r\nDetected as: " + episode_text(item) + listings.line());
   }
 
   set_state(index, QueueState::CheckingFilters);

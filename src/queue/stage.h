@@ -15,6 +15,9 @@ struct StageResult {
   std::string failure;  // the description of the Failure that ended the stage; empty when there was none
 
   explicit operator bool() const { return passed; }
+
+  /// The failure as a further line of an item's error text; empty when there was none.
+  std::string line() const { return failure.empty() ? std::string() : "\r\n" + failure; }
 };
 
 /// Runs `stage`, which returns a bool. A Failure in it is logged after `prefix`, and the stage has not passed; neither

@@ -29,7 +29,7 @@ void Undo::run(int index) {
     item.error_text = "The file operation has been undone";
   } else {
     log_.debug_log("Failed to undo file operation", LogLevel::Normal);
-    item.error_text = "The file undo operation failed" + (undone.failure.empty() ? "" : "\r\n" + undone.failure);
+    item.error_text = "The file undo operation failed" + undone.line();
     item.state = QueueState::Failed;
   }
   view_.update_lv(index);
