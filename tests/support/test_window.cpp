@@ -167,7 +167,7 @@ static std::string seen(const wxWindow& window) {
     return titles;
   }
   const auto* const control = dynamic_cast<const wxControl*>(&window);
-  const std::string label = control != nullptr ? from_wx(control->GetLabelText()) : "";
+  std::string label = control != nullptr ? from_wx(control->GetLabelText()) : "";
   const auto ticked = [&label](bool is_ticked) { return (is_ticked ? "x " : "o ") + label; };
   if (const auto* const box = dynamic_cast<const wxTextCtrl*>(control)) return "[" + from_wx(box->GetValue()) + "]";
   const auto* const choice = dynamic_cast<const wxChoice*>(control);

@@ -31,7 +31,7 @@ struct Http : ::testing::Test {
     steps.clear();
     url = from;
     service.misbehave([&, next = std::size_t{0}](auto&, auto&) mutable { return answers.at(next++); });
-    const std::string body = http.GetData(url, "");
+    std::string body = http.GetData(url, "");
     steps += http.trouble();
     return body;
   }
