@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -73,6 +74,8 @@ struct MemoryFiles : Files {
     held[path] = bytes;
     return true;
   }
+  bool is_link(const std::string&) const override { return false; }
+  std::unique_ptr<HeldFile> hold(const std::string&) override { return {}; }
   bool remove(const std::string& path) override { return held.erase(path), true; }
   bool create_folder(const std::string&) override { return false; }
 };

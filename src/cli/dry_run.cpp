@@ -69,7 +69,7 @@ bool DryRun::create_folder(const std::string& path) {
 }
 
 int DryRun::perform(const FileOperationRequest& request) {
-  const auto& [operation, source, destination, flags] = request;
+  const auto& [operation, source, destination, flags, temporary] = request;
   if (operation == FileOperationRequest::Delete) {
     set(source, Kind::Missing);
     removed_folders_.push_back(with_separator(source));

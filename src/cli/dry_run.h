@@ -21,10 +21,12 @@ class DryRun : public Files, public FileOperation {
       : real_(real), report_(std::move(report)) {}
 
   Kind kind(const std::string& path) const override;
+  bool is_link(const std::string& path) const override { return real_.is_link(path); }
   std::optional<FileStamp> stamp(const std::string& path) const override;
   bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const override;
   std::optional<std::string> read(const std::string& path) const override;
   bool replace(const std::string& path, const std::string& bytes) override;
+  std::unique_ptr<HeldFile> hold(const std::string&) override { return {}; }  // nothing happens that could be cut off
   bool remove(const std::string& path) override;
   bool create_folder(const std::string& path) override;
   int perform(const FileOperationRequest& request) override;

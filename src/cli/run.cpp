@@ -47,9 +47,8 @@ std::string files(int count) {
 /// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is refused.
 void refuse_foreign_cache(Files& files, const std::string& work_dir) {
   const CacheFolder cache(files, work_dir);
-  if (const std::optional<std::string> foreign = cache.foreign_entry()) {
-    throw Failure("The folder " + cache.path() + " holds \"" + *foreign +
-                  "\", which is no cache file, so it cannot be used for caches");
+  if (const std::optional<std::string> foreign = cache.foreign_use()) {
+    throw Failure("The folder " + cache.path() + " " + *foreign + ", so it cannot be used for caches");
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "naming/file_names.h"
+#include "platform/temporary_name.h"
 #include "rules/action.h"
 #include "text/case.h"
 #include "text/failure.h"
@@ -64,7 +66,14 @@ FileJobResult FileJobs::rename(const FileJob& job) {
   return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo});
 }
 
-FileJobResult FileJobs::perform(const FileOperationRequest& request) {
+FileJobResult FileJobs::perform(FileOperationRequest request) {
+  if (request.operation != Request::Rename) request.temporary = getpath(request.destination, 0) + temporary_name();
+  if (request.operation == Request::Move && verify_) request.flags |= Request::Verify;
+  journal_.begin(request);
+  const struct Ending {
+    Journal& journal;
+    ~Ending() { journal.end(); }
+  } ending{journal_};
   FileJobResult result = result_of(shell_.perform(request));
   if (result.done) result.stamp = files_.stamp(request.destination);
   return result;
@@ -74,6 +83,7 @@ FileJobResult FileJobs::result_of(int code) {
   if (code == 0) return {true};
   log_.debug_log("File operation failed (" + std::to_string(code) + ")", LogLevel::Normal);
   if (code == native::being_written_code) return {false, "The file is still being written by another program"};
+  if (code == native::copy_differs_code) return {false, "The copy, read back, is not what the file is"};
   return {false, std::string("The file operation failed. ").append(native::system_name) + " reports error " +
                      std::to_string(code) + ": " + native::error_words(code)};
 }

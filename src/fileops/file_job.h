@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "history/journal.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
 #include "platform/log.h"
@@ -32,7 +33,9 @@ struct FileJobResult {
 
 class FileJobs {
  public:
-  FileJobs(FileOperation& shell, Files& files, Log& log) : shell_(shell), files_(files), log_(log) {}
+  /// `verify`: whether what is moved to another file system is read back and compared; read at each move.
+  FileJobs(FileOperation& shell, Files& files, Journal& journal, const bool& verify, Log& log)
+      : shell_(shell), files_(files), journal_(journal), verify_(verify), log_(log) {}
 
   /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure
   /// when a name holds a NUL, as undo() does, and when the action is unknown.
@@ -49,13 +52,15 @@ class FileJobs {
 
  private:
   FileJobResult rename(const FileJob& job);
-  FileJobResult perform(const FileOperationRequest& request);
+  FileJobResult perform(FileOperationRequest request);
   void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);
   int delete_copy(const FileJob& job);
 
   FileOperation& shell_;
   Files& files_;
+  Journal& journal_;
+  const bool& verify_;
   Log& log_;
 };
 

@@ -1,6 +1,7 @@
 #include "listings/cache_folder.h"
 
 #include "platform/native.h"
+#include "platform/temporary_name.h"
 #include "text/title.h"
 #include "transport/whole_file.h"
 
@@ -22,12 +23,13 @@ std::vector<std::string> CacheFolder::files(std::string_view extension) const {
   return found;
 }
 
-std::optional<std::string> CacheFolder::foreign_entry() const {
+std::optional<std::string> CacheFolder::foreign_use() const {
+  if (is_link()) return "is a link";
   std::optional<std::string> foreign;
   files_.list(path(), [&](const FolderEntry& entry) {
     const bool is_own = entry.name.ends_with(".qc") || entry.name.ends_with(".epc") ||
-                        entry.name.starts_with(".quorvel-");  // what a crash in the middle of writing has left
-    if (entry.is_folder || !is_own) foreign = entry.name;
+                        entry.name.starts_with(temporary_prefix);  // what a crash in the middle of writing has left
+    if (entry.is_folder || !is_own) foreign = "holds \"" + entry.name + "\", which is no cache file";
   });
   return foreign;
 }
@@ -37,6 +39,7 @@ std::string CacheFolder::load(const std::string& file) const {
 }
 
 void CacheFolder::store(const std::string& file, const std::string& text) {
+  if (is_link()) return;
   if (!files_.exists(path())) files_.create_folder(path());
   savefile(files_, file, text, false, OldTail::Dropped);
 }

@@ -29,8 +29,12 @@ class CacheFolder {
   /// The file's text. Throws Failure when it does not exist.
   std::string load(const std::string& file) const;
 
-  /// An entry of the folder that is none of its files, so that the folder may be somebody else's; empty without one.
-  std::optional<std::string> foreign_entry() const;
+  /// Whether the folder is in truth another one, in which nothing is written or deleted.
+  bool is_link() const { return files_.is_link(path()); }
+
+  /// Why the folder may be somebody else's, as the end of a sentence that begins with its name: it is a link, or holds
+  /// an entry that is none of its files. Empty when it is ours alone.
+  std::optional<std::string> foreign_use() const;
 
   /// Replaces the file's text, and makes the folder when it is missing. A failure leaves the old file or none, and is
   /// not reported: the next look-up asks the service again.

@@ -15,6 +15,7 @@ class DiskFiles : public Files {
   /// What is there but may not be looked at, or may be there, is Other, and so is a link that leads nowhere: nothing is
   /// ever put in its place or taken for missing.
   Kind kind(const std::string& path) const override;
+  bool is_link(const std::string& path) const override;
   std::optional<FileStamp> stamp(const std::string& path) const override;
 
   /// False as well when the system stops listing half-way; the entries handed over until then are real. On Windows
@@ -24,8 +25,9 @@ class DiskFiles : public Files {
   /// Empty as well for whatever is no regular file.
   std::optional<std::string> read(const std::string& path) const override;
 
-  /// A link stays a link: the file it leads to is replaced. The file keeps its permissions or attributes.
+  /// The file keeps its permissions or attributes.
   bool replace(const std::string& path, const std::string& bytes) override;
+  std::unique_ptr<HeldFile> hold(const std::string& path) override;
 
   /// True as well when there was nothing; false for a folder.
   bool remove(const std::string& path) override;

@@ -9,12 +9,20 @@ namespace quorvel {
 /// One order to the system's shell: what to do with which file.
 struct FileOperationRequest {
   enum Operation { Move = 1, Copy = 2, Delete = 3, Rename = 4 };
-  enum Flag : std::uint16_t { Silent = 4, NoConfirmation = 16, AllowUndo = 64, SimpleProgress = 256 };
+  enum Flag : std::uint16_t {
+    Silent = 4,
+    NoConfirmation = 16,
+    AllowUndo = 64,
+    SimpleProgress = 256,
+    Verify = 0x8000  // with Move: a copy is read back from the disk and compared before its source is removed
+  };
 
   int operation = 0;
   std::string source;
   std::string destination;  // empty for Delete
   std::uint16_t flags = 0;
+  std::string temporary =
+      {};  // the name that a copy has until it is whole, in the destination's folder; for Move and Copy
   bool operator==(const FileOperationRequest&) const = default;
 };
 

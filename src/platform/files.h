@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,7 +14,10 @@ struct FileStamp {
   std::uint64_t id = 0;          // of the file on its device
   std::uint64_t size = 0;        // bytes
   std::int64_t modified_ns = 0;  // since the system's epoch
-  bool operator==(const FileStamp&) const = default;
+  std::uint64_t links = 1;       // names that the file has; none of its state
+  bool operator==(const FileStamp& other) const {
+    return same_file(other) && size == other.size && modified_ns == other.modified_ns;
+  }
   bool same_file(const FileStamp& other) const { return device == other.device && id == other.id; }
 };
 
@@ -21,6 +25,21 @@ struct FolderEntry {
   std::string name;
   bool is_folder = false;  // also for a link that leads to one
   bool is_link = false;
+};
+
+/// A file that no other process can hold meanwhile. It stays when it is let go of, and when the process dies.
+class HeldFile {
+ public:
+  virtual ~HeldFile() = default;
+
+  /// All of it; empty as well when it cannot be read.
+  virtual std::string read() = 0;
+
+  /// Empties the file and puts these bytes into it. `durably`: they have survived a power cut when this comes back.
+  virtual bool write(const std::string& bytes, bool durably) = 0;
+
+  /// Takes the file away; it can no longer be read or written.
+  virtual void remove() = 0;
 };
 
 /// Files and folders, links followed. No call throws; a path that holds a NUL names nothing.
@@ -32,6 +51,9 @@ class Files {
 
   virtual Kind kind(const std::string& path) const = 0;
   bool exists(const std::string& path) const { return kind(path) != Kind::Missing; }
+
+  /// Whether `path` itself is a link.
+  virtual bool is_link(const std::string& path) const = 0;
 
   /// Empty when nothing exists at `path`.
   virtual std::optional<FileStamp> stamp(const std::string& path) const = 0;
@@ -45,8 +67,12 @@ class Files {
 
   /// Puts a file with these bytes in place of the one at `path`, if any: whoever opens `path` at any instant, even
   /// after a crash, finds the old contents or the new ones, whole. False, and the old file untouched, when the folder
-  /// or the old file is write-protected, the disk is full, or the path is no file's.
+  /// or the old file is write-protected, the disk is full, or the path is a link or no file's.
   virtual bool replace(const std::string& path, const std::string& bytes) = 0;
+
+  /// The file at `path`, made when missing. Null when another process holds it, when it cannot be written, and where
+  /// the file system knows no locks.
+  virtual std::unique_ptr<HeldFile> hold(const std::string& path) = 0;
 
   /// True as well when there was no file; false when it is still there afterwards, or is a folder.
   virtual bool remove(const std::string& path) = 0;

@@ -19,6 +19,9 @@ std::string error_words(int code);
 /// The code a file operation answers when another program has the file open for writing.
 extern const int being_written_code;
 
+/// The code a file operation answers when a copy that was read back is not what its source is.
+extern const int copy_differs_code;
+
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 

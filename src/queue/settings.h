@@ -21,6 +21,7 @@ struct Settings {
   bool noutf8 = false;
   LogLevel logging = LogLevel::Normal;
   bool autoclose = false;  // end the program when the queue has been processed
+  bool verify = false;     // read back what is moved to another drive before its source goes
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
 };
 
@@ -53,7 +54,7 @@ struct NumberSetting {
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
 extern const std::array<TextSetting, 1> text_settings;
-extern const std::array<NumberSetting, 6> number_settings;
+extern const std::array<NumberSetting, 7> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];

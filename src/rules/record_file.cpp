@@ -61,7 +61,8 @@ void RecordFile::save(const std::vector<Fields>& records) {
   if (text.empty()) {
     if (exists() && !files_.remove(path())) throw Failure(path() + " cannot be removed");
   } else if (!savefile(files_, path(), text, false, OldTail::Dropped)) {
-    throw Failure(path() + " cannot be written");
+    throw Failure(path() +
+                  (files_.is_link(path()) ? " is a link, and nothing is written through links" : " cannot be written"));
   }
   known_ = to_code_page(text);
 }

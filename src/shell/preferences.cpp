@@ -24,8 +24,9 @@ void drop_caches(Session& session) {
   using Request = FileOperationRequest;
   const std::string cache = session.cache.path();
   if (!session.ports.files.exists(cache)) return;
-  if (const std::optional<std::string> foreign = session.cache.foreign_entry()) {
-    session.log.debug_log("The folder " + cache + " is kept, for it holds \"" + *foreign + "\"", LogLevel::Normal);
+  if (const std::optional<std::string> foreign = session.cache.foreign_use()) {
+    session.log.debug_log("The folder " + cache + " is kept, for it " + *foreign, LogLevel::Normal);
+    if (session.cache.is_link()) return;
     for (const char* const extension : {".qc", ".epc"}) {
       for (const std::string& file : session.cache.files(extension)) session.ports.files.remove(file);
     }

@@ -27,7 +27,8 @@ Session::Session(Ports ports, Places places)
       known_shows(cache),
       search(http, cache, known_shows, log, this->places.api_base),
       listings(http, cache, known_shows, log, ports.clock, this->places.api_base),
-      jobs(ports.shell, ports.files, log),
+      journal(ports.files, log, settings.work_dir),
+      jobs(ports.shell, ports.files, journal, settings.verify, log),
       view(queue, filters, ports.ui),
       pipeline({settings, filters, exceptions, search, listings, jobs, ports.ui, log}),
       processor(queue, settings, ports.ui, log, pipeline, view),
@@ -37,6 +38,7 @@ Session::Session(Ports ports, Places places)
 void Session::start() {
   write_banner();
   setworkdir();
+  journal.settle();
   load_preferences(*this);
   load_rules();
 }
@@ -60,6 +62,9 @@ void Session::setworkdir() {
       log.debug_log("Error making work dir: " + folder + " cannot be created", LogLevel::Normal);
     }
     settings.work_dir = with_separator(folder);
+  }
+  if (cache.is_link()) {
+    log.debug_log("The folder " + cache.path() + " is a link, so nothing is kept in it", LogLevel::Normal);
   }
 }
 

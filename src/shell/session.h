@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "history/journal.h"
 #include "listings/cache_folder.h"
 #include "listings/episode_listings.h"
 #include "listings/show_search.h"
@@ -84,6 +85,7 @@ class Session {
   KnownShows known_shows;
   ShowSearch search;
   EpisodeListings listings;
+  Journal journal;
   FileJobs jobs;
   QueueView view;
   Pipeline pipeline;

@@ -18,9 +18,10 @@ namespace {
 struct Box {
   const char *setting, *label, *name;
 };
-constexpr std::array<Box, 6> boxes = {{{"autoclose", "Close &when done", "Check6"},
+constexpr std::array<Box, 7> boxes = {{{"autoclose", "Close &when done", "Check6"},
                                        {"logging", "&Verbose Logging", "Check5"},
                                        {"confirm", "Confirm &File Operations", "Check2"},
+                                       {"verify", "&Read Back What Is Moved to Another Drive", "Check7"},
                                        {"nocache", "&Disable Cache", "Check3"},
                                        {"noutf8", "Disable &UTF-8 Decoding", "Check4"},
                                        {"context", "Add To Context &Menu for Folders && Video Files", "Check1"}}};

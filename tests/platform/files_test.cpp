@@ -33,7 +33,7 @@ struct FilesTest : ::testing::Test {
   static int perform(int operation, const std::string& from, const std::string& to = "") {
     const std::uint16_t for_good = Request::Silent | Request::NoConfirmation;
     const auto flags = operation == Request::Delete ? for_good : std::uint16_t{Request::AllowUndo};
-    return system_file_operation({}, {})->perform({operation, from, to, flags});
+    return system_file_operation({}, {})->perform({operation, from, to, flags, to + ".new"});
   }
 };
 

@@ -32,7 +32,8 @@ struct FullDisk {
 };
 
 int perform(int operation, const std::string& from, const std::string& to, CopyProgress progress = {}) {
-  return system_file_operation(std::move(progress), {})->perform({operation, from, to, Request::AllowUndo});
+  return system_file_operation(std::move(progress), {})
+      ->perform({operation, from, to, Request::AllowUndo, to + ".new"});
 }
 
 /// Two folders on two devices, each with files, links, a pipe and a write-protected folder.
@@ -58,16 +59,15 @@ struct LinuxFiles : ::testing::Test {
   }
 };
 
-TEST_F(LinuxFiles, ReplacedFilesKeepTheirLinksAndPermissionsOrStayAsTheyAre) {
+TEST_F(LinuxFiles, ReplacedFilesKeepTheirPermissionsOrStayAsTheyAre) {
   fs::permissions(here / "a", fs::perms(0640));
   fs::permissions(here / "b", fs::perms(0444));
-  EXPECT_TRUE(files->replace(here / "link", "new") && files->replace(here / "dangling", "fresh"));
-  EXPECT_EQ(contents(here / "a") + contents(here / "nowhere"), "newfresh");
+  EXPECT_TRUE(files->replace(here / "a", "new") && contents(here / "a") == "new");
   EXPECT_EQ(fs::status(here / "a").permissions(), fs::perms(0640));
   EXPECT_FALSE(files->read(here / "pipe"));
   const auto before = state();
   const FullDisk full(1000);
-  for (const char* const name : {"b", "locked/a", "locked/new", "circle", "a/", "pipe"}) {
+  for (const char* const name : {"b", "locked/a", "locked/new", "link", "dangling", "circle", "a/", "pipe"}) {
     EXPECT_FALSE(files->replace(here / name, "x")) << name;
   }
   EXPECT_FALSE(files->replace(here / "a", std::string(2000, 'x')));
@@ -139,6 +139,12 @@ TEST_F(LinuxFiles, AnInterruptedCopyLeavesNothingBehind) {
     std::ofstream(big, std::ios::in) << 'A';
     EXPECT_TRUE(state() == before);
   }
+  const auto spoil = [&](auto, auto) { return std::ofstream(here / "x.new", std::ios::in) << 'B', true; };
+  const std::uint16_t flags = Request::AllowUndo | Request::Verify;
+  EXPECT_EQ(system_file_operation(spoil, {})->perform({Request::Move, big, here / "x", flags, here / "x.new"}),
+            native::copy_differs_code);
+  EXPECT_TRUE(state() == before);
+  EXPECT_EQ(system_file_operation({}, {})->perform({Request::Move, big, here / "x", flags, here / "x.new"}), 0);
 }
 
 const SecondProcess without_streams("streams", [](const std::string&) {
@@ -166,7 +172,7 @@ const SecondProcess use_trash("trash", [](const std::string& there) {
         {Request::Move, home + "a", home + "b", 0},
         {Request::Copy, there + "c", home + "c", 0}}) {
     ++row;
-    if (shell->perform({operation, from, to, Request::AllowUndo}) != code) return row;
+    if (shell->perform({operation, from, to, Request::AllowUndo, to + ".new"}) != code) return row;
   }
   return asked == 3 ? 0 : 99;
 });

@@ -97,6 +97,13 @@ TEST(KilledProgram, LeavesEveryFileWholeUnderItsOldOrItsNewName) {
     const bool before = contents(path) == big, after = contents(moved) == big;
     EXPECT_TRUE((before || after) && (after || !fs::exists(moved)) && (before || !fs::exists(path)));
     EXPECT_EQ(contents(world.rules), rule);
+    ChildProcess({QUORVEL_CLI, {"-w" + world.work, world.in + "none"}, "", user_at(world.home.path(), service.base())})
+        .status();
+    for (const auto& [path, bytes] : world.everything()) {
+      const std::string name = text_of(path_of(path).filename());
+      EXPECT_FALSE(name.starts_with("pending-") || (!path.starts_with(world.home.path()) && name.starts_with(".")))
+          << path;
+    }
   }
 }
 

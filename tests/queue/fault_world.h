@@ -20,6 +20,7 @@ struct FaultPlan : Files, FileOperation {
   std::map<std::string, std::set<std::string>> versions;  // all that was to be written, by path
 
   Kind kind(const std::string& path) const override { return next() ? files->kind(path) : Kind::Missing; }
+  bool is_link(const std::string& path) const override { return next() && files->is_link(path); }
   std::optional<FileStamp> stamp(const std::string& path) const override {
     return next() ? files->stamp(path) : std::nullopt;
   }
@@ -33,6 +34,7 @@ struct FaultPlan : Files, FileOperation {
     versions[path].insert(bytes);
     return next(path) && files->replace(path, bytes);
   }
+  std::unique_ptr<HeldFile> hold(const std::string& path) override { return next() ? files->hold(path) : nullptr; }
   bool remove(const std::string& path) override { return next() && files->remove(path); }
   bool create_folder(const std::string& path) override { return next(path) && files->create_folder(path); }
   int perform(const FileOperationRequest& request) override {
@@ -118,7 +120,8 @@ struct World {
   void expect_nothing_lost(FaultPlan& plan) const {
     std::map<std::string, int> found;
     for (const auto& [path, bytes] : everything()) {
-      if (fs::is_directory(path_of(path)) || text_of(path_of(path).filename()).starts_with(".quorvel-")) continue;
+      const std::string name = text_of(path_of(path).filename());
+      if (fs::is_directory(path_of(path)) || name.starts_with(".quorvel-") || name.starts_with("pending-")) continue;
       const bool written = plan.versions[path.substr(0, path.find(".bak"))].contains(bytes);
       if (!path.starts_with(home.path())) ++found[bytes];
       EXPECT_EQ(path.starts_with(home.path()), written || bytes == old_rules) << path << ": " << bytes;

@@ -46,12 +46,12 @@ TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
-  // What is stored for context, confirm, nocache, noutf8, logging and autoclose, and what that means.
-  using Values = std::array<int, 6>;
-  const std::pair<Values, Values> rows[] = {{{0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0}},
-                                            {{1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1}},
-                                            {{2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0}},
-                                            {{7, 32767, 32768, 7, 3, 7}, {2, 1, 0, 1, 1, 0}}};
+  // What is stored for context, confirm, nocache, noutf8, logging, autoclose and verify, and what that means.
+  using Values = std::array<int, 7>;
+  const std::pair<Values, Values> rows[] = {{{0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0}},
+                                            {{1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1}},
+                                            {{2, 2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0, 1}},
+                                            {{7, 32767, 32768, 7, 3, 7, 7}, {2, 1, 0, 1, 1, 0, 1}}};
   const std::pair<std::string, std::string> types[] = {
       {"mp", "avi;mkv;mpg;mp4"}, {"mp4", "mp4"}, {"", "avi;mkv;mpg;mp4"}, {std::string("mp4\0x", 5), "mp4"}};
   for (std::size_t i = 0; i < std::size(rows); ++i) {
@@ -92,8 +92,13 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
   EXPECT_EQ(events.list, Texts({warning, "remove avi", "remove mkv", "remove mpg", "remove mp4", "install avi",
                                 "install mov", "install DIR"}));
   EXPECT_EQ(session.settings.types + key_values.texts["types"], "avi;movavi;mov");
-  EXPECT_EQ(key_values.numbers,
-            (Numbers{{"autoclose", 1}, {"confirm", 1}, {"context", 2}, {"logging", 2}, {"nocache", 1}, {"noutf8", 1}}));
+  EXPECT_EQ(key_values.numbers, (Numbers{{"autoclose", 1},
+                                         {"confirm", 1},
+                                         {"context", 2},
+                                         {"logging", 2},
+                                         {"nocache", 1},
+                                         {"noutf8", 1},
+                                         {"verify", 1}}));
   EXPECT_EQ(session.log.level(), LogLevel::Verbose);
 
   for (const NumberSetting& setting : number_settings) setting.turn(wanted, false);

@@ -192,7 +192,8 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   start();
   on_dialog([](wxDialog& dialog) {
     EXPECT_EQ(shown(dialog),
-              "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Disable Cache|o Disable "
+              "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Read Back What Is Moved to "
+              "Another Drive|o Disable Cache|o Disable "
               "UTF-8 Decoding|o Add To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|OK|"
               "Cancel|");
     set_text(dialog, "txtTypes", ".MOV;");
@@ -202,7 +203,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   command(ui::mnuPrefs);
   EXPECT_TRUE(key_values.texts["types"] == "mov" && logged("Keep temp on") == 1);
   std::string seen;
-  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6"};
+  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6", "Check7"};
   for (const char* const wanted : boxes) {
     on_dialog([&, wanted](wxDialog& dialog) {
       for (const char* const box : boxes) {
@@ -217,7 +218,9 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
       if (number > (name == "context" || name == "logging" ? 1U : 0U)) seen += ", " + name + " ";
     }
   }
-  EXPECT_EQ(seen, "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose ");
+  EXPECT_EQ(seen,
+            "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose Check6, "
+            "verify ");
 }
 
 TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameOfIt) {

@@ -1,11 +1,11 @@
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -41,19 +41,6 @@ FolderEntry described(int folder, const dirent& listed) {
   return entry;
 }
 
-/// Where `path` leads when it is a link, whether or not something is there; empty when it leads in circles.
-std::optional<std::string> followed(std::string path) {
-  for (int links = 0; links < 40; ++links) {
-    struct stat found {};
-    if (lstat(path.c_str(), &found) != 0 || !S_ISLNK(found.st_mode)) return path;
-    std::error_code failed;
-    const std::string target = std::filesystem::read_symlink(path, failed).native();
-    if (failed) return {};
-    path = target.starts_with('/') ? target : parent_folder(path).append("/").append(target);
-  }
-  return {};
-}
-
 bool write_all(int file, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = write(file, bytes.data(), bytes.size());
@@ -76,6 +63,41 @@ bool take_over(int file, const struct stat& old) {
   return fchmod(file, mode) == 0;
 }
 
+class LockedFile : public HeldFile {
+ public:
+  explicit LockedFile(std::string path)
+      : path_(std::move(path)),
+        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
+
+  bool lock() {
+    struct stat found {};
+    return file_ && fstat(file_.get(), &found) == 0 && S_ISREG(found.st_mode) &&
+           flock(file_.get(), LOCK_EX | LOCK_NB) == 0;
+  }
+
+  std::string read() override {
+    std::string bytes;
+    char buffer[4096];
+    ssize_t got = 0;
+    while ((got = pread(file_.get(), buffer, sizeof buffer, static_cast<off_t>(bytes.size()))) > 0) {
+      bytes.append(buffer, static_cast<std::size_t>(got));
+    }
+    return bytes;
+  }
+
+  bool write(const std::string& bytes, bool durably) override {
+    if (ftruncate(file_.get(), 0) != 0 || lseek(file_.get(), 0, SEEK_SET) != 0) return false;
+    if (!write_all(file_.get(), bytes)) return false;
+    return !durably || (fsync(file_.get()) == 0 && sync_folder(parent_folder(path_)) == 0);
+  }
+
+  void remove() override { unlink(path_.c_str()); }
+
+ private:
+  const std::string path_;
+  const Descriptor file_;
+};
+
 }  // namespace
 
 Files::Kind DiskFiles::kind(const std::string& path) const {
@@ -90,13 +112,19 @@ Files::Kind DiskFiles::kind(const std::string& path) const {
   return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
 }
 
+bool DiskFiles::is_link(const std::string& path) const {
+  struct stat found {};
+  return !holds_nul(path) && lstat(path.c_str(), &found) == 0 && S_ISLNK(found.st_mode);
+}
+
 std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
   struct stat found {};
   if (!status(path, found)) return {};
   return FileStamp{.device = found.st_dev,
                    .id = found.st_ino,
                    .size = static_cast<std::uint64_t>(found.st_size),
-                   .modified_ns = std::int64_t{found.st_mtim.tv_sec} * 1'000'000'000 + found.st_mtim.tv_nsec};
+                   .modified_ns = std::int64_t{found.st_mtim.tv_sec} * 1'000'000'000 + found.st_mtim.tv_nsec,
+                   .links = found.st_nlink};
 }
 
 bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
@@ -136,15 +164,13 @@ std::optional<std::string> DiskFiles::read(const std::string& path) const {
 
 bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
   if (path.empty() || holds_nul(path)) return false;
-  const std::optional<std::string> target = followed(path);
-  if (!target) return false;
   struct stat old {};
-  const bool exists = lstat(target->c_str(), &old) == 0;
+  const bool exists = lstat(path.c_str(), &old) == 0;
   if (!exists && errno != ENOENT) return false;
   // A folder's owner could replace a write-protected file, but protecting it was meant seriously.
-  if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, target->c_str(), W_OK, AT_EACCESS) != 0)) return false;
+  if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)) return false;
 
-  const std::string folder = parent_folder(*target);
+  const std::string folder = parent_folder(path);
   std::string temporary;
   int opened = -1;
   const int error = create_temporary(folder, temporary, [&](const std::string& name) {
@@ -154,13 +180,19 @@ bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
   const Descriptor file(opened);
   if (error != 0) return false;
   const bool written = write_all(opened, bytes) && (!exists || take_over(opened, old)) && fsync(opened) == 0;
-  if (!written || rename(temporary.c_str(), target->c_str()) != 0) {
+  if (!written || rename(temporary.c_str(), path.c_str()) != 0) {
     unlink(temporary.c_str());
     return false;
   }
   // Should this fail, a crash may bring the old file back, but whole.
   sync_folder(folder);
   return true;
+}
+
+std::unique_ptr<HeldFile> DiskFiles::hold(const std::string& path) {
+  if (holds_nul(path)) return {};
+  auto file = std::make_unique<LockedFile>(path);
+  return file->lock() ? std::move(file) : nullptr;
 }
 
 bool DiskFiles::remove(const std::string& path) {

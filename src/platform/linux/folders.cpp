@@ -6,10 +6,10 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <random>
 #include <vector>
 
 #include "platform/linux/descriptor.h"
+#include "platform/temporary_name.h"
 
 namespace quorvel {
 namespace {
@@ -50,13 +50,9 @@ std::string parent_folder(const std::string& path) {
 
 int create_temporary(const std::string& folder, std::string& path,
                      const std::function<int(const std::string& path)>& create) {
-  static constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
-  std::random_device random;
-  std::uniform_int_distribution<std::size_t> letter(0, letters.size() - 1);
   int error = EEXIST;
   for (int attempt = 0; attempt < 100 && error == EEXIST; ++attempt) {
-    path = folder + "/.quorvel-";
-    for (int i = 0; i < 6; ++i) path += letters[letter(random)];
+    path = folder + "/" + temporary_name();
     error = create(path);
   }
   return error;

@@ -148,12 +148,30 @@ int move_link(const std::string& source, const std::string& destination, std::st
   return remove_copied(source, destination);
 }
 
+/// Whether both files hold the same bytes on disk. What the system remembers of the copy is left out of account.
+bool is_same_on_disk(int copy, int source) {
+  posix_fadvise(copy, 0, 0, POSIX_FADV_DONTNEED);
+  constexpr std::size_t chunk = 1U << 20;
+  std::string one(chunk, '\0'), other(chunk, '\0');
+  for (off_t at = 0;;) {
+    const ssize_t got = pread(copy, one.data(), chunk, at);
+    if (got < 0 || pread(source, other.data(), static_cast<std::size_t>(got == 0 ? 1 : got), at) != got) return false;
+    if (got == 0) return true;
+    if (one.compare(0, static_cast<std::size_t>(got), other, 0, static_cast<std::size_t>(got)) != 0) return false;
+    at += got;
+  }
+}
+
 /// Copies one regular file.
 class Copying {
  public:
   /// `lookup`: AT_SYMLINK_NOFOLLOW when a link that takes the source's place meanwhile is a change of it.
-  Copying(std::string source, int lookup, const CopyProgress& progress)
-      : source_(std::move(source)), lookup_(lookup), progress_(progress) {}
+  Copying(const FileOperationRequest& request, int lookup, const CopyProgress& progress)
+      : source_(request.source),
+        temporary_(request.temporary),
+        verifies_((request.flags & FileOperationRequest::Verify) != 0),
+        lookup_(lookup),
+        progress_(progress) {}
 
   /// 0 when the copy is complete, on disk and has its name, and the source is as it was; else nothing has changed.
   int copy_to(FinalName& name) {
@@ -161,11 +179,9 @@ class Copying {
     if (fstatat(AT_FDCWD, source_.c_str(), &before_, lookup_) != 0) return errno;
     if (is_being_written(source_, lookup_)) return native::being_written_code;
 
-    std::string temporary;
-    int error = create_temporary(parent_folder(name.path()), temporary,
-                                 [this](const std::string& path) { return copy_contents(path); });
-    // EEXIST: every name tried is somebody else's.
-    if (error != EEXIST) error = place(error, temporary, name);
+    // GIO's errors do not tell whether the file at this name is the one it began; a taken name is none of ours.
+    if (const int error = find_vacant(temporary_); error != 0) return error;
+    const int error = place(copy_contents(), name);
     if (thrown_) std::rethrow_exception(thrown_);
     return error;
   }
@@ -179,11 +195,9 @@ class Copying {
   }
 
  private:
-  int copy_contents(const std::string& temporary) {
-    // GIO's errors do not tell whether the file at this name is the one it began; a taken name is none of ours.
-    if (const int error = find_vacant(temporary); error != 0) return error;
+  int copy_contents() {
     g_autoptr(GFile) from = local_file(source_);
-    g_autoptr(GFile) to = local_file(temporary);
+    g_autoptr(GFile) to = local_file(temporary_);
     g_autoptr(GCancellable) cancellable = g_cancellable_new();
     cancellable_ = cancellable;
     g_autoptr(GError) error = nullptr;
@@ -209,11 +223,11 @@ class Copying {
   }
 
   /// Gives the copy its name, or removes it again when there was an `error` before or is one now.
-  int place(int error, const std::string& temporary, const FinalName& name) const {
-    if (error == 0) error = finish(temporary);
-    if (error == 0) error = name.take(temporary);
+  int place(int error, const FinalName& name) const {
+    if (error == 0) error = finish();
+    if (error == 0) error = name.take(temporary_);
     if (error != 0) {
-      unlink(temporary.c_str());
+      unlink(temporary_.c_str());
       return error;
     }
     error = sync_folder(parent_folder(name.path()));
@@ -222,30 +236,43 @@ class Copying {
   }
 
   /// Puts the copy on disk and checks it.
-  int finish(const std::string& temporary) const {
-    int opened = open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  int finish() const {
+    int opened = open(temporary_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
     // We could read the source as one of its group, say, but the copy is our own.
-    if (opened < 0 && errno == EACCES && chmod(temporary.c_str(), (before_.st_mode & 0777) | S_IRUSR) == 0) {
-      opened = open(temporary.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (opened < 0 && errno == EACCES && chmod(temporary_.c_str(), (before_.st_mode & 0777) | S_IRUSR) == 0) {
+      opened = open(temporary_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
     }
     const Descriptor copy(opened);
     struct stat written {};
     if (!copy || fsync(copy.get()) != 0 || fstat(copy.get(), &written) != 0) return errno;
-    return written.st_size == before_.st_size ? check_source() : EBUSY;
+    if (written.st_size != before_.st_size) return EBUSY;
+    const int error = check_source();
+    return error == 0 && verifies_ ? verify(copy.get()) : error;
   }
 
-  std::string source_;
-  int lookup_;
+  int verify(int copy) const {
+    const Descriptor source(open(source_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!source) return errno;
+    if (is_same_on_disk(copy, source.get())) return 0;
+    // Whoever wrote to the source meanwhile has changed it, not the copy.
+    const int error = check_source();
+    return error != 0 ? error : native::copy_differs_code;
+  }
+
+  const std::string source_, temporary_;
+  const bool verifies_;
+  const int lookup_;
   const CopyProgress& progress_;
   struct stat before_ {};
   GCancellable* cancellable_ = nullptr;
   std::exception_ptr thrown_;
 };
 
-int move_across(const std::string& source, FinalName& name, const CopyProgress& progress) {
+int move_across(const FileOperationRequest& request, FinalName& name, const CopyProgress& progress) {
+  const std::string& source = request.source;
   // Otherwise this would show only after the copying.
   if (faccessat(AT_FDCWD, parent_folder(source).c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
-  Copying copying(source, AT_SYMLINK_NOFOLLOW, progress);
+  Copying copying(request, AT_SYMLINK_NOFOLLOW, progress);
   if (const int error = copying.copy_to(name); error != 0) return error;
   // The flush took its time; what was written to the source meanwhile must not go with it.
   if (const int error = copying.check_source(); error != 0 && error != ENOENT) {
@@ -255,9 +282,9 @@ int move_across(const std::string& source, FinalName& name, const CopyProgress& 
   return remove_copied(source, name.path());
 }
 
-/// Rename, or Move when files may also go to another file system.
-int move(const std::string& source, FinalName name, bool across, const CopyProgress& progress) {
-  const std::string& destination = name.path();
+/// Rename, or Move, by which files may also go to another file system.
+int move(const FileOperationRequest& request, FinalName name, const CopyProgress& progress) {
+  const std::string &source = request.source, &destination = name.path();
   struct stat found {};
   if (lstat(source.c_str(), &found) != 0) return errno;
   if (S_ISDIR(found.st_mode)) return EISDIR;
@@ -276,16 +303,16 @@ int move(const std::string& source, FinalName name, bool across, const CopyProgr
   }
   int error = name.take(source);
   if (error == EEXIST) error = name.check(source) == 0 ? name.take(source) : error;
-  if (error != EXDEV || !across) return error;
-  return is_link ? move_link(source, destination, target) : move_across(source, name, progress);
+  if (error != EXDEV || request.operation == FileOperationRequest::Rename) return error;
+  return is_link ? move_link(source, destination, target) : move_across(request, name, progress);
 }
 
-int copy(const std::string& source, FinalName name, const CopyProgress& progress) {
+int copy(const FileOperationRequest& request, FinalName name, const CopyProgress& progress) {
   struct stat found {};
-  if (stat(source.c_str(), &found) != 0) return errno;
+  if (stat(request.source.c_str(), &found) != 0) return errno;
   if (S_ISDIR(found.st_mode)) return EISDIR;
   if (!S_ISREG(found.st_mode)) return EINVAL;
-  return Copying(source, 0, progress).copy_to(name);
+  return Copying(request, 0, progress).copy_to(name);
 }
 
 int remove(std::string path, bool undoable) {
@@ -318,14 +345,15 @@ class GioFileOperation : public FileOperation {
     if (request.operation == FileOperationRequest::Delete) {
       return remove(request.source, (request.flags & FileOperationRequest::AllowUndo) != 0);
     }
-    if (!is_path(request.destination)) return EINVAL;
+    const bool may_copy = request.operation != FileOperationRequest::Rename;
+    if (!is_path(request.destination) || (may_copy && !is_path(request.temporary))) return EINVAL;
     switch (request.operation) {
       case FileOperationRequest::Rename:
-        return move(request.source, {request.destination, never_}, false, progress_);
+        return move(request, {request.destination, never_}, progress_);
       case FileOperationRequest::Move:
-        return move(request.source, {request.destination, may_replace_}, true, progress_);
+        return move(request, {request.destination, may_replace_}, progress_);
       case FileOperationRequest::Copy:
-        return copy(request.source, {request.destination, may_replace_}, progress_);
+        return copy(request, {request.destination, may_replace_}, progress_);
       default:
         return EINVAL;
     }

@@ -94,7 +94,9 @@ class KeyFileStore : public KeyValueStore {
     gsize size = 0;
     g_autofree char* bytes = g_key_file_to_data(current.get(), &size, nullptr);
     if (!create_folders(files_, parent_folder(path_)) || !files_.replace(path_, std::string(bytes, size))) {
-      throw Failure("The settings file " + path_ + " cannot be written");
+      throw Failure(
+          "The settings file " + path_ +
+          (files_.is_link(path_) ? " is a link, and nothing is written through links" : " cannot be written"));
     }
     values_ = std::move(current);
   }

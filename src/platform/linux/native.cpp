@@ -10,6 +10,7 @@ const char separator = '/';
 const std::string_view system_name = "Linux";
 const int no_trash_code = ENOTSUP;
 const int being_written_code = ETXTBSY;
+const int copy_differs_code = EBADMSG;
 
 // Of programs in "bin", installed or just built.
 const std::string_view help_file = "../share/doc/quorvel/help/index.html";

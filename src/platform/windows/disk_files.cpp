@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <random>
 #include <string_view>
 
 #include "platform/disk_files.h"
 #include "platform/system.h"
+#include "platform/temporary_name.h"
 #include "platform/windows/handle.h"
 #include "platform/windows/wide.h"
 
@@ -58,17 +58,14 @@ bool leads_elsewhere(const WIN32_FIND_DATAW& found) {
          (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
 }
 
-/// Where `path` leads when it is a link; empty when it leads nowhere.
-std::optional<std::wstring> followed(const std::wstring& path) {
+bool is_link_at(const std::wstring& path) {
   const DWORD attributes = GetFileAttributesW(path.c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return path;
-  const Handle handle(open_existing(path, 0));
-  if (!handle) return {};
-  std::wstring target(GetFinalPathNameByHandleW(handle.get(), nullptr, 0, 0), L'\0');
-  const DWORD size = GetFinalPathNameByHandleW(handle.get(), target.data(), static_cast<DWORD>(target.size()), 0);
-  if (size == 0 || size >= target.size()) return {};
-  target.resize(size);
-  return target;
+  if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return false;
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW(path.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return false;
+  FindClose(search);
+  return leads_elsewhere(found);
 }
 
 /// A file that is there may be replaced only if it might be written to: protecting it was meant seriously.
@@ -88,21 +85,16 @@ bool write_all(HANDLE file, std::string_view bytes) {
   return true;
 }
 
-std::wstring temporary_name(const std::wstring& beside) {
-  static constexpr std::wstring_view letters = L"abcdefghijklmnopqrstuvwxyz0123456789";
-  std::random_device random;
-  std::uniform_int_distribution<std::size_t> letter(0, letters.size() - 1);
-  const std::size_t folder_end = beside.find_last_of(L"\\/:");
-  std::wstring name = folder_end == std::wstring::npos ? L"" : beside.substr(0, folder_end + 1);
-  name += L".quorvel-";
-  for (int i = 0; i < 6; ++i) name += letters[letter(random)];
-  return name;
+std::wstring temporary_beside(const std::wstring& path) {
+  const std::size_t folder_end = path.find_last_of(L"\\/:");
+  const std::wstring folder = folder_end == std::wstring::npos ? L"" : path.substr(0, folder_end + 1);
+  return folder + to_utf16_or_marks(temporary_name());
 }
 
 /// The name of a new file with these bytes, flushed, in the folder of `beside`; empty when it cannot be made.
 std::optional<std::wstring> write_temporary(const std::wstring& beside, const std::string& bytes, DWORD attributes) {
   for (int attempt = 0; attempt < 100; ++attempt) {
-    std::wstring name = temporary_name(beside);
+    std::wstring name = temporary_beside(beside);
     Handle file(CreateFileW(name.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, attributes, nullptr));
     if (!file && GetLastError() == ERROR_FILE_EXISTS) continue;
     if (!file) return {};
@@ -114,11 +106,51 @@ std::optional<std::wstring> write_temporary(const std::wstring& beside, const st
   return {};
 }
 
+class LockedFile : public HeldFile {
+ public:
+  explicit LockedFile(std::wstring path)
+      : path_(std::move(path)),
+        file_(CreateFileW(path_.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                          FILE_FLAG_OPEN_REPARSE_POINT, nullptr)) {}
+
+  bool lock() const { return file_ && GetFileType(file_.get()) == FILE_TYPE_DISK && !is_link_at(path_); }
+
+  std::string read() override {
+    std::string bytes;
+    if (SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN) != 0) return bytes;
+    std::array<char, 4096> buffer{};
+    DWORD got = 0;
+    while (ReadFile(file_.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &got, nullptr) && got > 0) {
+      bytes.append(buffer.data(), got);
+    }
+    return bytes;
+  }
+
+  bool write(const std::string& bytes, bool durably) override {
+    if (SetFilePointer(file_.get(), 0, nullptr, FILE_BEGIN) != 0 || !SetEndOfFile(file_.get())) return false;
+    return write_all(file_.get(), bytes) && (!durably || FlushFileBuffers(file_.get()));
+  }
+
+  void remove() override {
+    file_.close();
+    DeleteFileW(path_.c_str());
+  }
+
+ private:
+  const std::wstring path_;
+  Handle file_;
+};
+
 }  // namespace
 
 Files::Kind DiskFiles::kind(const std::string& path) const {
   const std::optional<std::wstring> wide = system_path(path);
   return wide ? kind_of(*wide) : Kind::Missing;
+}
+
+bool DiskFiles::is_link(const std::string& path) const {
+  const std::optional<std::wstring> wide = system_path(path);
+  return wide && is_link_at(*wide);
 }
 
 std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
@@ -131,7 +163,8 @@ std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
   return FileStamp{.device = found.dwVolumeSerialNumber,
                    .id = joined(found.nFileIndexHigh, found.nFileIndexLow),
                    .size = joined(found.nFileSizeHigh, found.nFileSizeLow),
-                   .modified_ns = static_cast<std::int64_t>(modified - ticks_before_1970) * 100};
+                   .modified_ns = static_cast<std::int64_t>(modified - ticks_before_1970) * 100,
+                   .links = found.nNumberOfLinks};
 }
 
 bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
@@ -182,19 +215,25 @@ std::optional<std::string> DiskFiles::read(const std::string& path) const {
 
 bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
   const std::optional<std::wstring> wide = system_path(path);
-  const std::optional<std::wstring> target = wide ? followed(*wide) : std::nullopt;
-  if (!target) return false;
-  const DWORD old = GetFileAttributesW(target->c_str());
+  if (!wide || is_link_at(*wide)) return false;
+  const DWORD old = GetFileAttributesW(wide->c_str());
   const bool exists = old != INVALID_FILE_ATTRIBUTES;
-  if (exists ? !may_be_replaced(*target, old) : !is_missing(GetLastError())) return false;
+  if (exists ? !may_be_replaced(*wide, old) : !is_missing(GetLastError())) return false;
 
   const DWORD attributes = exists ? old & kept_attributes : FILE_ATTRIBUTE_NORMAL;
-  const std::optional<std::wstring> temporary = write_temporary(*target, bytes, attributes);
+  const std::optional<std::wstring> temporary = write_temporary(*wide, bytes, attributes);
   if (!temporary) return false;
   const DWORD how = MOVEFILE_WRITE_THROUGH | (exists ? MOVEFILE_REPLACE_EXISTING : 0);
-  if (MoveFileExW(temporary->c_str(), target->c_str(), how)) return true;
+  if (MoveFileExW(temporary->c_str(), wide->c_str(), how)) return true;
   DeleteFileW(temporary->c_str());
   return false;
+}
+
+std::unique_ptr<HeldFile> DiskFiles::hold(const std::string& path) {
+  const std::optional<std::wstring> wide = system_path(path);
+  if (!wide) return {};
+  auto file = std::make_unique<LockedFile>(*wide);
+  return file->lock() ? std::move(file) : nullptr;
 }
 
 bool DiskFiles::remove(const std::string& path) {

@@ -50,6 +50,7 @@ const char separator = '\\';
 const std::string_view system_name = "Windows";
 const int no_trash_code = -1;  // no code of the system's own is negative
 const int being_written_code = ERROR_SHARING_VIOLATION;
+const int copy_differs_code = ERROR_CRC;
 const std::string_view help_file = "quorvel help.chm";
 
 // The file manager's menu hands over the selected path without quotes, and names hold blanks.

@@ -1,0 +1,92 @@
+#include "history/journal.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "child_process.h"
+#include "fake_ports.h"
+#include "file_tools.h"
+#include "temporary_folder.h"
+
+namespace quorvel::testing {
+namespace {
+
+namespace fs = std::filesystem;
+using Request = FileOperationRequest;
+
+/// Runs that are cut off, each within an operation of its own.
+const SecondProcess cut_off("cut off", [](const std::string& folder) {
+  const auto files = system_files();
+  Lines log;
+  const std::string work = folder + "work/";
+  const auto begin = [&](int operation, const std::string& name) {
+    const std::string temporary = operation == Request::Rename ? "" : folder + ".quorvel-" + name;
+    (new Journal(*files, log, work))->begin({operation, folder + name, folder + "new " + name, 0, temporary});
+  };
+  write_file(folder + "new earlier", "");
+  for (const char* const name : {"part", "last", "kept", "two", "both", "copied", "earlier", "ended", "away"}) {
+    write_file(folder + name, name);
+  }
+  begin(Request::Move, "part"), write_file(folder + ".quorvel-part", "pa");
+  begin(Request::Move, "last"), write_file(folder + ".quorvel-last", "la"), fs::remove(path_of(folder + "last"));
+  begin(Request::Rename, "kept"), write_file(folder + "new kept", "");
+  begin(Request::Rename, "two"), fs::create_hard_link(path_of(folder + "two"), path_of(folder + "new two"));
+  begin(Request::Move, "both"), write_file(folder + "new both", "both");
+  begin(Request::Copy, "copied"), write_file(folder + "new copied", "copied");
+  begin(Request::Rename, "earlier");
+  auto* const ended = new Journal(*files, log, work);
+  ended->begin({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"});
+  ended->end(), write_file(folder + "new ended", "");  // somebody else's
+  (new Journal(*files, log, work))
+      ->begin({Request::Copy, folder + "away", folder + "drive/away", 0, folder + "drive/.quorvel-away"});
+  write_file(work + "pending-broken", "nonsense\0and more");
+  std::_Exit(0);
+  return 0;
+});
+
+TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
+  const TemporaryFolder here;
+  const std::string folder = here / "", work = here / "work/", cache = work + "cache/";
+  for (const std::string& each : {work, cache}) fs::create_directory(path_of(each));
+  for (const std::string name : {".quorvel-old", ".quorvel-young", "old.qc"}) {
+    write_file(cache + name, name);
+    if (name.ends_with("young")) continue;
+    last_write_time(path_of(cache + name), fs::file_time_type::clock::now() - std::chrono::hours(2));
+  }
+  ASSERT_EQ(ChildProcess(cut_off.start(folder)).status(), 0);
+  const auto files = system_files();
+  Lines log;
+  const auto settled = [&] {
+    log.list.clear();
+    Journal(*files, log, work).settle();
+    return static_cast<int>(log.list.size());
+  };
+  {
+    // Of another copy that is at work.
+    Journal busy(*files, log, work);
+    busy.begin({Request::Copy, folder + "copied", folder + "another", 0, folder + ".quorvel-busy"});
+    write_file(folder + ".quorvel-busy", "co");
+    EXPECT_EQ(settled(), 6) << ::testing::PrintToString(log.list);
+    busy.end();
+    EXPECT_TRUE(files->remove(folder + ".quorvel-busy"));
+  }
+  std::string left;
+  for (const auto& [path, bytes] : everything_in(folder)) {
+    if (!fs::is_directory(path_of(path)) && !path.starts_with(work + "pending-"))
+      left += path.substr(folder.size()) + "|";
+  }
+  EXPECT_EQ(left,
+            ".quorvel-last|away|both|copied|earlier|ended|kept|new both|new copied|new earlier|new ended|part|two|"
+            "work/cache/.quorvel-young|work/cache/old.qc|");
+  fs::create_directory(path_of(folder + "drive"));
+  write_file(folder + "drive/.quorvel-away", "aw");
+  EXPECT_EQ(settled(), 2) << ::testing::PrintToString(log.list);
+  EXPECT_FALSE(files->exists(folder + "drive/.quorvel-away"));
+  EXPECT_TRUE(files->remove(folder + ".quorvel-last"));
+  EXPECT_EQ(settled(), 0);
+  EXPECT_EQ(std::distance(fs::directory_iterator(path_of(work)), {}), 1) << "only the cache";
+}
+
+}  // namespace
+}  // namespace quorvel::testing
