@@ -42,12 +42,10 @@ FileJobResult FileJobs::run(const FileJob& job) {
       return rename(job);
     case MoveAndRename:
       log_.debug_log("Moving " + job.path + " to " + job.destination(), LogLevel::Verbose);
-      make_tree(job.dest_path);
-      return perform({Request::Move, job.path, job.destination(), Request::AllowUndo});
+      return perform_in_tree(Request::Move, job);
     case CopyAndRename:
       log_.debug_log("Copying " + job.path + " to " + job.destination(), LogLevel::Verbose);
-      make_tree(job.dest_path);
-      return perform({Request::Copy, job.path, job.destination(), Request::AllowUndo});
+      return perform_in_tree(Request::Copy, job);
     default:
       throw Failure("the rule's action " + std::to_string(job.action) + " is none of rename, move and copy");
   }
@@ -64,6 +62,13 @@ FileJobResult FileJobs::rename(const FileJob& job) {
     return {false, "The destination aleady exists. File cannot be renamed"};
   }
   return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo});
+}
+
+FileJobResult FileJobs::perform_in_tree(Request::Operation operation, const FileJob& job) {
+  std::string made = make_tree(job.dest_path);
+  FileJobResult result = perform({operation, job.path, made + job.new_name, Request::AllowUndo});
+  if (result.done) result.dest_path = std::move(made);
+  return result;
 }
 
 FileJobResult FileJobs::perform(FileOperationRequest request) {
@@ -139,12 +144,20 @@ int FileJobs::delete_copy(const FileJob& job) {
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
 }
 
-void FileJobs::make_tree(const std::string& folder, char separator) {
-  std::size_t part = 0;
-  for (std::size_t at = 0; (at = folder.find(separator, at)) != std::string::npos; ++part) {
+std::string FileJobs::make_tree(std::string folder, char separator) {
+  std::size_t part = 0, start = 0;
+  for (std::size_t at = 0; (at = folder.find(separator, at)) != std::string::npos; start = at, ++part) {
     const std::string prefix = folder.substr(0, ++at);
-    if (part >= 2 && !files_.exists(prefix)) files_.create_folder(prefix);
+    if (part < 2 || files_.exists(prefix) || files_.create_folder(prefix) || files_.exists(prefix)) continue;
+    const std::size_t kept = folder.find_last_not_of(". ", at - 2) + 1;
+    if (kept == at - 1 || kept <= start) continue;
+    const std::string shorter = folder.substr(0, kept) + separator;
+    if (!files_.exists(shorter) && !files_.create_folder(shorter)) continue;
+    log_.debug_log("The drive takes no folder named " + prefix + ", so the file goes to " + shorter, LogLevel::Normal);
+    folder.replace(0, at, shorter);
+    at = shorter.size();
   }
+  return folder;
 }
 
 }  // namespace quorvel

@@ -28,7 +28,8 @@ struct FileJob {
 struct FileJobResult {
   bool done = false;
   std::optional<std::string> error_text = {};
-  std::optional<FileStamp> stamp = {};  // of the destination, when done
+  std::optional<FileStamp> stamp = {};        // of the destination, when done
+  std::optional<std::string> dest_path = {};  // the destination folder as it was made for a move or a copy, when done
 };
 
 class FileJobs {
@@ -48,10 +49,13 @@ class FileJobs {
 
   /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
   /// made, and the first two never are: a missing drive or top folder is a mistake to report, not something to create.
-  void make_tree(const std::string& folder, char separator = native::separator);
+  /// Returns `folder` as it was made: a part that ends in dots or blanks is made without them where the drive refuses
+  /// it, as those with Windows' rules do.
+  std::string make_tree(std::string folder, char separator = native::separator);
 
  private:
   FileJobResult rename(const FileJob& job);
+  FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);
   FileJobResult perform(FileOperationRequest request);
   void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);

@@ -54,6 +54,24 @@ TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
   EXPECT_TRUE(fs::exists(copy));
 }
 
+TEST(DrivesWithWindowsRules, TakeFoldersWithoutTheDotsAtTheirEnd) {
+  struct : FaultPlan {
+    bool create_folder(const std::string& path) override {
+      return !path.ends_with("./") && !path.ends_with(" /") && FaultPlan::create_folder(path);
+    }
+  } drive;
+  const TemporaryFolder here;
+  Lines log;
+  const bool verify = false;
+  const std::string top = here / "", nowhere;
+  Journal journal(drive, log, nowhere);
+  FileJobs jobs(drive, drive, journal, verify, log);
+  EXPECT_EQ(jobs.make_tree(top + "S.H.I.E.L.D./Season 1. /x"), top + "S.H.I.E.L.D/Season 1/x");
+  EXPECT_EQ(jobs.make_tree(top + "S.H.I.E.L.D./.../"), top + "S.H.I.E.L.D/.../");
+  EXPECT_TRUE(fs::exists(top + "S.H.I.E.L.D/Season 1"));
+  EXPECT_EQ(log.list.size(), 3u);
+}
+
 TEST(OtherUsers, FilesStayAsTheyAre) {
   if (getuid() != 0) GTEST_SKIP() << "needs a second user";
   for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
