@@ -1,6 +1,5 @@
 #include "queue/pipeline.h"
 
-#include "naming/episode_patterns.h"
 #include "naming/file_names.h"
 #include "naming/mask.h"
 #include "naming/service_names.h"
@@ -8,50 +7,6 @@
 #include "text/failure.h"
 
 namespace quorvel {
-
-bool Pipeline::getbits(QueueItem& item, bool parentFolder) {
-  const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
-  parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
-                       LogLevel::Verbose);
-  const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
-  if (!found) {
-    parts_.log.debug_log("No filter found", LogLevel::Verbose);
-    return false;
-  }
-  if (found->is_refused) return false;
-  item.search_name = found->show;
-  item.season = found->season;
-  item.episode = found->episode;
-  parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
-  return true;
-}
-
-void Pipeline::checkex(QueueItem& item) {
-  if (const auto name = parts_.exceptions.replacement(item.search_name)) item.search_name = *name;
-}
-
-bool Pipeline::searchtv(QueueItem& item) {
-  const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
-  if (!show) return false;
-  item.show_id = show->id;
-  item.show_name = without_control_characters(show->name, parts_.log);
-  if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
-  item.show_url = show->url;
-  return true;
-}
-
-bool Pipeline::getlistings(QueueItem& item) {
-  const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
-      {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
-      {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
-  if (!episode) return false;
-  item.episode_title = without_control_characters(episode->title, parts_.log);
-  if (item.episode_title.empty()) {
-    parts_.log.debug_log("The episode has no title that a file can have", LogLevel::Normal);
-  }
-  item.episode_url = episode->url;
-  return true;
-}
 
 bool Pipeline::dofilter(QueueItem& item) {
   const std::string extension = getextension(item.filename);

@@ -7,12 +7,7 @@
 namespace quorvel {
 namespace {
 
-constexpr const char* listings_site = "tvmaze.com";
 constexpr const char* stopped = "Stopped by the user";
-
-std::string episode_text(const QueueItem& item) {
-  return item.show_name + " " + std::to_string(item.season) + "x" + std::to_string(item.episode);
-}
 
 }  // namespace
 
@@ -47,7 +42,8 @@ void Processor::stop() {
 }
 
 void Processor::run_pass() {
-  pipeline_.begin_pass();
+  identification_ = &way_();
+  identification_->begin_pass();
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
       end_pass();
@@ -114,43 +110,21 @@ void Processor::cancel(int index, const std::string& error_text) {
 /// Ends early when the user wants to quit or has stopped the pass; the item then keeps the state it has reached.
 void Processor::process_item(int index) {
   QueueItem& item = queue_.at(index);
-  const auto names_an_episode = [&](bool parent_folder) {
-    return run_stage(log_, "Error getting filename filter: ", [&] { return pipeline_.getbits(item, parent_folder); });
-  };
   item.error_text.clear();
-  set_state(index, QueueState::Scanning);
-  if (!names_an_episode(true) && !names_an_episode(false)) {
-    return fail(index, "Unable to find filename filter for: " + item.filename, "Unable to find filename filter");
-  }
-
-  log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
-  set_state(index, QueueState::Searching);
-  log_.debug_log("Checking exceptions", LogLevel::Verbose);
-  pipeline_.checkex(item);
-  log_.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
-  const std::string searched = "\r\nSearched for: " + item.search_name;
-  if (stop_after_ > 0) return;
-  const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return pipeline_.searchtv(item); });
-  if (!search) {
-    return fail(index, "Unable to find show page for: " + item.search_name,
-                std::string("Unable to find show on ") + listings_site + searched + search.line());
-  }
-
-  set_state(index, QueueState::FetchingListings);
-  if (is_ending()) return;
-  const StageResult listings = run_stage(log_, "Error getting listings: ", [&] { return pipeline_.getlistings(item); });
-  if (!listings) {
-    return fail(index, "Unable to find listings for: " + episode_text(item),
-                std::string("Unable to find listings on ") + listings_site + searched +
-                    "\r\nDetected as: " + episode_text(item) + listings.line());
-  }
+  const Identified found = identification_->identify(item, [&](QueueState state) {
+    set_state(index, state);
+    // At the search a wish to quit waits, so that each item that was taken is looked for.
+    return state == QueueState::Searching ? stop_after_ == 0 : !is_ending();
+  });
+  if (found.outcome == Identified::Interrupted) return;
+  if (found.outcome == Identified::Failed) return fail(index, found.log_line, found.error_text);
 
   set_state(index, QueueState::CheckingFilters);
   if (is_ending()) return;
   const StageResult rule = run_stage(log_, "Error checking filters: ", [&] { return pipeline_.dofilter(item); });
   if (!rule.failure.empty()) return fail(index, {}, rule.failure);
   if (!rule) {
-    return fail(index, "Unable to find matching filter for: " + episode_text(item),
+    return fail(index, "Unable to find matching filter for: " + item.episode_text(),
                 "Found listings, but no filter could be found to move/rename the file");
   }
 

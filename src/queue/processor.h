@@ -1,16 +1,28 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
+#include "queue/identification.h"
 #include "queue/pipeline.h"
 #include "queue/queue_view.h"
 
 namespace quorvel {
 
-/// Drives the items of the queue through the pipeline, one after another. One bad file never ends a pass.
+/// Drives the items of the queue through an identification and the pipeline, one after another. One bad file never ends
+/// a pass.
 class Processor {
  public:
-  Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log, Pipeline& pipeline,
-            QueueView& view)
-      : queue_(queue), settings_(settings), ui_(ui), log_(log), pipeline_(pipeline), view_(view) {}
+  /// `way` is asked before each pass for the identification that the pass is to use.
+  Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log,
+            std::function<Identification&()> way, Pipeline& pipeline, QueueView& view)
+      : queue_(queue),
+        settings_(settings),
+        ui_(ui),
+        log_(log),
+        way_(std::move(way)),
+        pipeline_(pipeline),
+        view_(view) {}
 
   /// One pass: from the item after the last one taken to the end of the queue, which may grow meanwhile, or to the
   /// user's wish to quit. Callers see to it that no pass is running.
@@ -47,6 +59,8 @@ class Processor {
   const Settings& settings_;
   UserInterface& ui_;
   Log& log_;
+  const std::function<Identification&()> way_;
+  Identification* identification_ = nullptr;  // of the pass that runs
   Pipeline& pipeline_;
   QueueView& view_;
   int queue_cursor_ = 0;  // the last item taken

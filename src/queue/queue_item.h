@@ -43,6 +43,9 @@ struct QueueItem {
   std::optional<FileStamp> done_stamp;  // of the file that the operation has left at the destination
   std::string error_text;               // why it failed or was cancelled; lines end in CR LF
   std::string episode_url;              // in double quotes, as the service gives it
+
+  /// What the item was found to be, for the log.
+  std::string episode_text() const { return show_name + " " + std::to_string(season) + "x" + std::to_string(episode); }
 };
 
 /// The file operation that the item's fields describe.

@@ -30,8 +30,10 @@ Session::Session(Ports ports, Places places)
       journal(ports.files, log, settings.work_dir),
       jobs(ports.shell, ports.files, journal, settings.verify, log),
       view(queue, filters, ports.ui),
-      pipeline({settings, filters, exceptions, search, listings, jobs, ports.ui, log}),
-      processor(queue, settings, ports.ui, log, pipeline, view),
+      classic({settings, exceptions, search, listings, log}),
+      pipeline({settings, filters, jobs, ports.ui, log}),
+      processor(
+          queue, settings, ports.ui, log, [this]() -> Identification& { return classic; }, pipeline, view),
       intake(queue, settings, ports.files, ports.ui, [this] { return processor.queue_busy(); }),
       undo(queue, jobs, log, view) {}
 

@@ -14,6 +14,7 @@
 #include "platform/key_value_store.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
+#include "queue/classic_identification.h"
 #include "queue/intake.h"
 #include "queue/pipeline.h"
 #include "queue/processor.h"
@@ -88,6 +89,7 @@ class Session {
   Journal journal;
   FileJobs jobs;
   QueueView view;
+  ClassicIdentification classic;
   Pipeline pipeline;
   Processor processor;
   Intake intake;

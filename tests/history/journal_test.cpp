@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "child_process.h"
@@ -16,10 +17,11 @@ namespace fs = std::filesystem;
 using Request = FileOperationRequest;
 
 /// Runs that are cut off, each within an operation of its own.
-const SecondProcess cut_off("cut off", [](const std::string& folder) {
+const SecondProcess cut_off("cut-off", [](const std::string& here) {
   const auto files = system_files();
   Lines log;
-  const std::string work = folder + "work/";
+  const std::string folder = here + native::separator, work = folder + "work/";
+  const std::string drive = folder + "drive" + native::separator;
   const auto begin = [&](int operation, const std::string& name) {
     const std::string temporary = operation == Request::Rename ? "" : folder + ".quorvel-" + name;
     (new Journal(*files, log, work))->begin({operation, folder + name, folder + "new " + name, 0, temporary});
@@ -38,8 +40,7 @@ const SecondProcess cut_off("cut off", [](const std::string& folder) {
   auto* const ended = new Journal(*files, log, work);
   ended->begin({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"});
   ended->end(), write_file(folder + "new ended", "");  // somebody else's
-  (new Journal(*files, log, work))
-      ->begin({Request::Copy, folder + "away", folder + "drive/away", 0, folder + "drive/.quorvel-away"});
+  (new Journal(*files, log, work))->begin({Request::Copy, folder + "away", drive + "away", 0, drive + ".quorvel-away"});
   write_file(work + "pending-broken", "nonsense\0and more");
   std::_Exit(0);
   return 0;
@@ -54,7 +55,7 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
     if (name.ends_with("young")) continue;
     last_write_time(path_of(cache + name), fs::file_time_type::clock::now() - std::chrono::hours(2));
   }
-  ASSERT_EQ(ChildProcess(cut_off.start(folder)).status(), 0);
+  ASSERT_EQ(ChildProcess(cut_off.start(here.path())).status(), 0);
   const auto files = system_files();
   Lines log;
   const auto settled = [&] {
@@ -76,6 +77,7 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
     if (!fs::is_directory(path_of(path)) && !path.starts_with(work + "pending-"))
       left += path.substr(folder.size()) + "|";
   }
+  std::ranges::replace(left, native::separator, '/');
   EXPECT_EQ(left,
             ".quorvel-last|away|both|copied|earlier|ended|kept|new both|new copied|new earlier|new ended|part|two|"
             "work/cache/.quorvel-young|work/cache/old.qc|");

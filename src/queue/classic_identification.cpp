@@ -1,0 +1,96 @@
+#include "queue/classic_identification.h"
+
+#include "naming/episode_patterns.h"
+#include "naming/service_names.h"
+#include "queue/stage.h"
+#include "text/case.h"
+
+namespace quorvel {
+namespace {
+
+constexpr const char* listings_site = "tvmaze.com";
+
+}  // namespace
+
+void ClassicIdentification::begin_pass() {
+  parts_.search.forget_unfound();
+  parts_.listings.forget_unfound();
+}
+
+Identified ClassicIdentification::identify(QueueItem& item, const Reached& reached) {
+  const auto names_an_episode = [&](bool parent_folder) {
+    return run_stage(parts_.log, "Error getting filename filter: ", [&] { return getbits(item, parent_folder); });
+  };
+  reached(QueueState::Scanning);
+  if (!names_an_episode(true) && !names_an_episode(false)) {
+    return {Identified::Failed, "Unable to find filename filter for: " + item.filename,
+            "Unable to find filename filter"};
+  }
+
+  parts_.log.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
+  if (!reached(QueueState::Searching)) return {Identified::Interrupted};
+  parts_.log.debug_log("Checking exceptions", LogLevel::Verbose);
+  checkex(item);
+  parts_.log.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
+  const std::string searched = "\r\nSearched for: " + item.search_name;
+  const StageResult search = run_stage(parts_.log, "Error searching for show: ", [&] { return searchtv(item); });
+  if (!search) {
+    return {Identified::Failed, "Unable to find show page for: " + item.search_name,
+            std::string("Unable to find show on ") + listings_site + searched + search.line()};
+  }
+
+  if (!reached(QueueState::FetchingListings)) return {Identified::Interrupted};
+  const StageResult listings = run_stage(parts_.log, "Error getting listings: ", [&] { return getlistings(item); });
+  if (!listings) {
+    return {Identified::Failed, "Unable to find listings for: " + item.episode_text(),
+            std::string("Unable to find listings on ") + listings_site + searched +
+                "\r\nDetected as: " + item.episode_text() + listings.line()};
+  }
+  return {};
+}
+
+bool ClassicIdentification::getbits(QueueItem& item, bool parentFolder) {
+  const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
+  parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
+                       LogLevel::Verbose);
+  const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
+  if (!found) {
+    parts_.log.debug_log("No filter found", LogLevel::Verbose);
+    return false;
+  }
+  if (found->is_refused) return false;
+  item.search_name = found->show;
+  item.season = found->season;
+  item.episode = found->episode;
+  parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
+  return true;
+}
+
+void ClassicIdentification::checkex(QueueItem& item) {
+  if (const auto name = parts_.exceptions.replacement(item.search_name)) item.search_name = *name;
+}
+
+bool ClassicIdentification::searchtv(QueueItem& item) {
+  const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
+  if (!show) return false;
+  item.show_id = show->id;
+  item.show_name = without_control_characters(show->name, parts_.log);
+  if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
+  item.show_url = show->url;
+  return true;
+}
+
+bool ClassicIdentification::getlistings(QueueItem& item) {
+  const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
+      {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
+      {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
+  if (!episode) return false;
+  item.episode_title = without_control_characters(episode->title, parts_.log);
+  if (item.episode_title.empty()) {
+    parts_.log.debug_log("The episode has no title that a file can have", LogLevel::Normal);
+  }
+  item.episode_url = episode->url;
+  return true;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "queue/queue_item.h"
+
+namespace quorvel {
+
+/// How the identification of an item has ended.
+struct Identified {
+  enum Outcome { Found, Failed, Interrupted };
+
+  Outcome outcome = Found;
+  std::string log_line = {}, error_text = {};  // when it failed: for the log, if any, and for the item
+};
+
+/// A way of finding out which episode a file is: what its name says, and what the listings service knows of that.
+class Identification {
+ public:
+  /// Called with each state that the item reaches; false when the user wants no more of this item.
+  using Reached = std::function<bool(QueueState)>;
+
+  virtual ~Identification() = default;
+
+  /// Before each pass.
+  virtual void begin_pass() = 0;
+
+  /// Fills in all of the item up to what the rules look at, from Scanning on. Interrupted as soon as `reached` says so;
+  /// the item then keeps the state it has.
+  virtual Identified identify(QueueItem& item, const Reached& reached) = 0;
+};
+
+}  // namespace quorvel
