@@ -15,7 +15,7 @@ constexpr std::int64_t hour_ns = 3'600'000'000'000;
 }  // namespace
 
 Journal::~Journal() {
-  if (file_ && entries_.empty()) file_->remove();
+  close();
 }
 
 /// No path holds a NUL. What a power cut has left of an entry lacks its last field, and nothing had begun then.
@@ -47,6 +47,11 @@ bool Journal::open() {
     if (!files_.exists(path_)) file_ = files_.hold(path_);
   }
   return file_ != nullptr;
+}
+
+void Journal::close() {
+  if (file_ && entries_.empty()) file_->remove();
+  file_.reset();
 }
 
 bool Journal::is_to_another_device(const Entry& entry) const {
@@ -144,8 +149,9 @@ void Journal::remove(const std::string& path, const std::string& what) {
 /// Rules, caches and settings are written within an instant, so an old one is nobody's any more.
 void Journal::remove_old_temporaries(const std::string& folder) {
   const std::vector<std::string> names = names_in(folder, temporary_prefix);
-  if (names.empty() || (!file_ && !open())) return;
+  if (names.empty() || !open()) return;
   const std::optional<FileStamp> now = files_.stamp(path_);  // by the clock of the drive
+  close();
   for (const std::string& name : names) {
     const std::optional<FileStamp> stamp = files_.stamp(folder + name);
     if (!now || !stamp || stamp->modified_ns > now->modified_ns - hour_ns) continue;

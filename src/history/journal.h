@@ -46,6 +46,7 @@ class Journal {
   static std::vector<Entry> entries_of(std::string_view text);
 
   bool open();
+  void close();
   bool is_to_another_device(const Entry& entry) const;
   bool is_left(const Entry& entry) const;
   void settle(const Entry& entry);
