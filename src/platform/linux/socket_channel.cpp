@@ -105,13 +105,21 @@ bool is_own_folder(const std::string& path, mode_t forbidden) {
          (found.st_mode & forbidden) == 0;
 }
 
-/// `given`, or where that is of no use a folder of the user's own, made when missing.
+/// `given`, or where that is of no use the first of some folders in `shared` that is the user's own, or the first that
+/// can be made. Others may have taken names there, so those that are not the user's are passed over by every copy.
 std::string usable_folder(const std::string& given, const std::string& shared) {
   if (given.starts_with('/') && is_own_folder(given, 022)) return given;
-  std::string path = shared + "/quorvel-" + std::to_string(geteuid());
-  mkdir(path.c_str(), 0700);
-  if (is_own_folder(path, 077)) return path;
-  throw Failure("The folder " + path + " must belong to you, and only you may enter it");
+  constexpr int names = 100;
+  const std::string first = shared + "/quorvel-" + std::to_string(geteuid());
+  for (const bool make : {false, true}) {
+    for (int number = 1; number <= names; ++number) {
+      const std::string path = number == 1 ? first : first + "-" + std::to_string(number);
+      if (make) mkdir(path.c_str(), 0700);
+      if (is_own_folder(path, 077)) return path;
+    }
+  }
+  throw Failure("There is no folder for the window's socket: neither " + first + " nor one with a number from 2 to " +
+                std::to_string(names) + " behind that belongs to you and lets nobody else in");
 }
 
 }  // namespace

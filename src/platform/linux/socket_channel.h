@@ -20,7 +20,7 @@ class SocketChannel : public InstanceChannel {
   static constexpr std::size_t max_text = 16U << 20;
 
   /// Socket and lock are made in `folder`; where that is not a folder that belongs to the user alone, in one below
-  /// `shared_folder` that is made for them.
+  /// `shared_folder` that is made for them, whatever others have put there.
   explicit SocketChannel(std::string folder, std::string shared_folder = "/tmp",
                          std::chrono::milliseconds patience = usual_patience);
   ~SocketChannel() override;
