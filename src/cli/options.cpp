@@ -27,8 +27,8 @@ Gives television episode files their right name and place. Each PATH is a file, 
 constexpr const char* help_end = R"(  -h, --help, /?        show this text
       --version         show the version
 
-Exit status: 0 every path was taken and every file is done; 1 something was refused, failed or was cancelled, or there
-was nothing to do; 2 wrong usage.
+Exit status: 0 every path was taken and every file is done; 1 something was refused, failed or was cancelled, a
+folder could not be read, or there was nothing to do; 2 wrong usage.
 )";
 
 std::string help() {

@@ -40,8 +40,8 @@ std::string reason(Refusal refusal) {
   return {};
 }
 
-std::string files(int count) {
-  return std::to_string(count) + (count == 1 ? " file" : " files");
+std::string some(int count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 /// The first run in a work directory deletes its caches, so a folder of that name with anything else in it is refused.
@@ -61,13 +61,17 @@ std::string checked_work_dir(Files& files, const std::string& given) {
   return work_dir;
 }
 
-/// Returns whether the file or folder is in the queue.
+/// Returns whether the file or folder is in the queue, as far as can be told.
 bool queue_path(Session& session, const std::string& path, Terminal& terminal) {
   const IntakeResult result = session.intake.take(absolute_path(path), false);
   if (result.is_folder) {
-    const std::string left_out = result.left_out == 0 ? "" : ", " + files(result.left_out) + " left out";
-    terminal.error_line(path + ": " + files(result.queued) + " queued" + left_out);
-  } else if (result.refusal != Refusal::None) {
+    std::string account = path + ": " + some(result.queued, "file") + " queued";
+    if (result.left_out > 0) account += ", " + some(result.left_out, "file") + " left out";
+    if (result.unread > 0) account += ", " + some(result.unread, "folder") + " not read";
+    terminal.error_line(account);
+    return result.unread == 0;
+  }
+  if (result.refusal != Refusal::None) {
     terminal.error_line(path + ": not queued: " + reason(path.empty() ? Refusal::Missing : result.refusal));
     return result.refusal == Refusal::AlreadyQueued;
   }

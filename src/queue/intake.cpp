@@ -51,9 +51,20 @@ IntakeResult Intake::take_folder(const std::string& path) {
   IntakeResult result;
   result.is_folder = true;
   const std::string base = with_separator(path);
-  for (const std::string& relative : scan_folder(files_, base)) {
-    const bool queued = is_listed(relative) && add_to_queue(base + relative, true);
-    ++(queued ? result.queued : result.left_out);
+  const FolderScan scan = scan_folder(files_, base);
+  for (const std::string& relative : scan.files) {
+    const Refusal refusal = is_listed(relative) ? take(base + relative, true).refusal : Refusal::TypeNotListed;
+    ++(refusal == Refusal::None ? result.queued : result.left_out);
+    if (refusal != Refusal::Missing) continue;
+    log_.debug_log("The file " + base + relative + " cannot be reached, so it is left out", LogLevel::Normal);
+  }
+  for (const std::string& folder : scan.unread) {
+    log_.debug_log("The folder " + base + folder + " cannot be read, so files in it may be left out", LogLevel::Normal);
+    ++result.unread;
+  }
+  for (const std::string& link : scan.ways_out) {
+    log_.debug_log("The link " + base + link + " leads out of the folder that was added, so it is not followed",
+                   LogLevel::Normal);
   }
   return result;
 }

@@ -34,7 +34,7 @@ Session::Session(Ports ports, Places places)
       pipeline({settings, filters, jobs, ports.ui, log}),
       processor(
           queue, settings, ports.ui, log, [this]() -> Identification& { return classic; }, pipeline, view),
-      intake(queue, settings, ports.files, ports.ui, [this] { return processor.queue_busy(); }),
+      intake(queue, settings, ports.files, ports.ui, log, [this] { return processor.queue_busy(); }),
       undo(queue, jobs, log, view) {}
 
 void Session::start() {

@@ -5,26 +5,35 @@
 namespace quorvel::testing {
 namespace {
 
-TEST(Links, AreFollowedOnceAndLoopsEnd) {
+TEST(Folders, AreLookedAtWithoutTheirLinksAndWhatIsMissedIsTold) {
   TestSession test;
   test.start();
   const TemporaryFolder& folder = test.folder;
   for (const char* name : {"in/x.avi", "in/s/\"quoted\".avi", "elsewhere/e.avi"}) test.write(name, "x");
   fs::create_directory_symlink(folder / "in", folder / "in/s/up");
+  fs::create_directory_symlink(folder.path(), folder / "in/s/above");
   fs::create_directory_symlink("s", folder / "in/again");
   fs::create_directory_symlink(folder / "elsewhere", folder / "in/there");
   fs::create_symlink("nowhere.avi", folder / "in/dangling.avi");
   fs::create_symlink("x.avi", folder / "in/linked.avi");
-  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 4);
-  std::set<std::string> queued;
-  for (int i = 1; i <= 4; ++i) queued.insert(test.item(i).path.substr(folder.path().size()));
-  EXPECT_EQ(queued, (std::set<std::string>{"/in/linked.avi", "/in/x.avi", "/in/s/\"quoted\".avi", "/in/there/e.avi"}));
+  const FolderScan scan = scan_folder(*test.files, folder / "in/");
+  EXPECT_EQ(scan.files, (std::vector<std::string>{"dangling.avi", "linked.avi", "s/\"quoted\".avi", "x.avi"}));
+  EXPECT_EQ(scan.ways_out, (std::vector<std::string>{"s/above", "there"}));
+  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 3);
+  EXPECT_EQ(test.session.intake.take(folder / "in/there", false).queued, 1) << "the user's own choice";
 
-  struct : FaultPlan {  // a file system that numbers all files alike
-    std::optional<FileStamp> stamp(const std::string&) const override { return FileStamp(); }
-  } const alike;
-  EXPECT_EQ(scan_folder(alike, folder / "in/"),
-            (std::vector<std::string>{"dangling.avi", "linked.avi", "s/\"quoted\".avi", "x.avi"}));
+  const fs::path before = fs::current_path(), name(std::string(200, 'd'));
+  fs::create_directory(folder / "deep");
+  fs::current_path(folder / "deep");
+  for (int i = 0; i < 25; ++i) {  // from within, deeper than any path may be
+    write_file("a.s01e01.avi", "x");
+    fs::create_directory(name);
+    fs::current_path(name);
+  }
+  fs::current_path(before);
+  const IntakeResult deep = test.session.intake.take(folder / "deep", false);
+  EXPECT_TRUE(deep.queued > 15 && deep.queued < 25 && deep.unread == 1) << deep.queued;
+  EXPECT_TRUE(test.session.log.lines().back().ends_with(" cannot be read, so files in it may be left out"));
 }
 
 TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
