@@ -106,7 +106,10 @@ struct Service {
   FakeClock clock{events};
   NoLog log;
   FeedSocket socket;
-  HttpClient http{socket, ui, clock, log};
+  MemoryFiles files;
+  const std::string work_dir;
+  Pace pace{clock, files, work_dir};
+  HttpClient http{socket, ui, clock, log, pace};
 };
 
 }  // namespace quorvel::fuzz

@@ -15,6 +15,8 @@ class Clock {
   /// Hours, minutes and seconds of the user's time zone in the user's long time format, e.g. "14:05:33".
   virtual std::string time_of_day() const = 0;
 
+  virtual std::chrono::system_clock::time_point utc() const { return std::chrono::system_clock::now(); }
+
   /// A moment to measure from, which no change of the system's time affects.
   virtual std::chrono::steady_clock::time_point instant() const { return std::chrono::steady_clock::now(); }
 

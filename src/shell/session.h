@@ -81,6 +81,7 @@ class Session {
   WorkQueue queue;
   FilterList filters;
   ExceptionList exceptions;
+  Pace pace;
   HttpClient http;
   CacheFolder cache;
   KnownShows known_shows;

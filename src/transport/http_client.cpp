@@ -9,6 +9,7 @@
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
+#include "transport/retry_after.h"
 
 namespace quorvel {
 namespace {
@@ -44,6 +45,15 @@ std::vector<std::string_view> header_lines(std::string_view header) {
     lines.push_back(trim(line.substr(0, line.size() < 2 ? 0 : line.size() - 2)));
   }
   return lines;
+}
+
+/// Empty when there is no such field.
+std::string_view value_of(const std::vector<std::string_view>& lines, std::string_view name) {
+  for (const std::string_view line : lines) {
+    const std::optional<HeaderField> field = header_field(line);
+    if (field && field->name == name) return field->value;
+  }
+  return {};
 }
 
 int status_of(std::string_view status_line) {
@@ -217,10 +227,9 @@ HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& addres
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
   ui_.catch_up();
-  while (pace_.time_left().count() > 0) {
-    if (!wait(pace_.time_left())) return Outcome::Nothing;
+  for (std::chrono::milliseconds left; (left = pace_.claim()).count() > 0;) {
+    if (!wait(left)) return Outcome::Nothing;
   }
-  pace_.count_request();
   check_deadline();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
@@ -329,12 +338,9 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
     }
   }
   refused_ = status == too_many_requests || status == unavailable;
-  named_wait_ = {};
   if (refused_) {
-    for (const std::string_view line : lines) {
-      const std::optional<HeaderField> field = header_field(line);
-      if (field && field->name == "retry-after") named_wait_ = std::chrono::seconds(leading_number(field->value));
-    }
+    const auto now = std::chrono::floor<std::chrono::seconds>(clock_.utc());
+    named_wait_ = time_to_wait(value_of(lines, "retry-after"), value_of(lines, "date"), now);
   } else {
     waited_ = {};
     next_wait_ = first_wait;

@@ -42,8 +42,8 @@ struct HttpLimits {
 /// or after 2, 4, 8 seconds and so on, up to a minute since the last request that was not refused.
 class HttpClient {
  public:
-  HttpClient(SocketControl& socket, UserInterface& ui, Clock& clock, Log& log)
-      : socket_(socket), ui_(ui), clock_(clock), log_(log), pace_(clock) {}
+  HttpClient(SocketControl& socket, UserInterface& ui, Clock& clock, Log& log, Pace& pace)
+      : socket_(socket), ui_(ui), clock_(clock), log_(log), pace_(pace) {}
 
   /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
   /// unverified connection, time-out, cancel, a status that is neither 2xx nor 401, or an exceeded limit; trouble()
@@ -97,7 +97,7 @@ class HttpClient {
   UserInterface& ui_;
   Clock& clock_;
   Log& log_;
-  Pace pace_;
+  Pace& pace_;
   bool refused_ = false;                    // the last request, because there are too many
   std::chrono::milliseconds named_wait_{};  // by the service; 0 when it named none
   std::chrono::milliseconds waited_{}, next_wait_ = first_wait;

@@ -87,7 +87,10 @@ TEST(Https, OnlyTheRightServerIsAcceptedAndOnlyAWholeAnswer) {
   std::string url = "https://localhost:" + Variable::get("QUORVEL_TLS_silent");
   FakeClock clock{events};
   Lines log;
-  EXPECT_EQ(HttpClient(*socket, ui, clock, log).GetData(url, ""), "[]") << "it is whole all the same";
+  const std::unique_ptr<Files> files = system_files();
+  const std::string work_dir;  // nobody is refused, so nothing is written
+  Pace pace(clock, *files, work_dir);
+  EXPECT_EQ(HttpClient(*socket, ui, clock, log, pace).GetData(url, ""), "[]") << "it is whole all the same";
   EXPECT_EQ(tls_answer("good", "") + tls_answer("other_host") + tls_answer("expired") + tls_answer("stranger"),
             "refused|refused|refused|refused|");
 }

@@ -2,8 +2,11 @@
 
 #include "fake_listings.h"
 #include "fake_ports.h"
+#include "platform/system.h"
+#include "temporary_folder.h"
 #include "text/code_page.h"
 #include "transport/http_client.h"
+#include "transport/retry_after.h"
 
 namespace quorvel::testing {
 namespace {
@@ -18,7 +21,11 @@ struct Http : ::testing::Test {
   FakeUi ui{events};
   FakeClock clock{events};
   Lines log;
-  HttpClient http{service, ui, clock, log};
+  const TemporaryFolder folder;
+  const std::unique_ptr<Files> files = system_files();
+  const std::string work_dir = folder / "";
+  Pace pace{clock, *files, work_dir};
+  HttpClient http{service, ui, clock, log, pace};
   std::string url, steps;                             // all that happened, in order, and the trouble
   std::function<bool()> works = [] { return true; };  // whether the last of them succeeds
 
@@ -152,13 +159,44 @@ TEST_F(Http, AServiceThatRefusesIsAskedAgainLaterAndNeverTooOftenFromThenOn) {
   EXPECT_EQ(waited().count(), 19 + 2 + 4 + 8 + 16) << "no more than a minute";
   EXPECT_EQ(get({refused("")}), "") << "nobody waits for a service that is down";
 
+  const std::string date = "Sun, 06 Nov 1994 08:49:37 GMT", later = "Sun, 06 Nov 1994 08:50:01 GMT";
+  const auto now = std::chrono::sys_days(std::chrono::November / 6 / 1994) + std::chrono::hours(8);
+  const std::tuple<std::string, std::string, int> cases[] = {{later, date, 24},
+                                                             {"Sunday, 06-Nov-94 08:50:01 GMT", date, 24},
+                                                             {"Sun Nov  6 08:50:01 1994", date, 24},
+                                                             {later, "", 50 * 60 + 1},
+                                                             {date, later, 0},
+                                                             {"Sun, 31 Feb 1994 08:49:37 GMT", date, 0},
+                                                             {"soon", date, 0},
+                                                             {"", date, 0}};
+  for (const auto& [after, own, seconds] : cases) EXPECT_EQ(time_to_wait(after, own, now).count(), seconds) << after;
+  const auto before = clock.now;
+  EXPECT_EQ(get({refused("Date: " + date + "\r\nRetry-After: " + later + "\r\n"), {ok + "x"}}), "x");
+  EXPECT_EQ(clock.now - before, std::chrono::seconds(24));
+}
+
+TEST_F(Http, CopiesKeepThePaceTogetherFromTheFirstRefusalOfAny) {
+  Pace other(clock, *files, work_dir);
   std::vector<std::chrono::steady_clock::time_point> sent;
-  while (sent.size() < 50) {
-    EXPECT_EQ(get({{ok + "x"}}), "x");
-    sent.push_back(clock.now);
-  }
-  for (std::size_t i = 20; i < sent.size(); ++i) EXPECT_GE(sent[i] - sent[i - 20], std::chrono::seconds(10));
-  EXPECT_LT(sent.back() - sent.front(), std::chrono::seconds(22));
+  const auto ask_both = [&] {
+    for (Pace* const copy : {&pace, &other}) {
+      for (std::chrono::milliseconds left; (left = copy->claim()).count() > 0;) clock.wait(left);
+      sent.push_back(clock.now);
+    }
+  };
+  while (sent.size() < 18) ask_both();
+  EXPECT_FALSE(files->exists(work_dir + "requests") || clock.now.time_since_epoch().count() > 0);
+  pace.slow_down();
+  while (sent.size() < 60) ask_both();
+  for (std::size_t i = 20; i < sent.size(); ++i) EXPECT_GE(sent[i] - sent[i - 20], std::chrono::seconds(10)) << i;
+  EXPECT_LT(sent.back() - sent.front(), std::chrono::seconds(21));
+  const std::unique_ptr<HeldFile> held = files->hold(work_dir + "requests");
+  int alone = 0;
+  while (alone < 30 && pace.claim().count() == 0) ++alone;
+  EXPECT_LE(alone, 20) << "what cannot be shared is kept to alone";
+  clock.wait(std::chrono::minutes(11));
+  Pace fresh(clock, *files, work_dir);
+  for (int i = 0; i < 30; ++i) EXPECT_EQ(fresh.claim().count(), 0) << "all that is long past";
 }
 
 }  // namespace
