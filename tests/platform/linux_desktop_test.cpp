@@ -59,11 +59,15 @@ TEST_F(LinuxDesktop, TheSettingsFileKeepsWhatElseStandsInItAndStaysWhenItCannotB
   const std::string foreign =
       "# mine\n\n[Other]\nkey[de]=wert\n\n[Settings]\n# why\nlow=-1\nbig=4294967296\nword=12 x\nraw=\xff\n";
   write(path, foreign);
+  const fs::path left = path_of(data_folder_of(folder.path())) / ".quorvel-killed", current = left.string() + "2";
+  for (const fs::path& temporary : {left, current}) write(temporary.string(), "half");
+  fs::last_write_time(left, fs::last_write_time(left) - std::chrono::hours(25));
   const auto store = settings_of(*files, folder.path());
   store->write_string("", "3.4");
   for (const char* const name : {"a=b", "a\nb", "[x]", "#x"}) EXPECT_THROW(store->write_number(name, 1), Failure);
   EXPECT_THROW(store->write_string("types", "\xff"), Failure);
   EXPECT_EQ(contents(path), foreign + "version=3.4\n");
+  EXPECT_TRUE(!fs::exists(left) && fs::exists(current));
   EXPECT_EQ(store->read_number("low"), 0xFFFFFFFFu);
   EXPECT_FALSE(store->read_number("big") || store->read_number("word") || store->read_string("raw"));
 

@@ -2,12 +2,15 @@
 #include <unistd.h>
 
 #include <charconv>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "platform/linux/folders.h"
 #include "platform/system.h"
+#include "platform/temporary_name.h"
 #include "text/failure.h"
 
 namespace quorvel {
@@ -58,7 +61,7 @@ Values no_values() {
 /// in the file, comments included, is kept.
 class KeyFileStore : public KeyValueStore {
  public:
-  KeyFileStore(Files& files, std::string path) : files_(files), path_(std::move(path)), values_(load()) {}
+  KeyFileStore(Files& files, std::string path) : files_(files), path_(std::move(path)), values_(load()) { clear_up(); }
 
   /// There are no values then, and nothing is written, so that the user can mend the file.
   std::optional<std::string> trouble() const override { return trouble_; }
@@ -110,6 +113,21 @@ class KeyFileStore : public KeyValueStore {
   }
 
  private:
+  /// Removes what processes have left that were killed as they wrote. What is younger may be another's that is writing.
+  void clear_up() {
+    const std::string folder = parent_folder(path_) + "/";
+    std::vector<std::string> old;
+    const auto long_ago = std::chrono::system_clock::now() - std::chrono::days(1);
+    files_.list(folder, [&](const FolderEntry& entry) {
+      if (entry.is_folder || entry.is_link || !entry.name.starts_with(temporary_prefix)) return;
+      const std::optional<FileStamp> stamp = files_.stamp(folder + entry.name);
+      if (stamp && std::chrono::nanoseconds(stamp->modified_ns) < long_ago.time_since_epoch()) {
+        old.push_back(folder + entry.name);
+      }
+    });
+    for (const std::string& path : old) files_.remove(path);
+  }
+
   /// The file as it is now; without values, and trouble_ set, when it cannot be understood.
   Values load() {
     Values values = no_values();
