@@ -3,11 +3,9 @@
 #include <curl/curl.h>
 #include <gtest/gtest.h>
 
-#include "fake_ports.h"
+#include "child_process.h"
 #include "listings_service.h"
-#include "platform/system.h"
-#include "transport/http_client.h"
-#include "variable.h"
+#include "temporary_folder.h"
 
 namespace quorvel::testing {
 namespace {
@@ -59,40 +57,46 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_ABORTED_BY_CALLBACK);
 }
 
-/// What the system's own connection gets from a server of tls_peers_main.cpp, in whose place `authority` vouches.
-std::string tls_answer(const std::string& server, const char* authority = QUORVEL_CERTIFICATES_DIR "/authority.pem") {
-  const Variable trusted("SSL_CERT_FILE", authority);
+const std::string authority = QUORVEL_CERTIFICATES_DIR "/authority.pem";
+const std::string request = "GET /search/shows?q=none HTTP/1.0\r\n\r\n", good = listings_answer(request) + "|";
+
+/// What the system's own connection gets from a server of tls_peers_main.cpp, for which `trusted` vouches.
+std::string tls_answer(const std::string& server, const std::string& trusted = authority) {
+  const Variable file("SSL_CERT_FILE", trusted);
   const std::unique_ptr<SocketControl> socket = system_socket();
   socket->set_secure(true);
   if (socket->connect("localhost", std::stoi(Variable::get("QUORVEL_TLS_" + server))) != 0) return "refused|";
-  socket->write("GET / HTTP/1.0\r\n\r\n");
+  socket->write(request);
   return read_to_end(*socket);
 }
 
-const std::string good = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n[]|";
-const bool no_servers = Variable::get("QUORVEL_TLS_good").empty();
+struct Https : ::testing::Test {
+  void SetUp() override {
+    if (Variable::get("QUORVEL_TLS_good").empty()) GTEST_SKIP() << "tls-peers runs this";
+  }
+};
 
-TEST(Https, AnAnswerArrivesByteForByte) {
-  if (no_servers) GTEST_SKIP() << "tls-peers runs this";
+TEST_F(Https, OnlyTheRightServerIsAcceptedAndItsAnswerArrivesByteForByte) {
   EXPECT_TRUE(tls_answer("good").starts_with(good));
+  EXPECT_EQ(tls_answer("other_host") + tls_answer("expired") + tls_answer("stranger") + tls_answer("good", "nowhere"),
+            "refused|refused|refused|refused|");
 }
 
-TEST(Https, OnlyTheRightServerIsAcceptedAndOnlyAWholeAnswer) {
-  if (no_servers) GTEST_SKIP() << "tls-peers runs this";
+TEST_F(Https, AnAnswerThatMayBeCutIsToldFromAWholeOneAndTheSystemVouchesByItself) {
   EXPECT_EQ(tls_answer("good") + tls_answer("silent"), good + "closed" + good + "error");
-  const Variable trusted("SSL_CERT_FILE", QUORVEL_CERTIFICATES_DIR "/authority.pem");
-  const std::unique_ptr<SocketControl> socket = system_socket();
-  Events events;
-  FakeUi ui{events};
-  std::string url = "https://localhost:" + Variable::get("QUORVEL_TLS_silent");
-  FakeClock clock{events};
-  Lines log;
-  const std::unique_ptr<Files> files = system_files();
-  const std::string work_dir;  // nobody is refused, so nothing is written
-  Pace pace(clock, *files, work_dir);
-  EXPECT_EQ(HttpClient(*socket, ui, clock, log, pace).GetData(url, ""), "[]") << "it is whole all the same";
-  EXPECT_EQ(tls_answer("good", "") + tls_answer("other_host") + tls_answer("expired") + tls_answer("stranger"),
-            "refused|refused|refused|refused|");
+  EXPECT_EQ(tls_answer("good", ""), "refused|");
+}
+
+TEST_F(Https, TheWholeProgramGetsItsListingsThoughTheServerEndsWithoutItsNotice) {
+  const TemporaryFolder folder;
+  write_file(folder / "harbour.lights.s01e02.mkv", "x");
+  // A name that only the system's own characters can write.
+  std::filesystem::copy_file(path_of(authority), path_of(folder / "日.pem"));
+  auto environment = user_at(folder.path(), "https://localhost:" + Variable::get("QUORVEL_TLS_silent"));
+  environment["SSL_CERT_FILE"] = folder / "日.pem";
+  const Start start{QUORVEL_CLI, {"-w" + folder.path(), folder / "harbour.lights.s01e02.mkv"}, {}, environment};
+  EXPECT_EQ(ChildProcess(start).status(), 0);
+  EXPECT_EQ(contents(folder / "The Harbour Lights - 1x02 - The Pilot Boat.mkv"), "x");
 }
 
 }  // namespace

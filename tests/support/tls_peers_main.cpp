@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "fake_listings.h"
+
 namespace {
 
 /// Refuses a client that offers HTTP/2: a service that has it would then speak it.
@@ -37,7 +39,9 @@ void serve(BIO* server) {
     BIO* const client = BIO_pop(server);
     std::string request;
     for (char byte = 0; !request.ends_with("\r\n\r\n") && BIO_read(client, &byte, 1) == 1;) request += byte;
-    BIO_puts(client, "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n[]");
+    // Whoever refuses the certificate asks nothing.
+    const std::string answer = request.empty() ? "" : quorvel::testing::listings_answer(request);
+    BIO_write(client, answer.data(), static_cast<int>(answer.size()));
     BIO_free_all(client);  // with the notice that TLS wants
   }
 }

@@ -10,6 +10,7 @@
 #include <future>
 #include <utility>
 
+#include "platform/disk_files.h"
 #include "text/failure.h"
 
 #ifndef _WIN32
@@ -147,7 +148,14 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   // the service altogether.
   curl_easy_setopt(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
   if (!ca_file.empty()) {
-    curl_easy_setopt(easy, CURLOPT_CAINFO, ca_file.c_str());
+    // Read here: libcurl would look for a name that the system's code page does not hold in another place.
+    std::optional<std::string> authorities = DiskFiles().read(ca_file);
+    if (!authorities) {
+      ("The certificates of " + ca_file + " cannot be read").copy(message.data(), message.size() - 1);
+      return CURLE_SSL_CACERT_BADFILE;
+    }
+    curl_blob blob{authorities->data(), authorities->size(), CURL_BLOB_COPY};
+    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, &blob);
     // TLS libraries without such a folder refuse the option, to the same effect.
     curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
   }

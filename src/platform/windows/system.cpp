@@ -41,6 +41,13 @@ class SystemClock : public Clock {
   }
 };
 
+/// Empty as well when it is not set.
+std::string variable(const wchar_t* name) {
+  std::wstring value(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
+  value.resize(GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size())));
+  return to_utf8(value);
+}
+
 /// The program's name ends at its closing quote, or at a blank where it has none.
 std::wstring_view without_program(std::wstring_view line) {
   bool quoted = false;
@@ -60,14 +67,14 @@ std::unique_ptr<Clock> system_clock() {
 }
 
 std::unique_ptr<SocketControl> system_socket() {
-  return std::make_unique<CurlSocketControl>(std::string(), system_proxy);
+  // For those who must trust an authority of their own and may not tell Windows so.
+  return std::make_unique<CurlSocketControl>(variable(L"SSL_CERT_FILE"), system_proxy);
 }
 
 std::string application_data_folder(Files&) {
-  std::wstring folder(GetEnvironmentVariableW(L"APPDATA", nullptr, 0), L'\0');
-  folder.resize(GetEnvironmentVariableW(L"APPDATA", folder.data(), static_cast<DWORD>(folder.size())));
-  folder.erase(folder.find_last_not_of(L"\\/") + 1);
-  return to_utf8(folder);
+  std::string folder = variable(L"APPDATA");
+  folder.erase(folder.find_last_not_of("\\/") + 1);
+  return folder;
 }
 
 std::string program_file() {
