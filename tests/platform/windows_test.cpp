@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <shellapi.h>
 
 #include <thread>
 
@@ -10,7 +11,9 @@
 #include "platform/windows/handle.h"
 #include "platform/windows/proxy.h"
 #include "platform/windows/registry.h"
+#include "platform/windows/shell.h"
 #include "platform/windows/wide.h"
+#include "system_facts.h"
 #include "temporary_folder.h"
 
 namespace quorvel::testing {
@@ -24,6 +27,11 @@ struct WindowsFiles : ::testing::Test {
   const std::string a = folder / "a.mkv";
 
   WindowsFiles() { write_file(a, "A"); }
+  /// In the window with a `user`, in the terminal without.
+  static int perform(int operation, const std::string& from, const std::string& to = "", MayReplace user = {}) {
+    const std::uint16_t flags = Request::AllowUndo | (operation == Request::Delete ? Request::NoConfirmation : 0);
+    return system_file_operation({}, std::move(user))->perform({operation, from, to, flags, to + ".new"});
+  }
 };
 
 TEST_F(WindowsFiles, ProtectedAndOpenFilesStayAndAttributesAreKept) {
@@ -37,24 +45,107 @@ TEST_F(WindowsFiles, ProtectedAndOpenFilesStayAndAttributesAreKept) {
   EXPECT_EQ(everything_in(folder.path()), (std::map<std::string, std::string>{{a, "new"}}));
 }
 
-TEST_F(WindowsFiles, LongPathsWorkAndTheShellIsNotCalledForWhatCouldHitAnotherFile) {
+TEST_F(WindowsFiles, OperationsTakeLongPathsAndNoPatterns) {
   std::string deep = folder.path();
   while (deep.size() < 300) EXPECT_TRUE(files->create_folder(deep += "\\" + std::string(50, 'd')));
   const std::string file = deep + "\\x.mkv";
-  EXPECT_TRUE(files->replace(file, "deep"));
   EXPECT_EQ(absolute_path(deep + "\\.\\x.mkv"), file);
-  const auto perform = [](int operation, const std::string& from, const std::string& to) {
-    return system_file_operation({}, {})->perform({operation, from, to, 0});
-  };
-  EXPECT_EQ(perform(Request::Move, file, folder / "x.mkv"), 0x79);
-  for (const std::string& none : {folder / "*.mkv", folder / "?.mkv", std::string("a.mkv"), std::string("C:\\")}) {
-    EXPECT_EQ(perform(Request::Copy, none, folder / "new"), 0x7C) << none;
-    EXPECT_EQ(perform(Request::Copy, a, none), 0x7C) << none;
-    EXPECT_EQ(perform(Request::Delete, none, ""), 0x7C) << none;
+  for (const MayReplace& user : {MayReplace(), MayReplace([](auto) { return true; })}) {
+    EXPECT_EQ(perform(Request::Copy, a, file, user), 0);
+    EXPECT_EQ(perform(Request::Move, a, file, user), shell::name_taken);
+    EXPECT_EQ(perform(Request::Delete, file, "", user), native::no_trash_code);
+    EXPECT_EQ(perform(Request::Rename, file, deep + "\\y.mkv", user), 0);
+    EXPECT_EQ(perform(Request::Move, deep + "\\y.mkv", folder / "y.mkv", user), 0);
+    EXPECT_EQ(contents(folder / "y.mkv"), "A");
+    EXPECT_TRUE(files->remove(folder / "y.mkv"));
+    for (const std::string& none : {folder / "*.mkv", folder / "?.mkv", std::string("a.mkv"), std::string("C:\\")}) {
+      EXPECT_EQ(perform(Request::Copy, none, folder / "new", user), shell::invalid_path) << none;
+      EXPECT_EQ(perform(Request::Copy, a, none, user), shell::invalid_path) << none;
+      EXPECT_EQ(perform(Request::Delete, none, "", user), shell::invalid_path) << none;
+    }
   }
-  EXPECT_EQ(files->read(file).value_or("") + files->read(a).value_or(""), "deepA");
-  EXPECT_TRUE(files->remove(file));
+  EXPECT_EQ(contents(a), "A");
   for (; deep != folder.path(); deep.resize(deep.rfind('\\'))) RemoveDirectoryW(system_path(deep)->c_str());
+}
+
+TEST_F(WindowsFiles, ACopyThatFailsLeavesNothingBehindAndAFileInUseStays) {
+  const TemporaryFolder there(facts::other_device);
+  const std::wstring wide = *to_utf16(a);
+  const std::string to = there / "x", temporary = to + ".new";
+  const auto attempt = [&](int operation, const CopyProgress& progress) {
+    const std::uint16_t flags = Request::AllowUndo | Request::Verify;
+    return system_file_operation(progress, {})->perform({operation, a, to, flags, temporary});
+  };
+  for (const int operation : {Request::Copy, Request::Move}) {
+    EXPECT_EQ(attempt(operation, [](auto, auto) { return false; }), shell::aborted);
+    EXPECT_EQ(attempt(operation, [](auto done, auto total) { return done < total; }), shell::aborted);
+    EXPECT_THROW(attempt(operation, [](auto, auto) -> bool { throw std::runtime_error("no"); }), std::runtime_error);
+    const auto spoil = [&](auto done, auto) { return done == 0 || (write_file(temporary, "B"), true); };
+    EXPECT_EQ(attempt(operation, spoil), native::copy_differs_code);
+    for (const auto& [access, shared, code] :
+         {std::tuple(GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, native::being_written_code),
+          {GENERIC_READ, 0, static_cast<int>(ERROR_SHARING_VIOLATION)}}) {
+      const Handle held(CreateFileW(wide.c_str(), access, shared, nullptr, OPEN_EXISTING, 0, nullptr));
+      EXPECT_EQ(attempt(operation, {}), code);
+      // The shell has said that it had moved the file.
+      EXPECT_EQ(perform(Request::Rename, a, folder / "y", [](auto) { return false; }) == 0, shared != 0);
+      perform(Request::Rename, folder / "y", a);
+    }
+    EXPECT_EQ(everything_in(folder.path()).size() + everything_in(there.path()).size(), 1U);
+    SetFileAttributesW(wide.c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_EQ(attempt(operation, {}), 0);
+    EXPECT_TRUE(contents(to) == "A" && (GetFileAttributesW(to_utf16(to)->c_str()) & FILE_ATTRIBUTE_READONLY) != 0);
+    EXPECT_EQ(files->exists(a), operation == Request::Copy);
+    EXPECT_EQ(system_file_operation({}, {})->perform({Request::Delete, to, "", Request::NoConfirmation}), 0);
+  }
+}
+
+/// How much has gone to the recycle bin.
+std::int64_t in_bin() {
+  SHQUERYRBINFO bin{};
+  bin.cbSize = sizeof bin;
+  return SHQueryRecycleBinW(L"C:\\", &bin) == S_OK ? bin.i64NumItems : -1;
+}
+
+TEST_F(WindowsFiles, WhatIsDeletedOrGivenUpByTheUserGoesToTheBinAndNothingIsReplacedUnasked) {
+  const TemporaryFolder there(facts::other_device);  // without a bin
+  const std::string b = folder / "b", c = there / "c";
+  for (const std::string& file : {b, c}) write_file(file, "kept");
+  int asked = 0;
+  bool answer = false;
+  const MayReplace user = [&](const std::string&) { return ++asked, answer; };
+  for (const std::string& to : {a, b, c, folder.path()}) {
+    for (const int operation : {Request::Rename, Request::Move, Request::Copy}) {
+      EXPECT_NE(perform(operation, a, to, user), 0) << operation << to;
+    }
+  }
+  EXPECT_EQ(contents(a) + contents(b) + contents(c) + std::to_string(asked), "Akeptkept2");
+  answer = true;
+  const std::int64_t before = in_bin();
+  for (const int operation : {Request::Copy, Request::Move}) EXPECT_EQ(perform(operation, a, b, user), 0);
+  EXPECT_EQ(contents(b) + std::to_string(asked), "A4");
+  EXPECT_EQ(perform(Request::Delete, c, "", user), native::no_trash_code);
+
+  // Turned off, and too small.
+  wchar_t volume[MAX_PATH]{};
+  GetVolumeNameForVolumeMountPointW(L"C:\\", volume, MAX_PATH);
+  std::string key = to_utf8(volume);
+  key = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\BitBucket\\Volume\\" + key.substr(key.find('{'));
+  key.pop_back();
+  const std::string own = "Software\\Quorvel test " + folder.name();
+  HKEY settings = nullptr;
+  RegCreateKeyW(HKEY_CURRENT_USER, to_utf16(own)->c_str(), &settings);
+  RegOverridePredefKey(HKEY_CURRENT_USER, settings);
+  for (const auto& [name, off, on] : {std::tuple("NukeOnDelete", 1, 0), {"MaxCapacity", 0, 1}}) {
+    registry::write_number(HKEY_CURRENT_USER, key, name, static_cast<std::uint32_t>(off));
+    EXPECT_EQ(perform(Request::Delete, b, "", user), native::no_trash_code) << name;
+    registry::write_number(HKEY_CURRENT_USER, key, name, static_cast<std::uint32_t>(on));
+  }
+  EXPECT_EQ(perform(Request::Delete, b, "", user), 0);
+  RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+  RegCloseKey(settings);
+  RegDeleteTreeW(HKEY_CURRENT_USER, to_utf16(own)->c_str());
+  EXPECT_GE(in_bin(), before + 3);
 }
 
 TEST(WindowsSettings, AreWrittenAsOthersReadThem) {

@@ -2,6 +2,7 @@
 #include <wx/uiaction.h>
 
 #include "naming/file_names.h"
+#include "system_facts.h"
 #include "test_window.h"
 #include "ui/text.h"
 
@@ -126,8 +127,8 @@ TEST_F(Running, AnExistingFileIsReplacedOnlyOnTheUsersWord) {
 }
 
 TEST_F(Running, AFileIsNotUndoneTwiceAtOnce) {
-  if (!std::filesystem::is_directory("/dev/shm")) GTEST_SKIP() << "no second file system";
-  const TemporaryFolder there("/dev/shm");
+  if (!std::filesystem::is_directory(path_of(facts::other_device))) GTEST_SKIP() << "no second file system";
+  const TemporaryFolder there(facts::other_device);
   start_with(std::string(1 << 22, 'x'), MoveAndRename, there.path());
   run_pass();
   menu_over(1, -1);

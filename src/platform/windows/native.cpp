@@ -39,17 +39,19 @@ constexpr ShellError shell_errors[] = {{0x71, "The source and the destination ar
                                        {0x86, "The source is a read-only disc."},
                                        {0x87, "The source is a read-only disc."},
                                        {0x88, "The source is a read-only disc."},
-                                       {0xB7, "The path is too long."},
                                        {0x402, "The path cannot be used."},
                                        {0x10000, "The destination cannot be written to."},
-                                       {-1, "There is no recycle bin."}};
+                                       {-1, "There is no recycle bin that the file would go to."},
+                                       {-2, "Windows says that it is done, but the file is where it was."},
+                                       {-3, "It is a folder."}};
 
 }  // namespace
 
 const char separator = '\\';
 const std::string_view system_name = "Windows";
 const int no_trash_code = -1;  // no code of the system's own is negative
-const int being_written_code = ERROR_SHARING_VIOLATION;
+// Not the one of any file that is in use: a player that has it open for reading writes nothing.
+const int being_written_code = ERROR_FILE_CHECKED_OUT;
 const int copy_differs_code = ERROR_CRC;
 const std::string_view help_file = "quorvel help.chm";
 

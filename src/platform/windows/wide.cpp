@@ -105,13 +105,20 @@ std::wstring to_utf16_or_marks(std::string_view text) {
 
 std::optional<std::wstring> system_path(const std::string& path) {
   if (path.empty() || path.find('\0') != std::string::npos) return {};
-  const std::optional<std::wstring> wide = to_utf16(path);
-  if (!wide || wide->size() < max_classic_path || wide->starts_with(unlimited) || wide->starts_with(device)) {
-    return wide;
-  }
-  const std::wstring full = full_path(*wide);
+  std::optional<std::wstring> wide = to_utf16(path);
+  if (wide) wide = system_path(*wide);
+  return wide;
+}
+
+std::wstring system_path(const std::wstring& path) {
+  if (path.size() < max_classic_path || path.starts_with(unlimited) || path.starts_with(device)) return path;
+  const std::wstring full = full_path(path);
   if (full.starts_with(L"\\\\")) return std::wstring(unlimited_share) + full.substr(2);
   return std::wstring(unlimited) + full;
+}
+
+bool is_long_form(const std::wstring& path) {
+  return path.starts_with(unlimited);
 }
 
 std::string error_text(DWORD code) {

@@ -22,6 +22,10 @@ std::wstring to_utf16_or_marks(std::string_view text);
 /// The path as the system's calls take it: beyond the classic limit of length in the form that has none.
 /// Empty for an empty path, for one that holds a NUL and for what is no text.
 std::optional<std::wstring> system_path(const std::string& path);
+std::wstring system_path(const std::wstring& path);
+
+/// Whether the path is in that form, which the shell does not take.
+bool is_long_form(const std::wstring& path);
 
 /// What the system says of an error, without a line break at its end.
 std::string error_text(DWORD code);
