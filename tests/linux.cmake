@@ -1,5 +1,6 @@
 # What the tests need on Linux.
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
+set(names ${CMAKE_CURRENT_SOURCE_DIR}/naming/names.jsonl)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 set(certificates ${CMAKE_CURRENT_SOURCE_DIR}/support/certificates)
 set(system_libraries PkgConfig::GIO Threads::Threads util)

@@ -1,5 +1,6 @@
 # What the tests need on Windows, and to run under Wine where they are cross-compiled.
 set(shows ${CMAKE_CURRENT_SOURCE_DIR}/support/shows)
+set(names ${CMAKE_CURRENT_SOURCE_DIR}/naming/names.jsonl)
 set(programs ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 set(certificates ${CMAKE_CURRENT_SOURCE_DIR}/support/certificates)
 set(system_libraries ws2_32 version)
@@ -19,7 +20,7 @@ if(CMAKE_CROSSCOMPILING)
             ${peers_source} -o ${tls_peers} -lssl -lcrypto -pthread)
   add_custom_target(tls-peers-program ALL DEPENDS ${tls_peers})
   # As Wine shows them.
-  foreach(path IN ITEMS shows programs certificates)
+  foreach(path IN ITEMS shows names programs certificates)
     string(PREPEND ${path} "Z:")
   endforeach()
 endif()

@@ -1,0 +1,174 @@
+#include "naming/reader/bare_numbers.h"
+
+#include "naming/reader/dates.h"
+#include "naming/reader/marks.h"
+
+namespace quorvel::reader {
+namespace {
+
+// How much a place looks like an episode's number.
+constexpr int none = 0, glued = 20, within = 30, leading = 45, trailing = 60, before_dash = 65, set_apart = 80,
+              bracketed = 90, dashed = 100;
+constexpr int stands_out = set_apart;
+
+bool is_decimal(const Name& name, std::size_t i) {
+  const Token& next = name.at(i + 1);
+  return next.is_number() && next.gap == Dot && next.size() == 1 && !next.technical && name.at(i).size() <= 3 &&
+         !name.at(i + 2).follows(Dot);
+}
+
+/// Whether nothing but this number stands in its brackets.
+bool fills_group(const Name& name, std::size_t i) {
+  const int id = name.at(i).group;
+  if (id < 0) return false;
+  const Group& group = name.groups[static_cast<std::size_t>(id)];
+  if (group.first != i) return false;
+  for (std::size_t other = i + 1; other < group.last; ++other) {
+    if (!name.at(other).technical && !name.at(other).is(EndWord | Release) && !name.at(other).is_number()) return false;
+  }
+  return true;
+}
+
+bool is_candidate(const Name& name, std::size_t i) {
+  const Token& token = name.at(i);
+  if (!token.is_number() || token.technical || token.size() > 4 || is_year(token)) return false;
+  const Token& next = name.at(i + 1);
+  const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
+                      (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
+  if (!name.stands_alone(i) && !letter) return false;
+  if (is_decimal(name, i)) return false;
+  if (i == 0) return true;
+  const Token& before = name.at(i - 1);
+  if (before.is_number() && is_decimal(name, i - 1)) return false;
+  return !(before.is(VolumeWord | ExtraWord) && !token.follows(Dash)) &&
+         !(before.is(SeasonWord) && !is_weak(name, i - 1)) &&
+         !(before.is(PartWord | MonthName) && !token.follows(Dash)) && !next.is(OfWord);
+}
+
+/// What follows the number at `i` and those it is joined with: "01-03", "01+02"; `list` gets them all.
+std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
+  list = {name.at(i).number};
+  const Token& next = name.at(i + 1);
+  if (next.is_word() && next.is_glued() && next.size() == 1 && !next.technical) return i + 2;  // "12a"
+  const bool pair = next.is_number() && next.size() >= 3 && next.size() == name.at(i).size() &&
+                    next.number == list.front() + 1 && !next.technical;  // "102.103"
+  if (pair) {
+    list.push_back(next.number);
+    return i + 2;
+  }
+  // "Show 2 - 05" is no range.
+  if (!next.is_number() || (next.gap != Dash && !next.follows(Tilde | Plus | Comma))) return i + 1;
+  return more_episodes(name, i + 1, {}, list);
+}
+
+/// `last` is what follows it.
+int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
+  const Token& token = name.at(i);
+  const Token& next = name.at(last);
+  if (token.is_glued() && i > 0) return name.at(i - 1).is_word() ? glued : none;
+  const bool ends = next.is_end() || next.technical || next.follows(Open | Close) || next.is(Release | EndWord);
+  const bool dash_follows = next.follows(Dash) && !next.is_end();
+  const bool wide = token.size() >= 2;
+  int value = within;
+  if (token.follows(Open) && fills_group(name, i)) {
+    const bool square = name.groups[static_cast<std::size_t>(token.group)].square;
+    value = square ? (wide ? bracketed : set_apart) : wide ? trailing : none;
+  } else if (token.group >= 0) {
+    value = none;
+  } else if (token.follows(Dash) && token.follows(Blank | Dot | Close)) {
+    value = ends || dash_follows ? dashed : next.follows(Blank) ? set_apart : within;
+  } else if (token.follows(Dash)) {
+    value = wide && (ends || dash_follows) ? trailing : none;
+  } else if (i == 0) {
+    value = dash_follows ? before_dash : leading + 20 * in_season;
+  } else if (token.follows(Close)) {
+    value = dash_follows ? before_dash : trailing;
+  } else if (dash_follows) {
+    value = before_dash;
+  } else if (ends) {
+    value = trailing;
+  }
+  const bool padded = wide && name.written(token).front() == '0';
+  if (padded) value += 5;
+  if (!wide && value < set_apart && !(in_season && i == 0)) value -= 25;
+  return value;
+}
+
+/// Whether words stand between dots, or the name tells of a broadcast that was recorded: there "102" is a season and an
+/// episode, elsewhere it may as well count over all seasons.
+bool is_of_the_scene(const Name& name) {
+  bool recorded = false, blanks = false;
+  for (std::size_t i = 0; i < name.count(); ++i) {
+    const Token& token = name.at(i);
+    if (i > 0 && token.gap == Dot && !token.technical && !name.at(i - 1).technical) return true;
+    blanks = blanks || token.follows(Blank);
+    recorded = recorded || (token.technical && token.is(Source) && !token.is(Weak));
+  }
+  return recorded || !blanks;
+}
+
+/// Whether a number is a season and an episode in one: "102", "1013".
+bool splits(const Name& name, std::size_t i, std::optional<int> season) {
+  const Token& token = name.at(i);
+  if (token.size() < 3 || token.number < 100 || token.number % 100 == 0) return false;
+  return season ? token.number / 100 == *season : is_of_the_scene(name);
+}
+
+}  // namespace
+
+std::size_t last_year_of(const Name& name) {
+  for (std::size_t i = name.count(); i-- > 1;) {
+    const Token& token = name.at(i);
+    if (is_year(token) && (token.follows(Open) || name.at(i + 1).technical || name.at(i + 1).is_end())) return i;
+  }
+  return 0;
+}
+
+bool starts_with_group(const Name& name) {
+  return !name.groups.empty() && name.groups.front().square && name.groups.front().begin == 0 &&
+         !(name.groups.front().last == 1 && name.at(0).is_number());
+}
+
+bool bare_number(const Name& name, std::optional<int> folder_season, bool standing_out, Numbers& numbers) {
+  std::size_t best = 0;
+  std::vector<int> list;
+  int best_score = standing_out ? stands_out - 1 : none;
+  for (std::size_t i = 0, next = 0; i < name.count(); i = next) {
+    next = i + 1;
+    if (!is_candidate(name, i)) continue;
+    next = range_end(name, i, list);
+    const int value = score(name, i, next, folder_season.has_value());
+    // Of equals the first between dashes, else the last: shows have numbers too, titles as well.
+    if (value > best_score || (value == best_score && value < stands_out && value > none)) {
+      best = i;
+      best_score = value;
+    }
+  }
+  if (best_score <= (standing_out ? stands_out - 1 : none)) return false;
+  const Token& token = name.at(best);
+  const bool fansub = starts_with_group(name) && best > 0;
+  if (!fansub && best_score < dashed && best < last_year_of(name)) return false;
+  if (!fansub && best_score < leading - 20 && token.size() < 3) return false;
+
+  const int number = token.number;
+  const std::optional<Mark> said = find_season(name);
+  std::optional<int> season = said ? std::optional(said->number) : folder_season;
+  numbers.first = best;
+  numbers.last = range_end(name, best, list);
+  const bool padded = token.size() >= 2 && name.written(token).front() == '0';
+  if (!fansub && splits(name, best, season)) {
+    season = number / 100;
+    for (int& each : list) each %= 100;
+    numbers.certain = folder_season == season;
+  } else {
+    const bool likely =
+        fansub || season ? best_score >= leading : best_score > trailing && (padded || token.size() == 2);
+    numbers.certain =
+        likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season : list.size() > 1;
+  }
+  numbers.season = season;
+  (season ? numbers.episodes : numbers.absolute) = list;
+  return true;
+}
+
+}  // namespace quorvel::reader

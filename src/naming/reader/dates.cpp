@@ -1,0 +1,122 @@
+#include "naming/reader/dates.h"
+
+#include <array>
+
+namespace quorvel::reader {
+namespace {
+
+constexpr std::uint16_t separators = Blank | Dot | Dash | Comma | Other;
+
+constexpr int last_short_year = 30;  // two digits mean the years that files have been named in
+
+int full_year(const Token& token) {
+  return token.size() == 2 && token.number <= last_short_year ? 2000 + token.number : token.number;
+}
+
+bool is_date(const Date& date) {
+  constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  return date.year >= 1920 && date.year <= 2059 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
+         date.day <= days[static_cast<std::size_t>(date.month) - 1];
+}
+
+bool is_short(const Token& token) {
+  return token.is_number() && token.size() <= 2;
+}
+
+/// Whether another digit stands glued to the token, so that it is no number of its own.
+bool is_free(const Name& name, std::size_t first, std::size_t last) {
+  const Token& before = name.at(first);
+  return (first == 0 || !before.is_glued()) && (name.at(last).is_end() || !name.at(last).is_glued());
+}
+
+std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
+  const Token &a = name.at(i), &b = name.at(i + 1), &c = name.at(i + 2);
+  if (!a.is_number() || !b.is_number() || !c.is_number() || !is_free(name, i, i + 3)) return {};
+  if (b.is_glued() || c.is_glued() || (b.gap & ~separators) != 0 || (c.gap & ~separators) != 0) return {};
+  if (a.technical || b.technical || c.technical) return {};
+  std::vector<Date> possible;
+  possible.reserve(3);
+  const auto consider = [&](const Token& year, const Token& month, const Token& day) {
+    const Date date{full_year(year), month.number, day.number};
+    if (is_date(date)) possible.push_back(date);
+  };
+  if (is_year(a) && is_short(b) && is_short(c)) {
+    consider(a, b, c);
+    if (possible.empty()) consider(a, c, b);
+  } else if (is_year(c) && is_short(a) && is_short(b)) {
+    // Days come first in most of the world, and always where dots stand between; slashes and dashes are used by both.
+    consider(c, b, a);
+    consider(c, a, b);
+  } else if (a.size() == 2 && b.size() == 2 && c.size() == 2 && b.gap == c.gap) {
+    consider(a, b, c);
+    consider(c, b, a);
+    consider(c, a, b);
+  }
+  if (possible.empty()) return {};
+  bool certain = true;
+  for (const Date& other : possible) certain = certain && other == possible.front();
+  return DateMark{i, i + 3, possible.front(), certain};
+}
+
+/// "20110418", and "18042011" where that is the only way.
+std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
+  const Token& token = name.at(i);
+  if (!token.is_number() || token.technical || !is_free(name, i, i + 1)) return {};
+  const int number = token.number;
+  if (token.size() == 8) {
+    const Date year_first{number / 10000, number / 100 % 100, number % 100};
+    const Date year_last{number % 10000, number / 10000 % 100, number / 1000000};
+    if (is_date(year_first)) return DateMark{i, i + 1, year_first, true};
+    if (is_date(year_last)) return DateMark{i, i + 1, year_last, false};
+  } else if (token.size() == 6) {
+    const Date date{2000 + number / 10000, number / 100 % 100, number % 100};
+    if (date.year <= 2000 + last_short_year && is_date(date)) return DateMark{i, i + 1, date, false};
+  }
+  return {};
+}
+
+/// "18 April 2011", "18th of Apr 2011", "April 18, 2011", "2011 Apr 18".
+std::optional<DateMark> written_date(const Name& name, std::size_t i) {
+  const Token& month = name.at(i);
+  if (!month.is(MonthName)) return {};
+  const auto day_behind = [&](std::size_t at, std::size_t& next) {
+    next = at + (name.at(at + 1).is_glued() && name.at(at + 1).is(OrdinalEnd) ? 2 : 1);
+    return is_short(name.at(at));
+  };
+  std::size_t next = 0;
+  if (i + 2 < name.count() && day_behind(i + 1, next) && is_year(name.at(next))) {
+    const Date date{name.at(next).number, month.number, name.at(i + 1).number};
+    if (is_date(date)) return DateMark{i, next + 1, date, true};
+  }
+  if (i >= 2 && is_year(name.at(i - 1)) && day_behind(i + 1, next)) {
+    const Date date{name.at(i - 1).number, month.number, name.at(i + 1).number};
+    if (is_date(date)) return DateMark{i - 1, next, date, true};
+  }
+  std::size_t day = i;
+  while (day > 0 && i - day < 3 && (day == i || name.at(day).is(OrdinalEnd | OfWord))) --day;
+  const bool year_follows =
+      is_year(name.at(i + 1)) || (i + 1 < name.count() && name.at(i + 1).size() == 2 && name.at(i + 1).is_number() &&
+                                  name.at(i + 1).number <= last_short_year);
+  if (day < i && is_short(name.at(day)) && year_follows) {
+    const Date date{full_year(name.at(i + 1)), month.number, name.at(day).number};
+    if (is_date(date)) return DateMark{day, i + 2, date, is_year(name.at(i + 1))};
+  }
+  if (day < i && is_year(name.at(i - 1)) && is_short(name.at(i + 1))) return {};
+  return {};
+}
+
+}  // namespace
+
+std::optional<DateMark> find_date(const Name& name) {
+  // One with a full year anywhere is better than one with two digits further in front.
+  std::optional<DateMark> second_best;
+  for (std::size_t i = 0; i < name.count(); ++i) {
+    for (const auto& found : {numeric_date(name, i), written_date(name, i), compact_date(name, i)}) {
+      if (found && found->certain) return found;
+      if (found && !second_best) second_best = found;
+    }
+  }
+  return second_best;
+}
+
+}  // namespace quorvel::reader

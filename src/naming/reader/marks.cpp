@@ -1,0 +1,201 @@
+#include "naming/reader/marks.h"
+
+#include <array>
+
+#include "naming/reader/dates.h"
+#include "text/characters.h"
+
+namespace quorvel::reader {
+namespace {
+
+constexpr int longest_range = 200;
+
+bool is_cross(const Name& name, std::size_t i) {
+  return name.is_word(i, "x") || name.is_word(i, "×") || name.is_word(i, "х") || name.is_word(i, "Х");
+}
+
+bool is_ordinal_mark(const Name& name, std::size_t i) {
+  return name.is_word(i, "第") || name.is_word(i, "제");
+}
+
+/// Digits, or where `words` allows it a number word.
+bool is_value(const Token& token, bool words) {
+  return (token.is_number() && !token.technical) || (words && token.is(NumberWord));
+}
+
+}  // namespace
+
+bool is_weak(const Name& name, std::size_t i) {
+  constexpr std::array<std::string_view, 6> weak = {"series", "serie", "série", "séries", "temp", "se"};
+  const std::string_view word = name.lowered(name.at(i));
+  for (const std::string_view each : weak) {
+    if (word == each) return true;
+  }
+  return false;
+}
+
+std::optional<Mark> season_at(const Name& name, std::size_t i) {
+  const Token& token = name.at(i);
+  const Token& next = name.at(i + 1);
+  if (token.is_end()) return {};
+  if (token.is(SeasonLetter) && next.is_number() && next.is_glued() && next.size() <= 4) {
+    return Mark{i, i + 2, next.number, !name.is_word(i, "s")};
+  }
+  if (token.is(SeasonWord) && !next.is_end() && next.size() <= 4 && is_value(next, next.follows(Blank | Dot)) &&
+      (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
+      (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0) {
+    const bool counted_behind = !is_ascii(name.lowered(token)) && i > 0 && name.at(i - 1).is_number();
+    if (!counted_behind) return Mark{i, i + 2, next.number, is_weak(name, i)};
+  }
+  // The number in front of the word.
+  if (token.is(NumberWord) && token.is(OrdinalEnd) && next.is(SeasonWord)) return Mark{i, i + 2, token.number, false};
+  std::size_t at = i;
+  const bool counted = is_ordinal_mark(name, i);
+  if (counted) ++at;
+  const Token& number = name.at(at);
+  if (!number.is_number() || number.technical || number.size() > (counted ? 6U : 2U) || (counted && !number.is_glued()))
+    return {};
+  const bool ordinal = name.at(at + 1).is_glued() && name.at(at + 1).is(OrdinalEnd) && !name.at(at + 1).is(SeasonWord);
+  if (ordinal) ++at;
+  const Token& word = name.at(at + 1);
+  if (!word.is(SeasonWord) || (word.gap & ~(Blank | Dot)) != 0) return {};
+  const bool foreign = !is_ascii(name.lowered(word));
+  const bool number_follows =
+      name.at(at + 2).is_number() && name.at(at + 2).follows(Blank | Dot) && !name.at(at + 2).follows(Dash | Open);
+  if (!ordinal && !counted && !foreign && word.gap != (Dot | Blank) && (number_follows || is_weak(name, at + 1)))
+    return {};
+  return Mark{i, at + 2, number.number, is_weak(name, at + 1)};
+}
+
+std::optional<Mark> episode_at(const Name& name, std::size_t i) {
+  const Token& token = name.at(i);
+  const Token& next = name.at(i + 1);
+  if (token.is(EpisodeLetter) && next.is_number() && next.is_glued() && next.size() <= 4 && !next.technical) {
+    return Mark{i, i + 2, next.number, true};
+  }
+  if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 4 &&
+      (next.is_number() || (next.is(NumberWord) && token.size() > 3 && next.size() > 1)) &&
+      (next.gap & ~(Blank | Dot | Hash | Other | Dash)) == 0) {
+    const bool dashed = next.follows(Dash) && next.follows(Blank);
+    return Mark{i, i + 2, next.number, dashed};
+  }
+  if (token.is_number() && token.follows(Hash) && !token.technical && token.size() <= 4)
+    return Mark{i, i + 1, token.number};
+  std::size_t at = i;
+  const bool counted = is_ordinal_mark(name, i);
+  if (counted) ++at;
+  const Token& number = name.at(at);
+  if (!number.is_number() || number.technical || number.size() > 12 || (counted && !number.is_glued())) return {};
+  const Token& word = name.at(at + 1);
+  if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
+  if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
+  const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
+  const Token& behind = ordinal ? name.at(at + 2) : word;
+  const bool foreign = !behind.is_end() && !is_ascii(name.lowered(behind));
+  if (behind.is(EpisodeWord) && !number.follows(Dot) && number.size() <= 4 && (behind.gap & ~(Blank | Dot)) == 0 &&
+      (foreign || ordinal || behind.follows(Dot))) {
+    return Mark{i, at + (ordinal ? 3 : 2), number.number};
+  }
+  return {};
+}
+
+std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
+  const Token& season = name.at(i);
+  const Token& episode = name.at(i + 2);
+  if (!season.is_number() || season.technical) return {};
+  if (i > 0 && season.is_glued()) return {};
+  if (season.size() > 2 && !is_year(season)) return {};
+  const bool glued = name.at(i + 1).is_glued();
+  const bool marked = name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).size() > 1;  // "1xE02"
+  if ((!is_cross(name, i + 1) && !marked) || !episode.is_number() || episode.technical || episode.size() > 4) return {};
+  if (glued && episode.is_glued()) return Mark{i, i + 3, season.number, episode.size() == 1};
+  if (name.at(i + 1).gap == Blank && episode.gap == Blank && episode.size() == 2)
+    return Mark{i, i + 3, season.number, true};
+  return {};
+}
+
+std::optional<Mark> find_season(const Name& name) {
+  for (std::size_t i = 0; i < name.count(); ++i) {
+    const std::optional<Mark> found = season_at(name, i);
+    if (found && !found->weak) return found;
+  }
+  return {};
+}
+
+namespace {
+
+/// One further episode.
+struct More {
+  std::size_t next = 0;  // what follows it
+  int episode = 0;
+  bool range = false;  // all up to it
+};
+
+std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int> season, int last) {
+  std::size_t at = i;
+  const Token& first = name.at(at);
+  if (first.is_end() || first.technical) return {};
+  std::uint16_t gap = first.gap;
+  bool joined = first.follows(Plus | Comma), range = first.follows(Dash | Tilde);
+  if (first.is(AndWord | ToWord) && first.is_word() && !first.is(EpisodeLetter) && first.follows(Blank | Dot)) {
+    joined = true;
+    range = first.is(ToWord);
+    ++at;
+    gap = name.at(at).gap;
+  }
+  const Token& token = name.at(at);
+  if (season) {
+    const std::optional<Mark> again = season_at(name, at);
+    if (again && again->number == *season) {
+      const std::optional<Mark> episode = episode_at(name, again->last);
+      if (episode) return More{episode->last, episode->number, range};
+    }
+    const std::optional<Mark> crossed = crossed_at(name, at);
+    if (crossed && crossed->number == *season) return More{crossed->last, name.at(crossed->last - 1).number, range};
+  }
+  const Token& next = name.at(at + 1);
+  if (next.is_number() && !next.technical && next.size() <= 4) {
+    const bool letter = token.is(EpisodeLetter) && next.is_glued();
+    // "S02E31 - Episode 55" has a title.
+    const bool word = token.is(EpisodeWord) && !token.is(CounterWord) &&
+                      (joined || (range && gap == Dash) || next.number == last + 1);
+    if (letter || word) return More{at + 2, next.number, range};
+  }
+  if ((gap == 0 || (gap & ~Blank) == Dash) && is_cross(name, at) && next.is_number() && next.is_glued() &&
+      !next.technical && next.size() <= 3) {
+    return More{at + 2, next.number, range};
+  }
+  if (!token.is_number() || token.technical || token.size() > 4 || !name.stands_alone(at) || is_year(token)) return {};
+  if (token.number <= last || token.number - last > longest_range) return {};
+  const Token& before = name.at(i - 1);
+  const bool spaced = (gap & (Blank | Dot)) != 0;
+  if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
+  if (gap == Dash && (token.size() > 1 || before.size() == 1)) return More{at + 1, token.number, true};
+  if (gap == (Dash | Blank) && token.size() > 1 && token.size() == before.size()) {
+    const Token& after = name.at(at + 1);
+    if (after.follows(Dash) || after.is_end() || after.technical || after.follows(Open | Close))
+      return More{at + 1, token.number, true};
+  }
+  if (spaced && (gap == Dot || gap == Blank) && token.size() >= 2 && token.size() == before.size() &&
+      token.number == last + 1) {
+    return More{at + 1, token.number, false};
+  }
+  return {};
+}
+
+}  // namespace
+
+std::size_t more_episodes(const Name& name, std::size_t next, std::optional<int> season, std::vector<int>& episodes) {
+  while (const std::optional<More> more = one_more(name, next, season, episodes.back())) {
+    if (more->episode <= episodes.back() || more->episode - episodes.back() > longest_range) break;
+    if (episodes.size() > static_cast<std::size_t>(longest_range)) break;
+    if (more->range) {
+      for (int between = episodes.back() + 1; between < more->episode; ++between) episodes.push_back(between);
+    }
+    episodes.push_back(more->episode);
+    next = more->next;
+  }
+  return next;
+}
+
+}  // namespace quorvel::reader

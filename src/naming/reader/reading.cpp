@@ -1,0 +1,173 @@
+#include "naming/reader/reading.h"
+
+#include <algorithm>
+#include <array>
+
+#include "naming/reader/marks.h"
+#include "naming/reader/numbers.h"
+#include "naming/reader/show.h"
+#include "naming/reader/technical.h"
+
+namespace quorvel {
+namespace {
+
+using namespace reader;
+
+constexpr std::size_t looked_at = 4;  // folders above a file that may help to read it
+
+/// The components from the last one up, at most one file and the folders that are looked at. A slash between blanks is
+/// no separator: names of releases hold one, and no folder's name ends in a blank.
+std::vector<std::string_view> components(std::string_view path) {
+  std::vector<std::string_view> found;
+  std::size_t end = path.size();
+  for (std::size_t i = path.size(); found.size() <= looked_at; --i) {
+    const bool separator = i > 0 && (path[i - 1] == '/' || path[i - 1] == '\\') &&
+                           !(i > 1 && i < path.size() && path[i - 2] == ' ' && path[i] == ' ');
+    if (i > 0 && !separator) continue;
+    if (end > i) found.push_back(path.substr(i, end - i));
+    if (i == 0) break;
+    end = i - 1;
+  }
+  return found;
+}
+
+std::string_view without_extension(std::string_view name) {
+  for (int i = 0; i < 2; ++i) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0 || name.size() - dot > 9) break;
+    std::string extension(name.substr(dot + 1));
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; });
+    if ((find_word(extension).kinds & Extension) == 0) break;
+    name.remove_suffix(name.size() - dot);
+  }
+  return name;
+}
+
+Name prepared(std::string_view text) {
+  Name name(text);
+  mark_technical(name);
+  return name;
+}
+
+bool is_sample(const Name& name) {
+  for (std::size_t i = 0; i < name.count(); ++i) {
+    if (name.at(i).is(SampleWord) && (i == 0 || i + 1 == name.count())) return true;
+  }
+  return false;
+}
+
+/// What the numbers and the text around them say.
+void take(const Name& name, const Numbers& numbers, Reading& reading) {
+  reading.season = numbers.season;
+  reading.episodes = numbers.episodes;
+  reading.absolute = numbers.absolute;
+  reading.date = numbers.date;
+  reading.part = numbers.part;
+  reading.special = numbers.special;
+  reading.certain = numbers.certain;
+  read_surroundings(name, numbers, reading);
+}
+
+/// Whether a folder's name says nothing of the show.
+bool is_generic(const Name& name) {
+  for (std::size_t i = 0; i < name.count(); ++i) {
+    if (name.at(i).is_number() ? name.count() > 1 && i > 0 && !name.at(i).technical
+                               : !name.at(i).is(FolderWord | SeasonWord | SpecialWord))
+      return false;
+  }
+  return true;
+}
+
+std::string reversed(std::string_view text) {
+  return {text.rbegin(), text.rend()};
+}
+
+/// "vkm.p027.20E10S.wohS": what only makes sense when read from the end.
+bool is_backward(const Name& name) {
+  for (std::size_t i = 0; i + 3 < name.count(); ++i) {
+    if (name.at(i).is_number() && name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).is_glued() &&
+        name.at(i + 2).is_number() && name.at(i + 2).is_glued() && name.is_word(i + 3, "s") &&
+        name.at(i + 3).is_glued()) {
+      return true;
+    }
+    if (name.is_word(i, "p") && name.at(i + 1).is_glued() &&
+        (name.written(name.at(i + 1)) == "027" || name.written(name.at(i + 1)) == "0801"))
+      return true;
+  }
+  return false;
+}
+
+/// What the name of the file's own folder says of an episode.
+Reading read_folder(const std::vector<std::string_view>& parts) {
+  Reading reading;
+  if (parts.size() < 2) return reading;
+  Name name = prepared(parts[1]);
+  std::string turned;
+  if (is_backward(name)) {
+    turned = reversed(name.text);
+    name = prepared(turned);
+  }
+  const Numbers numbers = find_numbers(name, {});
+  if (numbers.found()) take(name, numbers, reading);
+  return reading;
+}
+
+/// Names such as "abl-sr205" that a release gives its files; the folder has the words.
+bool is_short_for_more(std::string_view show) {
+  return std::none_of(show.begin(), show.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
+}
+
+/// Whether the folder's certain reading says more than the file's: that one says no numbers, or unsure ones, or the
+/// same.
+bool speaks_for(const Reading& folder, const Reading& file) {
+  if (!file.has_numbers() || !file.certain) return true;
+  return folder.season == file.season && folder.episodes == file.episodes && folder.show.size() > file.show.size();
+}
+
+struct Folder {
+  Name name;
+  std::optional<Mark> season;
+};
+
+}  // namespace
+
+Reading read_name(std::string_view path) {
+  Reading reading;
+  const std::vector<std::string_view> parts = components(path);
+  if (parts.empty()) return reading;
+  Name file = prepared(without_extension(parts.front()));
+  if (is_sample(file)) return reading;
+  std::string turned;
+  if (is_backward(file)) {
+    turned = reversed(file.text);
+    file = prepared(turned);
+  }
+
+  std::vector<Folder> folders;
+  folders.reserve(parts.size());
+  Surroundings around;
+  for (std::size_t i = 1; i < parts.size(); ++i) {
+    folders.push_back({prepared(parts[i]), {}});
+    Folder& folder = folders.back();
+    folder.season = find_season(folder.name);
+    if (!folder.season && folder.name.count() == 1 && folder.name.at(0).is(SpecialWord)) folder.season = Mark{0, 1, 0};
+    if (i <= 2 && folder.season && !around.season) around.season = folder.season->number;
+  }
+
+  const Numbers numbers = is_meaningless(file) ? Numbers{} : find_numbers(file, around);
+  if (numbers.found()) take(file, numbers, reading);
+  if (!reading.certain || is_short_for_more(reading.show)) {
+    if (const Reading of_folder = read_folder(parts); of_folder.certain && speaks_for(of_folder, reading))
+      reading = of_folder;
+  }
+  if (!reading.has_numbers()) return {};
+  for (const Folder& folder : folders) {
+    if (!reading.show.empty()) break;
+    if (is_generic(folder.name)) continue;
+    read_show_folder(folder.name, reading);
+  }
+  return reading;
+}
+
+}  // namespace quorvel

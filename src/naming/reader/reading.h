@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Reading names for the exact way: what the path of an episode's file says. The classic way's patterns are in
+/// naming/episode_patterns.h.
+namespace quorvel {
+
+struct Date {
+  int year = 0, month = 0, day = 0;
+  bool operator==(const Date&) const = default;
+};
+
+/// What is not said is empty. A name without season and episodes, absolute numbers and date names no episode.
+struct Reading {
+  std::string show;           // as it is written, with blanks between the words; without year and country
+  std::optional<int> year;    // behind the show's name
+  std::string country;        // behind the show's name, in capital letters: "US"
+  std::optional<int> season;  // 0 for specials
+  std::vector<int> episodes;  // in the season, ascending; where they stand, there is a season
+  std::vector<int> absolute;  // counted over all seasons, ascending
+  std::optional<Date> date;   // of the broadcast
+  std::optional<int> part;    // of a mini-series, whose season is 1
+  bool special = false;
+  std::string resolution, source, group, episode_title;  // as they are written
+  bool certain = false;                                  // no other reading of the numbers is likely
+
+  bool has_numbers() const { return !episodes.empty() || !absolute.empty() || date.has_value(); }
+};
+
+/// Reads a path, absolute or not, of a file that need not exist; both "/" and "\" separate folders, since lists of
+/// names come from other systems too. Folders fill in what the file's name leaves out.
+Reading read_name(std::string_view path);
+
+}  // namespace quorvel
