@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "cli/options.h"
+#include "cli/read_names.h"
 #include "cli/run.h"
 #include "platform/console.h"
 #include "platform/system.h"
@@ -22,7 +23,10 @@ int main(int argc, char** argv) {
       ending->status == 0 ? console::write_out(ending->text) : console::write_error(ending->text);
       return ending->status;
     }
-    return cli::run(std::get<cli::Options>(parsed));
+    const cli::Options& options = std::get<cli::Options>(parsed);
+    if (!options.read) return cli::run(options);
+    cli::read_names(options.paths, options.json);
+    return 0;
   } catch (const std::exception& error) {
     console::write_error(std::string("quorvel-cli: ") + error.what() + "\n");
     return 1;

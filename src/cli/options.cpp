@@ -17,6 +17,7 @@ namespace quorvel::cli {
 namespace {
 
 constexpr const char* help_start = R"(Usage: quorvel-cli [options] PATH...
+       quorvel-cli --read [--json] [NAME...|-]
 Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
 
   -v, --verbose         tell every step
@@ -24,7 +25,11 @@ Gives television episode files their right name and place. Each PATH is a file, 
   -w, --work-dir DIR    keep rules, exceptions and caches in DIR
       --set NAME=VALUE  a setting for this run; may be given again. NAME is one of
 )";
-constexpr const char* help_end = R"(  -h, --help, /?        show this text
+constexpr const char* help_end =
+    R"(      --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
+                        standard input. Nothing is asked, looked up or changed; the files need not exist
+      --json            with --read, an object a line
+  -h, --help, /?        show this text
       --version         show the version
 
 Exit status: 0 every path was taken and every file is done; 1 something was refused, failed or was cancelled, a
@@ -79,11 +84,13 @@ void add_setting(Options& options, const std::string& text) {
 }
 
 std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly { Set = 256, Version };
-  static constexpr std::array<option, 7> known = {{{"verbose", no_argument, nullptr, 'v'},
+  enum LongOnly { Set = 256, Read, Json, Version };
+  static constexpr std::array<option, 9> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                    {"dry-run", no_argument, nullptr, 'n'},
                                                    {"work-dir", required_argument, nullptr, 'w'},
                                                    {"set", required_argument, nullptr, Set},
+                                                   {"read", no_argument, nullptr, Read},
+                                                   {"json", no_argument, nullptr, Json},
                                                    {"help", no_argument, nullptr, 'h'},
                                                    {"version", no_argument, nullptr, Version},
                                                    {nullptr, 0, nullptr, 0}}};
@@ -105,6 +112,12 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
       case Set:
         add_setting(options, optarg);
         break;
+      case Read:
+        options.read = true;
+        break;
+      case Json:
+        options.json = true;
+        break;
       case 'h':
         return Ending{0, help()};
       case Version:
@@ -118,6 +131,8 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   }
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
+  if (options.json && !options.read) refuse("The option --json goes with --read");
+  if (options.read && options.paths.empty()) options.paths = {"-"};
   if (options.paths.empty()) refuse("No path is given");
   if (argc == 2 && options.paths[0] == "/?") return Ending{0, help()};
   return options;

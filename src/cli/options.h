@@ -15,6 +15,8 @@ struct Options {
   std::optional<std::string> work_dir;
   std::vector<KeyValueStore::Named> settings;  // for this run
   std::vector<std::string> paths;
+  bool read = false;  // only tell what the paths say
+  bool json = false;
 };
 
 /// Nothing is to be run: the program prints this and ends.

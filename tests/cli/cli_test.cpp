@@ -100,6 +100,34 @@ TEST_F(Cli, ADryRunShowsWhatTheRunAfterItDoes) {
   EXPECT_FALSE(settings()->read_string("types") || settings()->read_number("nocache"));
 }
 
+TEST_F(Cli, ReadingNamesAsksNobodyAndTouchesNothing) {
+  const auto before = everything_in(folder.path());
+  EXPECT_EQ(run({"--read", "Salt Road (2019)/S02E05-06.mkv", "[Kites] Paper Moon 12 [720p].mkv", "Film (2012).mkv"}),
+            0);
+  EXPECT_EQ(out,
+            "Salt Road (2019)/S02E05-06.mkv: \"Salt Road\" (2019), season 2, episodes 5, 6\n"
+            "[Kites] Paper Moon 12 [720p].mkv: \"Paper Moon\", absolute number 12\nFilm (2012).mkv: no episode\n");
+  EXPECT_EQ(run({"--read", "--json", "\"Evening Round\".US.18.Apr.11.avi", "Part 2.mkv"}), 0);
+  EXPECT_EQ(out, R"({"name":"\"Evening Round\".US.18.Apr.11.avi","show":"Evening Round","year":null,"country":"US",)"
+                 R"("season":null,"episodes":null,"absolute":null,"date":"2011-04-18","part":null,"special":false,)"
+                 R"("certain":false})"
+                 "\n"
+                 R"({"name":"Part 2.mkv","show":null,"year":null,"country":null,"season":1,"episodes":[2],)"
+                 R"("absolute":null,"date":null,"part":2,"special":false,"certain":true})"
+                 "\n");
+  EXPECT_TRUE(run({"--read"}) == 0 && out.empty()) << "the input is empty";
+  if (!facts::windows) {
+    const ChildProcess program(start({"--read", "-"}, true));
+    for (const char* const episode : {"3", "4"}) {
+      program.type("Salt Road S02E0" + std::string(episode) + "\n");
+      EXPECT_TRUE(program.shows("season 2, episode " + std::string(episode))) << "before the next line comes";
+    }
+  }
+  EXPECT_EQ(everything_in(folder.path()), before);
+  EXPECT_FALSE(settings()->read_string(""));
+  EXPECT_TRUE(service.requests().empty());
+}
+
 TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   const std::string usage = "\nTry quorvel-cli --help.", cache = folder / "work/cache";
   files->create_folder(cache);
@@ -108,6 +136,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{}, "No path is given" + usage},
       {{"--colour", "x"}, "There is no option --colour" + usage},
       {{"x", "--set"}, "The option --set lacks its value" + usage},
+      {{"--json", "x"}, "The option --json goes with --read" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
       {{"--set", "confirm=32768", "x"}, "--set confirm wants a number from 0 to 32767" + usage},
