@@ -22,6 +22,10 @@ class NoUi : public UserInterface {
   void close() override {}
 };
 
+struct NoLog : Log {
+  void debug_log(std::string_view, LogLevel) override {}
+};
+
 /// A folder of this many files, one in ten of another type, taken into an empty queue.
 void intake(benchmark::State& state) {
   const testing::TemporaryFolder folder;
@@ -31,9 +35,10 @@ void intake(benchmark::State& state) {
   const std::unique_ptr<Files> files = system_files();
   const Settings settings;
   NoUi ui;
+  NoLog log;
   while (state.KeepRunning()) {
     WorkQueue queue;
-    Intake taking(queue, settings, *files, ui, [] { return false; });
+    Intake taking(queue, settings, *files, ui, log, [] { return false; });
     benchmark::DoNotOptimize(taking.take(folder.path(), true).queued);
   }
   state.SetItemsProcessed(state.iterations() * state.range(0));
