@@ -14,7 +14,7 @@ constexpr int stands_out = set_apart;
 bool is_decimal(const Name& name, std::size_t i) {
   const Token& next = name.at(i + 1);
   return next.is_number() && next.gap == Dot && next.size() == 1 && !next.technical && name.at(i).size() <= 3 &&
-         !name.at(i + 2).follows(Dot);
+         name.at(i + 2).gap != Dot;
 }
 
 /// Whether nothing but this number stands in its brackets.
@@ -78,7 +78,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   } else if (token.follows(Dash) && token.follows(Blank | Dot | Close)) {
     value = ends || dash_follows ? dashed : next.follows(Blank) ? set_apart : within;
   } else if (token.follows(Dash)) {
-    value = wide && (ends || dash_follows) ? trailing : none;
+    value = !wide ? none : ends || dash_follows ? trailing : within;
   } else if (i == 0) {
     value = dash_follows ? before_dash : leading + 20 * in_season;
   } else if (token.follows(Close)) {
@@ -156,7 +156,8 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   numbers.first = best;
   numbers.last = range_end(name, best, list);
   const bool padded = token.size() >= 2 && name.written(token).front() == '0';
-  if (!fansub && splits(name, best, season)) {
+  const bool range = list.size() > 1 && name.at(best + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
+  if (!fansub && !range && splits(name, best, season)) {
     season = number / 100;
     for (int& each : list) each %= 100;
     numbers.certain = folder_season == season;
@@ -164,7 +165,7 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
     const bool likely =
         fansub || season ? best_score >= leading : best_score > trailing && (padded || token.size() == 2);
     numbers.certain =
-        likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season : list.size() > 1;
+        likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range : list.size() > 1;
   }
   numbers.season = season;
   (season ? numbers.episodes : numbers.absolute) = list;

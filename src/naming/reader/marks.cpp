@@ -26,7 +26,7 @@ bool is_value(const Token& token, bool words) {
 }  // namespace
 
 bool is_weak(const Name& name, std::size_t i) {
-  constexpr std::array<std::string_view, 6> weak = {"series", "serie", "série", "séries", "temp", "se"};
+  constexpr std::array<std::string_view, 5> weak = {"series", "serie", "série", "séries", "se"};
   const std::string_view word = name.lowered(name.at(i));
   for (const std::string_view each : weak) {
     if (word == each) return true;
@@ -70,10 +70,10 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
 std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   const Token& next = name.at(i + 1);
-  if (token.is(EpisodeLetter) && next.is_number() && next.is_glued() && next.size() <= 4 && !next.technical) {
+  if (token.is(EpisodeLetter) && next.is_number() && next.is_glued() && next.size() <= 5 && !next.technical) {
     return Mark{i, i + 2, next.number, true};
   }
-  if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 4 &&
+  if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 5 &&
       (next.is_number() || (next.is(NumberWord) && token.size() > 3 && next.size() > 1)) &&
       (next.gap & ~(Blank | Dot | Hash | Other | Dash)) == 0) {
     const bool dashed = next.follows(Dash) && next.follows(Blank);
@@ -85,7 +85,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const bool counted = is_ordinal_mark(name, i);
   if (counted) ++at;
   const Token& number = name.at(at);
-  if (!number.is_number() || number.technical || number.size() > 12 || (counted && !number.is_glued())) return {};
+  if (!number.is_number() || number.technical || number.number > 9999 || (counted && !number.is_glued())) return {};
   const Token& word = name.at(at + 1);
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
@@ -154,12 +154,13 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     if (crossed && crossed->number == *season) return More{crossed->last, name.at(crossed->last - 1).number, range};
   }
   const Token& next = name.at(at + 1);
-  if (next.is_number() && !next.technical && next.size() <= 4) {
+  if (next.is_number() && !next.technical && next.size() <= 5) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
-    // "S02E31 - Episode 55" has a title.
+    // "S02E31 - Episode 55" has a title, "Ep31 - Ep55" has not.
     const bool word = token.is(EpisodeWord) && !token.is(CounterWord) &&
-                      (joined || (range && gap == Dash) || next.number == last + 1);
-    if (letter || word) return More{at + 2, next.number, range};
+                      (joined || (range && (gap == Dash || token.size() <= 3)) || next.number == last + 1);
+    // "E01E03" holds what is between them, too.
+    if (letter || word) return More{at + 2, next.number, range || (letter && gap == 0)};
   }
   if ((gap == 0 || (gap & ~Blank) == Dash) && is_cross(name, at) && next.is_number() && next.is_glued() &&
       !next.technical && next.size() <= 3) {

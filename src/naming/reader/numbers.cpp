@@ -14,6 +14,7 @@ struct Search {
   const Name& name;
   const Surroundings& around;
   std::size_t last_year = 0;
+  bool in_brackets = false;  // whether a part may stand there
 
   /// What the name itself says of the season, else what the folders say.
   std::optional<int> season() const {
@@ -132,6 +133,8 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   if (!name.stands_alone(season->last) || (number.size() == 1 && !number.follows(Dash | Open))) return false;
   if (name.at(season->last + 1).is(OfWord)) return false;
   const bool spaced_dash = number.follows(Dash) && number.follows(Blank);
+  if (number.size() == 4 && !spaced_dash)
+    return set(search, numbers, season->last, season->last + 1, {}, number.number, false);
   if (season->weak && (!spaced_dash || !name.at(i + 1).follows(Blank))) return false;
   return set(search, numbers, i, season->last + 1, season->number, number.number, true);
 }
@@ -156,11 +159,39 @@ bool likely_date(const Search& search, std::size_t i, Numbers& numbers) {
   return date(search, i, numbers, false);
 }
 
+/// "- 110 (10)": season and episode in one, and the episode again.
+bool said_twice(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token &number = name.at(i), &again = name.at(i + 1);
+  if (!number.is_number() || number.technical || number.number < 100 || number.size() > 4) return false;
+  if (!again.is_number() || !again.follows(Open) || !name.at(i + 2).follows(Close) || again.size() != 2) return false;
+  if (number.number % 100 != again.number || is_year(number)) return false;
+  return set(search, numbers, i, i + 2, number.number / 100, again.number, true);
+}
+
+/// "2of6", "2 of 6".
+bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  constexpr int most_parts = 12;  // of a mini-series; others count their episodes, too
+  const Token &number = name.at(i), &all = name.at(i + 2);
+  if (!number.is_number() || !name.at(i + 1).is(OfWord) || !all.is_number() || number.number > all.number) return false;
+  if (number.size() > 3 || all.size() > 3 || (i > 0 && name.at(i - 1).is(SeasonWord))) return false;
+  const bool is_series = all.number > most_parts || starts_with_group(name);
+  if (is_series) return set(search, numbers, i, i + 3, search.season(), number.number, true);
+  set(search, numbers, i, i + 3, search.season().value_or(1), number.number, true);
+  numbers.part = number.number;
+  return true;
+}
+
 /// "Ep 12", "#12", "第12話"; Spanish names count "Cap.102" in season and episode.
 bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const std::optional<Mark> episode = episode_at(name, i);
   if (!episode || (name.at(i).is(EpisodeLetter) && name.at(i).is_glued() && i > 0)) return false;
+  if (one_of_many(search, episode->last - 1, numbers)) {
+    numbers.first = i;
+    return true;
+  }
   std::optional<int> season = search.season();
   int number = episode->number;
   if (name.lowered(name.at(i)).starts_with("cap") && number >= 100) {
@@ -175,18 +206,6 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   return true;
 }
 
-/// "2of6", "2 of 6".
-bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
-  const Name& name = search.name;
-  const Token &number = name.at(i), &all = name.at(i + 2);
-  if (!number.is_number() || !name.at(i + 1).is(OfWord) || !all.is_number() || number.number > all.number) return false;
-  if (number.size() > 3 || all.size() > 3 || (i > 0 && name.at(i - 1).is(SeasonWord))) return false;
-  if (starts_with_group(name)) return set(search, numbers, i, i + 3, search.season(), number.number, true);
-  set(search, numbers, i, i + 3, search.season().value_or(1), number.number, true);
-  numbers.part = number.number;
-  return true;
-}
-
 /// "Part 2", "Pt.II", "Part Two".
 bool part(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
@@ -194,7 +213,8 @@ bool part(const Search& search, std::size_t i, Numbers& numbers) {
   if (!name.at(i).is(PartWord) || number.is_end() || number.technical || number.size() > 9) return false;
   if ((!number.is_number() && !number.is(NumberWord)) || number.number == 0 || number.number > 99) return false;
   if ((number.gap & ~(Blank | Dot | Dash)) != 0 || !name.stands_alone(i + 1)) return false;
-  if (i < search.last_year) return false;  // a film's
+  if (i < search.last_year) return false;                          // a film's
+  if (name.at(i).group >= 0 && !search.in_brackets) return false;  // of a title, where a better number stands
   set(search, numbers, i, i + 2, search.around.season.value_or(1), number.number, true);
   numbers.part = number.number;
   return true;
@@ -206,7 +226,9 @@ bool special(const Search& search, std::size_t i, Numbers& numbers) {
   const Token& number = name.at(i + 1);
   if (!name.at(i).is(SpecialWord) || !number.is_number() || number.technical || number.size() > 3) return false;
   if (!name.stands_alone(i + 1) || number.follows(Open | Close)) return false;
-  set(search, numbers, i, i + 2, 0, number.number, !number.follows(Dash));
+  // Fan groups count them by themselves; elsewhere they are season 0.
+  const std::optional<int> season = starts_with_group(name) ? std::nullopt : std::optional(0);
+  set(search, numbers, i, i + 2, season, number.number, !number.follows(Dash));
   numbers.special = true;
   return true;
 }
@@ -233,6 +255,11 @@ bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
   return true;
 }
 
+/// "(Part 2)".
+bool part_in_brackets(const Search& search, std::size_t i, Numbers& numbers) {
+  return part({search.name, search.around, search.last_year, true}, i, numbers);
+}
+
 bool standing_out(const Search& search, std::size_t i, Numbers& numbers) {
   return i == 0 && bare_number(search.name, search.around.season, true, numbers);
 }
@@ -250,6 +277,7 @@ constexpr Rule rules[] = {
     dotted,
     episode_and_season,
     season_and_number,
+    said_twice,
     certain_date,
     episode_alone,
     one_of_many,
@@ -260,6 +288,7 @@ constexpr Rule rules[] = {
     likely_date,
     run_together,
     bare,
+    part_in_brackets,
 };
 
 }  // namespace
@@ -281,7 +310,7 @@ void absolute_behind(const Name& name, Numbers& numbers) {
 }  // namespace
 
 Numbers find_numbers(const Name& name, const Surroundings& surroundings) {
-  const Search search{name, surroundings, last_year_of(name)};
+  const Search search{name, surroundings, last_year_of(name), false};
   Numbers numbers;
   for (const Rule rule : rules) {
     for (std::size_t i = 0; i < name.count(); ++i) {

@@ -15,18 +15,36 @@ using namespace reader;
 
 constexpr std::size_t looked_at = 4;  // folders above a file that may help to read it
 
-/// The components from the last one up, at most one file and the folders that are looked at. A slash between blanks is
-/// no separator: names of releases hold one, and no folder's name ends in a blank.
+/// Where folders are separated. A slash between blanks or within brackets belongs to a name, for releases are named so;
+/// no folder's name ends in a blank, nor opens a bracket that a file's name closes.
+std::vector<std::size_t> separators(std::string_view path) {
+  std::vector<std::size_t> slashes, brackets;
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    const char byte = path[i];
+    if (byte == '(' || byte == '[') {
+      brackets.push_back(i);
+    } else if (!brackets.empty() && byte == (path[brackets.back()] == '(' ? ')' : ']')) {
+      while (!slashes.empty() && slashes.back() > brackets.back()) slashes.pop_back();
+      brackets.pop_back();
+    } else if (byte == '/' || byte == '\\') {
+      const bool spaced = i > 0 && i + 1 < path.size() && path[i - 1] == ' ' && path[i + 1] == ' ';
+      if (!spaced) slashes.push_back(i);
+    }
+  }
+  return slashes;
+}
+
+/// The components from the last one up, at most one file and the folders that are looked at.
 std::vector<std::string_view> components(std::string_view path) {
   std::vector<std::string_view> found;
+  std::vector<std::size_t> slashes = separators(path);
   std::size_t end = path.size();
-  for (std::size_t i = path.size(); found.size() <= looked_at; --i) {
-    const bool separator = i > 0 && (path[i - 1] == '/' || path[i - 1] == '\\') &&
-                           !(i > 1 && i < path.size() && path[i - 2] == ' ' && path[i] == ' ');
-    if (i > 0 && !separator) continue;
-    if (end > i) found.push_back(path.substr(i, end - i));
-    if (i == 0) break;
-    end = i - 1;
+  while (found.size() <= looked_at) {
+    const std::size_t begin = slashes.empty() ? 0 : slashes.back() + 1;
+    if (end > begin) found.push_back(path.substr(begin, end - begin));
+    if (slashes.empty()) break;
+    end = slashes.back();
+    slashes.pop_back();
   }
   return found;
 }

@@ -21,6 +21,10 @@ const Group* group_of(const Name& name, std::size_t i) {
   return id < 0 ? nullptr : &name.groups[static_cast<std::size_t>(id)];
 }
 
+bool is_upper(std::string_view word) {
+  return std::all_of(word.begin(), word.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
+}
+
 bool is_all_numbers(const Name& name, Span span) {
   for (std::size_t i = span.first; i < span.last; ++i) {
     if (!name.at(i).is_number()) return false;
@@ -48,16 +52,17 @@ std::string words_of(const Name& name, Span span, bool keep_brackets) {
     if (!text.empty() && i > span.first) {
       const Token& before = name.at(i - 1);
       std::string between(name.text.substr(before.end, token.begin - before.end));
-      const bool acronym = between == "." && before.size() == 1 && token.size() == 1;
-      const bool figures = between == "." && is_all_numbers(name, span);
+      const bool one_dot = between == ".";
+      const bool acronym = one_dot && before.size() == 1 && token.size() == 1;
+      const bool figures = one_dot && is_all_numbers(name, span);
       for (char& byte : between) {
-        const bool stands_for_blank = byte == '_' ||
-                                      (byte == '.' && between.size() == 1 && !acronym && !figures && !spaces) ||
-                                      (byte == '-' && dashes_are_blanks);
+        const bool stands_for_blank =
+            byte == '_' || (byte == '.' && !acronym && !figures && !spaces) || (byte == '-' && dashes_are_blanks);
         if (stands_for_blank) byte = ' ';
       }
       text += between;
     }
+    if (text.empty() && group != nullptr && !group->square && group->first == i && group->last < span.last) text += '(';
     text += name.written(token);
   }
   // "What If...?"
@@ -75,13 +80,12 @@ std::string tidy(const std::string& text) {
     if (byte == ' ' && (result.empty() || result.back() == ' ')) continue;
     result += byte;
   }
-  while (!result.empty() && std::string_view(" -,([{~+").find(result.back()) != std::string_view::npos)
+  while (!result.empty() && std::string_view(" -,([{~+").find(result.back()) != std::string_view::npos) {
     result.pop_back();
+  }
+  const std::size_t open = result.rfind('(');
+  if (open != std::string::npos && result.find(')', open) == std::string::npos) result += ')';
   return result;
-}
-
-bool is_upper(std::string_view word) {
-  return std::all_of(word.begin(), word.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
 }
 
 /// Takes year and country off the end of the show's tokens.
@@ -109,14 +113,16 @@ void take_year_and_country(const Name& name, Span& span, Reading& reading) {
 
 /// "(Group) Show", but not "(500) Nights", nor "(Un)Clear".
 bool is_round_group_in_front(const Name& name, const Group& group) {
-  return group.begin == 0 && name.at(group.first).is_word() && name.at(group.last).follows(Blank);
+  if (group.begin != 0 || !name.at(group.first).is_word()) return false;
+  return name.at(group.last).follows(Blank) || is_upper(name.written(name.at(group.first)));
 }
 
 /// Where the show's tokens start: behind groups and sites in front.
 std::size_t behind_front(const Name& name, std::size_t last) {
   std::size_t first = 0;
   // Somebody passed the group's file on: "Somebody.[Group] Show".
-  if (name.count() > 1 && name.at(1).follows(Open) && !name.at(1).follows(Blank) && name.at(0).group < 0) {
+  if (name.count() > 1 && name.at(1).follows(Open) && (!name.at(1).follows(Blank) || name.at(0).is_number()) &&
+      name.at(0).group < 0) {
     const Group* const behind = group_of(name, 1);
     if (behind != nullptr && behind->square && !behind->technical && behind->last < last) first = 1;
   }
@@ -163,9 +169,10 @@ Span alternative(const Name& name, Span span, std::size_t numbers_first) {
   return !part.empty() && is_latin(name, part) ? part : span;
 }
 
-/// "纸月 Paper Moon": of the names in two scripts, the Latin one.
+/// "[Group] 纸月 Paper Moon", "纸月.Paper.Moon": of the names in two scripts, the Latin one.
 Span latin_part(const Name& name, Span span) {
   for (std::size_t i = span.first + 1; i < span.last; ++i) {
+    if (!starts_with_group(name) && name.at(i).gap != Dot) continue;
     if (!is_ascii(name.written(name.at(i - 1))) && is_latin(name, {i, span.last})) return {i, span.last};
   }
   return span;
@@ -190,7 +197,11 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   Span span{behind_front(name, last), last};
   // What the numbers' brackets open with is not the show's.
   const Group* const own = numbers.found() ? group_of(name, numbers.first) : nullptr;
-  if (own != nullptr && own->first < last && own->last > last) span.last = std::max(own->first, span.first);
+  if (own != nullptr && own->first < last && own->last > last) {
+    span.last = std::max(own->first, span.first);
+    if (is_year(name.at(own->first))) reading.year = name.at(own->first).number;
+    if (span.empty()) span = {own->first, last};  // "[Group][Show Season 2][05]"
+  }
   for (std::size_t i = span.first; i < span.last; ++i) {
     if (const std::optional<Mark> season = season_at(name, i); season && !season->weak && season->last <= span.last) {
       if (i > span.first) {
@@ -222,7 +233,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
     }
   }
   // "Show - 112 - S05E06": the number counts over all seasons.
-  if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash)) {
+  if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash | Open)) {
     const Token& number = name.at(span.last - 1);
     if (number.is_number() && number.follows(Dash) && number.follows(Blank) && !is_year(number)) {
       reading.absolute = {number.number};
@@ -273,6 +284,13 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
     while (!name.at(span.last).is_end() && !name.at(span.last).technical) ++span.last;
     title_from = span.last;
   }
+  if (span.empty() && numbers.first == 0 && !numbers.absolute.empty() && name.at(0).size() >= 3) {
+    span = {numbers.last, numbers.last};  // "003. Show - Title"
+    do ++span.last;
+    while (span.last < name.count() && !(name.at(span.last).follows(Dash) && name.at(span.last).follows(Blank)));
+    if (span.last >= name.count()) span.last = span.first;
+    if (!span.empty()) title_from = span.last;
+  }
   if (span.empty() && starts_with_group(name) && numbers.first == name.groups.front().last &&
       name.at(numbers.first).group < 0) {
     // "[Group] 12 - Show"
@@ -282,7 +300,7 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
   }
   if (span.empty() && starts_with_group(name) && numbers.first > 0) span = in_brackets(name, numbers.first);
   span = alternative(name, span, numbers.first);
-  if (starts_with_group(name)) span = latin_part(name, span);
+  span = latin_part(name, span);
   take_year_and_country(name, span, reading);
   std::string show = words_of(name, span, false);
   if (span.last == numbers.first && numbers.letters_before <= show.size())

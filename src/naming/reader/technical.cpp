@@ -185,7 +185,8 @@ void mark_group(Name& name, Group& group) {
   group.technical = group.curly || technical > 0 || weak == size;
   if (group.technical && technical + weak > 0 && group.first > 0) {
     for (std::size_t i = group.first; i < group.last; ++i) {
-      if (name.at(i).is_number() || name.at(i).is(technical_kinds | Language)) mark(name, i, i + 1, 0);
+      const bool number = name.at(i).is_number() && !name.at(i).is_glued() && name.stands_alone(i);
+      if (number || name.at(i).is(technical_kinds | Language)) mark(name, i, i + 1, 0);
     }
   }
 }
@@ -226,6 +227,7 @@ void mark_technical(Name& name) {
     const int number = token.number;
     if (!token.is_number() || token.technical || token.is_glued() || !name.stands_alone(i)) continue;
     if (number != 480 && number != 576 && number != 720 && number != 1080 && number != 2160) continue;
+    if (token.follows(Dash) && token.follows(Blank)) continue;  // "Show - 1080"
     const bool beside = name.at(i + 1).technical || name.at(i - 1).technical || name.at(i + 1).is(technical_kinds);
     if (number >= 1080 || beside) mark(name, i, i + 1, Resolution);
   }

@@ -82,7 +82,7 @@ constexpr Row rows[] = {
      "proper repack rerip remastered nuked readnfo dirfix nfofix uncensored hardsub softsub hardsubs softsubs "
      "月新番 月番 新番 big5 hardsubbed hardcoded multisubs multisub fansub subbed dubbed fastsub vostfr vosta "
      "subfrench truefrench"},
-    {Release, "月新番 月番 新番 big5 tvdb tmdb imdb tvdbid tmdbid imdbid tvmaze anidb anidbid"},
+    {Release, "miniserie miniseries 月新番 月番 新番 big5 tvdb tmdb imdb tvdbid tmdbid imdbid tvmaze anidb anidbid"},
     {Release | Weak,
      "internal limited extended uncut unrated real dc directors final dub sub subs complete batch dirac web-only read "
      "nfo raws encode encoded converted widescreen ws fs uncen cen censored jpn version ver fin v0 v1 v2 v3 v4 v5"},
