@@ -62,7 +62,10 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
 std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   if (!token.is_number() || token.technical || !is_free(name, i, i + 1)) return {};
+  if (i > 0 && name.at(i - 1).is_number() && name.at(i - 1).size() == 8) return {};
   const int number = token.number;
+  const Token& time = name.at(i + 1);
+  if (time.is_number() && time.size() == 6) return {};  // "20230415_101112": cameras name their films so
   if (token.size() == 8) {
     const Date year_first{number / 10000, number / 100 % 100, number % 100};
     const Date year_last{number % 10000, number / 10000 % 100, number / 1000000};

@@ -233,7 +233,7 @@ bool special(const Search& search, std::size_t i, Numbers& numbers) {
   return true;
 }
 
-/// "10910": two episodes in a row written as one number; "11-02" at the start: a season and an episode.
+/// "20304": two episodes in a row written as one number; "2-05", and "12-05" at the start: a season and an episode.
 bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &number = name.at(i), &next = name.at(i + 1);
@@ -245,6 +245,10 @@ bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
     numbers.season = number.number / 10000;
     numbers.episodes = {first, second};
     return true;
+  }
+  const bool padded = number.size() == 1 && next.size() == 2 && name.written(next).front() == '0';
+  if (padded && next.is_number() && next.gap == Dash && !number.is_glued() && !starts_with_group(name)) {
+    return set(search, numbers, i, i + 2, number.number, next.number, false);
   }
   if (i > 0 || number.size() != 2 || next.gap != Dash || !next.is_number() || next.technical || next.size() != 2)
     return false;

@@ -90,9 +90,8 @@ void take(const Name& name, const Numbers& numbers, Reading& reading) {
 /// Whether a folder's name says nothing of the show.
 bool is_generic(const Name& name) {
   for (std::size_t i = 0; i < name.count(); ++i) {
-    if (name.at(i).is_number() ? name.count() > 1 && i > 0 && !name.at(i).technical
-                               : !name.at(i).is(FolderWord | SeasonWord | SpecialWord))
-      return false;
+    const Token& token = name.at(i);
+    if (token.is_number() ? i == 0 && !token.technical : !token.is(FolderWord | SeasonWord | SpecialWord)) return false;
   }
   return true;
 }
@@ -139,8 +138,18 @@ bool is_short_for_more(std::string_view show) {
 /// Whether the folder's certain reading says more than the file's: that one says no numbers, or unsure ones, or the
 /// same.
 bool speaks_for(const Reading& folder, const Reading& file) {
+  constexpr std::size_t most = 4;  // a folder that says more holds a file for each
+  if (folder.episodes.size() > most || folder.absolute.size() > most) return false;
   if (!file.has_numbers() || !file.certain) return true;
   return folder.season == file.season && folder.episodes == file.episodes && folder.show.size() > file.show.size();
+}
+
+/// A folder "Specials", or a bare number below a folder that can be the show's: "Show/2/05.mkv", but not
+/// "TV/24/05.mkv".
+std::optional<Mark> bare_season(const Token& token, const std::vector<std::string_view>& parts, std::size_t i) {
+  if (token.is(SpecialWord)) return Mark{0, 1, 0};
+  if (!token.is_number() || token.size() > 2 || i + 1 == parts.size() || is_generic(prepared(parts[i + 1]))) return {};
+  return Mark{0, 1, token.number};
 }
 
 struct Folder {
@@ -169,7 +178,7 @@ Reading read_name(std::string_view path) {
     folders.push_back({prepared(parts[i]), {}});
     Folder& folder = folders.back();
     folder.season = find_season(folder.name);
-    if (!folder.season && folder.name.count() == 1 && folder.name.at(0).is(SpecialWord)) folder.season = Mark{0, 1, 0};
+    if (!folder.season && folder.name.count() == 1) folder.season = bare_season(folder.name.at(0), parts, i);
     if (i <= 2 && folder.season && !around.season) around.season = folder.season->number;
   }
 
@@ -182,7 +191,8 @@ Reading read_name(std::string_view path) {
   if (!reading.has_numbers()) return {};
   for (const Folder& folder : folders) {
     if (!reading.show.empty()) break;
-    if (is_generic(folder.name)) continue;
+    const bool season_alone = folder.season && folder.season->last == folder.name.count() && folder.season->first == 0;
+    if (season_alone || is_generic(folder.name)) continue;
     read_show_folder(folder.name, reading);
   }
   return reading;

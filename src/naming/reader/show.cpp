@@ -219,6 +219,14 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       break;
     }
   }
+  // "Show 2011-04-18 S05E09"
+  if (!numbers.date && numbers.found()) {
+    const std::optional<DateMark> date = find_date(name);
+    if (date && date->certain && date->first > span.first && date->last <= span.last) {
+      span.last = date->first;
+      reading.date = date->date;
+    }
+  }
   for (const Group* group = nullptr; !span.empty() && (group = group_of(name, span.last - 1)) != nullptr &&
                                      group->technical && group->first > span.first && group->last == span.last;) {
     span.last = group->first;
@@ -318,6 +326,10 @@ void read_show_folder(const Name& name, Reading& reading) {
     if (const std::optional<Mark> season = season_at(name, span.first); season && season->last >= span.last)
       span.last = span.first;
   }
+  // "Show - Complete Season 2", "Show Complete Series"
+  const bool complete_series = span.last > span.first + 2 && name.is_word(span.last - 1, "series");
+  if (complete_series && name.is_word(span.last - 2, "complete")) --span.last;
+  if (span.last > span.first + 1 && name.is_word(span.last - 1, "complete")) --span.last;
   take_year_and_country(name, span, reading);
   reading.show = tidy(words_of(name, span, false));
 }

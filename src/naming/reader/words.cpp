@@ -25,6 +25,7 @@ constexpr Row rows[] = {
     {SeasonLetter, "s t"},
     {EpisodeWord,
      "episode episodes épisode épisodes ep eps epi epis episodio episódio episodios episódios epizoda epizod epizode "
+     "epizód "
      "epizodi folge folgen cap caps capitulo capítulo capitulos capítulos capitolo puntata odcinek odc odcinki afsnit "
      "avsnitt aflevering afl blm серия серии серий сериї серія эпизод выпуск эп сер επεισόδιο επεισοδιο επ bölüm bolum "
      "rész resz díl dil diel jakso tập tap פרק episodul ตอนที่ ตอน الحلقة حلقة sæ eipsode espisode episdoe"},
