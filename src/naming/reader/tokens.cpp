@@ -10,7 +10,7 @@
 namespace quorvel::reader {
 namespace {
 
-constexpr int highest_number = 1'000'000'000;
+constexpr int highest_number = 100'000'000;  // a date of eight digits is less; sums and multiples fit
 constexpr int deepest = 4;  // brackets within brackets; deeper ones count for nothing
 
 constexpr std::u32string_view opening = U"([{【「『（［〔《";

@@ -103,15 +103,10 @@ constexpr Row rows[] = {
     {SampleWord, "sample samples proof"},
     {EndWord, "end fin final finale fine 完 終 终 完结 完結 終了 最終話 最终话 最終回"},
     {FolderWord,
-     "tv shows show series serien serie video videos movies films media downloads download completed complete anime "
-     "data "
-     "mnt srv home library shared torrents nas disk volume1 users public desktop documents extras extra featurettes "
-     "test "
-     "season seasons tvshows tv-shows incoming sorted unsorted new done seriale séries tmp mediacenter medias "
-     "dvd"},
+     "tv shows show series serie serien séries seriale video videos movies films film anime media downloads download "
+     "completed complete incoming unsorted sorted new done data mnt srv home library shared torrents nas disk volume1 "
+     "users public desktop documents extras extra featurettes season seasons tvshows tv-shows test tmp dvd"},
 };
-
-constexpr std::size_t row_count = std::size(rows);
 
 template <typename Take>
 constexpr void each_word(const Row& row, Take take) {
