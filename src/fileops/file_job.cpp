@@ -13,13 +13,6 @@ namespace {
 
 using Request = FileOperationRequest;
 
-/// Some file systems keep times only to two seconds.
-bool may_be_copy(const FileStamp& copy, const FileStamp& source) {
-  constexpr std::int64_t precision_ns = 2'000'000'000;
-  const std::int64_t apart = copy.modified_ns - source.modified_ns;
-  return copy.size == source.size && apart <= precision_ns && apart >= -precision_ns;
-}
-
 /// A NUL would end the name early and hit another file.
 void refuse_nul(const FileJob& job) {
   for (const std::string* text : {&job.path, &job.dest_path, &job.new_name}) {
@@ -140,7 +133,7 @@ int FileJobs::delete_copy(const FileJob& job) {
   const int code = shell_.perform({Request::Delete, copy, "", Request::AllowUndo | Request::NoConfirmation});
   if (code != native::no_trash_code) return code;
   const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(copy);
-  if (!source || !copied || source->same_file(*copied) || !may_be_copy(*copied, *source)) return code;
+  if (!source || !copied || source->same_file(*copied) || !copied->may_be_copy_of(*source)) return code;
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
 }
 

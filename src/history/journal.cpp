@@ -80,7 +80,8 @@ void Journal::end() {
 /// Whether something of ours may still be there, or its drive has gone away under us.
 bool Journal::is_left(const Entry& entry) const {
   if (entry.temporary.empty()) return false;
-  return files_.exists(entry.temporary) || !files_.exists(getpath(entry.temporary, 0));
+  return files_.exists(entry.temporary) || files_.exists(aside_of(entry)) ||
+         !files_.exists(getpath(entry.temporary, 0));
 }
 
 std::vector<std::string> Journal::names_in(const std::string& folder, std::string_view prefix) const {
@@ -122,6 +123,27 @@ void Journal::settle(const Entry& entry) {
     }
   }
   if (has_source && entry.is_new) settle_destination(entry);
+  if (entry.operation == FileOperationRequest::Move && !entry.temporary.empty()) settle_aside(entry);
+}
+
+std::string Journal::aside_of(const Entry& entry) {
+  return FileOperationRequest{entry.operation, entry.source, entry.destination, 0, entry.temporary}.source_aside();
+}
+
+/// The source under the name that it has for the instant before it is removed.
+void Journal::settle_aside(const Entry& entry) {
+  const std::string path = aside_of(entry);
+  const std::optional<FileStamp> aside = files_.stamp(path), source = files_.stamp(entry.source),
+                                 copy = files_.stamp(entry.destination);
+  if (!aside || path == entry.temporary) return;
+  if (source && ((aside->same_file(*source) && aside->links > 1) || aside->size == 0)) {
+    remove(path, "a second name of " + entry.source);
+  } else if (!source && copy && aside->may_be_copy_of(*copy)) {
+    remove(path, "the rest of " + entry.source + ", which has been moved,");
+  } else {
+    log_.debug_log(path + " was left by a run that was cut off. It holds what " + entry.source + " held, so it stays",
+                   LogLevel::Normal);
+  }
 }
 
 void Journal::settle_destination(const Entry& entry) {

@@ -48,9 +48,11 @@ class Journal {
   bool open();
   void close();
   bool is_to_another_device(const Entry& entry) const;
+  static std::string aside_of(const Entry& entry);
   bool is_left(const Entry& entry) const;
   void settle(const Entry& entry);
   void settle_destination(const Entry& entry);
+  void settle_aside(const Entry& entry);
   void remove(const std::string& path, const std::string& what);
   void remove_old_temporaries(const std::string& folder);
   std::vector<std::string> names_in(const std::string& folder, std::string_view prefix) const;

@@ -24,6 +24,13 @@ struct FileOperationRequest {
   std::string temporary =
       {};  // the name that a copy has until it is whole, in the destination's folder; for Move and Copy
   bool operator==(const FileOperationRequest&) const = default;
+
+  /// The name of the source at the end of a move to another file system, for the instant before it is removed: that of
+  /// `temporary`, in the source's folder.
+  std::string source_aside() const {
+    const auto name_of = [](const std::string& path) { return path.find_last_of("/\\") + 1; };
+    return source.substr(0, name_of(source)) + temporary.substr(name_of(temporary));
+  }
 };
 
 /// Called now and then during a long copy with the bytes copied so far and in all; false cancels the operation, which

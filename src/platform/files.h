@@ -18,6 +18,12 @@ struct FileStamp {
   bool operator==(const FileStamp& other) const {
     return same_file(other) && size == other.size && modified_ns == other.modified_ns;
   }
+  /// Whether one could be a copy of the other, made with its time, which some file systems keep only to two seconds.
+  bool may_be_copy_of(const FileStamp& other) const {
+    constexpr std::int64_t precision_ns = 2'000'000'000;
+    const std::int64_t apart = modified_ns - other.modified_ns;
+    return size == other.size && apart <= precision_ns && apart >= -precision_ns;
+  }
   bool same_file(const FileStamp& other) const { return device == other.device && id == other.id; }
 };
 

@@ -21,7 +21,7 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   const auto files = system_files();
   Lines log;
   const std::string folder = here + native::separator, work = folder + "work/";
-  const std::string drive = folder + "drive" + native::separator;
+  const std::string drive = folder + "drive" + native::separator, far = folder + "far" + native::separator;
   const auto begin = [&](int operation, const std::string& name) {
     const std::string temporary = operation == Request::Rename ? "" : folder + ".quorvel-" + name;
     (new Journal(*files, log, work))->begin({operation, folder + name, folder + "new " + name, 0, temporary});
@@ -37,6 +37,14 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   begin(Request::Move, "both"), write_file(folder + "new both", "both");
   begin(Request::Copy, "copied"), write_file(folder + "new copied", "copied");
   begin(Request::Rename, "earlier");
+  // At the end of a move to another drive.
+  const auto begin_far = [&](const std::string& name) {
+    write_file(folder + ".quorvel-" + name, name);
+    (new Journal(*files, log, work))->begin({Request::Move, folder + name, far + name, 0, far + ".quorvel-" + name});
+  };
+  begin_far("moved"), write_file(far + "moved", "moved");
+  begin_far("undone");
+  begin_far("back"), fs::create_hard_link(path_of(folder + ".quorvel-back"), path_of(folder + "back"));
   auto* const ended = new Journal(*files, log, work);
   ended->begin({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"});
   ended->end(), write_file(folder + "new ended", "");  // somebody else's
@@ -49,7 +57,7 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
 TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
   const TemporaryFolder here;
   const std::string folder = here / "", work = here / "work/", cache = work + "cache/";
-  for (const std::string& each : {work, cache}) fs::create_directory(path_of(each));
+  for (const std::string& each : {work, cache, here / "far"}) fs::create_directory(path_of(each));
   for (const std::string name : {".quorvel-old", ".quorvel-young", "old.qc"}) {
     write_file(cache + name, name);
     if (name.ends_with("young")) continue;
@@ -68,7 +76,7 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
     Journal busy(*files, log, work);
     busy.begin({Request::Copy, folder + "copied", folder + "another", 0, folder + ".quorvel-busy"});
     write_file(folder + ".quorvel-busy", "co");
-    EXPECT_EQ(settled(), 6) << ::testing::PrintToString(log.list);
+    EXPECT_EQ(settled(), 9) << ::testing::PrintToString(log.list);
     busy.end();
     EXPECT_TRUE(files->remove(folder + ".quorvel-busy"));
   }
@@ -79,13 +87,14 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
   }
   std::ranges::replace(left, native::separator, '/');
   EXPECT_EQ(left,
-            ".quorvel-last|away|both|copied|earlier|ended|kept|new both|new copied|new earlier|new ended|part|two|"
+            ".quorvel-last|.quorvel-undone|away|back|both|copied|earlier|ended|far/moved|kept|new both|new copied|new "
+            "earlier|new ended|part|two|"
             "work/cache/.quorvel-young|work/cache/old.qc|");
   fs::create_directory(path_of(folder + "drive"));
   write_file(folder + "drive/.quorvel-away", "aw");
-  EXPECT_EQ(settled(), 2) << ::testing::PrintToString(log.list);
+  EXPECT_EQ(settled(), 3) << ::testing::PrintToString(log.list);
   EXPECT_FALSE(files->exists(folder + "drive/.quorvel-away"));
-  EXPECT_TRUE(files->remove(folder + ".quorvel-last"));
+  EXPECT_TRUE(files->remove(folder + ".quorvel-last") && files->remove(folder + ".quorvel-undone"));
   EXPECT_EQ(settled(), 0);
   EXPECT_EQ(std::distance(fs::directory_iterator(path_of(work)), {}), 1) << "only the cache";
 }

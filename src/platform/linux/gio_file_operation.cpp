@@ -187,14 +187,20 @@ class Copying {
   }
 
   /// 0 when the source is as it was before it was copied, and nobody is about to change it.
-  int check_source() const {
-    struct stat now {};
-    if (fstatat(AT_FDCWD, source_.c_str(), &now, lookup_) != 0) return errno;
-    if (!is_same_state(before_, now)) return EBUSY;
-    return is_being_written(source_, lookup_) ? native::being_written_code : 0;
-  }
+  int check_source() const { return check(source_, true); }
+
+  /// The same once it has another name, with which some file systems give it another number.
+  int check_renamed(const std::string& path) const { return check(path, false); }
 
  private:
+  int check(const std::string& path, bool by_number) const {
+    struct stat now {};
+    if (fstatat(AT_FDCWD, path.c_str(), &now, lookup_) != 0) return errno;
+    if (!by_number) now.st_ino = before_.st_ino;
+    if (!is_same_state(before_, now)) return EBUSY;
+    return is_being_written(path, lookup_) ? native::being_written_code : 0;
+  }
+
   int copy_contents() {
     g_autoptr(GFile) from = local_file(source_);
     g_autoptr(GFile) to = local_file(temporary_);
@@ -274,12 +280,18 @@ int move_across(const FileOperationRequest& request, FinalName& name, const Copy
   if (faccessat(AT_FDCWD, parent_folder(source).c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
   Copying copying(request, AT_SYMLINK_NOFOLLOW, progress);
   if (const int error = copying.copy_to(name); error != 0) return error;
-  // The flush took its time; what was written to the source meanwhile must not go with it.
-  if (const int error = copying.check_source(); error != 0 && error != ENOENT) {
-    unlink(name.path().c_str());
-    return error;
+  // The flush took its time; what was written to the source meanwhile must not go with it. The last look is taken under
+  // a name that nobody knows, so that nobody can open or replace the file between that and its end.
+  const std::string aside = request.source_aside();
+  int error = exclusive_rename::rename(source, aside);
+  if (error == ENOENT) return 0;  // somebody else has removed it, and the copy is the last one
+  if (error == 0) {
+    error = copying.check_renamed(aside);
+    if (error == 0 && unlink(aside.c_str()) != 0) error = errno;
+    if (error != 0) exclusive_rename::rename(aside, source);
   }
-  return remove_copied(source, name.path());
+  if (error != 0) unlink(name.path().c_str());
+  return error;
 }
 
 /// Rename, or Move, by which files may also go to another file system.
