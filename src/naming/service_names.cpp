@@ -63,4 +63,16 @@ std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues&
   return std::nullopt;
 }
 
+std::string without_ends(std::string folder, char separator) {
+  if (separator != '\\') return folder;
+  std::size_t start = folder.starts_with("\\\\") ? folder.find('\\', 2) : 0;
+  while (start != std::string::npos) {
+    const std::size_t end = std::min(folder.find('\\', start + 1), folder.size());
+    const std::size_t kept = folder.find_last_not_of(". ", end - 1) + 1;
+    if (kept > start + 1) folder.erase(kept, end - kept);
+    start = folder.find('\\', start + 1);
+  }
+  return folder;
+}
+
 }  // namespace quorvel

@@ -20,7 +20,7 @@ bool Pipeline::dofilter(QueueItem& item) {
   } else {
     const std::string path = with_native_separators(filter.path);
     if (const auto trouble = mask_trouble(path, values, expand_folder)) throw Failure("The folder " + *trouble);
-    folder = expand_folder(path, values);
+    folder = without_ends(expand_folder(path, values));
     if (folder.empty()) throw Failure("The rule has no folder to put files into");
   }
   const std::string mask = filter.mask + "." + extension;

@@ -78,6 +78,9 @@ TEST(ServiceNames, MisleadNeitherTheEyeNorTheSystem) {
   EXPECT_EQ(mask_trouble("[show] - [title]", values, expand_name, '\\'), std::nullopt);
   EXPECT_EQ(mask_trouble("../a/[title]", values, expand_name, '/'), "\"..\" stands for a folder");
   EXPECT_EQ(mask_trouble("../con/[s]", values, expand_folder, '/'), std::nullopt);
+  EXPECT_EQ(without_ends("\\\\nas.\\TV. \\.\\..\\S.H.I.E.L.D.\\ Season 1 .", '\\'),
+            "\\\\nas.\\TV\\.\\..\\S.H.I.E.L.D\\ Season 1");
+  EXPECT_EQ(without_ends("D:\\A.\\", '\\') + without_ends("/A./", '/'), "D:\\A\\/A./");
 }
 
 }  // namespace
