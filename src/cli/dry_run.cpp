@@ -1,7 +1,6 @@
 #include "cli/dry_run.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include "naming/file_names.h"
 #include "platform/native.h"
@@ -75,8 +74,9 @@ int DryRun::perform(const FileOperationRequest& request) {
     removed_folders_.push_back(with_separator(source));
     return 0;
   }
-  if (exists(destination)) return static_cast<int>(std::errc::file_exists);
-  if (kind(getpath(destination, 0)) != Kind::Folder) return static_cast<int>(std::errc::no_such_file_or_directory);
+  if (native::is_too_long(getfname(destination))) return native::name_too_long_code;
+  if (exists(destination)) return native::name_taken_code;
+  if (kind(getpath(destination, 0)) != Kind::Folder) return native::no_folder_code;
   report_(source, destination);
   set(destination, Kind::File);
   if (operation != FileOperationRequest::Copy) set(source, Kind::Missing);

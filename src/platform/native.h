@@ -22,6 +22,12 @@ extern const int being_written_code;
 /// The code a file operation answers when a copy that was read back is not what its source is.
 extern const int copy_differs_code;
 
+/// The codes it answers when something has the new name, when there is no folder for it, and when it is too long.
+extern const int name_taken_code, no_folder_code, name_too_long_code;
+
+/// Whether no folder of this system can hold an entry of this name.
+bool is_too_long(const std::string& name);
+
 /// The code a file operation answers when a file was to go to the trash and its file system has none.
 extern const int no_trash_code;
 

@@ -75,25 +75,35 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
 
 TEST_F(Cli, ADryRunShowsWhatTheRunAfterItDoes) {
   const std::string first = "The.Harbour.Lights.S01E02.ts", second = "the harbour lights 1x02.ts";
-  const std::string third = "the harbour lights 1x03 " + facts::odd_names.back(), to = " -> " + folder / "out-1/";
-  add({first, second, third});
-  write_file(folder / "work/filters.dat", "2\tTrue\t\t*\t" + folder.path() + "/out-[s]/" + "\t[title]\tAny\t0\t1\r\n");
+  const std::string third = "the harbour lights 1x03 " + facts::odd_names.back(),
+                    fourth = "the harbour lights 1x01.mp4";
+  // Where folders have no dot at their end, it says so.
+  const std::string made = facts::windows ? "out-1/" : "out-1./", to = " -> " + folder / made;
+  add({first, second, third, fourth});
+  const std::string rule = "\t" + folder.path() + "/out-[s]./\t[title]";
+  write_file(folder / "work/filters.dat", "2\tTrue\tmp4\t" + rule + std::string(250, 'x') + "\tAny\t1\t0\r\n" +
+                                              "2\tTrue\t\t*" + rule + "\tAny\t0\t1\r\n");
   const auto before = everything_in(folder.path());
-  EXPECT_EQ(run({"-n", "--set=confirm=1", "-w../work", "--set=types=ts;avi", first, second, "./" + third}), 1);
-  EXPECT_EQ(
-      out,
-      "> Quorvel 3.4 (build 0) started\n" + folder / ("in/" + first) + to +
-          "The Pilot Boat.ts\n> File operation failed (17)\n> Unable to rename/move files for: The Pilot Boat.ts\n" +
-          folder / ("in/" + third) + to + "A Lantern for Maud.avi\n> All items processed\n");
-  EXPECT_TRUE(error.ends_with("2 done, 1 failed, 0 cancelled\n")) << error;
+  EXPECT_EQ(run({"-n", "--set=confirm=1", "-w../work", "--set=types=ts;avi;mp4", first, second, "./" + third, fourth}),
+            1);
+  const auto failed = [](int code, const std::string& name) {
+    return "> File operation failed (" + std::to_string(code) + ")\n> Unable to rename/move files for: " + name + "\n";
+  };
+  const std::string long_name = "Slack Water" + std::string(250, 'x') + ".mp4";
+  EXPECT_EQ(out, "> Quorvel 3.4 (build 0) started\n" + folder / ("in/" + first) + to + "The Pilot Boat.ts\n" +
+                     failed(facts::taken, "The Pilot Boat.ts") + folder / ("in/" + third) + to +
+                     "A Lantern for Maud.avi\n" + failed(facts::too_long, long_name) + "> All items processed\n");
+  EXPECT_TRUE(error.ends_with("2 done, 2 failed, 0 cancelled\n")) << error;
   EXPECT_EQ(everything_in(folder.path()), before);
   EXPECT_FALSE(settings()->read_string(""));
   EXPECT_EQ(service.requests().size(), 2u) << "the second file finds what was fetched for the first";
 
-  EXPECT_EQ(run({"-v", "--set", "nocache=1", "-w", "../work", "--set=types=ts;avi", first, second, third}), 1);
+  EXPECT_EQ(run({"-v", "--set", "nocache=1", "-w", "../work", "--set=types=ts;avi;mp4", first, second, third, fourth}),
+            1);
+  EXPECT_NE(out.find(failed(facts::too_long, long_name)), std::string::npos);
   EXPECT_NE(out.find("> Query cache disabled\n"), std::string::npos);
-  EXPECT_EQ(contents(folder / "out-1/The Pilot Boat.ts"), first);
-  EXPECT_EQ(contents(folder / "out-1/A Lantern for Maud.avi"), third);
+  EXPECT_EQ(contents(folder / (made + "The Pilot Boat.ts")), first);
+  EXPECT_EQ(contents(folder / (made + "A Lantern for Maud.avi")), third);
   EXPECT_EQ(contents(folder / ("in/" + second)), second);
   EXPECT_FALSE(files->exists(folder / "work/cache") || files->exists(data_folder_of(folder / "home") + "/filters.dat"));
   EXPECT_EQ(settings()->read_string(""), "3.4");

@@ -1,6 +1,7 @@
 #include "platform/native.h"
 
 #include <cerrno>
+#include <climits>
 #include <filesystem>
 #include <system_error>
 
@@ -11,6 +12,7 @@ const std::string_view system_name = "Linux";
 const int no_trash_code = ENOTSUP;
 const int being_written_code = ETXTBSY;
 const int copy_differs_code = EBADMSG;
+const int name_taken_code = EEXIST, no_folder_code = ENOENT, name_too_long_code = ENAMETOOLONG;
 
 // Of programs in "bin", installed or just built.
 const std::string_view help_file = "../share/doc/quorvel/help/index.html";
@@ -20,6 +22,10 @@ const bool command_line_is_one_text = false;
 
 // Here the current folder is wherever the user stands, and a "filters.dat" in it is somebody else's.
 const bool uninstall_clears_current_folder = false;
+
+bool is_too_long(const std::string& name) {
+  return name.size() > NAME_MAX;
+}
 
 std::string error_words(int code) {
   return std::generic_category().message(code);

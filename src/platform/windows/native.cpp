@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/windows/shell.h"
 #include "platform/windows/wide.h"
 #include "text/natural_order.h"
 
@@ -53,11 +54,19 @@ const int no_trash_code = -1;  // no code of the system's own is negative
 // Not the one of any file that is in use: a player that has it open for reading writes nothing.
 const int being_written_code = ERROR_FILE_CHECKED_OUT;
 const int copy_differs_code = ERROR_CRC;
+const int name_taken_code = shell::name_taken, no_folder_code = ERROR_PATH_NOT_FOUND;
+const int name_too_long_code = shell::name_too_long;
 const std::string_view help_file = "quorvel help.chm";
 
 // The file manager's menu hands over the selected path without quotes, and names hold blanks.
 const bool command_line_is_one_text = true;
 const bool uninstall_clears_current_folder = true;
+
+bool is_too_long(const std::string& name) {
+  constexpr std::size_t longest = 255;
+  const std::optional<std::wstring> wide = to_utf16(name);
+  return wide && wide->size() > longest;
+}
 
 std::string error_words(int code) {
   const auto* const known = std::find_if(std::begin(shell_errors), std::end(shell_errors),

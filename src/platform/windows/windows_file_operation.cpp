@@ -31,7 +31,7 @@ std::wstring_view name_in(std::wstring_view path) {
 
 /// Makes of `text` a path as the system's calls take it. 0, or why it is refused.
 int make_path(const std::string& text, std::wstring& path) {
-  constexpr std::size_t max_name = 255, max_path = 32'700;
+  constexpr std::size_t max_path = 32'700;
   const std::optional<std::wstring> wide = to_utf16(text);
   if (!wide || text.find('\0') != std::string::npos || !is_full(*wide)) return shell::invalid_path;
   // Not a drive, a folder's own entry or the folder above it; and the shell takes patterns.
@@ -40,7 +40,7 @@ int make_path(const std::string& text, std::wstring& path) {
       wide->find_first_of(L"*?", 4) != std::wstring::npos) {
     return shell::invalid_path;
   }
-  if (name.size() > max_name) return shell::name_too_long;
+  if (native::is_too_long(to_utf8(name))) return shell::name_too_long;
   if (wide->size() > max_path) return shell::path_too_long;
   path = system_path(*wide);
   return 0;
