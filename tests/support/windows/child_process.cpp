@@ -8,6 +8,7 @@
 
 #include "platform/windows/handle.h"
 #include "platform/windows/wide.h"
+#include "text/cut.h"
 
 namespace quorvel::testing {
 namespace {
@@ -35,9 +36,10 @@ ChildProcess::ChildProcess(const Start& start) {
     if (!AllocConsole()) throw std::runtime_error("no console: " + error_text(GetLastError()));
     SetConsoleCtrlHandler([](DWORD) { return TRUE; }, TRUE);  // the program is interrupted, not the test
   }
-  // What holds no blank stands without quotes, as users type it. No argument ends in a backslash or holds a quote.
+  // What holds no blank stands without quotes, as users type it. No argument ends in a backslash.
   std::string line = "\"" + start.program + "\"";
-  for (const std::string& each : start.arguments) {
+  for (std::string each : start.arguments) {
+    replace_all(each, "\"", "\\\"");
     const bool plain = !each.empty() && each.find(' ') == std::string::npos;
     line += plain ? " " + each : " \"" + each + "\"";
   }
