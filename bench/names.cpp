@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <string_view>
 
 #include "naming/reader/reading.h"
@@ -23,7 +24,7 @@ int main(int argc, char** argv) {
   using namespace quorvel::testing;
   const bool list = argc == 3 && std::string_view(argv[1]) == "--wrong";
   if (argc != 2 && !list) {
-    std::fprintf(stderr, "Usage: quorvel-names [--wrong] FILE.jsonl\n");
+    std::cerr << "Usage: quorvel-names [--wrong] FILE.jsonl\n";
     return 2;
   }
   try {
@@ -51,7 +52,7 @@ int main(int argc, char** argv) {
     print("  of these called certain", figures.wrong_and_certain, names.size());
     print("certain readings", figures.certain, names.size());
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "quorvel-names: %s\n", error.what());
+    std::cerr << "quorvel-names: " << error.what() << "\n";
     return 1;
   }
 }

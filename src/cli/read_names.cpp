@@ -1,7 +1,5 @@
 #include "cli/read_names.h"
 
-#include <array>
-#include <cstdio>
 #include <iostream>
 
 #include "naming/reader/reading.h"
@@ -14,9 +12,8 @@ namespace {
 constexpr std::size_t piece = 65536;
 
 std::string date_text(const Date& date) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", date.year, date.month, date.day);
-  return text.data();
+  const auto two_digits = [](int number) { return (number < 10 ? "-0" : "-") + std::to_string(number); };
+  return std::to_string(date.year) + two_digits(date.month) + two_digits(date.day);
 }
 
 std::string list_text(const std::vector<int>& numbers, const char* separator) {

@@ -3,12 +3,12 @@
 #include <simdjson.h>
 #include <utf8proc.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 
 #include "text/characters.h"
 #include "text/failure.h"
+#include "text/numbers.h"
 
 namespace quorvel::testing {
 namespace {
@@ -36,9 +36,10 @@ std::vector<int> list(const object& line, std::string_view key) {
 
 std::optional<Date> date(const object& line) {
   const std::optional<std::string> written = text(line, "date");
-  Date read;
-  if (!written || std::sscanf(written->c_str(), "%d-%d-%d", &read.year, &read.month, &read.day) != 3) return {};
-  return read;
+  if (!written) return {};
+  if (written->size() != 10) throw Failure("\"" + *written + "\" is no date such as 2011-04-18");
+  const std::string_view day = *written;
+  return Date{to_number(day.substr(0, 4)), to_number(day.substr(5, 2)), to_number(day.substr(8))};
 }
 
 KnownName known_name(const object& line) {

@@ -2,6 +2,7 @@
 
 #include "naming/reader/dates.h"
 #include "naming/reader/marks.h"
+#include "text/characters.h"
 
 namespace quorvel::reader {
 namespace {
@@ -41,7 +42,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
   return !(before.is(VolumeWord | ExtraWord) && !token.follows(Dash)) &&
-         !(before.is(SeasonWord) && !is_weak(name, i - 1)) &&
+         !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
          !(before.is(PartWord | MonthName) && !token.follows(Dash)) && !next.is(OfWord);
 }
 
@@ -65,7 +66,10 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
 int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   const Token& token = name.at(i);
   const Token& next = name.at(last);
-  if (token.is_glued() && i > 0) return name.at(i - 1).is_word() ? glued : none;
+  if (token.is_glued() && i > 0) {
+    const Token& before = name.at(i - 1);  // scripts without blanks end in the number
+    return !before.is_word() ? none : is_ascii(name.written(before)) ? glued : within;
+  }
   const bool ends = next.is_end() || next.technical || next.follows(Open | Close) || next.is(Release | EndWord);
   const bool dash_follows = next.follows(Dash) && !next.is_end();
   const bool wide = token.size() >= 2;

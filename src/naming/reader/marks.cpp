@@ -43,7 +43,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   }
   if (token.is(SeasonWord) && !next.is_end() && next.size() <= 4 && is_value(next, next.follows(Blank | Dot)) &&
       (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
-      (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0) {
+      (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && (next.gap & (Dash | Blank)) != (Dash | Blank)) {
     const bool counted_behind = !is_ascii(name.lowered(token)) && i > 0 && name.at(i - 1).is_number();
     if (!counted_behind) return Mark{i, i + 2, next.number, is_weak(name, i)};
   }
@@ -85,15 +85,16 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const bool counted = is_ordinal_mark(name, i);
   if (counted) ++at;
   const Token& number = name.at(at);
-  if (!number.is_number() || number.technical || number.number > 9999 || (counted && !number.is_glued())) return {};
+  if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
+    return {};
   const Token& word = name.at(at + 1);
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
   const Token& behind = ordinal ? name.at(at + 2) : word;
   const bool foreign = !behind.is_end() && !is_ascii(name.lowered(behind));
-  if (behind.is(EpisodeWord) && !number.follows(Dot) && number.size() <= 4 && (behind.gap & ~(Blank | Dot)) == 0 &&
-      (foreign || ordinal || behind.follows(Dot))) {
+  if (behind.is(EpisodeWord) && (foreign || !number.follows(Dot)) && number.size() <= 4 &&
+      (behind.gap & ~(Blank | Dot)) == 0 && (foreign || ordinal || behind.follows(Dot))) {
     return Mark{i, at + (ordinal ? 3 : 2), number.number};
   }
   return {};

@@ -228,7 +228,7 @@ bool special(const Search& search, std::size_t i, Numbers& numbers) {
   if (!name.stands_alone(i + 1) || number.follows(Open | Close)) return false;
   // Fan groups count them by themselves; elsewhere they are season 0.
   const std::optional<int> season = starts_with_group(name) ? std::nullopt : std::optional(0);
-  set(search, numbers, i, i + 2, season, number.number, !number.follows(Dash));
+  set(search, numbers, i, i + 2, season, number.number, !number.follows(Dash) && !find_season(name));
   numbers.special = true;
   return true;
 }
@@ -299,6 +299,12 @@ constexpr Rule rules[] = {
 
 namespace {
 
+/// "S02E05.5": between two episodes; "S02E05.9.Lives" has a title.
+bool is_half(const Name& name, std::size_t next) {
+  const Token& half = name.at(next);
+  return half.is_number() && half.gap == Dot && half.size() == 1 && !half.technical && name.at(next + 1).gap != Dot;
+}
+
 /// "S05E06 (112)", "S01E01-02 (001-002)": as many numbers in brackets, which count over all seasons.
 void absolute_behind(const Name& name, Numbers& numbers) {
   const Token& number = name.at(numbers.last);
@@ -322,6 +328,7 @@ Numbers find_numbers(const Name& name, const Surroundings& surroundings) {
       numbers.special =
           numbers.special || numbers.season == 0 || (numbers.first > 0 && name.at(numbers.first - 1).is(SpecialWord));
       absolute_behind(name, numbers);
+      if (is_half(name, numbers.last)) numbers.certain = false;
       return numbers;
     }
   }

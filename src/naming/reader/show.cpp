@@ -219,6 +219,9 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       break;
     }
   }
+  // "01. S02E05": a place in a list.
+  const bool listed = span.last == span.first + 1 && name.at(span.first).is_number() && name.at(span.last).follows(Dot);
+  if (listed && numbers.found() && name.at(span.last).follows(Blank)) span.last = span.first;
   // "Show 2011-04-18 S05E09"
   if (!numbers.date && numbers.found()) {
     const std::optional<DateMark> date = find_date(name);

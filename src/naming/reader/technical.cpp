@@ -194,6 +194,11 @@ void mark_group(Name& name, Group& group) {
 }  // namespace
 
 void mark_technical(Name& name) {
+  // "site.com_Show"; other endings are words, too.
+  if (const std::size_t size = site_size(name, 0, name.count()); size > 0 && !name.at(size).follows(Dot)) {
+    const std::string_view ending = name.lowered(name.at(size - 1));
+    if (ending == "com" || ending == "org" || ending == "net") mark(name, 0, size, Release);
+  }
   for (std::size_t i = 0; i < name.count();) {
     const std::size_t end = name.chunk_end(i);
     bool first = true;

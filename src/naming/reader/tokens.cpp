@@ -11,7 +11,7 @@ namespace quorvel::reader {
 namespace {
 
 constexpr int highest_number = 100'000'000;  // a date of eight digits is less; sums and multiples fit
-constexpr int deepest = 4;  // brackets within brackets; deeper ones count for nothing
+constexpr int deepest = 4;                   // brackets within brackets; deeper ones count for nothing
 
 constexpr std::u32string_view opening = U"([{【「『（［〔《";
 constexpr std::u32string_view square_opening = U"[【「『［〔";

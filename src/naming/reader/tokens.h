@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -66,7 +67,7 @@ struct Name {
 
   std::size_t count() const { return tokens.size() - 1; }
   /// The token, or past the last one the end: it has no kinds, and its gap is what ends the name.
-  const Token& at(std::size_t i) const { return i < tokens.size() ? tokens[i] : tokens.back(); }
+  const Token& at(std::size_t i) const { return tokens[std::min(i, tokens.size() - 1)]; }
   std::string_view written(const Token& token) const { return text.substr(token.begin, token.size()); }
   std::string_view lowered(const Token& token) const {
     return std::string_view(lower).substr(token.begin, token.size());
