@@ -49,7 +49,7 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   ended->begin({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"});
   ended->end(), write_file(folder + "new ended", "");  // somebody else's
   (new Journal(*files, log, work))->begin({Request::Copy, folder + "away", drive + "away", 0, drive + ".quorvel-away"});
-  write_file(work + "pending-broken", "nonsense\0and more");
+  write_file(work + "pending-broken", std::string("nonsense\0and more", 17));
   std::_Exit(0);
   return 0;
 });

@@ -113,7 +113,7 @@ std::string usable_folder(const std::string& given, const std::string& shared) {
   const std::string first = shared + "/quorvel-" + std::to_string(geteuid());
   for (const bool make : {false, true}) {
     for (int number = 1; number <= names; ++number) {
-      const std::string path = number == 1 ? first : first + "-" + std::to_string(number);
+      std::string path = number == 1 ? first : first + "-" + std::to_string(number);
       if (make) mkdir(path.c_str(), 0700);
       if (is_own_folder(path, 077)) return path;
     }
