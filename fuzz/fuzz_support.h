@@ -56,6 +56,7 @@ struct MemoryFiles : Files {
   std::map<std::string, std::string> held;
   std::int64_t changes = 0;
 
+  bool are_real() const override { return false; }
   Kind kind(const std::string& path) const override {
     return held.contains(path) ? Kind::File : path.ends_with("cache") ? Kind::Folder : Kind::Missing;
   }

@@ -20,6 +20,7 @@ class DryRun : public Files, public FileOperation {
   DryRun(const Files& real, std::function<void(const std::string&, const std::string&)> report)
       : real_(real), report_(std::move(report)) {}
 
+  bool are_real() const override { return false; }
   Kind kind(const std::string& path) const override;
   bool is_link(const std::string& path) const override { return real_.is_link(path); }
   std::optional<FileStamp> stamp(const std::string& path) const override;

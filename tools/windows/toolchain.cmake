@@ -16,3 +16,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_FIND_PACKAGE_PREFER_CONFIG ON)  # of wxWidgets, CMake's own module would find only another system's
 add_compile_definitions(wxDEBUG_LEVEL=0)  # as wxWidgets was built there, which its configuration does not tell
+set(ZLIB_USE_STATIC_LIBS ON)  # libcurl needs it and looks for it again
