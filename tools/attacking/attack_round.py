@@ -51,6 +51,7 @@ class Round:
         self.top_in, self.top_out = (os.path.join(folders[name], self.name.replace(":", "-"), end)
                                      for name, end in [(inside, "in"), (outside, "out")])
         self.places = (inside, outside)
+        self.settings = rng.choice([[], [], [], ["--set", "verify=1"], ["--set", "nocache=1"]])
         self.home = os.path.join(self.folder, "home")
         self.work = os.path.join(self.home, ".local/share/Quorvel")
         for folder in [self.top_in, self.top_out, self.work]:
@@ -101,7 +102,7 @@ class Round:
 
     def start(self, *options, prefix="", base=None, program=None, **faults):
         """`prefix`: what a shell does before it becomes the program."""
-        command = [program or self.bench.program, *options, self.top_in]
+        command = [program, self.top_in] if program else [self.bench.program, *self.settings, *options, self.top_in]
         if prefix:
             command = ["/bin/sh", "-c", f'{prefix} exec "$0" "$@" {self.redirections}', *command]
         self.tell(" ".join([f"{name}={value!r}" for name, value in faults.items()] + command))
