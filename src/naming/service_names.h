@@ -28,8 +28,8 @@ std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues&
                                         char separator = native::separator);
 
 /// `folder` with the names in it that end in dots or blanks without these, where paths are written with "\": the system
-/// drops some of them and keeps others, and its file manager cannot open such a folder. A name of nothing else stays, and
-/// so does a server's.
+/// drops some of them and keeps others, and its file manager cannot open such a folder. A name of nothing else stays,
+/// and so does a server's.
 std::string without_ends(std::string folder, char separator = native::separator);
 
 }  // namespace quorvel

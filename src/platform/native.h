@@ -13,6 +13,9 @@ extern const char separator;
 /// The system's name as error texts give it.
 extern const std::string_view system_name;
 
+/// What users call the place for deleted files.
+extern const std::string_view trash_name;
+
 /// What the code of a failed file operation means, in the system's own words.
 std::string error_words(int code);
 

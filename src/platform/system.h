@@ -18,8 +18,8 @@ namespace quorvel {
 
 std::unique_ptr<Files> system_files();
 
-/// No file is replaced without `may_replace`. Where the shell has windows of its own, it shows its progress there and
-/// asks there before it replaces a file, but only with `may_replace`.
+/// No file is replaced without `may_replace`. Only with it may the system show windows of its own, as Windows' shell
+/// does.
 std::unique_ptr<FileOperation> system_file_operation(CopyProgress progress, MayReplace may_replace);
 
 /// The user's settings for the program called `name`; `files` outlives them.

@@ -11,6 +11,7 @@
 
 #include <utility>
 
+#include "platform/native.h"
 #include "shell/dialogs.h"
 #include "shell/version.h"
 #include "ui/desktop.h"
@@ -255,7 +256,8 @@ wxWindow* MainFrame::dialog_parent() {
 bool MainFrame::ask_to_replace(const std::string& path) {
   wxGenericMessageDialog dialog(dialog_parent(), "There is a file of that name already:", "Confirm File Replace",
                                 wxYES_NO | wxNO_DEFAULT | wxICON_WARNING);
-  dialog.SetExtendedMessage(to_wx(path) + "\n\nShall it be put into the trash and replaced?");
+  dialog.SetExtendedMessage(to_wx(path) + "\n\nShall it be put into the " + to_wx(std::string(native::trash_name)) +
+                            " and replaced?");
   dialog.SetYesNoLabels("&Replace", "&Keep");
   return stack_.show_modal(dialog) == wxID_YES && !life_.is_unloading();
 }

@@ -16,9 +16,9 @@ class CurlSocketControl : public SocketControl {
   /// The address of the proxy for a host; empty for none. Called on a thread of its own, as it may take its time.
   using ProxyFor = std::function<std::string(bool secure, const std::string& host)>;
 
-  /// `ca_file`: certificates, as PEM, to trust instead of the system's; libcurl then looks at the server's by itself, and
-  /// refuses it where the file cannot be read. Without `proxy_for` no proxy is used, whatever
-  /// the environment says. Throws Failure when libcurl cannot be used.
+  /// `ca_file`: certificates, as PEM, to trust instead of the system's; libcurl then looks at the server's by itself,
+  /// and refuses it where the file cannot be read. Without `proxy_for` no proxy is used, whatever the environment says.
+  /// Throws Failure when libcurl cannot be used.
   explicit CurlSocketControl(std::string ca_file = {}, ProxyFor proxy_for = {});
   ~CurlSocketControl() override;
   CurlSocketControl(const CurlSocketControl&) = delete;

@@ -9,6 +9,7 @@ namespace quorvel::native {
 
 const char separator = '/';
 const std::string_view system_name = "Linux";
+const std::string_view trash_name = "trash";
 const int no_trash_code = ENOTSUP;
 const int being_written_code = ETXTBSY;
 const int copy_differs_code = EBADMSG;

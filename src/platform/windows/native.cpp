@@ -50,6 +50,7 @@ constexpr ShellError shell_errors[] = {{0x71, "The source and the destination ar
 
 const char separator = '\\';
 const std::string_view system_name = "Windows";
+const std::string_view trash_name = "recycle bin";
 const int no_trash_code = -1;  // no code of the system's own is negative
 // Not the one of any file that is in use: a player that has it open for reading writes nothing.
 const int being_written_code = ERROR_FILE_CHECKED_OUT;
