@@ -43,7 +43,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   if (before.is_number() && is_decimal(name, i - 1)) return false;
   return !(before.is(VolumeWord | ExtraWord) && !token.follows(Dash)) &&
          !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
-         !(before.is(PartWord | MonthName) && !token.follows(Dash)) && !next.is(OfWord);
+         !(before.is(PartWord | MonthName) && !token.follows(Dash | Open)) && !next.is(OfWord);
 }
 
 /// What follows the number at `i` and those it is joined with: "01-03", "01+02"; `list` gets them all.
@@ -52,7 +52,7 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   const Token& next = name.at(i + 1);
   if (next.is_word() && next.is_glued() && next.size() == 1 && !next.technical) return i + 2;  // "12a"
   const bool pair = next.is_number() && next.size() >= 3 && next.size() == name.at(i).size() &&
-                    next.number == list.front() + 1 && !next.technical;  // "102.103"
+                    next.number == list.front() + 1 && !next.technical && !next.follows_spaced_dash();  // "102.103"
   if (pair) {
     list.push_back(next.number);
     return i + 2;

@@ -32,7 +32,7 @@ bool is_free(const Name& name, std::size_t first, std::size_t last) {
 std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
   const Token &a = name.at(i), &b = name.at(i + 1), &c = name.at(i + 2);
   if (!a.is_number() || !b.is_number() || !c.is_number() || !is_free(name, i, i + 3)) return {};
-  if (b.is_glued() || c.is_glued() || (b.gap & ~separators) != 0 || (c.gap & ~separators) != 0) return {};
+  if (b.is_glued() || b.gap != c.gap || (b.gap & ~separators) != 0) return {};
   if (a.technical || b.technical || c.technical) return {};
   std::vector<Date> possible;
   possible.reserve(3);

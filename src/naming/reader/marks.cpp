@@ -43,7 +43,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   }
   if (token.is(SeasonWord) && !next.is_end() && next.size() <= 4 && is_value(next, next.follows(Blank | Dot)) &&
       (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
-      (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && (next.gap & (Dash | Blank)) != (Dash | Blank)) {
+      (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && !next.follows_spaced_dash()) {
     const bool counted_behind = !is_ascii(name.lowered(token)) && i > 0 && name.at(i - 1).is_number();
     if (!counted_behind) return Mark{i, i + 2, next.number, is_weak(name, i)};
   }
@@ -75,9 +75,8 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   }
   if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 5 &&
       (next.is_number() || (next.is(NumberWord) && token.size() > 3 && next.size() > 1)) &&
-      (next.gap & ~(Blank | Dot | Hash | Other | Dash)) == 0) {
-    const bool dashed = next.follows(Dash) && next.follows(Blank);
-    return Mark{i, i + 2, next.number, dashed};
+      (next.gap & ~(Blank | Dot | Hash | Other | Dash)) == 0 && !next.follows_spaced_dash()) {
+    return Mark{i, i + 2, next.number};
   }
   if (token.is_number() && token.follows(Hash) && !token.technical && token.size() <= 4)
     return Mark{i, i + 1, token.number};
@@ -93,8 +92,10 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
   const Token& behind = ordinal ? name.at(at + 2) : word;
   const bool foreign = !behind.is_end() && !is_ascii(name.lowered(behind));
+  const Token& after = name.at(at + 2);
+  const bool number_behind = after.is_number() && !after.follows(Open);  // "24.Ep.12"
   if (behind.is(EpisodeWord) && (foreign || !number.follows(Dot)) && number.size() <= 4 &&
-      (behind.gap & ~(Blank | Dot)) == 0 && (foreign || ordinal || behind.follows(Dot))) {
+      (behind.gap & ~(Blank | Dot)) == 0 && (foreign || ordinal || (behind.follows(Dot) && !number_behind))) {
     return Mark{i, at + (ordinal ? 3 : 2), number.number};
   }
   return {};
@@ -173,7 +174,7 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   const bool spaced = (gap & (Blank | Dot)) != 0;
   if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
   if (gap == Dash && (token.size() > 1 || before.size() == 1)) return More{at + 1, token.number, true};
-  if (gap == (Dash | Blank) && token.size() > 1 && token.size() == before.size()) {
+  if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && token.size() > 1 && token.size() == before.size()) {
     const Token& after = name.at(at + 1);
     if (after.follows(Dash) || after.is_end() || after.technical || after.follows(Open | Close))
       return More{at + 1, token.number, true};

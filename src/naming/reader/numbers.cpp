@@ -48,6 +48,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
   if (!season || (season->weak && name.at(i + 1).follows(Dash))) return false;
   std::size_t next = season->last;
   const bool cross = name.is_word(next, "x");
+  if (cross && season->weak) return false;
   if (cross) ++next;
   if (name.at(next).is(AndWord) && !name.at(next).is(EpisodeLetter)) ++next;
   const std::optional<Mark> episode = episode_at(name, next);
@@ -132,10 +133,10 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
     return false;
   if (!name.stands_alone(season->last) || (number.size() == 1 && !number.follows(Dash | Open))) return false;
   if (name.at(season->last + 1).is(OfWord)) return false;
-  const bool spaced_dash = number.follows(Dash) && number.follows(Blank);
+  const bool spaced_dash = number.follows_spaced_dash();
   if (number.size() == 4 && !spaced_dash)
     return set(search, numbers, season->last, season->last + 1, {}, number.number, false);
-  if (season->weak && (!spaced_dash || !name.at(i + 1).follows(Blank))) return false;
+  if (season->weak && (!spaced_dash || !name.at(i + 1).follows(Blank | Dot))) return false;
   return set(search, numbers, i, season->last + 1, season->number, number.number, true);
 }
 
@@ -175,7 +176,8 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   constexpr int most_parts = 12;  // of a mini-series; others count their episodes, too
   const Token &number = name.at(i), &all = name.at(i + 2);
   if (!number.is_number() || !name.at(i + 1).is(OfWord) || !all.is_number() || number.number > all.number) return false;
-  if (number.size() > 3 || all.size() > 3 || (i > 0 && name.at(i - 1).is(SeasonWord))) return false;
+  if (number.size() > 3 || all.size() > 3 || (i > 0 && name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1)))
+    return false;
   const bool is_series = all.number > most_parts || starts_with_group(name);
   if (is_series) return set(search, numbers, i, i + 3, search.season(), number.number, true);
   set(search, numbers, i, i + 3, search.season().value_or(1), number.number, true);

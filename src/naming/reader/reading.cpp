@@ -70,7 +70,8 @@ Name prepared(std::string_view text) {
 
 bool is_sample(const Name& name) {
   for (std::size_t i = 0; i < name.count(); ++i) {
-    if (name.at(i).is(SampleWord) && (i == 0 || i + 1 == name.count())) return true;
+    if (!name.at(i).is(SampleWord)) continue;
+    if (i + 1 == name.count() || (i == 0 && name.at(1).follows(Dash))) return true;
   }
   return false;
 }

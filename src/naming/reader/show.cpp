@@ -132,7 +132,7 @@ std::size_t behind_front(const Name& name, std::size_t last) {
     if (group != nullptr && group->first == first && group->last <= last &&
         (group->square || group->technical || is_round_group_in_front(name, *group))) {
       first = group->last;
-    } else if (name.at(first).technical && name.at(first).is(Release | Source | Resolution | Codec)) {
+    } else if (name.at(first).technical && name.at(first).is(Site | Resolution)) {
       ++first;
     } else {
       break;
@@ -246,7 +246,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   // "Show - 112 - S05E06": the number counts over all seasons.
   if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash | Open)) {
     const Token& number = name.at(span.last - 1);
-    if (number.is_number() && number.follows(Dash) && number.follows(Blank) && !is_year(number)) {
+    if (number.is_number() && number.follows_spaced_dash() && !is_year(number)) {
       reading.absolute = {number.number};
       --span.last;
     }
@@ -298,7 +298,7 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
   if (span.empty() && numbers.first == 0 && !numbers.absolute.empty() && name.at(0).size() >= 3) {
     span = {numbers.last, numbers.last};  // "003. Show - Title"
     do ++span.last;
-    while (span.last < name.count() && !(name.at(span.last).follows(Dash) && name.at(span.last).follows(Blank)));
+    while (span.last < name.count() && !name.at(span.last).follows_spaced_dash());
     if (span.last >= name.count()) span.last = span.first;
     if (!span.empty()) title_from = span.last;
   }

@@ -34,7 +34,7 @@ bool is_codec(std::string_view word, int number) {
 /// Units that a number stands glued to.
 std::uint32_t unit(std::string_view word, int number) {
   if ((word == "p" || word == "i" || word == "ip" || word == "pp") && is_lines(number)) return Resolution;
-  if (word == "月新番" || word == "月番") return Release;
+  if (word == "月新番" || word == "月番") return Site;
   if (word == "k" && (number == 2 || number == 4 || number == 8)) return Resolution;
   constexpr std::array<std::string_view, 17> units = {"bit", "bits", "fps", "hz", "khz", "kbps", "kbit", "mbps", "mb",
                                                       "gb",  "mib",  "gib", "kb", "ch",  "chs",  "mbit", "audio"};
@@ -197,14 +197,14 @@ void mark_technical(Name& name) {
   // "site.com_Show"; other endings are words, too.
   if (const std::size_t size = site_size(name, 0, name.count()); size > 0 && !name.at(size).follows(Dot)) {
     const std::string_view ending = name.lowered(name.at(size - 1));
-    if (ending == "com" || ending == "org" || ending == "net") mark(name, 0, size, Release);
+    if (ending == "com" || ending == "org" || ending == "net") mark(name, 0, size, Site);
   }
   for (std::size_t i = 0; i < name.count();) {
     const std::size_t end = name.chunk_end(i);
     bool first = true;
     while (i < end) {
       Found found = find_in_chunk(name, i, end);
-      if (first && found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Release};
+      if (first && found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Site};
       if (i + 1 == end || found.count == 0) {
         if (const Found pair = find_pair(name, i); pair.count > 0) found = pair;
       }
@@ -232,7 +232,7 @@ void mark_technical(Name& name) {
     const int number = token.number;
     if (!token.is_number() || token.technical || token.is_glued() || !name.stands_alone(i)) continue;
     if (number != 480 && number != 576 && number != 720 && number != 1080 && number != 2160) continue;
-    if (token.follows(Dash) && token.follows(Blank)) continue;  // "Show - 1080"
+    if (token.follows_spaced_dash()) continue;  // "Show - 1080"
     const bool beside = name.at(i + 1).technical || name.at(i - 1).technical || name.at(i + 1).is(technical_kinds);
     if (number >= 1080 || beside) mark(name, i, i + 1, Resolution);
   }

@@ -42,6 +42,8 @@ struct Token {
   bool is(std::uint32_t wanted) const { return (kinds & wanted) != 0; }
   bool is_glued() const { return gap == 0; }
   bool follows(std::uint16_t wanted) const { return (gap & wanted) != 0; }
+  /// " - ", "_-_", ".-."
+  bool follows_spaced_dash() const { return follows(Dash) && follows(Blank | Dot); }
   std::uint32_t size() const { return end - begin; }
 };
 

@@ -34,9 +34,10 @@ enum WordKind : std::uint32_t {
   SampleWord = 1U << 24,
   EndWord = 1U << 25,     // the last episode, as fan groups mark it
   FolderWord = 1U << 26,  // a folder of that name says nothing of the show
+  Site = 1U << 27,        // and other advertisements
 };
 
-inline constexpr std::uint32_t technical_kinds = Resolution | Source | Codec | Sound | Release;
+inline constexpr std::uint32_t technical_kinds = Resolution | Source | Codec | Sound | Release | Site;
 
 struct Word {
   std::string_view text;
