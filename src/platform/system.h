@@ -12,6 +12,7 @@
 #include "platform/key_value_store.h"
 #include "platform/launcher.h"
 #include "platform/socket_control.h"
+#include "platform/web_client.h"
 
 /// The ports as this system has them. One definition per system, chosen by the build.
 namespace quorvel {
@@ -26,6 +27,7 @@ std::unique_ptr<FileOperation> system_file_operation(CopyProgress progress, MayR
 std::unique_ptr<KeyValueStore> system_key_values(Files& files, const std::string& name);
 
 std::unique_ptr<SocketControl> system_socket();
+std::unique_ptr<WebClient> system_web_client();
 std::unique_ptr<Clock> system_clock();
 
 /// `name` is the program's, `caption` that of its main window; some systems find the running copy by them.

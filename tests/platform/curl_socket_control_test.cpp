@@ -87,6 +87,23 @@ TEST_F(Https, AnAnswerThatMayBeCutIsToldFromAWholeOneAndTheSystemVouchesByItself
   EXPECT_EQ(tls_answer("good", ""), "refused|");
 }
 
+TEST_F(Https, TheWebClientTrustsTheRightServerAloneAndIsNotLedToWhereNothingIsEncrypted) {
+  const std::string base = "https://localhost:" + Variable::get("QUORVEL_TLS_modern");
+  const auto got = [&](const std::string& target, const std::string& trusted) {
+    const Variable file("SSL_CERT_FILE", trusted);
+    try {
+      return system_web_client()->get(base + target).body;
+    } catch (const Failure& failure) {
+      return failure.what() + std::string("|");
+    }
+  };
+  EXPECT_EQ(got("/search/shows?q=none", authority), "[]");
+  EXPECT_EQ(got("/leave", authority),
+            "The answer from localhost was given up: it leads to 127.0.0.1 without encryption|");
+  EXPECT_EQ(got("/", "nowhere"), "No connection to localhost: The certificates of nowhere cannot be read|");
+  EXPECT_TRUE(got("/", QUORVEL_CERTIFICATES_DIR "/stranger.pem").starts_with("No connection to localhost: "));
+}
+
 TEST_F(Https, TheWholeProgramGetsItsListingsThoughTheServerEndsWithoutItsNotice) {
   const TemporaryFolder folder;
   write_file(folder / "harbour.lights.s01e02.mkv", "x");

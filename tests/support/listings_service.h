@@ -59,6 +59,11 @@ class ListingsService {
     const std::lock_guard lock(mutex_);
     return requests_;
   }
+  /// From the next request on; an empty one answers right again.
+  void answer_with(std::function<std::string(const std::string& request)> answer) {
+    const std::lock_guard lock(mutex_);
+    answer_ = std::move(answer);
+  }
   /// From the next answer on, each byte is sent after that wait.
   void slow_down(std::chrono::milliseconds a_byte) { wait_ = a_byte; }
 
@@ -80,7 +85,7 @@ class ListingsService {
     }
     const std::lock_guard lock(mutex_);
     requests_.push_back(request);
-    const std::string answer = listings_answer(request, shows_);
+    const std::string answer = answer_ ? answer_(request) : listings_answer(request, shows_);
     const std::chrono::milliseconds wait = wait_;
     const std::size_t step = wait.count() > 0 ? 1 : answer.size();
     for (std::size_t at = 0; at < answer.size(); at += step) {
@@ -96,6 +101,7 @@ class ListingsService {
   std::atomic<std::chrono::milliseconds> wait_{};
   mutable std::mutex mutex_;
   std::vector<std::string> requests_;
+  std::function<std::string(const std::string& request)> answer_;
   std::jthread thread_;
 };
 

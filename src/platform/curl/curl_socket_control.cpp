@@ -1,16 +1,11 @@
 #include "platform/curl/curl_socket_control.h"
 
-#include <curl/curl.h>
-
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <chrono>
 #include <functional>
-#include <future>
 #include <utility>
 
-#include "platform/disk_files.h"
 #include "text/failure.h"
 
 #ifndef _WIN32
@@ -23,15 +18,13 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr auto slice = std::chrono::milliseconds(50);  // of waiting
-
 /// Waits until the socket can be read from or written to. CURLE_OPERATION_TIMEDOUT when the deadline passes first,
 /// CURLE_ABORTED_BY_CALLBACK when `on_wait` returns false.
 CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point deadline,
                   const std::function<bool()>& on_wait) {
   while (on_wait()) {
     const auto rest = std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());
-    const auto left = std::min(rest, slice).count();
+    const auto left = std::min(rest, curl::slice).count();
     if (left <= 0) return CURLE_OPERATION_TIMEDOUT;
 #ifdef _WIN32
     WSAPOLLFD waiting{socket, static_cast<SHORT>(readable ? POLLRDNORM : POLLWRNORM), 0};
@@ -63,37 +56,6 @@ bool closed_in_due_form([[maybe_unused]] CURL* easy) {
 #endif
 }
 
-/// Lets the handshake of a connection that stands take longer than a connection may.
-void extend_handshake(CURL* easy) {
-  constexpr auto limit = std::chrono::milliseconds(std::chrono::minutes(1));
-  curl_off_t connected_us = 0;
-  curl_easy_getinfo(easy, CURLINFO_CONNECT_TIME_T, &connected_us);
-  if (connected_us > 0) curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limit.count()));
-}
-
-/// Until `easy` has connected, has failed, has been waited for as long as `patience`, or `on_wait` returns false. What
-/// Schannel does in between is no waiting: it asks the authorities' own servers for lists of revoked certificates.
-CURLcode perform(CURLM* multi, CURL* easy, SteadyClock::duration patience, const std::function<bool()>& on_wait) {
-  if (curl_multi_add_handle(multi, easy) != CURLM_OK) return CURLE_OUT_OF_MEMORY;
-  SteadyClock::duration waited{};
-  for (int running = 1; curl_multi_perform(multi, &running) == CURLM_OK;) {
-    int left = 0;
-    if (const CURLMsg* const ended = curl_multi_info_read(multi, &left)) return ended->data.result;
-    if (waited > patience) return CURLE_OPERATION_TIMEDOUT;
-    if (!on_wait()) return CURLE_ABORTED_BY_CALLBACK;
-    extend_handshake(easy);
-    const auto begin = SteadyClock::now();
-    if (curl_multi_poll(multi, nullptr, 0, static_cast<int>(slice.count()), nullptr) != CURLM_OK) break;
-    waited += SteadyClock::now() - begin;
-  }
-  return CURLE_FAILED_INIT;
-}
-
-bool start_curl() {
-  static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
-  return started == CURLE_OK;
-}
-
 }  // namespace
 
 struct CurlSocketControl::Connection {
@@ -115,7 +77,7 @@ struct CurlSocketControl::Connection {
   CURL* easy = curl_easy_init();
   CURLU* address = curl_url();
   curl_socket_t socket = CURL_SOCKET_BAD;
-  std::array<char, CURL_ERROR_SIZE> message{};
+  curl::Message message{};
 };
 
 CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, const std::string& proxy,
@@ -138,37 +100,20 @@ CURLcode CurlSocketControl::Connection::open(const std::string& host, int port, 
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
   // Without it libcurl waits for a name look-up that hangs even after the time-out.
   curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-  curl_easy_setopt(easy, CURLOPT_PROXY, proxy.c_str());
-  curl_easy_setopt(easy, CURLOPT_NOPROXY, proxy.empty() ? "*" : "");
+  curl::use_proxy(easy, proxy);
   curl_easy_setopt(easy, CURLOPT_HTTPPROXYTUNNEL, 1L);
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
-  curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-  // Schannel asks for the authority's list of revoked certificates; a network that blocks it would otherwise cut off
-  // the service altogether.
-  curl_easy_setopt(easy, CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
-  if (!ca_file.empty()) {
-    // Read here: libcurl would look for a name that the system's code page does not hold in another place.
-    std::optional<std::string> authorities = DiskFiles().read(ca_file);
-    if (!authorities) {
-      ("The certificates of " + ca_file + " cannot be read").copy(message.data(), message.size() - 1);
-      return CURLE_SSL_CACERT_BADFILE;
-    }
-    curl_blob blob{authorities->data(), authorities->size(), CURL_BLOB_COPY};
-    curl_easy_setopt(easy, CURLOPT_CAINFO_BLOB, &blob);
-    // TLS libraries without such a folder refuse the option, to the same effect.
-    curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
-  }
-  CURLcode code = perform(multi, easy, std::chrono::seconds(timeout_seconds), on_wait);
+  CURLcode code = curl::verify_servers(easy, ca_file, message);
+  if (code == CURLE_OK) code = curl::perform(multi, easy, std::chrono::seconds(timeout_seconds), on_wait);
   if (code == CURLE_OK) code = curl_easy_getinfo(easy, CURLINFO_ACTIVESOCKET, &socket);
   // From here on libcurl sends, and when it does it may ignore SIGPIPE, which it leaves alone under NOSIGNAL.
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 0L);
   return code;
 }
 
-CurlSocketControl::CurlSocketControl(std::string ca_file, ProxyFor proxy_for)
+CurlSocketControl::CurlSocketControl(std::string ca_file, curl::ProxyFor proxy_for)
     : ca_file_(std::move(ca_file)), proxy_for_(std::move(proxy_for)) {
-  if (!start_curl()) throw Failure("The network library could not be started");
+  curl::start();
 }
 
 CurlSocketControl::~CurlSocketControl() = default;
@@ -184,19 +129,9 @@ void CurlSocketControl::set_secure(bool secure) {
   secure_ = secure;
 }
 
-/// Nothing when `on_wait` returns false meanwhile.
-std::optional<std::string> CurlSocketControl::ask_for_proxy(const std::string& host) const {
-  if (!proxy_for_) return std::string();
-  std::future<std::string> proxy = std::async(std::launch::async, proxy_for_, secure_, host);
-  while (proxy.wait_for(slice) != std::future_status::ready) {
-    if (!on_wait()) return {};
-  }
-  return proxy.get();
-}
-
 int CurlSocketControl::connect(const std::string& host, int port) {
   disconnect();
-  const std::optional<std::string> proxy = ask_for_proxy(host);
+  const std::optional<std::string> proxy = curl::ask_for_proxy(proxy_for_, secure_, host, on_wait);
   if (!proxy) {
     set_error(CURLE_ABORTED_BY_CALLBACK);
     return error_;

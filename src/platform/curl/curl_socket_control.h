@@ -1,10 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
+#include "platform/curl/curl_support.h"
 #include "platform/socket_control.h"
 
 namespace quorvel {
@@ -13,13 +12,10 @@ namespace quorvel {
 /// connected by it. The error codes are libcurl's.
 class CurlSocketControl : public SocketControl {
  public:
-  /// The address of the proxy for a host; empty for none. Called on a thread of its own, as it may take its time.
-  using ProxyFor = std::function<std::string(bool secure, const std::string& host)>;
-
   /// `ca_file`: certificates, as PEM, to trust instead of the system's; libcurl then looks at the server's by itself,
   /// and refuses it where the file cannot be read. Without `proxy_for` no proxy is used, whatever the environment says.
   /// Throws Failure when libcurl cannot be used.
-  explicit CurlSocketControl(std::string ca_file = {}, ProxyFor proxy_for = {});
+  explicit CurlSocketControl(std::string ca_file = {}, curl::ProxyFor proxy_for = {});
   ~CurlSocketControl() override;
   CurlSocketControl(const CurlSocketControl&) = delete;
   CurlSocketControl& operator=(const CurlSocketControl&) = delete;
@@ -47,10 +43,9 @@ class CurlSocketControl : public SocketControl {
   struct Connection;
 
   void set_error(int code, const std::string& text = {});
-  std::optional<std::string> ask_for_proxy(const std::string& host) const;
 
   std::string ca_file_;
-  ProxyFor proxy_for_;
+  curl::ProxyFor proxy_for_;
   int timeout_seconds_ = 4;
   bool secure_ = false;
   int error_ = 0;

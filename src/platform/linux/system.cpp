@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "platform/curl/curl_socket_control.h"
+#include "platform/curl/curl_web_client.h"
 #include "platform/linux/folders.h"
 
 namespace quorvel {
@@ -60,6 +61,12 @@ class SystemClock : public Clock {
   const locale_t locale_ = locale_of_user();
 };
 
+/// As OpenSSL's own programs do, for those who must trust an authority of their own.
+std::string own_authorities() {
+  const char* const file = std::getenv("SSL_CERT_FILE");
+  return file != nullptr ? file : "";
+}
+
 }  // namespace
 
 std::unique_ptr<Clock> system_clock() {
@@ -67,9 +74,11 @@ std::unique_ptr<Clock> system_clock() {
 }
 
 std::unique_ptr<SocketControl> system_socket() {
-  // As OpenSSL's own programs do, for those who must trust an authority of their own.
-  const char* const authority = std::getenv("SSL_CERT_FILE");
-  return std::make_unique<CurlSocketControl>(authority != nullptr ? authority : "");
+  return std::make_unique<CurlSocketControl>(own_authorities());
+}
+
+std::unique_ptr<WebClient> system_web_client() {
+  return std::make_unique<CurlWebClient>(own_authorities());
 }
 
 std::string application_data_folder(Files& files) {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/curl/curl_socket_control.h"
+#include "platform/curl/curl_web_client.h"
 #include "platform/windows/proxy.h"
 #include "platform/windows/wide.h"
 
@@ -48,6 +49,11 @@ std::string variable(const wchar_t* name) {
   return to_utf8(value);
 }
 
+/// For those who must trust an authority of their own and may not tell Windows so.
+std::string own_authorities() {
+  return variable(L"SSL_CERT_FILE");
+}
+
 /// The program's name ends at its closing quote, or at a blank where it has none.
 std::wstring_view without_program(std::wstring_view line) {
   bool quoted = false;
@@ -67,8 +73,11 @@ std::unique_ptr<Clock> system_clock() {
 }
 
 std::unique_ptr<SocketControl> system_socket() {
-  // For those who must trust an authority of their own and may not tell Windows so.
-  return std::make_unique<CurlSocketControl>(variable(L"SSL_CERT_FILE"), system_proxy);
+  return std::make_unique<CurlSocketControl>(own_authorities(), system_proxy);
+}
+
+std::unique_ptr<WebClient> system_web_client() {
+  return std::make_unique<CurlWebClient>(own_authorities(), system_proxy);
 }
 
 std::string application_data_folder(Files&) {
