@@ -12,6 +12,7 @@
 #include "platform/files.h"
 #include "platform/log.h"
 #include "platform/native.h"
+#include "platform/web_client.h"
 #include "support/fake_ports.h"
 #include "transport/http_client.h"
 
@@ -49,6 +50,10 @@ struct NoSocket : SocketControl {
   void disconnect() override {}
   int last_error() const override { return 1; }
   std::string last_error_string() const override { return "no network"; }
+};
+
+struct NoWeb : WebClient {
+  WebAnswer get(const std::string&) override { throw Failure("no network"); }
 };
 
 /// Files in memory; folders are always there.

@@ -27,11 +27,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   testing::FakeDesktop desktop(events);
   testing::FakeClock clock(events);
   fuzz::NoSocket socket;
+  fuzz::NoWeb web;
   fuzz::MemoryFiles files;
   files.held["/in/a.s01e01.avi"] = "x";
   Values values;
   NoOperation shell;
-  Session session({values, shell, files, socket, ui, clock}, {"/data", "/program", "/w/", "http://127.0.0.1"});
+  Session session({values, shell, files, socket, web, ui, clock}, {"/data", "/program", "/w/", "http://127.0.0.1"});
   Startup startup(session, desktop, desktop);
   std::string_view rest = fuzz::text_of(data, size);
   for (int i = 0; i < 3; ++i) {

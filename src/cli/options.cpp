@@ -26,9 +26,13 @@ Gives television episode files their right name and place. Each PATH is a file, 
       --set NAME=VALUE  a setting for this run; may be given again. NAME is one of
 )";
 constexpr const char* help_end =
-    R"(      --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
+    R"(      --exact           read names with the reader and keep every character of the service's names, for this run
+      --classic         do not, whatever the settings say
+      --strict          without --exact: what a name may mean besides what was read fails
+      --show ID         the show of all paths, by its number at TVmaze; with --exact
+      --json            an object a line for each item that has ended, and one with a summary
+      --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
-      --json            with --read, an object a line
   -h, --help, /?        show this text
       --version         show the version
 
@@ -83,17 +87,27 @@ void add_setting(Options& options, const std::string& text) {
   }
 }
 
+int show_id(const std::string& text) {
+  const int id = leading_number(text);
+  if (id <= 0 || std::to_string(id) != text) refuse("--show wants the number of a show, not \"" + text + "\"");
+  return id;
+}
+
 std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly { Set = 256, Read, Json, Version };
-  static constexpr std::array<option, 9> known = {{{"verbose", no_argument, nullptr, 'v'},
-                                                   {"dry-run", no_argument, nullptr, 'n'},
-                                                   {"work-dir", required_argument, nullptr, 'w'},
-                                                   {"set", required_argument, nullptr, Set},
-                                                   {"read", no_argument, nullptr, Read},
-                                                   {"json", no_argument, nullptr, Json},
-                                                   {"help", no_argument, nullptr, 'h'},
-                                                   {"version", no_argument, nullptr, Version},
-                                                   {nullptr, 0, nullptr, 0}}};
+  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Version };
+  static constexpr std::array<option, 13> known = {{{"verbose", no_argument, nullptr, 'v'},
+                                                    {"dry-run", no_argument, nullptr, 'n'},
+                                                    {"work-dir", required_argument, nullptr, 'w'},
+                                                    {"set", required_argument, nullptr, Set},
+                                                    {"read", no_argument, nullptr, Read},
+                                                    {"json", no_argument, nullptr, Json},
+                                                    {"exact", no_argument, nullptr, Exact},
+                                                    {"classic", no_argument, nullptr, Classic},
+                                                    {"strict", no_argument, nullptr, Strict},
+                                                    {"show", required_argument, nullptr, ShowId},
+                                                    {"help", no_argument, nullptr, 'h'},
+                                                    {"version", no_argument, nullptr, Version},
+                                                    {nullptr, 0, nullptr, 0}}};
   Options options;
   bool verbose = false;
   opterr = 0;
@@ -118,6 +132,17 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
       case Json:
         options.json = true;
         break;
+      case Exact:
+      case Classic:
+        options.settings.emplace_back("exact", found == Exact ? 1U : 0U);
+        break;
+      case Strict:
+        options.settings.emplace_back("strict", 1U);
+        break;
+      case ShowId:
+        options.show_id = show_id(optarg);
+        options.settings.emplace_back("exact", 1U);
+        break;
       case 'h':
         return Ending{0, help()};
       case Version:
@@ -131,7 +156,6 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   }
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
-  if (options.json && !options.read) refuse("The option --json goes with --read");
   if (options.read && options.paths.empty()) options.paths = {"-"};
   if (options.paths.empty()) refuse("No path is given");
   if (argc == 2 && options.paths[0] == "/?") return Ending{0, help()};

@@ -17,6 +17,7 @@ struct Options {
   std::vector<std::string> paths;
   bool read = false;  // only tell what the paths say
   bool json = false;
+  std::optional<int> show_id;  // of all paths
 };
 
 /// Nothing is to be run: the program prints this and ends.

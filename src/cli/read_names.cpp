@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "naming/reader/reading.h"
+#include "naming/reader/reading_text.h"
 #include "platform/console.h"
 #include "text/json_text.h"
 
@@ -11,72 +11,27 @@ namespace {
 
 constexpr std::size_t piece = 65536;
 
-std::string date_text(const Date& date) {
-  const auto two_digits = [](int number) { return (number < 10 ? "-0" : "-") + std::to_string(number); };
-  return std::to_string(date.year) + two_digits(date.month) + two_digits(date.day);
-}
-
-std::string list_text(const std::vector<int>& numbers, const char* separator) {
-  std::string text;
-  for (const int number : numbers) text.append(text.empty() ? "" : separator).append(std::to_string(number));
-  return text;
-}
-
-/// "season 2, episodes 5, 6".
-std::string number_text(const Reading& reading) {
-  std::string text;
-  const auto add = [&text](const std::string& more) { text.append(text.empty() ? "" : ", ").append(more); };
-  const auto add_list = [&add](const char* word, const std::vector<int>& numbers) {
-    if (!numbers.empty()) add(word + std::string(numbers.size() == 1 ? " " : "s ") + list_text(numbers, ", "));
-  };
-  if (reading.season && !reading.episodes.empty()) add("season " + std::to_string(*reading.season));
-  add_list("episode", reading.episodes);
-  add_list("absolute number", reading.absolute);
-  if (reading.date) add(date_text(*reading.date));
-  return text;
-}
-
 std::string for_people(const std::string& name, const Reading& reading) {
   if (!reading.has_numbers()) return name + ": no episode\n";
-  std::string show = reading.show.empty() ? "no show" : "\"" + reading.show + "\"";
-  if (reading.year) show += " (" + std::to_string(*reading.year) + ")";
-  if (!reading.country.empty()) show += " (" + reading.country + ")";
-  return name + ": " + show + ", " + number_text(reading) + (reading.special ? ", special" : "") +
+  return name + ": " + show_text(reading) + ", " + number_text(reading) + (reading.special ? ", special" : "") +
          (reading.certain ? "" : " (not certain)") + "\n";
 }
 
 std::string for_programs(const std::string& name, const Reading& reading) {
-  std::string line;
-  const auto key = [&line](const char* word) { line.append(line.empty() ? "{\"" : ",\"").append(word).append("\":"); };
-  const auto text = [&](const char* word, const std::string& value) {
-    key(word);
-    value.empty() ? void(line += "null") : append_json(line, value);
-  };
-  const auto number = [&](const char* word, const std::optional<int>& value) {
-    key(word);
-    line += value ? std::to_string(*value) : "null";
-  };
-  const auto list = [&](const char* word, const std::vector<int>& value) {
-    key(word);
-    line += value.empty() ? "null" : "[" + list_text(value, ",") + "]";
-  };
-  const auto flag = [&](const char* word, bool value) {
-    key(word);
-    line += value ? "true" : "false";
-  };
-  key("name");
-  append_json(line, name);
-  text("show", reading.show);
-  number("year", reading.year);
-  text("country", reading.country);
-  number("season", reading.season);
-  list("episodes", reading.episodes);
-  list("absolute", reading.absolute);
-  text("date", reading.date ? date_text(*reading.date) : "");
-  number("part", reading.part);
-  flag("special", reading.special);
-  flag("certain", reading.certain);
-  return line + "}\n";
+  return JsonObject()
+             .text("name", name)
+             .text("show", reading.show)
+             .number("year", reading.year)
+             .text("country", reading.country)
+             .number("season", reading.season)
+             .numbers("episodes", reading.episodes)
+             .numbers("absolute", reading.absolute)
+             .text("date", reading.date ? date_text(*reading.date) : "")
+             .number("part", reading.part)
+             .flag("special", reading.special)
+             .flag("certain", reading.certain)
+             .line() +
+         "\n";
 }
 
 class Teller {

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "cli/dry_run.h"
+#include "cli/json_report.h"
 #include "cli/run_store.h"
 #include "cli/terminal.h"
 #include "cli/terminal_ui.h"
@@ -90,7 +91,7 @@ bool queue_paths(Session& session, const std::vector<std::string>& paths, Termin
 }
 
 /// Reports why items failed and how many did. Returns whether all are done.
-bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
+bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& terminal) {
   std::map<QueueState, int> count;
   for (int i = 1; i <= queue.count(); ++i) {
     const QueueItem& item = queue.at(i);
@@ -101,6 +102,7 @@ bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
     replace_all(why, "\r\n", "; ");
     terminal.error_line(item.path + ": " + why);
   }
+  if (options.json) terminal.out_line(json_of(count, options.dry_run));
   const int left = count[QueueState::Inactive];
   terminal.error_line(std::to_string(count[QueueState::Done]) + " done, " + std::to_string(count[QueueState::Failed]) +
                       " failed, " + std::to_string(count[QueueState::Cancelled]) + " cancelled" +
@@ -108,16 +110,22 @@ bool tell_outcome(const WorkQueue& queue, Terminal& terminal) {
   return queue.count() > 0 && count[QueueState::Done] == queue.count();
 }
 
-int run_session(Session& session, const std::vector<std::string>& paths, TerminalUi& ui, Terminal& terminal) {
-  session.log.on_line = [&](const std::string& line, bool) { terminal.out_line(line); };
+int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
+  session.log.on_line = [&](const std::string& line, bool) {
+    options.json ? terminal.error_line(line) : terminal.out_line(line);
+  };
+  session.exact.show_of_all = options.show_id;
+  if (options.json) {
+    session.processor.on_ended = [&](const QueueItem& item) { terminal.out_line(json_of(item, options.dry_run)); };
+  }
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
   session.start();
-  const bool all_queued = queue_paths(session, paths, terminal);
+  const bool all_queued = queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});
-  return tell_outcome(session.queue, terminal) && all_queued ? all_done : something_failed;
+  return tell_outcome(session.queue, options, terminal) && all_queued ? all_done : something_failed;
 }
 
 }  // namespace
@@ -128,8 +136,9 @@ int run(const Options& options) {
   const std::unique_ptr<Files> real_files = system_files();
   const std::unique_ptr<FileOperation> real_shell =
       system_file_operation([&](std::uint64_t done, std::uint64_t total) { return ui.copy_progress(done, total); }, {});
-  DryRun dry_run(*real_files,
-                 [&](const std::string& from, const std::string& to) { terminal.out_line(from + " -> " + to); });
+  DryRun dry_run(*real_files, [&](const std::string& from, const std::string& to) {
+    if (!options.json) terminal.out_line(from + " -> " + to);
+  });
   Files& files = options.dry_run ? dry_run : *real_files;
   FileOperation& shell = options.dry_run ? static_cast<FileOperation&>(dry_run) : *real_shell;
 
@@ -155,10 +164,11 @@ int run(const Options& options) {
   }
 
   const std::unique_ptr<SocketControl> socket = system_socket();
+  const std::unique_ptr<WebClient> web = system_web_client();
   const std::unique_ptr<Clock> clock = system_clock();
-  Session session({store, shell, files, *socket, ui, *clock}, std::move(places));
+  Session session({store, shell, files, *socket, *web, ui, *clock}, std::move(places));
   try {
-    return run_session(session, options.paths, ui, terminal);
+    return run_session(session, options, ui, terminal);
   } catch (const ProgramEnd&) {
     return something_failed;  // the user has seen why
   }

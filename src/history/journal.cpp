@@ -72,8 +72,12 @@ void Journal::begin(const FileOperationRequest& request) {
 }
 
 void Journal::end() {
-  const bool left = is_left(entries_.back());
-  if (!left) entries_.pop_back();
+  const Entry& last = entries_.back();
+  const std::string aside = aside_of(last);
+  if (!last.temporary.empty() && aside != last.temporary && files_.exists(aside)) {
+    log_.debug_log("The name of " + last.source + " has been taken; the file is " + aside + " now", LogLevel::Normal);
+  }
+  if (!is_left(last)) entries_.pop_back();
   if (file_) file_->write(text_of(entries_), false);
 }
 

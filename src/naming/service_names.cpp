@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "text/case.h"
 #include "text/characters.h"
 #include "text/cut.h"
+#include "text/unicode_forms.h"
 
 namespace quorvel {
 namespace {
@@ -40,6 +42,28 @@ std::string without_control_characters(const std::string& name, Log& log) {
       "Removed " + std::to_string(removed) + " control characters from the service's name \"" + cleaned + "\"",
       LogLevel::Normal);
   return cleaned;
+}
+
+std::string exact_name(std::string_view name) {
+  static constexpr std::pair<char32_t, std::u32string_view> replaced[] = {{U':', U" -"}, {U'/', U"-"}};
+  static constexpr std::u32string_view forbidden(U"\\*?\"<>|\0", 8);
+  std::u32string made;
+  for (const char32_t character : decode(composed(name))) {
+    const auto* const found =
+        std::find_if(std::begin(replaced), std::end(replaced), [&](const auto& row) { return row.first == character; });
+    std::u32string_view piece(&character, 1);
+    if (found != std::end(replaced)) {
+      piece = found->second;
+    } else if (character == U'\t' || character == U'\n' || character == U'\u00A0') {
+      piece = U" ";
+    } else if (is_removed(character) || forbidden.find(character) != std::u32string_view::npos) {
+      continue;
+    }
+    if (piece.front() == U' ' && (made.empty() || made.back() == U' ')) piece.remove_prefix(1);
+    made += piece;
+  }
+  while (made.ends_with(U' ')) made.pop_back();
+  return encode(made);
 }
 
 std::optional<std::string> name_trouble(std::string_view name, char separator) {

@@ -16,6 +16,11 @@ namespace quorvel {
 /// left-to-right or right-to-left mark stays, for titles of right-to-left scripts do hold it. Each removal is logged.
 std::string without_control_characters(const std::string& name, Log& log);
 
+/// A show's name or a title with all its characters but those that no file can have: ":" becomes " -", "/" becomes "-",
+/// the others go, and so does what without_control_characters removes. In composed form, blanks joined, none at the
+/// ends.
+std::string exact_name(std::string_view name);
+
 /// Why the system would take this component of a path for something else; empty when it would not.
 /// "." and ".." everywhere; where paths are written with "\", names of dots and spaces alone and those of devices
 /// ("CON", "com1.avi") too. A dot at the end is none of them: there the system drops it wherever it meets the name.

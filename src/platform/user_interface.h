@@ -8,7 +8,7 @@ namespace quorvel {
 
 /// What changes in one row of the queue list. Absent values stay as they are.
 struct RowUpdate {
-  enum Icon { DoneIcon = 1, FailedIcon = 2, WaitingIcon = 3 };
+  enum Icon { DoneIcon = 1, FailedIcon = 2, WaitingIcon = 3, LookIcon = 4 };  // the last: a person should look at it
 
   bool scroll_into_view = false;
   std::optional<Icon> icon;

@@ -1,6 +1,7 @@
 #include "queue/classic_identification.h"
 
 #include "naming/episode_patterns.h"
+#include "naming/reader/reading_text.h"
 #include "naming/service_names.h"
 #include "queue/stage.h"
 #include "text/case.h"
@@ -28,6 +29,7 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
   }
 
   parts_.log.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
+  if (!is_trusted(item)) return {Identified::Failed, {}, item.doubts.front()};
   if (!reached(QueueState::Searching)) return {Identified::Interrupted};
   parts_.log.debug_log("Checking exceptions", LogLevel::Verbose);
   checkex(item);
@@ -64,6 +66,20 @@ bool ClassicIdentification::getbits(QueueItem& item, bool parentFolder) {
   item.episode = found->episode;
   parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
   return true;
+}
+
+bool ClassicIdentification::is_trusted(QueueItem& item) {
+  const Reading reading = read_name(item.path);
+  if (!reading.certain || !reading.has_numbers()) return true;
+  const bool is_same = reading.season == item.season && reading.episodes == std::vector<int>{item.episode};
+  // Where a name only counts, or tells its number without a season, the patterns have made a season of it.
+  if (is_same || (reading.episodes.empty() && !reading.date && reading.absolute == std::vector<int>{item.episode})) {
+    return true;
+  }
+  item.doubts.push_back("The name seems to say " + number_text(reading) + ", and was read as season " +
+                        std::to_string(item.season) + ", episode " + std::to_string(item.episode));
+  parts_.log.debug_log(item.filename + ": " + item.doubts.front(), LogLevel::Normal);
+  return !parts_.settings.strict;
 }
 
 void ClassicIdentification::checkex(QueueItem& item) {

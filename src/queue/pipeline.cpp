@@ -13,7 +13,7 @@ bool Pipeline::dofilter(QueueItem& item) {
   const std::optional<int> rule = parts_.filters.first_fitting(extension, item.show_name);
   if (!rule) return false;
   const AFilter& filter = parts_.filters.at(*rule);
-  const MaskValues values{item.show_name, item.season, item.episode, item.episode_title};
+  const MaskValues values{item.show_name, item.season, item.episode, item.episode_title, item.more_episodes};
   std::string folder;
   if (filter.action < MoveAndRename) {
     folder = getpath(item.path, 0);

@@ -92,6 +92,7 @@ void Processor::cancel_rest() {
 void Processor::set_state(int index, QueueState state) {
   queue_.at(index).state = state;
   view_.update_lv(index);
+  if (state == QueueState::Done || state < QueueState::Inactive) on_ended(queue_.at(index));
 }
 
 /// What fails after the user has stopped it has been cancelled.
@@ -111,6 +112,7 @@ void Processor::cancel(int index, const std::string& error_text) {
 void Processor::process_item(int index) {
   QueueItem& item = queue_.at(index);
   item.error_text.clear();
+  item.doubts.clear();
   const Identified found = identification_->identify(item, [&](QueueState state) {
     set_state(index, state);
     // At the search a wish to quit waits, so that each item that was taken is looked for.

@@ -44,6 +44,9 @@ class Processor {
 
   bool queue_busy() const { return queue_busy_; }
 
+  /// Called when an item has ended, well or not.
+  std::function<void(const QueueItem&)> on_ended = [](const QueueItem&) {};
+
  private:
   void run_pass();
   void process_item(int index);

@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "fileops/file_job.h"
+#include "naming/reader/reading.h"
 
 namespace quorvel {
 
@@ -28,8 +30,11 @@ struct QueueItem {
   std::string filename;  // its last component
   std::int32_t episode = 0;
   std::int32_t season = 0;
-  std::string search_name;  // detected in the name, perhaps replaced by an exception
-  std::string show_name;    // as the listings service gives it
+  std::vector<int> more_episodes;   // of the same season, when the file holds several
+  std::optional<Reading> reading;   // what the name says, in the exact way
+  std::vector<std::string> doubts;  // what a person should look at
+  std::string search_name;          // detected in the name, perhaps replaced by an exception
+  std::string show_name;            // as the listings service gives it
   std::int32_t show_id = 0;
   std::string show_url;  // in double quotes, as the service gives it
   std::string episode_title;

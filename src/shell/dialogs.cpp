@@ -1,6 +1,7 @@
 #include "shell/dialogs.h"
 
 #include "naming/file_names.h"
+#include "naming/reader/reading_text.h"
 #include "text/characters.h"
 #include "text/cut.h"
 
@@ -11,6 +12,17 @@ constexpr std::string_view dots = "...";
 
 std::string skip_name(int message) {
   return "msgskip$" + std::to_string(message);
+}
+
+/// What else is known of how the item came to its name.
+std::string remarks(const QueueItem& item) {
+  std::string text;
+  if (item.reading && item.reading->has_numbers()) {
+    text = "Read as: " + show_text(*item.reading) + ", " + number_text(*item.reading) +
+           (item.reading->certain ? "" : " (not certain)");
+  }
+  for (const std::string& doubt : item.doubts) text.append(text.empty() ? "" : "\n").append("Look at this: " + doubt);
+  return text;
 }
 
 void describe(const QueueItem& item, ItemInfo& info) {
@@ -28,6 +40,7 @@ void describe(const QueueItem& item, ItemInfo& info) {
     case QueueState::Done:
       info.status = "Status: Done";
       info.new_name = "New Name: " + item.new_name;
+      info.description = remarks(item);
       break;
     default:
       return;

@@ -31,10 +31,16 @@ Session::Session(Ports ports, Places places)
       journal(ports.files, log, settings.work_dir),
       jobs(ports.shell, ports.files, journal, settings.verify, log),
       view(queue, filters, ports.ui),
+      answers(ports.files, log, settings.work_dir),
+      catalogue(ports.web, answers, pace, ports.clock, ports.ui, log, this->places.api_base),
+      lookup(catalogue, answers),
       classic({settings, exceptions, search, listings, log}),
+      exact(settings, exceptions, lookup, log),
       pipeline({settings, filters, jobs, ports.ui, log}),
       processor(
-          queue, settings, ports.ui, log, [this]() -> Identification& { return classic; }, pipeline, view),
+          queue, settings, ports.ui, log,
+          [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },
+          pipeline, view),
       intake(queue, settings, ports.files, ports.ui, log, [this] { return processor.queue_busy(); }),
       undo(queue, jobs, log, view) {}
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "catalogue/lookup.h"
 #include "history/journal.h"
 #include "listings/cache_folder.h"
 #include "listings/episode_listings.h"
@@ -14,7 +15,9 @@
 #include "platform/key_value_store.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
+#include "platform/web_client.h"
 #include "queue/classic_identification.h"
+#include "queue/exact_identification.h"
 #include "queue/intake.h"
 #include "queue/pipeline.h"
 #include "queue/processor.h"
@@ -36,6 +39,7 @@ struct Ports {
   FileOperation& shell;
   Files& files;
   SocketControl& socket;
+  WebClient& web;
   UserInterface& ui;
   Clock& clock;
   ContextMenu* context_menu = nullptr;  // null where the program has no entries in any menu
@@ -71,6 +75,7 @@ class Session {
   void stop() {
     processor.stop();
     http.cancel();
+    catalogue.cancel();
   }
 
   const Ports ports;
@@ -90,7 +95,11 @@ class Session {
   Journal journal;
   FileJobs jobs;
   QueueView view;
+  AnswerStore answers;
+  CatalogueService catalogue;
+  Lookup lookup;
   ClassicIdentification classic;
+  ExactIdentification exact;
   Pipeline pipeline;
   Processor processor;
   Intake intake;

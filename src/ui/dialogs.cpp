@@ -290,7 +290,7 @@ void ItemInfoDialog::fill() {
     window->Show(!info_.new_path.empty());
   }
   description_->ChangeValue(to_wx(info_.description));
-  description_->Show(!is_done);
+  description_->Show(!is_done || !info_.description.empty());
   links_->Show(is_done);
   show_link_->Show(!info_.show_address.empty());
   episode_link_->Show(!info_.episode_address.empty());

@@ -37,7 +37,7 @@ wxBitmapBundle about(const wxWindow& window) {
 
 wxVector<wxBitmapBundle> rows(const wxWindow& window) {
   wxVector<wxBitmapBundle> images;
-  for (const char* const drawing : {icon_data::done, icon_data::failed, icon_data::waiting}) {
+  for (const char* const drawing : {icon_data::done, icon_data::failed, icon_data::waiting, icon_data::look}) {
     images.push_back(wxBitmapBundle::FromSVG(drawing, scaled_for_bundle(window, row_size)));
   }
   return images;

@@ -43,6 +43,7 @@ class App : public wxApp {
   std::unique_ptr<FileOperation> shell_;
   std::unique_ptr<KeyValueStore> key_values_;
   std::unique_ptr<SocketControl> socket_;
+  std::unique_ptr<WebClient> web_;
   std::unique_ptr<Clock> clock_;
   std::unique_ptr<ContextMenu> context_menu_;
   std::unique_ptr<Launcher> launcher_;
@@ -60,13 +61,14 @@ void App::build() {
       [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
   key_values_ = system_key_values(*files_, application_title);
   socket_ = system_socket();
+  web_ = system_web_client();
   clock_ = system_clock();
   context_menu_ = system_context_menu(*files_, program_file());
   launcher_ = system_launcher();
   channel_ = system_instance_channel(application_title, std::string(application_title) + " " + short_version);
 
   frame_ = new MainFrame;
-  session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *frame_, *clock_, context_menu_.get()},
+  session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *web_, *frame_, *clock_, context_menu_.get()},
                    Places{.application_data = application_data_folder(*files_),
                           .program = program_folder(),
                           .work_dir = {},

@@ -18,9 +18,11 @@ namespace {
 struct Box {
   const char *setting, *label, *name;
 };
-constexpr std::array<Box, 7> boxes = {{{"autoclose", "Close &when done", "Check6"},
+constexpr std::array<Box, 9> boxes = {{{"autoclose", "Close &when done", "Check6"},
                                        {"logging", "&Verbose Logging", "Check5"},
                                        {"confirm", "Confirm &File Operations", "Check2"},
+                                       {"exact", "&Exact Names", "Check8"},
+                                       {"strict", "Fail What Ma&y Be Read Otherwise", "Check9"},
                                        {"verify", "&Read Back What Is Moved to Another Drive", "Check7"},
                                        {"nocache", "&Disable Cache", "Check3"},
                                        {"noutf8", "Disable &UTF-8 Decoding", "Check4"},

@@ -7,6 +7,7 @@
 #include "listings_service.h"
 #include "system_facts.h"
 #include "temporary_folder.h"
+#include "text/json_text.h"
 
 namespace quorvel::testing {
 namespace {
@@ -138,6 +139,28 @@ TEST_F(Cli, ReadingNamesAsksNobodyAndTouchesNothing) {
   EXPECT_TRUE(service.requests().empty());
 }
 
+TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
+  const std::string both = "The.Harbour.Lights.S01E02E03.mkv", path = folder / ("in/" + both);
+  const std::string name = good + "2-03 - The Pilot Boat & A Lantern for Maud.mkv";
+  add({both});
+  const auto before = everything_in(folder.path());
+  EXPECT_EQ(run({"--exact", "--json", "-n", both}), 0);
+  std::string expected;
+  append_json(expected, path);
+  expected = "{\"path\":" + expected + ",\"state\":\"planned\",\"new_path\":";
+  append_json(expected, folder / ("in/" + name));
+  EXPECT_EQ(out, expected +
+                     ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
+                     "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[]}\n"
+                     "{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0}}\n");
+  EXPECT_EQ(everything_in(folder.path()), before);
+  EXPECT_EQ(run({"--exact", "-w../work", both}), 0);
+  EXPECT_EQ(contents(folder / ("in/" + name)), both);
+  EXPECT_EQ(service.requests().size(), 4u);
+  add({"harbour.lights.1x04.mkv"});
+  EXPECT_EQ(run({"--show", "101", "-w../work", "harbour.lights.1x04.mkv"}), 1) << "that show is not known here";
+}
+
 TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   const std::string usage = "\nTry quorvel-cli --help.", cache = folder / "work/cache";
   files->create_folder(cache);
@@ -146,7 +169,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{}, "No path is given" + usage},
       {{"--colour", "x"}, "There is no option --colour" + usage},
       {{"x", "--set"}, "The option --set lacks its value" + usage},
-      {{"--json", "x"}, "The option --json goes with --read" + usage},
+      {{"--show", "0", "x"}, "--show wants the number of a show, not \"0\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
       {{"--set", "confirm=32768", "x"}, "--set confirm wants a number from 0 to 32767" + usage},

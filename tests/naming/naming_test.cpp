@@ -55,8 +55,18 @@ TEST(FileNames, AreTakenApartAtTheLastSeparator) {
 TEST(Masks, ReplaceTheirTokensInOrder) {
   const MaskValues values{"Show", 1, 5, "Pilot"};
   EXPECT_EQ(expand_name("[show] - [s]x[ee] - [title].avi", values), "Show - 1x05 - Pilot.avi");
-  EXPECT_EQ(expand_name("[s] [ss] [e] [ee] [S] [show]", {"[title]", 0, 123, "x"}), "0 00 123 123 [S] x");
+  EXPECT_EQ(expand_name("[s] [ss] [e] [ee] [S] [show]", {"[title]", 0, 123, "x"}), "0 00 123 123 [S] [title]");
+  EXPECT_EQ(expand_name("S[ss]E[ee] e[e] [s]x[ee]", {"", 1, 2, "", {3, 4}}), "S01E02-E03-E04 e2-e3-e4 1x02-03-04");
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
+}
+
+TEST(ExactNames, KeepAllThatAFileSystemCanHold) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"Star Trek: Picard", "Star Trek - Picard"}, {"Face/Off \\o/", "Face-Off o-"},
+      {"Why? \"So\" <1|2>*", "Why So 12"},         {"  1883\t Part  1 ", "1883 Part 1"},
+      {"Cafe\u0301 [x]", "Caf\u00e9 [x]"},         {"a\u202eb\nc\x7f", "ab c"},
+      {"Ночной поезд...", "Ночной поезд..."},      {"???", ""}};
+  for (const auto& [name, expected] : rows) EXPECT_EQ(exact_name(name), expected) << name;
 }
 
 TEST(ServiceNames, MisleadNeitherTheEyeNorTheSystem) {

@@ -76,10 +76,11 @@ struct World {
   void run(FaultPlan& plan) {
     const std::unique_ptr<KeyValueStore> store = settings(plan);
     FakeListings service;
+    FakeWeb web;
     Events events;
     FakeUi ui{events};
     FakeClock clock{events};
-    Session session{{*store, plan, plan, service, ui, clock}, {{}, {}, work, service.base()}};
+    Session session{{*store, plan, plan, service, web, ui, clock}, {{}, {}, work, service.base()}};
     bool gone = false;
     session.log.on_line = [&](const std::string& line, bool) { gone |= line.ends_with("Source file not found"); };
     ui.on_events = [&] {

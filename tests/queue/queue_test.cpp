@@ -102,6 +102,52 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
   EXPECT_EQ(session.undo.entry(1).caption, "Undo Copy/Rename");
 }
 
+TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
+  session.settings.exact = true;
+  web.bodies["/search/shows?q=part+time"] =
+      R"([{"show":{"id":7,"url":"https://x/7","name":"Part-Time: 1883","premiered":"1990-01-01"}},
+          {"show":{"id":8,"name":"Part Time","premiered":"2010-01-01"}},
+          {"show":{"id":9,"name":"Part Time","premiered":"2015-01-01"}}])";
+  for (const char* const id : {"8", "9"}) {
+    web.bodies[std::string("/shows/") + id + "/episodes"] =
+        R"j([{"season":1,"number":1,"name":"Pilot (1)","url":"https://x/e"},{"season":1,"number":2,"name":"Pilot (2)"}])j";
+  }
+  session.settings.types += ";ogm";
+  for (const char* name :
+       {"Part.Time.2010.S01E01E02.mkv", "Part.Time.S01E01.mkv", "part.time.2015.1x02.ogm", "Holiday.mkv"}) {
+    add(name);
+  }
+  processor.process_queue();
+  EXPECT_EQ(read("in/Part Time - 1x01-02 - Pilot.mkv"), "Part.Time.2010.S01E01E02.mkv");
+  EXPECT_EQ(item(1).episode_url, "\"https://x/e\"");
+  EXPECT_EQ(item(2).error_text,
+            "Unable to choose a show\r\nRead as: \"Part Time\", season 1, episode 1\r\n"
+            "More than one show fits: Part Time (2010, tvmaze:8), Part Time (2015, tvmaze:9)");
+  EXPECT_TRUE(exists("in/Part Time - 1x02 - Pilot (2).ogm"));
+  EXPECT_EQ(item(4).error_text, "Unable to find an episode in the name");
+  EXPECT_EQ(service.requests().size(), 0u) << "the classic way is not asked";
+  session.exceptions.append({"part time", "tvmaze:8", false});
+  web.bodies["/shows/8"] = R"({"id":8,"name":"Part Time"})";
+  add("Part.Time.S01E01.avi");
+  processor.process_queue();
+  EXPECT_EQ(item(5).new_name, "Part Time - 1x01 - Pilot (1).avi");
+}
+
+TEST_F(Queue, WhatTheReaderIsSureOfAndThePatternsReadOtherwiseIsTold) {
+  const char* const name = "The.Harbour.Lights.S01E02E03.mkv";
+  add(name);
+  processor.process_queue();
+  const std::string doubt = "The name seems to say season 1, episodes 2, 3, and was read as season 1, episode ";
+  ASSERT_EQ(item(1).doubts.size(), 1u);
+  EXPECT_TRUE(item(1).doubts[0].starts_with(doubt) &&
+              log().find(std::string(name) + ": " + doubt) != std::string::npos);
+  EXPECT_EQ(item(1).state, QueueState::Done);
+  session.settings.strict = true;
+  add("The.Harbour.Lights.S01E04E05.mkv");
+  processor.process_queue();
+  EXPECT_TRUE(item(2).state == QueueState::Failed && item(2).error_text == item(2).doubts.at(0));
+}
+
 TEST_F(Queue, UndoNeverTouchesAFileThatIsNotItsOwn) {
   const std::string old_name = std::string("in/") + lights_file, new_name = std::string("in/") + lights_name;
   add(lights_file);

@@ -46,12 +46,13 @@ TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
-  // What is stored for context, confirm, nocache, noutf8, logging, autoclose and verify, and what that means.
-  using Values = std::array<int, 7>;
-  const std::pair<Values, Values> rows[] = {{{0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0}},
-                                            {{1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1}},
-                                            {{2, 2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0, 1}},
-                                            {{7, 32767, 32768, 7, 3, 7, 7}, {2, 1, 0, 1, 1, 0, 1}}};
+  // What is stored for context, confirm, nocache, noutf8, logging, autoclose, exact, strict and verify, and what that
+  // means.
+  using Values = std::array<int, 9>;
+  const std::pair<Values, Values> rows[] = {{{0, 0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0, 0, 0}},
+                                            {{1, 1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1}},
+                                            {{2, 2, 2, 2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0, 1, 1, 1}},
+                                            {{7, 32767, 32768, 7, 3, 7, 7, 7, 7}, {2, 1, 0, 1, 1, 0, 1, 1, 1}}};
   const std::pair<std::string, std::string> types[] = {
       {"mp", "avi;mkv;mpg;mp4"}, {"mp4", "mp4"}, {"", "avi;mkv;mpg;mp4"}, {std::string("mp4\0x", 5), "mp4"}};
   for (std::size_t i = 0; i < std::size(rows); ++i) {
@@ -98,6 +99,8 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
                                          {"logging", 2},
                                          {"nocache", 1},
                                          {"noutf8", 1},
+                                         {"exact", 1},
+                                         {"strict", 1},
                                          {"verify", 1}}));
   EXPECT_EQ(session.log.level(), LogLevel::Verbose);
 

@@ -7,6 +7,7 @@
 
 #include "fake_listings.h"
 #include "fake_ports.h"
+#include "fake_web.h"
 #include "file_tools.h"
 #include "platform/system.h"
 #include "shell/startup.h"
@@ -24,11 +25,12 @@ struct TestPorts {
   std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
   FakeDesktop desktop{events};
   FakeListings service;
+  FakeWeb web;
 
   TestPorts() {
     for (const char* const name : {"data", "in", "program"}) files->create_folder(folder / name);
   }
-  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, ui, clock, &desktop}; }
+  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, web, ui, clock, &desktop}; }
   Places places() const { return {folder / "data", folder / "program", {}, service.base()}; }
 
   /// Makes a file, and the folders that it lacks.

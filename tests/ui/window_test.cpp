@@ -191,11 +191,12 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   key_values.numbers["autoclose"] = 1;
   start();
   on_dialog([](wxDialog& dialog) {
-    EXPECT_EQ(shown(dialog),
-              "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Read Back What Is Moved to "
-              "Another Drive|o Disable Cache|o Disable "
-              "UTF-8 Decoding|o Add To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|OK|"
-              "Cancel|");
+    EXPECT_EQ(
+        shown(dialog),
+        "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Exact Names|o Fail What May Be "
+        "Read Otherwise|o Read Back What Is Moved to Another Drive|o Disable Cache|o Disable UTF-8 Decoding|o Add "
+        "To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|OK|"
+        "Cancel|");
     set_text(dialog, "txtTypes", ".MOV;");
     type(dialog, 'T', true);
     press(dialog, "OK");
@@ -203,7 +204,8 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   command(ui::mnuPrefs);
   EXPECT_TRUE(key_values.texts["types"] == "mov" && logged("Keep temp on") == 1);
   std::string seen;
-  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5", "Check6", "Check7"};
+  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5",
+                               "Check6", "Check7", "Check8", "Check9"};
   for (const char* const wanted : boxes) {
     on_dialog([&, wanted](wxDialog& dialog) {
       for (const char* const box : boxes) {
@@ -220,7 +222,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   }
   EXPECT_EQ(seen,
             "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose Check6, "
-            "verify ");
+            "verify Check7, exact Check8, strict ");
 }
 
 TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameOfIt) {

@@ -1,0 +1,72 @@
+#include "cli/json_report.h"
+
+#include "rules/action.h"
+#include "text/cut.h"
+#include "text/json_text.h"
+
+namespace quorvel::cli {
+namespace {
+
+const char* action_word(int action) {
+  switch (action) {
+    case Rename:
+      return "rename";
+    case MoveAndRename:
+      return "move";
+    case CopyAndRename:
+      return "copy";
+    default:
+      return "";
+  }
+}
+
+const char* state_word(QueueState state, bool is_dry_run) {
+  switch (state) {
+    case QueueState::Done:
+      return is_dry_run ? "planned" : "done";
+    case QueueState::Failed:
+      return "failed";
+    case QueueState::Cancelled:
+      return "cancelled";
+    default:
+      return "not processed";
+  }
+}
+
+std::optional<int> positive(int number) {
+  return number > 0 ? std::optional(number) : std::nullopt;
+}
+
+}  // namespace
+
+std::string json_of(const QueueItem& item, bool is_dry_run) {
+  std::string reason = item.error_text;
+  replace_all(reason, "\r\n", "\n");
+  std::vector<int> episodes;
+  if (!item.episode_title.empty() || item.episode > 0) episodes.push_back(item.episode);
+  for (const int episode : item.more_episodes) episodes.push_back(episode);
+  return JsonObject()
+      .text("path", item.path)
+      .text("state", state_word(item.state, is_dry_run))
+      .text("new_path", item.new_name.empty() ? "" : item.dest_path + item.new_name)
+      .text("action", item.new_name.empty() ? "" : action_word(item.action))
+      .text("show", item.show_name)
+      .number("show_id", positive(item.show_id))
+      .number("season", episodes.empty() ? std::nullopt : std::optional<int>(item.season))
+      .numbers("episodes", episodes)
+      .text("title", item.episode_title)
+      .text("reason", reason)
+      .texts("doubts", item.doubts)
+      .line();
+}
+
+std::string json_of(const std::map<QueueState, int>& count, bool is_dry_run) {
+  JsonObject summary;
+  for (const QueueState state : {QueueState::Done, QueueState::Failed, QueueState::Cancelled, QueueState::Inactive}) {
+    const auto found = count.find(state);
+    summary.number(state_word(state, is_dry_run), found == count.end() ? 0 : found->second);
+  }
+  return JsonObject().object("summary", summary).line();
+}
+
+}  // namespace quorvel::cli

@@ -1,0 +1,107 @@
+#include "queue/exact_identification.h"
+
+#include <algorithm>
+
+#include "catalogue/name_match.h"
+#include "naming/reader/reading_text.h"
+#include "naming/service_names.h"
+#include "queue/stage.h"
+
+namespace quorvel {
+namespace {
+
+std::string reading_text(const Reading& reading) {
+  return show_text(reading) + ", " + number_text(reading);
+}
+
+std::string quoted(const std::string& url) {
+  return url.empty() ? url : "\"" + url + "\"";
+}
+
+/// Without the "(1)" or "(2)" at the end that tells the halves of one story apart.
+std::string without_half(std::string title) {
+  const std::size_t open = title.rfind(" (");
+  if (open == std::string::npos || !title.ends_with(')')) return title;
+  const std::string inner = title.substr(open + 2, title.size() - open - 3);
+  if (!inner.empty() && inner.find_first_not_of("0123456789") == std::string::npos) title.resize(open);
+  return title;
+}
+
+std::string joined_titles(const std::vector<CatalogueEpisode>& episodes) {
+  if (episodes.size() == 1) return episodes.front().title;
+  std::vector<std::string> titles;
+  for (const CatalogueEpisode& episode : episodes) {
+    const std::string title = without_half(episode.title);
+    if (std::ranges::find(titles, title) == titles.end()) titles.push_back(title);
+  }
+  std::string joined;
+  for (const std::string& title : titles) joined.append(joined.empty() || title.empty() ? "" : " & ").append(title);
+  return joined;
+}
+
+}  // namespace
+
+Identified ExactIdentification::identify(QueueItem& item, const Reached& reached) {
+  const auto failed = [&](const std::string& what, const StageResult& stage) {
+    const std::string read_as =
+        item.reading && item.reading->has_numbers() ? "\r\nRead as: " + reading_text(*item.reading) : "";
+    return Identified{Identified::Failed, what + ": " + item.filename, what + read_as + stage.line()};
+  };
+  reached(QueueState::Scanning);
+  const StageResult reading = run_stage(log_, "Error reading name: ", [&] { return read(item); });
+  if (!reading) return failed("Unable to find an episode in the name", reading);
+
+  if (!reached(QueueState::Searching)) return {Identified::Interrupted};
+  const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return find_show(item); });
+  if (!search) return failed("Unable to choose a show", search);
+
+  if (!reached(QueueState::FetchingListings)) return {Identified::Interrupted};
+  const StageResult listings = run_stage(log_, "Error getting listings: ", [&] { return find_episodes(item); });
+  if (!listings) return failed("Unable to find the episode", listings);
+  return {};
+}
+
+bool ExactIdentification::read(QueueItem& item) {
+  item.reading = read_name(item.path);
+  const Reading& reading = *item.reading;
+  if (!reading.has_numbers() || (reading.show.empty() && !show_of_all)) return false;
+  log_.debug_log("Read " + item.filename + " as " + reading_text(reading), LogLevel::Verbose);
+  item.search_name = show_of_all ? "tvmaze:" + std::to_string(*show_of_all)
+                                 : exceptions_.replacement(reading.show).value_or(reading.show);
+  return true;
+}
+
+bool ExactIdentification::find_show(QueueItem& item) {
+  show_ = lookup_.show(item.search_name, *item.reading);
+  item.show_id = show_.id;
+  item.show_name = exact_name(show_.name);
+  item.show_url = quoted(show_.url);
+  if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
+  return true;
+}
+
+bool ExactIdentification::find_episodes(QueueItem& item) {
+  const Reading& reading = *item.reading;
+  const std::vector<CatalogueEpisode> episodes = lookup_.episodes(show_, reading);
+  const CatalogueEpisode& first = episodes.front();
+  // A title that the name tells as well makes sure of what its numbers leave open.
+  const bool says_title = !reading.episode_title.empty() && match_key(reading.episode_title) == match_key(first.title);
+  if (!reading.certain && !says_title) {
+    throw Failure("The name can be read in more than one way; as this it would be \"" + first.title + "\"");
+  }
+  const bool is_special = !first.number.has_value();
+  item.season = is_special ? 0 : first.season;
+  item.episode = first.number.value_or(reading.episodes.empty() ? 0 : reading.episodes.front());
+  item.more_episodes.clear();
+  for (std::size_t i = 1; i < episodes.size(); ++i) {
+    item.more_episodes.push_back(episodes[i].number.value_or(is_special ? reading.episodes[i] : 0));
+  }
+  item.episode_title = exact_name(joined_titles(episodes));
+  item.episode_url = quoted(first.url);
+  if (item.episode_title.empty()) {
+    log_.debug_log("The episode has no title that a file can have", LogLevel::Normal);
+  }
+  return true;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,139 @@
+#include "catalogue/lookup.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "catalogue/name_match.h"
+#include "fake_ports.h"
+#include "fake_web.h"
+#include "platform/system.h"
+#include "temporary_folder.h"
+
+namespace quorvel::testing {
+namespace {
+
+std::string show_json(int id, const std::string& name, int year, const std::string& country) {
+  return R"({"id":)" + std::to_string(id) + R"(,"url":"https://x/)" + std::to_string(id) + R"(","name":")" + name +
+         R"(","premiered":")" + std::to_string(year) +
+         R"(-01-02","network":null,"webChannel":{"name":"W","country":{"code":")" + country + R"("}}})";
+}
+
+/// Two shows of one name, of which only the second has a third season, a third one that is new, and one with specials.
+struct LookupTest : ::testing::Test {
+  const TemporaryFolder folder;
+  const std::string work = folder / "";
+  Events events;
+  FakeClock clock{events};
+  FakeUi ui{events};
+  Lines log;
+  FakeWeb web;
+  const std::unique_ptr<Files> files = system_files();
+  Pace pace{clock, *files, work};
+  AnswerStore store{*files, log, work};
+  CatalogueService service{web, store, pace, clock, ui, log, "http://service"};
+  Lookup lookup{service, store};
+
+  LookupTest() {
+    search("the bureau", {show_json(1, "The Bureau", 2001, "GB"), show_json(2, "The Bureau", 2005, "US"),
+                          show_json(3, "The Bureau of Magic", 2018, "US")});
+    episodes(1, R"({"season":1,"number":1,"name":"Work","airdate":"2001-07-09"})");
+    episodes(2, R"j({"season":1,"number":1,"name":"Pilot","airdate":"2005-03-24"},
+                    {"season":3,"number":1,"name":"Again (1)","airdate":"2006-01-01"},
+                    {"season":3,"number":2,"name":"Again (2)","airdate":"2006-01-01"},{"season":3,"name":null})j");
+    episodes(3, R"({"season":1,"number":1,"name":"Wand","airdate":""})");
+    web.bodies["/shows/2/episodes?specials=1"] =
+        R"([{"season":1,"number":null,"name":"Behind It","airdate":"2005-02-01"},
+            {"season":1,"number":1,"name":"Pilot","airdate":"2005-03-24"},
+            {"season":2,"number":null,"name":"Christmas","airdate":"2005-12-24"}])";
+    lookup.begin_pass(false);
+  }
+  void search(const std::string& name, const std::vector<std::string>& shows) {
+    std::string list, query = name;
+    for (const std::string& show : shows) list += (list.empty() ? "" : ",") + (R"({"score":1,"show":)" + show + "}");
+    std::ranges::replace(query, ' ', '+');
+    web.bodies["/search/shows?q=" + query] = "[" + list + "]";
+  }
+  void episodes(int show, const std::string& list) {
+    web.bodies["/shows/" + std::to_string(show) + "/episodes"] = "[" + list + "]";
+  }
+  /// "id:title of each episode", or why not.
+  std::string found(const std::string& path) {
+    try {
+      const Reading reading = read_name(path);
+      const CatalogueShow show = lookup.show(reading.show, reading);
+      std::string text = std::to_string(show.id);
+      for (const CatalogueEpisode& episode : lookup.episodes(show, reading)) text += ":" + episode.title;
+      return text;
+    } catch (const Failure& failure) {
+      return failure.what();
+    }
+  }
+};
+
+TEST_F(LookupTest, AShowIsChosenByNameYearCountryAndWhatItHasAndNeverGuessed) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"The.Bureau.S01E01.mkv",
+       "More than one show fits: The Bureau (2001, GB, tvmaze:1), The Bureau (2005, US, tvmaze:2)"},
+      {"The.Bureau.2005.S01E01.mkv", "2:Pilot"},
+      {"The.Bureau.UK.S01E01.mkv", "1:Work"},
+      {"The Bureau (US) - 1x01.mkv", "2:Pilot"},
+      {"The.Bureau.S03E01E02.mkv", "2:Again (1):Again (2)"},
+      {"The.Bureau.2005.S09E01.mkv", "The listings of The Bureau have no episode 9x1"},
+      {"Nobody.Knows.This.S01E01.mkv", "The service knows no show \"Nobody Knows This\""},
+      {"The.Bureau.2005.03.24.mkv", "2:Pilot"},
+      {"The.Bureau.US.S00E02.mkv", "2:Christmas"}};
+  for (const auto& [path, expected] : rows) EXPECT_EQ(found(path), expected) << path;
+}
+
+TEST_F(LookupTest, AChoiceIsRememberedForItsNameAloneAndForgottenAgain) {
+  const Reading reading = read_name("The.Bureau.S01E01.mkv");
+  web.bodies["/shows/1"] = show_json(1, "The Bureau", 2001, "GB");
+  lookup.choose(reading, 1);
+  EXPECT_EQ(found("the bureau 1x01.mkv"), "1:Work");
+  EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
+  lookup.forget(reading);
+  EXPECT_TRUE(found("The.Bureau.S01E01.mkv").starts_with("More than one"));
+  EXPECT_EQ(lookup.show("tvmaze:1", reading).name, "The Bureau");
+}
+
+TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
+  web.refusals = {429, 503};
+  EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
+  EXPECT_EQ(web.requests.size(), 4u) << "two were refused";
+  EXPECT_EQ(clock.now.time_since_epoch(), std::chrono::seconds(6));
+  lookup.begin_pass(false);
+  EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
+  EXPECT_TRUE(found("The.Bureau.2005.S01E02.mkv").ends_with("no episode 1x2"));
+  EXPECT_EQ(web.requests.size(), 4u) << "the list is of today";
+  store.keep_answer("/shows/2/episodes", {"[]", {}});
+  lookup.begin_pass(false);
+  for (int again = 0; again < 2; ++again) EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
+  EXPECT_EQ(web.requests.size(), 5u);
+  lookup.begin_pass(true);
+  web.refusals = {0};
+  EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot") << "what is known from earlier will do";
+  EXPECT_EQ(web.requests.size(), 7u);
+  web.bodies["/search/shows?q=broken"] = "[{";
+  EXPECT_TRUE(found("Broken.S01E01.mkv").starts_with("The listings service's answer cannot be understood"));
+}
+
+TEST(NameMatch, NamesAreAsAlikeAsPeopleWriteThem) {
+  const std::tuple<const char*, const char*, int> rows[] = {
+      {"Marvel's Agents of S.H.I.E.L.D.", "marvels agents of shield", 90},
+      {"Pokémon", "pokemon", 100},
+      {"Tom & Sons", "tom and sons", 100},
+      {"The Office", "office", 95},
+      {"9-1-1", "911", 90},
+      {"9-1-1", "912", 0},
+      {"The Harbour Lights", "harbor lights", 80},
+      {"Ночной поезд", "ночнои ПОЕЗД", 100},
+      {"Star Trek: Picard", "picard", 50},
+      {"", "", 0}};
+  for (const auto& [name, other, expected] : rows) {
+    EXPECT_EQ(likeness(match_key(name), match_key(other)), expected) << name << " " << other;
+  }
+}
+
+}  // namespace
+}  // namespace quorvel::testing

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "fake_listings.h"
+#include "platform/web_client.h"
+
+namespace quorvel::testing {
+
+/// The listings service behind a web client that no network is needed for. It answers what it was told to, and from the
+/// recorded answers everything else, and keeps every request.
+struct FakeWeb : WebClient {
+  std::map<std::string, std::string> bodies;  // by the request behind the service's address
+  std::vector<int> refusals;                  // statuses of the next answers
+  std::vector<std::string> requests;
+
+  WebAnswer get(const std::string& url) override {
+    const std::string request = url.substr(url.find('/', url.find("//") + 2));
+    requests.push_back(request);
+    if (!refusals.empty()) {
+      const int status = refusals.front();
+      refusals.erase(refusals.begin());
+      if (status == 0) throw Failure("No connection to the service");
+      return {status, "", ""};
+    }
+    if (bodies.contains(request)) return {200, bodies[request], ""};
+    const std::string answer = listings_answer("GET " + request + " HTTP/1.1");
+    return {std::stoi(answer.substr(9)), answer.substr(answer.find("\r\n\r\n") + 4), ""};
+  }
+};
+
+}  // namespace quorvel::testing
