@@ -55,8 +55,8 @@ class Files {
 
   virtual ~Files() = default;
 
-  /// Whether these are the files that whoever else opens a path finds. Where they are not, what is opened by other means
-  /// must only be read.
+  /// Whether these are the files that whoever else opens a path finds. Where they are not, what is opened by other
+  /// means must only be read.
   virtual bool are_real() const { return true; }
 
   virtual Kind kind(const std::string& path) const = 0;

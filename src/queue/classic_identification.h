@@ -30,8 +30,8 @@ class ClassicIdentification : public Identification {
 
   /// search_name, season and episode, from the name of the file's folder or from its own.
   bool getbits(QueueItem& item, bool parentFolder);
-  /// What the reader is sure of and the patterns have read otherwise, as a doubt of the item. False when such an item is
-  /// to fail.
+  /// What the reader is sure of and the patterns have read otherwise, as a doubt of the item. False when such an item
+  /// is to fail.
   bool is_trusted(QueueItem& item);
   /// search_name as the first exception for it says.
   void checkex(QueueItem& item);
