@@ -20,7 +20,7 @@ struct DryFiles : DiskFiles {
 /// A work folder and what stores in it say.
 struct Stores {
   const TemporaryFolder here;
-  const std::string work = here / "日 %41?#/", file = work + "quorvel.db";
+  const std::string work = here / "日 %41&#/", file = work + "quorvel.db";
   DiskFiles files;
   DryFiles dry;
   Lines log;
