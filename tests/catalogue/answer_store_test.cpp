@@ -6,6 +6,7 @@
 #include "child_process.h"
 #include "fake_ports.h"
 #include "platform/disk_files.h"
+#include "system_facts.h"
 #include "temporary_folder.h"
 
 namespace quorvel::testing {
@@ -83,6 +84,7 @@ TEST(AnswerStore, ADamagedFileIsPutAsideAndBegunAnew) {
 
 TEST(AnswerStore, WhatMayNotBeWrittenIsReadAndStaysAsItIs) {
   for (const std::string why : {"dry", "dry beside another", "not writable", "newer", "link", "no folder"}) {
+    if (why == "link" && facts::windows) continue;  // whose library cannot make any
     Stores stores;
     auto other = stores.open();
     other->keep_choice("a", 1);
