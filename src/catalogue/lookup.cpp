@@ -72,7 +72,7 @@ std::string query_of(const std::string& name) {
     const auto byte = static_cast<unsigned char>(character);
     const bool is_plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
     std::array<char, 4> escaped{};
-    std::snprintf(escaped.data(), escaped.size(), "%%%02X", byte);
+    (void)std::snprintf(escaped.data(), escaped.size(), "%%%02X", byte);
     query.append(is_plain ? std::string(1, character) : character == ' ' ? "+" : escaped.data());
   }
   return query;

@@ -36,11 +36,13 @@ ChildProcess::ChildProcess(const Start& start) {
     if (!AllocConsole()) throw std::runtime_error("no console: " + error_text(GetLastError()));
     SetConsoleCtrlHandler([](DWORD) { return TRUE; }, TRUE);  // the program is interrupted, not the test
   }
-  // What holds no blank stands without quotes, as users type it. No argument ends in a backslash.
+  // What holds no blank stands without quotes, as users type it.
   std::string line = "\"" + start.program + "\"";
   for (std::string each : start.arguments) {
     replace_all(each, "\"", "\\\"");
     const bool plain = !each.empty() && each.find(' ') == std::string::npos;
+    // Else the last backslash would take the quote behind it for part of the argument.
+    if (!plain) each.append(each.size() - (each.find_last_not_of('\\') + 1), '\\');
     line += plain ? " " + each : " \"" + each + "\"";
   }
   std::list<Variable> environment;
