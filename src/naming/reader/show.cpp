@@ -141,10 +141,17 @@ std::size_t behind_front(const Name& name, std::size_t last) {
   return first;
 }
 
+/// With the letters that only some languages have: "Café", "Łódź".
+bool is_latin_word(std::string_view word) {
+  return is_ascii(word) || std::ranges::all_of(decode(word), [](char32_t character) {
+           return character < 0x370 || (character >= 0x1E00 && character < 0x1F00) || character == U'\u2019';
+         });
+}
+
 bool is_latin(const Name& name, Span span) {
   bool has_letters = false;
   for (std::size_t i = span.first; i < span.last; ++i) {
-    if (!is_ascii(name.written(name.at(i)))) return false;
+    if (!is_latin_word(name.written(name.at(i)))) return false;
     has_letters = has_letters || (name.at(i).is_word() && name.at(i).size() > 1);
   }
   return has_letters;
@@ -173,7 +180,7 @@ Span alternative(const Name& name, Span span, std::size_t numbers_first) {
 Span latin_part(const Name& name, Span span) {
   for (std::size_t i = span.first + 1; i < span.last; ++i) {
     if (!starts_with_group(name) && name.at(i).gap != Dot) continue;
-    if (!is_ascii(name.written(name.at(i - 1))) && is_latin(name, {i, span.last})) return {i, span.last};
+    if (!is_latin_word(name.written(name.at(i - 1))) && is_latin(name, {i, span.last})) return {i, span.last};
   }
   return span;
 }
