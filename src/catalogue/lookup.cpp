@@ -21,6 +21,18 @@ constexpr int least_score = 60;  // of a show that may be meant
 constexpr int clear_lead = 15;   // by which a winner is ahead of all others
 constexpr std::size_t max_listed = 5, max_compared = 4;
 
+/// The list has no such episode.
+class NoSuchEpisode : public Failure {
+ public:
+  using Failure::Failure;
+};
+
+/// It has several, of which none is meant more than another.
+class SeveralEpisodes : public Failure {
+ public:
+  using Failure::Failure;
+};
+
 struct Scored {
   CatalogueShow show;
   int score = 0;
@@ -87,11 +99,11 @@ void Lookup::begin_pass(bool anew) {
   lists_.clear();
 }
 
-std::vector<CatalogueShow> Lookup::candidates(const std::string& name) {
+std::vector<CatalogueShow> Lookup::candidates(const std::string& name, bool again) {
   const std::string wanted = lower_case(composed(name));
   const auto known = found_.find(wanted);
-  if (known != found_.end()) return known->second;
-  const std::string answer = service_.get("/search/shows?q=" + query_of(wanted), usual_);
+  if (known != found_.end() && !again) return known->second;
+  const std::string answer = service_.get("/search/shows?q=" + query_of(wanted), again ? Age::ADay : usual_);
   return found_[wanted] = answer.empty() ? std::vector<CatalogueShow>() : found_shows_of(answer);
 }
 
@@ -102,14 +114,26 @@ CatalogueShow Lookup::show(const std::string& name, const Reading& reading) {
   } else if (name == reading.show) {
     id = store_.choice(choice_key(reading));
   }
-  if (id) {
-    const std::string answer = service_.get("/shows/" + std::to_string(*id), usual_);
-    if (answer.empty()) throw Failure("There is no show with the number " + std::to_string(*id));
-    return show_of(answer);
+  if (id) return show_of_id(*id);
+  try {
+    return clear_winner(name, reading, false);
+  } catch (const Failure&) {
+    return clear_winner(name, reading, true);  // the service may know more by now
   }
+}
+
+CatalogueShow Lookup::show_of_id(int id) {
+  const std::string request = "/shows/" + std::to_string(id);
+  std::string answer = service_.get(request, usual_);
+  if (answer.empty()) answer = service_.get(request, Age::ADay);
+  if (answer.empty()) throw Failure("There is no show with the number " + std::to_string(id));
+  return show_of(answer);
+}
+
+CatalogueShow Lookup::clear_winner(const std::string& name, const Reading& reading, bool again) {
   const std::string key = match_key(name);
   std::vector<Scored> fitting;
-  for (CatalogueShow& each : candidates(name)) {
+  for (CatalogueShow& each : candidates(name, again)) {
     const int points = score(each, key, reading);
     fitting.push_back({std::move(each), points});
   }
@@ -153,8 +177,10 @@ std::vector<CatalogueEpisode> Lookup::episodes(const CatalogueShow& show, const 
 bool Lookup::has_episodes(const CatalogueShow& show, const Reading& reading) {
   try {
     return !in_list(show, reading, false).empty();
-  } catch (const Failure&) {
+  } catch (const NoSuchEpisode&) {
     return false;
+  } catch (const SeveralEpisodes&) {
+    return true;
   }
 }
 
@@ -163,7 +189,7 @@ std::vector<CatalogueEpisode> Lookup::in_list(const CatalogueShow& show, const R
   const List& known = list(show.id, is_special, again);
   std::vector<CatalogueEpisode> found;
   const auto missing = [&show](const std::string& what) {
-    return Failure("The listings of " + show.name + " have no " + what);
+    return NoSuchEpisode("The listings of " + show.name + " have no " + what);
   };
   if (is_special) {
     for (const int number : reading.episodes) found.push_back(special(known, reading, number));
@@ -200,8 +226,9 @@ CatalogueEpisode Lookup::special(const List& list, const Reading& reading, int n
     if (reading.date && each.date == reading.date) return each;
     if (++count == number) counted = &each;
   }
-  if (counted == nullptr)
-    throw Failure("The listings have no special " + (number > 0 ? std::to_string(number) : "of this title"));
+  if (counted == nullptr) {
+    throw NoSuchEpisode("The listings have no special " + (number > 0 ? std::to_string(number) : "of this title"));
+  }
   return *counted;
 }
 
@@ -210,11 +237,11 @@ CatalogueEpisode Lookup::on_date(const List& list, const Reading& reading) const
   for (const CatalogueEpisode& each : list.all) {
     if (each.date == reading.date) shown.push_back(&each);
   }
-  if (shown.empty()) throw Failure("The listings have no episode of " + date_text(*reading.date));
+  if (shown.empty()) throw NoSuchEpisode("The listings have no episode of " + date_text(*reading.date));
   const std::string title = match_key(reading.episode_title);
   const auto of_title = std::ranges::find_if(shown, [&](const auto* each) { return match_key(each->title) == title; });
   if (of_title != shown.end()) return **of_title;
-  if (shown.size() > 1) throw Failure("More than one episode was shown on " + date_text(*reading.date));
+  if (shown.size() > 1) throw SeveralEpisodes("More than one episode was shown on " + date_text(*reading.date));
   return *shown.front();
 }
 

@@ -29,8 +29,8 @@ class Lookup {
   /// list is older than a day. Throws Failure, which names what is missing or what cannot be told apart.
   std::vector<CatalogueEpisode> episodes(const CatalogueShow& show, const Reading& reading);
 
-  /// The shows that the service gives for a name, in its order.
-  std::vector<CatalogueShow> candidates(const std::string& name);
+  /// The shows that the service gives for a name, in its order. `again`: asked for again when older than a day.
+  std::vector<CatalogueShow> candidates(const std::string& name, bool again = false);
 
   void choose(const Reading& reading, int show_id);
   void forget(const Reading& reading);
@@ -44,6 +44,8 @@ class Lookup {
     std::map<std::pair<int, int>, std::size_t> numbered;
   };
 
+  CatalogueShow show_of_id(int id);
+  CatalogueShow clear_winner(const std::string& name, const Reading& reading, bool again);
   const List& list(int show_id, bool with_specials, bool again);
   std::vector<CatalogueEpisode> in_list(const CatalogueShow& show, const Reading& reading, bool again);
   bool has_episodes(const CatalogueShow& show, const Reading& reading);

@@ -92,7 +92,6 @@ bool ExactIdentification::find_episodes(QueueItem& item) {
   const bool is_special = !first.number.has_value();
   item.season = is_special ? 0 : first.season;
   item.episode = first.number.value_or(reading.episodes.empty() ? 0 : reading.episodes.front());
-  item.more_episodes.clear();
   for (std::size_t i = 1; i < episodes.size(); ++i) {
     item.more_episodes.push_back(episodes[i].number.value_or(is_special ? reading.episodes[i] : 0));
   }

@@ -113,6 +113,8 @@ void Processor::process_item(int index) {
   QueueItem& item = queue_.at(index);
   item.error_text.clear();
   item.doubts.clear();
+  item.reading.reset();
+  item.more_episodes.clear();
   const Identified found = identification_->identify(item, [&](QueueState state) {
     set_state(index, state);
     // At the search a wish to quit waits, so that each item that was taken is looked for.

@@ -86,6 +86,18 @@ TEST_F(LookupTest, AShowIsChosenByNameYearCountryAndWhatItHasAndNeverGuessed) {
   for (const auto& [path, expected] : rows) EXPECT_EQ(found(path), expected) << path;
 }
 
+TEST_F(LookupTest, NeitherAnAnswerThatFailsNorAnOldOneDecides) {
+  EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
+  web.refusals = {0};
+  EXPECT_EQ(found("The.Bureau.S03E01.mkv"), "No connection to the service");
+  lookup.begin_pass(false);
+  EXPECT_EQ(found("The.Bureau.S03E01.mkv"), "2:Again (1)");
+  store.keep_answer("/search/shows?q=late+show", {"[]", {}});
+  search("late show", {show_json(4, "Late Show", 2020, "US")});
+  episodes(4, R"({"season":1,"number":1,"name":"At Last"})");
+  EXPECT_EQ(found("Late.Show.S01E01.mkv"), "4:At Last");
+}
+
 TEST_F(LookupTest, AChoiceIsRememberedForItsNameAloneAndForgottenAgain) {
   const Reading reading = read_name("The.Bureau.S01E01.mkv");
   web.bodies["/shows/1"] = show_json(1, "The Bureau", 2001, "GB");
