@@ -48,7 +48,7 @@ std::string exact_name(std::string_view name) {
   static constexpr std::pair<char32_t, std::u32string_view> replaced[] = {{U':', U" -"}, {U'/', U"-"}};
   static constexpr std::u32string_view forbidden(U"\\*?\"<>|\0", 8);
   std::u32string made;
-  for (const char32_t character : decode(composed(name))) {
+  for (const char32_t character : decode(name)) {
     const auto* const found =
         std::find_if(std::begin(replaced), std::end(replaced), [&](const auto& row) { return row.first == character; });
     std::u32string_view piece(&character, 1);
@@ -63,7 +63,7 @@ std::string exact_name(std::string_view name) {
     made += piece;
   }
   while (made.ends_with(U' ')) made.pop_back();
-  return encode(made);
+  return composed(encode(made));  // only now: what was left out may have stood between a letter and its mark
 }
 
 std::optional<std::string> name_trouble(std::string_view name, char separator) {
