@@ -65,7 +65,8 @@ void Journal::begin(const FileOperationRequest& request) {
       {request.operation, request.source, request.destination, request.temporary, !files_.exists(request.destination)});
   if (!files_.are_real() || has_failed_) return;
   // Where all happens within a few calls, a power cut in between is not worth the wait for the disk each time.
-  const bool takes_long = request.operation == FileOperationRequest::Copy || is_to_another_device(entries_.back());
+  const bool takes_long = request.operation == FileOperationRequest::Copy ||
+                          (request.operation == FileOperationRequest::Move && is_to_another_device(entries_.back()));
   if ((file_ || open()) && file_->write(text_of(entries_), takes_long)) return;
   has_failed_ = true;
   log_.debug_log("No journal can be kept in " + work_dir_, LogLevel::Verbose);

@@ -86,7 +86,9 @@ class LockedFile : public HeldFile {
   }
 
   bool write(const std::string& bytes, bool durably) override {
-    if (ftruncate(file_.get(), 0) != 0 || lseek(file_.get(), 0, SEEK_SET) != 0) return false;
+    // Mostly it is empty, and is to be emptied next.
+    if (!is_empty_ && (ftruncate(file_.get(), 0) != 0 || lseek(file_.get(), 0, SEEK_SET) != 0)) return false;
+    is_empty_ = bytes.empty();
     if (!write_all(file_.get(), bytes)) return false;
     return !durably || (fsync(file_.get()) == 0 && sync_folder(parent_folder(path_)) == 0);
   }
@@ -96,6 +98,7 @@ class LockedFile : public HeldFile {
  private:
   const std::string path_;
   const Descriptor file_;
+  bool is_empty_ = false;  // and written from its start on next
 };
 
 }  // namespace
