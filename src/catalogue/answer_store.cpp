@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "platform/native.h"
+#include "text/cut.h"
 #include "text/failure.h"
+#include "text/percent.h"
 
 namespace quorvel {
 namespace {
@@ -73,20 +75,9 @@ std::string without_links(const std::string& folder) {
 }
 
 std::string address_of(const std::string& path) {
-  constexpr std::string_view hexadecimal = "0123456789ABCDEF";
-  std::string address = path.starts_with('/') ? "file://" : "file:///";
-  for (const char byte : path) {
-    const auto code = static_cast<unsigned char>(byte);
-    const bool is_plain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9');
-    if (byte == native::separator) {
-      address += '/';
-    } else if (is_plain) {
-      address += byte;
-    } else {
-      address += {'%', hexadecimal[code >> 4U], hexadecimal[code & 15U]};
-    }
-  }
-  return address;
+  std::string address = percent_encoded(path);
+  replace_all(address, percent_encoded({&native::separator, 1}), "/");
+  return (path.starts_with('/') ? "file://" : "file:///") + address;
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "catalogue/lookup.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -11,6 +9,7 @@
 #include "text/case.h"
 #include "text/failure.h"
 #include "text/numbers.h"
+#include "text/percent.h"
 #include "text/unicode_forms.h"
 
 namespace quorvel {
@@ -77,19 +76,6 @@ std::string choice_key(const Reading& reading) {
   return match_key(reading.show) + "|" + (reading.year ? std::to_string(*reading.year) : "") + "|" + reading.country;
 }
 
-/// The query of an address: UTF-8, a blank as "+", all but letters and digits of ASCII as "%" and a number.
-std::string query_of(const std::string& name) {
-  std::string query;
-  for (const char character : name) {
-    const auto byte = static_cast<unsigned char>(character);
-    const bool is_plain = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z');
-    std::array<char, 4> escaped{};
-    (void)std::snprintf(escaped.data(), escaped.size(), "%%%02X", byte);
-    query.append(is_plain ? std::string(1, character) : character == ' ' ? "+" : escaped.data());
-  }
-  return query;
-}
-
 }  // namespace
 
 void Lookup::begin_pass(bool anew) {
@@ -103,7 +89,7 @@ std::vector<CatalogueShow> Lookup::candidates(const std::string& name, bool agai
   const std::string wanted = lower_case(composed(name));
   const auto known = found_.find(wanted);
   if (known != found_.end() && !again) return known->second;
-  const std::string answer = service_.get("/search/shows?q=" + query_of(wanted), again ? Age::ADay : usual_);
+  const std::string answer = service_.get("/search/shows?q=" + query_encoded(wanted), again ? Age::ADay : usual_);
   return found_[wanted] = answer.empty() ? std::vector<CatalogueShow>() : found_shows_of(answer);
 }
 

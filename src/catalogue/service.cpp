@@ -48,11 +48,6 @@ std::string CatalogueService::get(const std::string& request, Age age) {
   }
 }
 
-std::optional<std::chrono::sys_seconds> CatalogueService::fetched(const std::string& request) {
-  const std::optional<StoredAnswer> kept = store_.answer(request);
-  return kept ? std::optional(kept->fetched) : std::nullopt;
-}
-
 std::string CatalogueService::fetch(const std::string& request) {
   in_progress_ = true;
   cancelled_ = false;

@@ -31,9 +31,6 @@ class CatalogueService {
   /// when there is no answer; one that is older than it may be is then used rather than none.
   std::string get(const std::string& request, Age age);
 
-  /// When the answer to this request was last fetched; empty when it is not there.
-  std::optional<std::chrono::sys_seconds> fetched(const std::string& request);
-
   /// Ends the request in progress; does nothing when there is none.
   void cancel() { cancelled_ = in_progress_; }
 

@@ -9,6 +9,7 @@
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
+#include "text/percent.h"
 #include "transport/retry_after.h"
 
 namespace quorvel {
@@ -122,20 +123,7 @@ bool HttpClient::spliturl(std::string_view url, Address& address) {
 }
 
 std::string HttpClient::URLEncode(std::string_view text) {
-  constexpr std::string_view hexadecimal = "0123456789ABCDEF";
-  std::string encoded;
-  for (const char byte : to_code_page(text)) {
-    const auto code = static_cast<unsigned char>(byte);
-    const bool safe = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-    if (safe) {
-      encoded += byte;
-    } else if (byte == ' ') {
-      encoded += '+';
-    } else {
-      encoded += {'%', hexadecimal[code >> 4], hexadecimal[code & 15]};
-    }
-  }
-  return encoded;
+  return query_encoded(to_code_page(text));
 }
 
 std::string HttpClient::GetData(std::string& url, std::string_view cookie) {
