@@ -18,6 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::check(ascends(reading.episodes) && ascends(reading.absolute), "numbers ascend");
   fuzz::check(reading.episodes.size() <= 1000 && reading.absolute.size() <= 1000, "no name holds endless episodes");
   fuzz::check(!reading.certain || reading.has_numbers(), "nothing is certain where nothing is read");
+  fuzz::check(!reading.other || !reading.certain, "what may be something else is not certain");
   fuzz::check(!reading.part || !reading.episodes.empty(), "a part is an episode, too");
   fuzz::check(!reading.date || (reading.date->month >= 1 && reading.date->month <= 12 && reading.date->day >= 1 &&
                                 reading.date->day <= 31),

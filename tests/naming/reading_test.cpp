@@ -12,9 +12,9 @@ bool same(const testing::KnownName& known, const Reading& read) {
   return read.show == known.show && read.season == meaning.season && read.episodes == meaning.episodes &&
          read.absolute == meaning.absolute && read.date == meaning.date && read.year == meaning.year &&
          read.country == meaning.country && read.part == meaning.part && read.special == meaning.special &&
-         read.certain == meaning.certain && agrees(meaning.resolution, read.resolution) &&
-         agrees(meaning.source, read.source) && agrees(meaning.group, read.group) &&
-         agrees(meaning.episode_title, read.episode_title);
+         read.certain == meaning.certain && (!meaning.other || read.other == meaning.other) &&
+         agrees(meaning.resolution, read.resolution) && agrees(meaning.source, read.source) &&
+         agrees(meaning.group, read.group) && agrees(meaning.episode_title, read.episode_title);
 }
 
 TEST(Reading, EveryNameSaysWhatItMeans) {

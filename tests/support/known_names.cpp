@@ -56,6 +56,10 @@ KnownName known_name(const object& line) {
   meaning.part = number(line, "part");
   meaning.special = line["special"].get_bool().error() == simdjson::SUCCESS;
   meaning.certain = line["certain"].get_bool().error() != simdjson::SUCCESS && meaning.has_numbers();
+  if (const auto other = line["other"].get_object(); other.error() == simdjson::SUCCESS) {
+    meaning.other = OtherNumbers{number(other.value_unsafe(), "season"), list(other.value_unsafe(), "episodes"),
+                                 list(other.value_unsafe(), "absolute"), date(other.value_unsafe())};
+  }
   meaning.resolution = text(line, "resolution").value_or("");
   meaning.source = text(line, "source").value_or("");
   meaning.group = text(line, "group").value_or("");

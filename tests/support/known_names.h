@@ -16,8 +16,8 @@ struct KnownName {
 };
 
 /// The lines of a file, each an object with `name`, `show`, and what is known of `season`, `episodes`, `absolute`,
-/// `date`, `year`, `country`, `part`, `special`, `certain`, `resolution`, `source`, `group`, `episode_title`. Throws
-/// Failure with the line that is no such object.
+/// `date`, `year`, `country`, `part`, `special`, `certain`, `other`, `resolution`, `source`, `group`, `episode_title`.
+/// Throws Failure with the line that is no such object.
 std::vector<KnownName> known_names(const std::string& path);
 
 bool same_numbers(const KnownName& known, const Reading& reading);

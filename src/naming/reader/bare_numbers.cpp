@@ -111,10 +111,15 @@ bool is_of_the_scene(const Name& name) {
   return recorded || !blanks;
 }
 
-/// Whether a number is a season and an episode in one: "102", "1013".
+/// Whether a number can be a season and an episode in one: "102", "1013".
+bool can_split(const Token& token) {
+  return token.size() >= 3 && token.number >= 100 && token.number % 100 != 0;
+}
+
+/// Whether it is that more likely than one that counts over all seasons.
 bool splits(const Name& name, std::size_t i, std::optional<int> season) {
   const Token& token = name.at(i);
-  if (token.size() < 3 || token.number < 100 || token.number % 100 == 0) return false;
+  if (!can_split(token)) return false;
   return season ? token.number / 100 == *season : is_of_the_scene(name);
 }
 
@@ -162,10 +167,13 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   const bool padded = token.size() >= 2 && name.written(token).front() == '0';
   const bool range = list.size() > 1 && name.at(best + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
   if (!fansub && !range && splits(name, best, season)) {
+    numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = list, .date = {}};
     season = number / 100;
     for (int& each : list) each %= 100;
     numbers.certain = folder_season == season;
   } else {
+    if (list.size() == 1 && !season && can_split(token))
+      numbers.other = OtherNumbers{.season = number / 100, .episodes = {number % 100}, .absolute = {}, .date = {}};
     const bool likely =
         fansub || season ? best_score >= leading : best_score > trailing && (padded || token.size() == 2);
     numbers.certain =

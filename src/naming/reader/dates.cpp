@@ -1,5 +1,6 @@
 #include "naming/reader/dates.h"
 
+#include <algorithm>
 #include <array>
 
 namespace quorvel::reader {
@@ -53,9 +54,9 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
     consider(c, a, b);
   }
   if (possible.empty()) return {};
-  bool certain = true;
-  for (const Date& other : possible) certain = certain && other == possible.front();
-  return DateMark{i, i + 3, possible.front(), certain};
+  const auto other = std::ranges::find_if(possible, [&](const Date& each) { return each != possible.front(); });
+  if (other == possible.end()) return DateMark{i, i + 3, possible.front(), true, {}};
+  return DateMark{i, i + 3, possible.front(), false, *other};
 }
 
 /// "20110418", and "18042011" where that is the only way.
@@ -69,11 +70,11 @@ std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
   if (token.size() == 8) {
     const Date year_first{number / 10000, number / 100 % 100, number % 100};
     const Date year_last{number % 10000, number / 10000 % 100, number / 1000000};
-    if (is_date(year_first)) return DateMark{i, i + 1, year_first, true};
-    if (is_date(year_last)) return DateMark{i, i + 1, year_last, false};
+    if (is_date(year_first)) return DateMark{i, i + 1, year_first, true, {}};
+    if (is_date(year_last)) return DateMark{i, i + 1, year_last, false, {}};
   } else if (token.size() == 6) {
     const Date date{2000 + number / 10000, number / 100 % 100, number % 100};
-    if (date.year <= 2000 + last_short_year && is_date(date)) return DateMark{i, i + 1, date, false};
+    if (date.year <= 2000 + last_short_year && is_date(date)) return DateMark{i, i + 1, date, false, {}};
   }
   return {};
 }
@@ -89,11 +90,11 @@ std::optional<DateMark> written_date(const Name& name, std::size_t i) {
   std::size_t next = 0;
   if (i + 2 < name.count() && day_behind(i + 1, next) && is_year(name.at(next))) {
     const Date date{name.at(next).number, month.number, name.at(i + 1).number};
-    if (is_date(date)) return DateMark{i, next + 1, date, true};
+    if (is_date(date)) return DateMark{i, next + 1, date, true, {}};
   }
   if (i >= 2 && is_year(name.at(i - 1)) && day_behind(i + 1, next)) {
     const Date date{name.at(i - 1).number, month.number, name.at(i + 1).number};
-    if (is_date(date)) return DateMark{i - 1, next, date, true};
+    if (is_date(date)) return DateMark{i - 1, next, date, true, {}};
   }
   std::size_t day = i;
   while (day > 0 && i - day < 3 && (day == i || name.at(day).is(OrdinalEnd | OfWord))) --day;
@@ -102,7 +103,7 @@ std::optional<DateMark> written_date(const Name& name, std::size_t i) {
                                   name.at(i + 1).number <= last_short_year);
   if (day < i && is_short(name.at(day)) && year_follows) {
     const Date date{full_year(name.at(i + 1)), month.number, name.at(day).number};
-    if (is_date(date)) return DateMark{day, i + 2, date, is_year(name.at(i + 1))};
+    if (is_date(date)) return DateMark{day, i + 2, date, is_year(name.at(i + 1)), {}};
   }
   if (day < i && is_year(name.at(i - 1)) && is_short(name.at(i + 1))) return {};
   return {};

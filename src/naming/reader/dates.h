@@ -11,6 +11,7 @@ struct DateMark {
   std::size_t first = 0, last = 0;
   Date date;
   bool certain = false;  // no other order of its numbers is a date
+  std::optional<Date> other;
 };
 
 /// The first date in a name, in any order that is one.

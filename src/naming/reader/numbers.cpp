@@ -149,6 +149,7 @@ bool date(const Search& search, std::size_t i, Numbers& numbers, bool outside) {
   numbers.last = found->last;
   numbers.date = found->date;
   numbers.certain = found->certain;
+  if (found->other) numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = {}, .date = found->other};
   return true;
 }
 

@@ -23,6 +23,7 @@ struct Numbers {
   bool special = false;
   std::uint32_t letters_before = 0;  // that belong to it, of the token before
   bool certain = false;
+  std::optional<OtherNumbers> other;
 
   bool found() const { return last > first; }
 };

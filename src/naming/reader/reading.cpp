@@ -85,6 +85,7 @@ void take(const Name& name, const Numbers& numbers, Reading& reading) {
   reading.part = numbers.part;
   reading.special = numbers.special;
   reading.certain = numbers.certain;
+  if (!numbers.certain) reading.other = numbers.other;
   read_surroundings(name, numbers, reading);
 }
 

@@ -14,6 +14,14 @@ struct Date {
   bool operator==(const Date&) const = default;
 };
 
+/// What figures may mean as well: "205" is the 205th episode, or the fifth of the second season.
+struct OtherNumbers {
+  std::optional<int> season;
+  std::vector<int> episodes, absolute;
+  std::optional<Date> date;
+  bool operator==(const OtherNumbers&) const = default;
+};
+
 /// What is not said is empty. A name without season and episodes, absolute numbers and date names no episode.
 struct Reading {
   std::string show;           // as it is written, with blanks between the words; without year and country
@@ -27,6 +35,7 @@ struct Reading {
   bool special = false;
   std::string resolution, source, group, episode_title;  // as they are written
   bool certain = false;                                  // no other reading of the numbers is likely
+  std::optional<OtherNumbers> other;  // where one is, and only one: what to try when these do not fit
 
   bool has_numbers() const { return !episodes.empty() || !absolute.empty() || date.has_value(); }
 };
