@@ -115,4 +115,13 @@ std::vector<CatalogueEpisode> episodes_of(std::string_view json) {
   return episodes;
 }
 
+std::vector<std::string> other_names_of(std::string_view json) {
+  dom::parser parser;
+  std::vector<std::string> names;
+  for (const dom::element& entry : list_of(parsed(parser, json))) {
+    if (std::string name = plain(text_at(entry, "/name")); !name.empty()) names.push_back(std::move(name));
+  }
+  return names;
+}
+
 }  // namespace quorvel

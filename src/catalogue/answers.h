@@ -29,5 +29,6 @@ struct CatalogueEpisode {
 std::vector<CatalogueShow> found_shows_of(std::string_view json);
 CatalogueShow show_of(std::string_view json);
 std::vector<CatalogueEpisode> episodes_of(std::string_view json);
+std::vector<std::string> other_names_of(std::string_view json);
 
 }  // namespace quorvel

@@ -10,14 +10,25 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds wait_slice(50), first_wait = std::chrono::seconds(2), patience = std::chrono::minutes(1);
+// Of what an event does; the network may have lost patience by then.
+constexpr milliseconds long_hold_up = std::chrono::seconds(2);
+constexpr const char* cancelled = "The request has been cancelled";
 constexpr int ok = 200, not_found = 404, too_many = 429, unavailable = 503;
 
 }  // namespace
 
 CatalogueService::CatalogueService(WebClient& web, AnswerStore& store, Pace& pace, Clock& clock, UserInterface& ui,
                                    Log& log, std::string api_base)
-    : web_(web), store_(store), pace_(pace), clock_(clock), ui_(ui), log_(log), api_base_(std::move(api_base)) {}
+    : web_(web),
+      store_(store),
+      patience_(pace, clock, log),
+      clock_(clock),
+      ui_(ui),
+      log_(log),
+      api_base_(std::move(api_base)) {
+  patience_.on_slice = [this](milliseconds) { return goes_on(); };
+  web_.on_wait = [this] { return goes_on(); };
+}
 
 std::chrono::sys_seconds CatalogueService::now() const {
   return std::chrono::floor<std::chrono::seconds>(clock_.utc());
@@ -27,70 +38,66 @@ void CatalogueService::begin_pass() {
   asked_.clear();
 }
 
-std::string CatalogueService::get(const std::string& request, Age age) {
+StoredAnswer CatalogueService::get(const std::string& request, Age age) {
   const std::optional<StoredAnswer> kept = store_.answer(request);
   const bool is_young = kept && now() - kept->fetched < std::chrono::days(1);
   const auto asked = asked_.find(request);
   const bool is_enough = age == Age::Any || (age == Age::ADay && is_young) || asked != asked_.end();
-  if (kept && is_enough) return kept->text;
+  if (kept && is_enough) return *kept;
   if (asked != asked_.end()) throw Failure(asked->second);
-  std::string& trouble = asked_[request];
   try {
-    std::string text = fetch(request);
-    store_.keep_answer(request, {text, now()});
-    return text;
+    StoredAnswer answer = {fetch(request), now()};
+    store_.keep_answer(request, answer);
+    asked_[request].clear();
+    return answer;
   } catch (const Failure& failure) {
-    trouble = failure.what();
-    if (cancelled_) asked_.erase(request);
-    if (!kept || cancelled_) throw;
+    if (cancelled_) throw;
+    asked_[request] = failure.what();
+    if (!kept) throw;
     log_.debug_log(std::string(failure.what()) + "; what is known from earlier is used", LogLevel::Normal);
-    return kept->text;
+    return *kept;
   }
 }
 
 std::string CatalogueService::fetch(const std::string& request) {
-  in_progress_ = true;
-  cancelled_ = false;
+  if (in_progress_++ == 0) cancelled_ = false;
   const struct Ending {
-    bool& in_progress;
-    ~Ending() { in_progress = false; }
+    int& in_progress;
+    ~Ending() { --in_progress; }
   } ending{in_progress_};
-  web_.on_wait = [this] {
-    ui_.process_events();
-    return !cancelled_;
-  };
   log_.debug_log("Asking for " + request, LogLevel::Verbose);
-  milliseconds waited{}, next = first_wait;
   while (true) {
     WebAnswer answer = ask(api_base_ + request);
+    const bool is_refused = answer.status == too_many || answer.status == unavailable;
+    if (!is_refused) patience_.renew();
     if (answer.status == ok) return std::move(answer.body);
     if (answer.status == not_found) return {};
     const std::string trouble = "The listings service answered " + std::to_string(answer.status);
-    const bool is_refused = answer.status == too_many || answer.status == unavailable;
-    if (is_refused) pace_.slow_down();
-    const milliseconds named = time_to_wait(answer.retry_after, "", now()), time = named.count() > 0 ? named : next;
-    if (!is_refused || waited + time > patience) throw Failure(trouble);
-    log_.debug_log(
-        trouble + "; asking again in " + std::to_string(std::max<long long>(time.count() / 1000, 1)) + " seconds",
-        LogLevel::Normal);
-    wait(time);
-    waited += time;
-    next *= 2;
+    if (is_refused && patience_.wait_after_refusal(time_to_wait(answer.retry_after, "", now()), trouble)) continue;
+    throw Failure(cancelled_ ? cancelled : trouble);
   }
 }
 
 WebAnswer CatalogueService::ask(const std::string& url) {
-  for (milliseconds left = pace_.claim(); left.count() > 0; left = pace_.claim()) wait(left);
-  ui_.process_events();
-  return web_.get(url);
+  while (true) {
+    if (!patience_.wait_for_turn()) throw Failure(cancelled);
+    ui_.process_events();
+    held_up_ = {};
+    try {
+      return web_.get(url);
+    } catch (const Failure&) {
+      if (cancelled_ || held_up_ < long_hold_up) throw;
+    }
+  }
 }
 
-void CatalogueService::wait(milliseconds time) {
-  for (const auto until = clock_.instant() + time; clock_.instant() < until;) {
-    clock_.wait(wait_slice);
-    ui_.process_events();
-    if (cancelled_) throw Failure("The request has been cancelled");
-  }
+/// Lets events run; false when the user does not want the answer any more. An event may open a dialog, which holds this
+/// up for as long as it is open.
+bool CatalogueService::goes_on() {
+  const auto before = clock_.instant();
+  ui_.process_events();
+  held_up_ += std::chrono::duration_cast<milliseconds>(clock_.instant() - before);
+  return !cancelled_;
 }
 
 }  // namespace quorvel

@@ -10,7 +10,7 @@
 #include "platform/log.h"
 #include "platform/user_interface.h"
 #include "platform/web_client.h"
-#include "transport/pace.h"
+#include "transport/patience.h"
 
 namespace quorvel {
 
@@ -27,28 +27,32 @@ class CatalogueService {
   /// Before each pass: only then is the same thing asked for again.
   void begin_pass();
 
-  /// The answer to a request such as "/shows/1/episodes", empty when the service knows no such thing. Throws Failure
-  /// when there is no answer; one that is older than it may be is then used rather than none.
-  std::string get(const std::string& request, Age age);
+  /// The answer to a request such as "/shows/1/episodes", its text empty when the service knows no such thing. Throws
+  /// Failure when there is no answer; one that is older than it may be is then used rather than none.
+  ///
+  /// While it waits, events run, and what the user does there may ask for something else: that is then asked first.
+  StoredAnswer get(const std::string& request, Age age);
 
-  /// Ends the request in progress; does nothing when there is none.
-  void cancel() { cancelled_ = in_progress_; }
+  /// Ends the requests in progress; does nothing when there are none.
+  void cancel() { cancelled_ = in_progress_ > 0; }
 
  private:
   std::string fetch(const std::string& request);
   WebAnswer ask(const std::string& url);
-  void wait(std::chrono::milliseconds time);
+  bool goes_on();
   std::chrono::sys_seconds now() const;
 
   WebClient& web_;
   AnswerStore& store_;
-  Pace& pace_;
+  Patience patience_;
   Clock& clock_;
   UserInterface& ui_;
   Log& log_;
   std::string api_base_;
   std::map<std::string, std::string> asked_;  // in this pass; the trouble that each request had, if any
-  bool in_progress_ = false, cancelled_ = false;
+  int in_progress_ = 0;
+  bool cancelled_ = false;
+  std::chrono::milliseconds held_up_{};  // by what events did while the request in progress waited
 };
 
 }  // namespace quorvel

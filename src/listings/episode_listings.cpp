@@ -3,6 +3,8 @@
 #include <chrono>
 
 #include "listings/answer.h"
+#include "naming/service_names.h"
+#include "text/code_page.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
@@ -35,10 +37,14 @@ std::size_t text_size(const Episode& episode) {
   return episode.airdate.size() + episode.url.size() + episode.title.size();
 }
 
+std::string_view title_in(std::string_view piece) {
+  return textbetween(piece, "\"name\":\"", "\",");
+}
+
 Episode episode_in(std::string_view piece) {
   Episode episode;
   episode.season = to_number(textbetween(piece, "\"season\":", ","));
-  episode.title = cleantitle(textbetween(piece, "\"name\":\"", "\","));
+  episode.title = cleantitle(title_in(piece));
   episode.number = to_number(textbetween(piece, "\"number\":", ","));
   episode.url = textbetween(piece, "\"url\":", ",");
   episode.airdate = textbetween(piece, "\"airdate\":\"", "\",");
@@ -124,13 +130,13 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
                                       bool use_cache) {
   log_.debug_log("Getting listings for: " + show.name, LogLevel::Verbose);
   std::string url = api_base_ + "/shows/" + std::to_string(show.id) + "/episodes";
-  if (!accept_answer(http_.GetData(url, ""), search_name)) return nullptr;
+  if (!accept_answer(http_.GetData(url, ""), show, search_name)) return nullptr;
   if (use_cache) update_cache(show.name);
   return list_.find(season, episode);
 }
 
 /// By the time the cache is written the answer has been freed: a long one takes much memory.
-bool EpisodeListings::accept_answer(const std::string& answer, const std::string& search_name) {
+bool EpisodeListings::accept_answer(const std::string& answer, const Show& show, const std::string& search_name) {
   if (answer.empty()) throw Failure(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", LogLevel::Normal);
@@ -140,11 +146,11 @@ bool EpisodeListings::accept_answer(const std::string& answer, const std::string
     log_.debug_log("Error parsing listings (Err 5)", LogLevel::Normal);
     return false;
   }
-  read_answer(answer);
+  read_answer(answer, show.id);
   return true;
 }
 
-void EpisodeListings::read_answer(std::string_view answer) {
+void EpisodeListings::read_answer(std::string_view answer, int show_id) {
   constexpr std::string_view mark = "\"id\":";
   list_.clear();
   loaded_stamp_.reset();
@@ -152,7 +158,11 @@ void EpisodeListings::read_answer(std::string_view answer) {
   for (std::size_t at = answer.find(mark), next = 0; at != std::string_view::npos; at = next) {
     at += mark.size();
     next = answer.find(mark, at);
-    Episode episode = episode_in(answer.substr(at, next - at));
+    const std::string_view piece = answer.substr(at, next - at);
+    Episode episode = episode_in(piece);
+    if (lacks_characters(to_code_page(episode.title), to_code_page(title_in(piece)))) {
+      lossy_.insert({show_id, episode.season, episode.number});
+    }
     text += text_size(episode);
     if (list_.all().size() == max_episodes || text > max_text) {
       list_.clear();

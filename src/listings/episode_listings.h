@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <vector>
 
@@ -63,6 +65,11 @@ class EpisodeListings {
   std::optional<FoundEpisode> getlistings(const Show& show, const std::string& search_name, int season, int episode,
                                           Options options);
 
+  /// Whether the title is known to lack characters that the service gave.
+  bool has_lost_characters(int show_id, int season, int episode) const {
+    return lossy_.contains({show_id, season, episode});
+  }
+
   /// The service is asked again for what it has not found.
   void forget_unfound() { unfound_.forget(); }
 
@@ -76,8 +83,8 @@ class EpisodeListings {
 
  private:
   const Episode* fetch(const Show& show, const std::string& search_name, int season, int episode, bool use_cache);
-  bool accept_answer(const std::string& answer, const std::string& search_name);
-  void read_answer(std::string_view answer);
+  bool accept_answer(const std::string& answer, const Show& show, const std::string& search_name);
+  void read_answer(std::string_view answer, int show_id);
   void update_cache(const std::string& show_name);
   void load_cache(const std::string& text);
   FoundEpisode finish(const Episode& episode, bool decode_utf8);
@@ -89,6 +96,8 @@ class EpisodeListings {
   Clock& clock_;
   std::string api_base_;
   Unfound unfound_;
+  std::set<std::tuple<int, int, int>>
+      lossy_;  // show, season and number of titles that were fetched with more characters
   EpisodeList list_;
   // The cache file that list_ was loaded from, so that each further file of a show need not load it again.
   std::string loaded_file_;

@@ -1,5 +1,10 @@
 #include "listings/show_search.h"
 
+#include <algorithm>
+
+#include "naming/service_names.h"
+#include "text/characters.h"
+#include "text/code_page.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/numbers.h"
@@ -32,6 +37,14 @@ std::optional<Show> ShowSearch::searchtv(const std::string& search_name, bool us
   return show;
 }
 
+bool ShowSearch::has_lost_characters(const Show& show) const {
+  // Letters beyond ASCII stand there as the two or three bytes that they were, which a cached name shows as well.
+  const std::string bytes = to_code_page(show.name);
+  const bool is_utf8 = std::ranges::none_of(
+      decode(bytes), [](char32_t each) { return each >= stray_byte_base && each <= stray_byte_base + 0xFF; });
+  return lossy_.contains(show.id) || (bytes != show.name && is_utf8);
+}
+
 std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   std::string url = api_base_ + "/search/shows?q=" + HttpClient::URLEncode(search_name);
   const std::string answer = http_.GetData(url, "");
@@ -47,8 +60,10 @@ std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   const std::string_view page = textbetween(answer, "\"url\":", ",");
   if (page.size() > max_title_size) throw Failure("the address of the show's page is too long");
   // The first occurrence of each key belongs to the service's best match.
-  return Show{to_number(textbetween(answer, "\"id\":", ",")), cleantitle(textbetween(answer, "\"name\":\"", "\",")),
-              std::string(page)};
+  const std::string_view name = textbetween(answer, "\"name\":\"", "\",");
+  Show show{to_number(textbetween(answer, "\"id\":", ",")), cleantitle(name), std::string(page)};
+  if (lacks_characters(show.name, to_code_page(name))) lossy_.insert(show.id);
+  return show;
 }
 
 }  // namespace quorvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,9 @@ class ShowSearch {
   /// list of shows. Throws Failure when there is no answer, or when a value of it is not what it must be.
   std::optional<Show> searchtv(const std::string& search_name, bool use_cache);
 
+  /// Whether the show's name is known to lack characters that the service gave.
+  bool has_lost_characters(const Show& show) const;
+
   /// The service is asked again for what it has not found.
   void forget_unfound() { unfound_.forget(); }
 
@@ -38,6 +42,7 @@ class ShowSearch {
   Log& log_;
   std::string api_base_;
   Unfound unfound_;
+  std::set<int> lossy_;  // shows whose names have lost characters when they were fetched
 };
 
 }  // namespace quorvel

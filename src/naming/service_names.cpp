@@ -15,6 +15,9 @@ namespace {
 constexpr std::array<std::string_view, 6> devices = {"con", "prn", "aux", "nul", "conin$", "conout$"};
 constexpr std::array<std::string_view, 2> numbered_devices = {"com", "lpt"};
 
+/// In no file's name.
+constexpr std::u32string_view forbidden(U"\\*?\"<>|\0", 8);
+
 bool is_removed(char32_t character) {
   const bool is_control = (character > 0 && character < U' ') || character == 0x7F;
   const bool is_override = (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
@@ -44,9 +47,23 @@ std::string without_control_characters(const std::string& name, Log& log) {
   return cleaned;
 }
 
+bool lacks_characters(std::string_view name, std::string_view gave) {
+  const auto kept = [](std::string_view text) {
+    std::string plain(text);
+    replace_all(plain, "&amp;", "&");
+    replace_all(plain, "&quot;", "\"");
+    std::u32string characters = decode(composed(plain));
+    std::erase_if(characters, [](char32_t character) {
+      return is_removed(character) || character == U' ' || forbidden.find(character) != std::u32string_view::npos ||
+             character == U':' || character == U'/' || character == U'\u00A0';
+    });
+    return characters;
+  };
+  return kept(name) != kept(gave);
+}
+
 std::string exact_name(std::string_view name) {
   static constexpr std::pair<char32_t, std::u32string_view> replaced[] = {{U':', U" -"}, {U'/', U"-"}};
-  static constexpr std::u32string_view forbidden(U"\\*?\"<>|\0", 8);
   std::u32string made;
   for (const char32_t character : decode(name)) {
     const auto* const found =

@@ -21,6 +21,9 @@ std::string without_control_characters(const std::string& name, Log& log);
 /// ends.
 std::string exact_name(std::string_view name);
 
+/// Whether `name`, made of what the service `gave`, lacks characters of that which a file's name could have.
+bool lacks_characters(std::string_view name, std::string_view gave);
+
 /// Why the system would take this component of a path for something else; empty when it would not.
 /// "." and ".." everywhere; where paths are written with "\", names of dots and spaces alone and those of devices
 /// ("CON", "com1.avi") too. A dot at the end is none of them: there the system drops it wherever it meets the name.

@@ -22,7 +22,7 @@ class WebClient {
   /// arrived, whatever its status.
   virtual WebAnswer get(const std::string& url) = 0;
 
-  /// Called at least every 50 ms while the network is waited for; false ends the transfer.
+  /// Called at least every 50 ms while the network is waited for; false ends the transfer. It may call get() itself.
   std::function<bool()> on_wait = [] { return true; };
 };
 

@@ -20,7 +20,7 @@ void ClassicIdentification::begin_pass() {
 
 Identified ClassicIdentification::identify(QueueItem& item, const Reached& reached) {
   const auto names_an_episode = [&](bool parent_folder) {
-    return run_stage(parts_.log, "Error getting filename filter: ", [&] { return getbits(item, parent_folder); });
+    return run_stage(log_, "Error getting filename filter: ", [&] { return getbits(item, parent_folder); });
   };
   reached(QueueState::Scanning);
   if (!names_an_episode(true) && !names_an_episode(false)) {
@@ -28,21 +28,21 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
             "Unable to find filename filter"};
   }
 
-  parts_.log.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
+  log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
   if (!is_trusted(item)) return {Identified::Failed, {}, item.doubts.front()};
   if (!reached(QueueState::Searching)) return {Identified::Interrupted};
-  parts_.log.debug_log("Checking exceptions", LogLevel::Verbose);
+  log_.debug_log("Checking exceptions", LogLevel::Verbose);
   checkex(item);
-  parts_.log.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
+  log_.debug_log("Searching for: " + item.search_name, LogLevel::Verbose);
   const std::string searched = "\r\nSearched for: " + item.search_name;
-  const StageResult search = run_stage(parts_.log, "Error searching for show: ", [&] { return searchtv(item); });
+  const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return searchtv(item); });
   if (!search) {
     return {Identified::Failed, "Unable to find show page for: " + item.search_name,
             std::string("Unable to find show on ") + listings_site + searched + search.line()};
   }
 
   if (!reached(QueueState::FetchingListings)) return {Identified::Interrupted};
-  const StageResult listings = run_stage(parts_.log, "Error getting listings: ", [&] { return getlistings(item); });
+  const StageResult listings = run_stage(log_, "Error getting listings: ", [&] { return getlistings(item); });
   if (!listings) {
     return {Identified::Failed, "Unable to find listings for: " + item.episode_text(),
             std::string("Unable to find listings on ") + listings_site + searched +
@@ -53,18 +53,18 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
 
 bool ClassicIdentification::getbits(QueueItem& item, bool parentFolder) {
   const std::string subject = lower_case(parentFolder ? parent_folder_name(item.path) : item.filename);
-  parts_.log.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
-                       LogLevel::Verbose);
+  log_.debug_log("Looking up filename filter for: " + subject + (parentFolder ? " (p=1)" : " (p=0)"),
+                 LogLevel::Verbose);
   const std::optional<Detection> found = parentFolder ? detect_in_folder(subject) : detect_in_file(subject);
   if (!found) {
-    parts_.log.debug_log("No filter found", LogLevel::Verbose);
+    log_.debug_log("No filter found", LogLevel::Verbose);
     return false;
   }
   if (found->is_refused) return false;
   item.search_name = found->show;
   item.season = found->season;
   item.episode = found->episode;
-  parts_.log.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
+  log_.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
   return true;
 }
 
@@ -76,10 +76,8 @@ bool ClassicIdentification::is_trusted(QueueItem& item) {
   if (is_same || (reading.episodes.empty() && !reading.date && reading.absolute == std::vector<int>{item.episode})) {
     return true;
   }
-  item.doubts.push_back("The name seems to say " + number_text(reading) + ", and was read as season " +
-                        std::to_string(item.season) + ", episode " + std::to_string(item.episode));
-  parts_.log.debug_log(item.filename + ": " + item.doubts.front(), LogLevel::Normal);
-  return !parts_.settings.strict;
+  return may_go_on_with(item, "The name seems to say " + number_text(reading) + ", and was read as season " +
+                                  std::to_string(item.season) + ", episode " + std::to_string(item.episode));
 }
 
 void ClassicIdentification::checkex(QueueItem& item) {
@@ -87,25 +85,27 @@ void ClassicIdentification::checkex(QueueItem& item) {
 }
 
 bool ClassicIdentification::searchtv(QueueItem& item) {
-  const std::optional<Show> show = parts_.search.searchtv(item.search_name, !parts_.settings.nocache);
+  const std::optional<Show> show = parts_.search.searchtv(item.search_name, !settings_.nocache);
   if (!show) return false;
   item.show_id = show->id;
-  item.show_name = without_control_characters(show->name, parts_.log);
+  item.show_name = without_control_characters(show->name, log_);
   if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
   item.show_url = show->url;
+  item.lost_characters = parts_.search.has_lost_characters(*show);
   return true;
 }
 
 bool ClassicIdentification::getlistings(QueueItem& item) {
-  const std::optional<FoundEpisode> episode = parts_.listings.getlistings(
-      {item.show_id, item.show_name, item.show_url}, item.search_name, item.season, item.episode,
-      {.use_cache = !parts_.settings.nocache, .decode_utf8 = !parts_.settings.noutf8});
+  const std::optional<FoundEpisode> episode =
+      parts_.listings.getlistings({item.show_id, item.show_name, item.show_url}, item.search_name, item.season,
+                                  item.episode, {.use_cache = !settings_.nocache, .decode_utf8 = !settings_.noutf8});
   if (!episode) return false;
-  item.episode_title = without_control_characters(episode->title, parts_.log);
+  item.episode_title = without_control_characters(episode->title, log_);
   if (item.episode_title.empty()) {
-    parts_.log.debug_log("The episode has no title that a file can have", LogLevel::Normal);
+    log_.debug_log("The episode has no title that a file can have", LogLevel::Normal);
   }
   item.episode_url = episode->url;
+  if (parts_.listings.has_lost_characters(item.show_id, item.season, item.episode)) item.lost_characters = true;
   return true;
 }
 

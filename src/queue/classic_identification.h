@@ -13,14 +13,13 @@ namespace quorvel {
 class ClassicIdentification : public Identification {
  public:
   struct Parts {
-    const Settings& settings;
     const ExceptionList& exceptions;
     ShowSearch& search;
     EpisodeListings& listings;
-    Log& log;
   };
 
-  explicit ClassicIdentification(Parts parts) : parts_(parts) {}
+  ClassicIdentification(const Settings& settings, Log& log, Parts parts)
+      : Identification(settings, log), parts_(parts) {}
 
   void begin_pass() override;
   Identified identify(QueueItem& item, const Reached& reached) override;

@@ -42,6 +42,7 @@ std::string joined_titles(const std::vector<CatalogueEpisode>& episodes) {
 }  // namespace
 
 Identified ExactIdentification::identify(QueueItem& item, const Reached& reached) {
+  lookup_.begin_item(settings_.nocache || item.look_up_anew);
   const auto failed = [&](const std::string& what, const StageResult& stage) {
     const std::string read_as =
         item.reading && item.reading->has_numbers() ? "\r\nRead as: " + reading_text(*item.reading) : "";
@@ -66,29 +67,49 @@ bool ExactIdentification::read(QueueItem& item) {
   const Reading& reading = *item.reading;
   if (!reading.has_numbers() || (reading.show.empty() && !show_of_all)) return false;
   log_.debug_log("Read " + item.filename + " as " + reading_text(reading), LogLevel::Verbose);
-  item.search_name = show_of_all ? "tvmaze:" + std::to_string(*show_of_all)
-                                 : exceptions_.replacement(reading.show).value_or(reading.show);
+  item.search_name = exceptions_.replacement(reading.show).value_or(reading.show);
   return true;
 }
 
+FoundShow ExactIdentification::chosen_show(const QueueItem& item) {
+  if (show_of_all) return {lookup_.show_of_id(*show_of_all), "as the show of all files"};
+  const std::string key = Lookup::choice_key(item.search_name, *item.reading);
+  if (forgets_choices && forgotten_.insert(key).second) lookup_.forget(key);
+  try {
+    return lookup_.show(item.search_name, *item.reading);
+  } catch (const UnclearShow& unclear) {
+    if (!choose(item, unclear)) throw;
+    return lookup_.show(item.search_name, *item.reading);
+  }
+}
+
 bool ExactIdentification::find_show(QueueItem& item) {
-  show_ = lookup_.show(item.search_name, *item.reading);
+  const FoundShow found = chosen_show(item);
+  show_ = found.show;
   item.show_id = show_.id;
   item.show_name = exact_name(show_.name);
   item.show_url = quoted(show_.url);
+  item.match = description(show_) + ", " + found.why;
   if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
+  const std::string doubt = "The name says \"" + item.search_name + "\", and the show is called \"" + show_.name + "\"";
+  if (found.is_alike && !may_go_on_with(item, doubt)) throw Failure(doubt);
   return true;
 }
 
 bool ExactIdentification::find_episodes(QueueItem& item) {
-  const Reading& reading = *item.reading;
-  const std::vector<CatalogueEpisode> episodes = lookup_.episodes(show_, reading);
+  const FoundEpisodes found = lookup_.episodes(show_, *item.reading);
+  const std::vector<CatalogueEpisode>& episodes = found.episodes;
   const CatalogueEpisode& first = episodes.front();
-  // A title that the name tells as well makes sure of what its numbers leave open.
-  const bool says_title = !reading.episode_title.empty() && match_key(reading.episode_title) == match_key(first.title);
-  if (!reading.certain && !says_title) {
-    throw Failure("The name can be read in more than one way; as this it would be \"" + first.title + "\"");
+  // What else an uncertain name may mean is ruled out by what the show has, or by the title where the name tells it.
+  const bool is_sure =
+      found.as.certain || says_title(found.as, first) || (item.reading->other && found.other_title.empty());
+  if (!is_sure) {
+    throw Failure("The name can be read in more than one way; as this it would be \"" + first.title + "\"" +
+                  (found.other_title.empty() ? "" : ", else \"" + found.other_title + "\""));
   }
+  item.reading = found.as;
+  item.listings_told = found.told;
+  const Reading& reading = *item.reading;
   const bool is_special = !first.number.has_value();
   item.season = is_special ? 0 : first.season;
   item.episode = first.number.value_or(reading.episodes.empty() ? 0 : reading.episodes.front());

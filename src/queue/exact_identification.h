@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <set>
+#include <string>
 
 #include "catalogue/lookup.h"
 #include "platform/log.h"
@@ -15,24 +18,34 @@ namespace quorvel {
 class ExactIdentification : public Identification {
  public:
   ExactIdentification(const Settings& settings, const ExceptionList& exceptions, Lookup& lookup, Log& log)
-      : settings_(settings), exceptions_(exceptions), lookup_(lookup), log_(log) {}
+      : Identification(settings, log), exceptions_(exceptions), lookup_(lookup) {}
 
-  void begin_pass() override { lookup_.begin_pass(settings_.nocache); }
+  void begin_pass() override { lookup_.begin_pass(); }
   Identified identify(QueueItem& item, const Reached& reached) override;
 
   /// The show that all files belong to, by its number at the service, whatever their names say.
   std::optional<int> show_of_all;
+
+  /// Whether what was chosen for the names that are met is forgotten first.
+  bool forgets_choices = false;
+
+  /// Asks the user which show is meant by a name that none clearly fits, and remembers the answer; false when the item
+  /// is to fail.
+  std::function<bool(const QueueItem& item, const UnclearShow& unclear)> choose = [](const auto&, const auto&) {
+    return false;
+  };
 
  private:
   bool read(QueueItem& item);
   bool find_show(QueueItem& item);
   bool find_episodes(QueueItem& item);
 
-  const Settings& settings_;
+  FoundShow chosen_show(const QueueItem& item);
+
   const ExceptionList& exceptions_;
   Lookup& lookup_;
-  Log& log_;
-  CatalogueShow show_;  // of the item that is being identified
+  std::set<std::string> forgotten_;  // keys of choices
+  CatalogueShow show_;               // of the item that is being identified
 };
 
 }  // namespace quorvel

@@ -25,6 +25,21 @@ void Processor::retry_failed() {
   process_queue();
 }
 
+void Processor::take_again(const std::vector<int>& items, bool anew) {
+  for (const int index : items) {
+    if (!may_take_again(index)) continue;
+    queue_.at(index).look_up_anew = anew;
+    queue_.at(index).error_text.clear();
+    set_state(index, QueueState::Inactive);
+    again_.push_back(index);
+  }
+  if (!queue_busy_ && !again_.empty()) process_queue();
+}
+
+bool Processor::may_take_again(int index) const {
+  return queue_.holds(index) && queue_.at(index).state < QueueState::Inactive;
+}
+
 void Processor::process_queue() {
   queue_busy_ = true;
   try {
@@ -46,7 +61,9 @@ void Processor::run_pass() {
   identification_->begin_pass();
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
+      if (process_next_again()) continue;
       end_pass();
+      on_pass_ended();
       if (queue_cursor_ == 0) {
         log_.debug_log("No work to do", LogLevel::Verbose);
       } else {
@@ -65,11 +82,21 @@ void Processor::run_pass() {
   }
   if (!quit_) cancel_rest();  // meanwhile the user may quit
   end_pass();
+  on_pass_ended();
   if (quit_) {
     ui_.close();
   } else if (queue_cursor_ < queue_.count()) {
     ui_.arm_start_timer();  // for what was added after the pass was stopped
   }
+}
+
+/// False when there is none.
+bool Processor::process_next_again() {
+  if (again_.empty()) return false;
+  const int index = again_.front();
+  again_.pop_front();
+  if (queue_.at(index).state == QueueState::Inactive) process_item(index);
+  return true;
 }
 
 /// The next pass goes on after the last item, even where a retry has stepped over that.
@@ -78,13 +105,18 @@ void Processor::end_pass() {
   retry_mode_ = false;
   queue_busy_ = false;
   stop_after_ = 0;
+  at_work_ = 0;
 }
 
 void Processor::cancel_rest() {
-  for (int index = std::max(queue_cursor_, 1); index <= stop_after_; ++index) {
+  std::vector<int> rest(again_.begin(), again_.end());
+  again_.clear();
+  for (int index = queue_cursor_ + 1; index <= stop_after_; ++index) rest.push_back(index);
+  if (at_work_ > 0 && queue_.at(at_work_).state < QueueState::Done) rest.push_back(at_work_);
+  std::ranges::sort(rest);
+  for (const int index : rest) {
     const QueueState state = queue_.at(index).state;
-    const bool is_at_work = index == queue_cursor_ && state >= QueueState::Scanning && state < QueueState::Done;
-    if (is_at_work || state == QueueState::Inactive) cancel(index, stopped);
+    if (state >= QueueState::Inactive && state < QueueState::Done) cancel(index, stopped);
   }
   queue_cursor_ = std::max(queue_cursor_, stop_after_);
 }
@@ -110,11 +142,9 @@ void Processor::cancel(int index, const std::string& error_text) {
 
 /// Ends early when the user wants to quit or has stopped the pass; the item then keeps the state it has reached.
 void Processor::process_item(int index) {
+  at_work_ = index;
   QueueItem& item = queue_.at(index);
-  item.error_text.clear();
-  item.doubts.clear();
-  item.reading.reset();
-  item.more_episodes.clear();
+  item.forget_findings();
   const Identified found = identification_->identify(item, [&](QueueState state) {
     set_state(index, state);
     // At the search a wish to quit waits, so that each item that was taken is looked for.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include "queue/identification.h"
 #include "queue/pipeline.h"
@@ -31,6 +33,11 @@ class Processor {
   /// A pass from the first item on over what is not done. Does nothing while a pass runs.
   void retry_failed();
 
+  /// Those of the items that have failed or been cancelled go through the pipeline again, in a pass of their own or at
+  /// the end of the one that runs. `anew`: what is kept of the service's answers is not used for them.
+  void take_again(const std::vector<int>& items, bool anew);
+  bool may_take_again(int index) const;
+
   /// The window is to close: false when that must wait for a running pass, which then ends at its next stage and
   /// closes the window itself.
   bool may_close();
@@ -46,10 +53,13 @@ class Processor {
 
   /// Called when an item has ended, well or not.
   std::function<void(const QueueItem&)> on_ended = [](const QueueItem&) {};
+  /// Called at a pass's end, before the program ends because of it.
+  std::function<void()> on_pass_ended = [] {};
 
  private:
   void run_pass();
   void process_item(int index);
+  bool process_next_again();
   void set_state(int index, QueueState state);
   void fail(int index, const std::string& log_line, const std::string& error_text);
   void cancel(int index, const std::string& error_text);
@@ -66,7 +76,9 @@ class Processor {
   Identification* identification_ = nullptr;  // of the pass that runs
   Pipeline& pipeline_;
   QueueView& view_;
-  int queue_cursor_ = 0;  // the last item taken
+  int queue_cursor_ = 0;   // the last item taken in the queue's order
+  std::deque<int> again_;  // to be taken after them
+  int at_work_ = 0;        // the item that was taken last in this pass
   bool queue_busy_ = false;
   bool retry_mode_ = false;
   bool quit_ = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -32,9 +33,14 @@ struct QueueItem {
   std::int32_t season = 0;
   std::vector<int> more_episodes;   // of the same season, when the file holds several
   std::optional<Reading> reading;   // what the name says, in the exact way
+  std::string match;                // which show was found for it and why, for the user
   std::vector<std::string> doubts;  // what a person should look at
-  std::string search_name;          // detected in the name, perhaps replaced by an exception
-  std::string show_name;            // as the listings service gives it
+  // When the service told of the episodes, in the exact way.
+  std::optional<std::chrono::sys_seconds> listings_told;
+  bool look_up_anew = false;     // what is kept of the service's answers is not to be used
+  bool lost_characters = false;  // of the names that the service gave
+  std::string search_name;       // detected in the name, perhaps replaced by an exception
+  std::string show_name;         // as the listings service gives it
   std::int32_t show_id = 0;
   std::string show_url;  // in double quotes, as the service gives it
   std::string episode_title;
@@ -48,6 +54,17 @@ struct QueueItem {
   std::optional<FileStamp> done_stamp;  // of the file that the operation has left at the destination
   std::string error_text;               // why it failed or was cancelled; lines end in CR LF
   std::string episode_url;              // in double quotes, as the service gives it
+
+  /// Before it is taken, perhaps not for the first time.
+  void forget_findings() {
+    error_text.clear();
+    match.clear();
+    doubts.clear();
+    reading.reset();
+    more_episodes.clear();
+    listings_told.reset();
+    lost_characters = false;
+  }
 
   /// What the item was found to be, for the log.
   std::string episode_text() const { return show_name + " " + std::to_string(season) + "x" + std::to_string(episode); }

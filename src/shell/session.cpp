@@ -34,7 +34,7 @@ Session::Session(Ports ports, Places places)
       answers(ports.files, log, settings.work_dir),
       catalogue(ports.web, answers, pace, ports.clock, ports.ui, log, this->places.api_base),
       lookup(catalogue, answers),
-      classic({settings, exceptions, search, listings, log}),
+      classic(settings, log, {exceptions, search, listings}),
       exact(settings, exceptions, lookup, log),
       pipeline({settings, filters, jobs, ports.ui, log}),
       processor(

@@ -19,7 +19,6 @@ constexpr int timeout_seconds = 4;
 constexpr std::size_t read_size = 2048;
 constexpr int max_port = 65535;
 constexpr int unauthorized = 401, too_many_requests = 429, unavailable = 503;
-constexpr std::chrono::milliseconds wait_slice(50);
 constexpr std::size_t max_host_length = 253, max_status_length = 100;  // characters of each that are told
 
 /// One of HttpLimits is exceeded.
@@ -143,36 +142,20 @@ std::string HttpClient::fetch(std::string& url, std::string_view cookie, std::op
   };
   const std::string asked = url;
   std::string body;
+  patience_.limit = limits.patience;
   do {
     url = asked;
     body = attempt(url, cookie, form);
-  } while (refused_ && may_try_again());
+  } while (refused_ && patience_.wait_after_refusal(named_wait_, trouble_));
   in_progress_ = false;
   return body;
 }
 
-/// Whether the refused request should be sent again; by then the time for that has come.
-bool HttpClient::may_try_again() {
-  pace_.slow_down();
-  const std::chrono::milliseconds time = named_wait_.count() > 0 ? named_wait_ : next_wait_;
-  if (waited_ + time > limits.patience) return false;
-  log_.debug_log(
-      trouble_ + "; asking again in " + std::to_string(std::max<long long>(time.count() / 1000, 1)) + " seconds",
-      LogLevel::Normal);
-  waited_ += time;
-  next_wait_ *= 2;
-  return wait(time);
-}
-
-/// False when the transfer is cancelled meanwhile.
-bool HttpClient::wait(std::chrono::milliseconds time) {
-  for (const auto until = clock_.instant() + time; clock_.instant() < until;) {
-    clock_.wait(wait_slice);
-    deadline_ += wait_slice;
-    ui_.process_events();
-    if (consume_cancel("HTTP: Connection canceled")) return false;
-  }
-  return true;
+/// While the service is waited for; false when the transfer is cancelled meanwhile.
+bool HttpClient::goes_on_after(std::chrono::milliseconds slice) {
+  deadline_ += slice;
+  ui_.process_events();
+  return !consume_cancel("HTTP: Connection canceled");
 }
 
 std::string HttpClient::attempt(std::string& url, std::string_view cookie, std::optional<std::string_view> form) {
@@ -215,9 +198,7 @@ HttpClient::Outcome HttpClient::exchange(std::string& url, const Address& addres
                                          const std::vector<std::string>& request, std::string& body) {
   on_status("HTTP: Connecting to " + address.host + "...");
   ui_.catch_up();
-  for (std::chrono::milliseconds left; (left = pace_.claim()).count() > 0;) {
-    if (!wait(left)) return Outcome::Nothing;
-  }
+  if (!patience_.wait_for_turn()) return Outcome::Nothing;
   check_deadline();
   if (!connect(address) || !send(address, request)) return Outcome::Nothing;
   return receive(url, body);
@@ -330,8 +311,7 @@ HttpClient::Outcome HttpClient::read_header(Answer& answer, std::string& url) {
     const auto now = std::chrono::floor<std::chrono::seconds>(clock_.utc());
     named_wait_ = time_to_wait(value_of(lines, "retry-after"), value_of(lines, "date"), now);
   } else {
-    waited_ = {};
-    next_wait_ = first_wait;
+    patience_.renew();
   }
   if ((status < 200 || status > 299) && status != unauthorized) {
     const std::string_view line = lines.front();

@@ -12,7 +12,7 @@
 #include "platform/log.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
-#include "transport/pace.h"
+#include "transport/patience.h"
 
 namespace quorvel {
 
@@ -38,12 +38,13 @@ struct HttpLimits {
 /// Fetches resources by HTTP/1.0, one request at a time, and follows redirects. Pending events of the user interface
 /// run before connecting, while the network is waited for, and after each read.
 ///
-/// A request that is refused because there are too many (429, 503) is sent again after the time that the service names,
-/// or after 2, 4, 8 seconds and so on, up to a minute since the last request that was not refused.
+/// A request that is refused because there are too many (429, 503) is sent again as Patience says.
 class HttpClient {
  public:
   HttpClient(SocketControl& socket, UserInterface& ui, Clock& clock, Log& log, Pace& pace)
-      : socket_(socket), ui_(ui), clock_(clock), log_(log), pace_(pace) {}
+      : socket_(socket), ui_(ui), clock_(clock), patience_(pace, clock, log) {
+    patience_.on_slice = [this](std::chrono::milliseconds slice) { return goes_on_after(slice); };
+  }
 
   /// The body of the answer, one character a byte of the code page. Empty on every failure: bad address, refused or
   /// unverified connection, time-out, cancel, a status that is neither 2xx nor 401, or an exceeded limit; trouble()
@@ -72,8 +73,6 @@ class HttpClient {
   std::function<void(std::string_view)> on_status = [](std::string_view) {};
 
  private:
-  static constexpr std::chrono::milliseconds first_wait = std::chrono::seconds(2);
-
   struct Answer;
   enum class Outcome { Body, Redirect, Nothing };
 
@@ -85,8 +84,7 @@ class HttpClient {
   Outcome receive(std::string& url, std::string& body);
   Outcome read_header(Answer& answer, std::string& url);
   std::string attempt(std::string& url, std::string_view cookie, std::optional<std::string_view> form);
-  bool may_try_again();
-  bool wait(std::chrono::milliseconds time);
+  bool goes_on_after(std::chrono::milliseconds slice);
   std::string redirected(std::string& url, std::string_view cookie, std::optional<std::string_view> form);
   bool consume_cancel(std::string_view message);
   void fail(std::string_view status, const std::string& trouble);
@@ -96,11 +94,9 @@ class HttpClient {
   SocketControl& socket_;
   UserInterface& ui_;
   Clock& clock_;
-  Log& log_;
-  Pace& pace_;
+  Patience patience_;
   bool refused_ = false;                    // the last request, because there are too many
   std::chrono::milliseconds named_wait_{};  // by the service; 0 when it named none
-  std::chrono::milliseconds waited_{}, next_wait_ = first_wait;
   bool in_progress_ = false;
   bool cancel_ = false;
   std::string trouble_;

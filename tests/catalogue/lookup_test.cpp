@@ -46,7 +46,7 @@ struct LookupTest : ::testing::Test {
         R"([{"season":1,"number":null,"name":"Behind It","airdate":"2005-02-01"},
             {"season":1,"number":1,"name":"Pilot","airdate":"2005-03-24"},
             {"season":2,"number":null,"name":"Christmas","airdate":"2005-12-24"}])";
-    lookup.begin_pass(false);
+    lookup.begin_pass();
   }
   void search(const std::string& name, const std::vector<std::string>& shows) {
     std::string list, query = name;
@@ -61,10 +61,11 @@ struct LookupTest : ::testing::Test {
   std::string found(const std::string& path) {
     try {
       const Reading reading = read_name(path);
-      const CatalogueShow show = lookup.show(reading.show, reading);
+      const CatalogueShow show = lookup.show(reading.show, reading).show;
       std::string text = std::to_string(show.id);
-      for (const CatalogueEpisode& episode : lookup.episodes(show, reading)) text += ":" + episode.title;
-      return text;
+      const FoundEpisodes found = lookup.episodes(show, reading);
+      for (const CatalogueEpisode& episode : found.episodes) text += ":" + episode.title;
+      return text + (found.other_title.empty() ? "" : " or " + found.other_title);
     } catch (const Failure& failure) {
       return failure.what();
     }
@@ -86,11 +87,34 @@ TEST_F(LookupTest, AShowIsChosenByNameYearCountryAndWhatItHasAndNeverGuessed) {
   for (const auto& [path, expected] : rows) EXPECT_EQ(found(path), expected) << path;
 }
 
+TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTried) {
+  search("moon base", {show_json(5, "Moon Base Alpha", 1990, "US")});
+  search("moon base 1999", {show_json(6, "Moon Base: 1999", 1975, "GB")});
+  search("nachtzug", {show_json(7, "Night Train", 2011, "DE"), show_json(8, "Nacht und Zug", 2001, "DE")});
+  search("brighter", {show_json(9, "Righter", 2011, "US")});
+  web.bodies["/shows/7/akas"] = R"([{"name":"Ночной поезд"},{"name":"Nachtzug","country":null}])";
+  episodes(6, R"({"season":1,"number":1,"name":"Leaving"})");
+  episodes(
+      7, R"({"season":1,"number":1,"name":"A"},{"season":1,"number":2,"name":"B"},{"season":2,"number":1,"name":"C"})");
+  episodes(9, R"({"season":1,"number":1,"name":"A"})");
+  EXPECT_EQ(found("Moon.Base.1999.S01E01.mkv"), "6:Leaving");
+  EXPECT_EQ(found("Nachtzug.S01E02.mkv"), "7:B");
+  EXPECT_EQ(lookup.show("Nachtzug (DE)", read_name("Night.S01E02.mkv")).why, "by its other name \"Nachtzug\"");
+  EXPECT_EQ(found("Nachtzug 201.mkv"), "7:C") << "there are no 201 episodes";
+  EXPECT_TRUE(lookup.show("Brighter", read_name("Brighter.S01E01.mkv")).is_alike);
+  Reading reading = read_name("Nachtzug.S01E02.mkv");
+  reading.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = {3}, .date = {}};
+  const CatalogueShow show = lookup.show("Nachtzug", reading).show;
+  EXPECT_EQ(lookup.episodes(show, reading).other_title, "C");
+  reading.episode_title = "c";
+  EXPECT_EQ(lookup.episodes(show, reading).episodes.front().title, "C") << "the name says so";
+}
+
 TEST_F(LookupTest, NeitherAnAnswerThatFailsNorAnOldOneDecides) {
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
   web.refusals = {0};
   EXPECT_EQ(found("The.Bureau.S03E01.mkv"), "No connection to the service");
-  lookup.begin_pass(false);
+  lookup.begin_pass();
   EXPECT_EQ(found("The.Bureau.S03E01.mkv"), "2:Again (1)");
   store.keep_answer("/search/shows?q=late+show", {"[]", {}});
   search("late show", {show_json(4, "Late Show", 2020, "US")});
@@ -101,12 +125,17 @@ TEST_F(LookupTest, NeitherAnAnswerThatFailsNorAnOldOneDecides) {
 TEST_F(LookupTest, AChoiceIsRememberedForItsNameAloneAndForgottenAgain) {
   const Reading reading = read_name("The.Bureau.S01E01.mkv");
   web.bodies["/shows/1"] = show_json(1, "The Bureau", 2001, "GB");
-  lookup.choose(reading, 1);
+  const std::string key = Lookup::choice_key(reading.show, reading);
+  lookup.choose(key, 1, true);
   EXPECT_EQ(found("the bureau 1x01.mkv"), "1:Work");
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
-  lookup.forget(reading);
+  lookup.forget(key);
   EXPECT_TRUE(found("The.Bureau.S01E01.mkv").starts_with("More than one"));
-  EXPECT_EQ(lookup.show("tvmaze:1", reading).name, "The Bureau");
+  lookup.choose(key, 1, false);
+  EXPECT_EQ(found("The.Bureau.S01E01.mkv"), "1:Work");
+  EXPECT_TRUE(Lookup(service, store).choice(key) == std::nullopt) << "for this run alone";
+  EXPECT_EQ(lookup.show("tvmaze:1", reading).show.name, "The Bureau");
+  EXPECT_THROW(lookup.show("tvmaze:one", read_name("Other.S01E01.mkv")), Failure);
 }
 
 TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
@@ -114,15 +143,16 @@ TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
   EXPECT_EQ(web.requests.size(), 4u) << "two were refused";
   EXPECT_EQ(clock.now.time_since_epoch(), std::chrono::seconds(6));
-  lookup.begin_pass(false);
+  lookup.begin_pass();
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
   EXPECT_TRUE(found("The.Bureau.2005.S01E02.mkv").ends_with("no episode 1x2"));
   EXPECT_EQ(web.requests.size(), 4u) << "the list is of today";
   store.keep_answer("/shows/2/episodes", {"[]", {}});
-  lookup.begin_pass(false);
+  lookup.begin_pass();
   for (int again = 0; again < 2; ++again) EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
   EXPECT_EQ(web.requests.size(), 5u);
-  lookup.begin_pass(true);
+  lookup.begin_pass();
+  lookup.begin_item(true);
   web.refusals = {0};
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot") << "what is known from earlier will do";
   EXPECT_EQ(web.requests.size(), 7u);

@@ -50,6 +50,13 @@ TEST(CurlWebClient, GetsWhatTheServerMeansOrNamesItInTheFailure) {
   int waits = 0;
   client.on_wait = [&] { return ++waits < 3; };
   EXPECT_EQ(got(client, base), "The transfer was cancelled");
+  std::string meanwhile;
+  client.on_wait = [&, waits = 0]() mutable {
+    if (waits++ == 0) meanwhile = got(client, base + "/meanwhile");
+    return true;
+  };
+  EXPECT_EQ(answered(ok + "\r\nhello"), "200|hello|");
+  EXPECT_EQ(meanwhile, "200|hello|");
   client.on_wait = [] { return true; };
   service.reset();
   EXPECT_THAT(got(client, base), StartsWith("No connection to 127.0.0.1: "));

@@ -89,6 +89,16 @@ CurlWebClient::CurlWebClient(std::string ca_file, curl::ProxyFor proxy_for)
 CurlWebClient::~CurlWebClient() = default;
 
 WebAnswer CurlWebClient::get(const std::string& url) {
+  while (true) {
+    try {
+      return follow(url);
+    } catch (const Overtaken&) {
+      continue;  // there is but one connection, so this request begins again
+    }
+  }
+}
+
+WebAnswer CurlWebClient::follow(const std::string& url) {
   const auto end = SteadyClock::now() + time_limit;
   Address address(url);
   for (int redirects = 0;; ++redirects) {
@@ -108,15 +118,19 @@ WebAnswer CurlWebClient::get(const std::string& url) {
 
 WebAnswer CurlWebClient::fetch(const Address& address, SteadyClock::duration patience) {
   CURL* const easy = connection_->easy.get();
+  const int number = ++requests_;
+  const auto goes_on = [this, number] { return on_wait() && number == requests_; };
+  curl_multi_remove_handle(connection_->multi.get(), easy);  // from the request that this one overtakes
   connection_->message = {};
   connection_->body.clear();
   connection_->is_too_long = false;
-  CURLcode code = set_up(address);
+  CURLcode code = set_up(address, goes_on);
   {
     const auto remove = [this](CURL* added) { curl_multi_remove_handle(connection_->multi.get(), added); };
     const std::unique_ptr<CURL, decltype(remove)> added(easy, remove);  // also when on_wait() throws
-    if (code == CURLE_OK) code = curl::perform(connection_->multi.get(), easy, patience, on_wait);
+    if (code == CURLE_OK) code = curl::perform(connection_->multi.get(), easy, patience, goes_on);
   }
+  if (number != requests_) throw Overtaken();
   if (code != CURLE_OK) fail(code, address.host);
   long status = 0;
   curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
@@ -125,11 +139,11 @@ WebAnswer CurlWebClient::fetch(const Address& address, SteadyClock::duration pat
   return {static_cast<int>(status), std::move(connection_->body), retry_after == nullptr ? "" : retry_after->value};
 }
 
-CURLcode CurlWebClient::set_up(const Address& address) {
+CURLcode CurlWebClient::set_up(const Address& address, const curl::OnWait& goes_on) {
   CURL* const easy = connection_->easy.get();
   if (proxy_for_ && proxy_host_ != address.scheme + address.host) {
     const std::optional<std::string> proxy =
-        curl::ask_for_proxy(proxy_for_, address.is_secure(), address.host, on_wait);
+        curl::ask_for_proxy(proxy_for_, address.is_secure(), address.host, goes_on);
     if (!proxy) return CURLE_ABORTED_BY_CALLBACK;
     curl::use_proxy(easy, *proxy);
     proxy_host_ = address.scheme + address.host;

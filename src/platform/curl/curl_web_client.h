@@ -24,14 +24,18 @@ class CurlWebClient : public WebClient {
   struct Address;
   struct Connection;
 
+  class Overtaken {};
+
+  WebAnswer follow(const std::string& url);
   WebAnswer fetch(const Address& address, std::chrono::steady_clock::duration patience);
-  CURLcode set_up(const Address& address);
+  CURLcode set_up(const Address& address, const curl::OnWait& goes_on);
   [[noreturn]] void fail(CURLcode code, const std::string& host);
 
   std::string ca_file_;
   curl::ProxyFor proxy_for_;
   std::string proxy_host_;  // that was last asked about
   std::unique_ptr<Connection> connection_;
+  int requests_ = 0;  // a later one, from on_wait, goes first
 };
 
 }  // namespace quorvel
