@@ -28,8 +28,10 @@ Gives television episode files their right name and place. Each PATH is a file, 
 constexpr const char* help_end =
     R"(      --exact           read names with the reader and keep every character of the service's names, for this run
       --classic         do not, whatever the settings say
-      --strict          without --exact: what a name may mean besides what was read fails
+      --strict          what a person should look at fails: names that may mean something else, shows spelt otherwise
       --show ID         the show of all paths, by its number at TVmaze; with --exact
+      --choose          ask which show is meant where none clearly fits, and remember it; with --exact
+      --forget          forget the shows that were chosen for the names of these files; with --exact
       --json            an object a line for each item that has ended, and one with a summary
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
@@ -94,8 +96,8 @@ int show_id(const std::string& text) {
 }
 
 std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Version };
-  static constexpr std::array<option, 13> known = {{{"verbose", no_argument, nullptr, 'v'},
+  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Choose, Forget, Version };
+  static constexpr std::array<option, 15> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                     {"dry-run", no_argument, nullptr, 'n'},
                                                     {"work-dir", required_argument, nullptr, 'w'},
                                                     {"set", required_argument, nullptr, Set},
@@ -105,6 +107,8 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"classic", no_argument, nullptr, Classic},
                                                     {"strict", no_argument, nullptr, Strict},
                                                     {"show", required_argument, nullptr, ShowId},
+                                                    {"choose", no_argument, nullptr, Choose},
+                                                    {"forget", no_argument, nullptr, Forget},
                                                     {"help", no_argument, nullptr, 'h'},
                                                     {"version", no_argument, nullptr, Version},
                                                     {nullptr, 0, nullptr, 0}}};
@@ -141,6 +145,11 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         break;
       case ShowId:
         options.show_id = show_id(optarg);
+        options.settings.emplace_back("exact", 1U);
+        break;
+      case Choose:
+      case Forget:
+        (found == Choose ? options.choose : options.forget) = true;
         options.settings.emplace_back("exact", 1U);
         break;
       case 'h':

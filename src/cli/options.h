@@ -18,6 +18,8 @@ struct Options {
   bool read = false;  // only tell what the paths say
   bool json = false;
   std::optional<int> show_id;  // of all paths
+  bool choose = false;         // ask which show is meant
+  bool forget = false;         // what was chosen before
 };
 
 /// Nothing is to be run: the program prints this and ends.

@@ -5,6 +5,7 @@
 #include "cli/dry_run.h"
 #include "cli/json_report.h"
 #include "cli/run_store.h"
+#include "cli/show_question.h"
 #include "cli/terminal.h"
 #include "cli/terminal_ui.h"
 #include "naming/file_names.h"
@@ -93,10 +94,12 @@ bool queue_paths(Session& session, const std::vector<std::string>& paths, Termin
 /// Reports why items failed and how many did. Returns whether all are done.
 bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& terminal) {
   std::map<QueueState, int> count;
+  int lossy = 0;
   for (int i = 1; i <= queue.count(); ++i) {
     const QueueItem& item = queue.at(i);
     const bool ended = item.state == QueueState::Done || item.state < QueueState::Inactive;
     ++count[ended ? item.state : QueueState::Inactive];
+    if (item.state == QueueState::Done && item.lost_characters) ++lossy;
     if (item.state == QueueState::Done || !ended) continue;
     std::string why = item.error_text.empty() ? "the file was gone" : item.error_text;
     replace_all(why, "\r\n", "; ");
@@ -107,6 +110,10 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
   terminal.error_line(std::to_string(count[QueueState::Done]) + " done, " + std::to_string(count[QueueState::Failed]) +
                       " failed, " + std::to_string(count[QueueState::Cancelled]) + " cancelled" +
                       (left == 0 ? "" : ", " + std::to_string(left) + " not processed"));
+  if (lossy > 0) {
+    terminal.error_line(some(lossy, "name") + (lossy == 1 ? " has" : " have") +
+                        " lost characters that the service gave; --exact keeps them");
+  }
   return queue.count() > 0 && count[QueueState::Done] == queue.count();
 }
 
@@ -115,6 +122,13 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
     options.json ? terminal.error_line(line) : terminal.out_line(line);
   };
   session.exact.show_of_all = options.show_id;
+  session.exact.forgets_choices = options.forget;
+  ShowQuestion question(session.lookup, terminal);
+  if (options.choose) {
+    session.exact.choose = [&](const QueueItem& item, const UnclearShow& unclear) {
+      return question.ask(item, unclear);
+    };
+  }
   if (options.json) {
     session.processor.on_ended = [&](const QueueItem& item) { terminal.out_line(json_of(item, options.dry_run)); };
   }

@@ -3,7 +3,6 @@
 #include "text/code_page.h"
 #include "text/cut.h"
 #include "text/failure.h"
-#include "transport/whole_file.h"
 
 namespace quorvel {
 namespace {
@@ -17,14 +16,24 @@ std::string text_of(const std::vector<RecordFile::Fields>& records) {
   return text;
 }
 
-/// A rule whose folder came back as "????" would misplace files, so nothing is written that would not come back.
+constexpr std::string_view utf8_mark = "\xEF\xBB\xBF";
+
+/// In the code page where it holds every character, else in UTF-8 with the mark of that: a rule whose folder came back
+/// as
+/// "????" would misplace files.
+std::string bytes_of(const std::string& text) {
+  std::string bytes = to_code_page(text);
+  return fits_code_page(text) && !bytes.starts_with(utf8_mark) ? bytes : std::string(utf8_mark) + text;
+}
+
+std::string text_in(std::string_view bytes) {
+  return bytes.starts_with(utf8_mark) ? std::string(bytes.substr(utf8_mark.size())) : from_code_page(bytes);
+}
+
 void check(const RecordFile::Fields& fields) {
   for (const std::string& field : fields) {
     if (field.find_first_of(std::string_view("\t\r\n\0", 4)) != std::string::npos) {
       throw Failure("\"" + field + "\" holds a tab or a line break");
-    }
-    if (!fits_code_page(field)) {
-      throw Failure("\"" + field + "\" holds a character outside the Western European code page");
     }
   }
 }
@@ -41,13 +50,13 @@ bool RecordFile::exists() const {
 std::vector<std::string> RecordFile::read_lines() const {
   const std::optional<std::string> bytes = files_.read(path());
   if (!bytes) throw Unreadable("The file " + path() + " cannot be read; with other rules files would go elsewhere");
-  const std::string text = from_code_page(*bytes);
+  const std::string text = text_in(*bytes);
   const std::vector<std::string_view> pieces = split(text, "\r\n");
   return {pieces.begin(), pieces.end() - 1};
 }
 
 void RecordFile::loaded_as(const std::vector<Fields>& records) {
-  known_ = to_code_page(text_of(records));
+  known_ = bytes_of(text_of(records));
 }
 
 void RecordFile::save(const std::vector<Fields>& records) {
@@ -57,14 +66,14 @@ void RecordFile::save(const std::vector<Fields>& records) {
     if (!bytes) throw Failure(path() + " cannot be read, so it is not replaced");
     if (*bytes != known_) keep_copy(*bytes);
   }
-  const std::string text = text_of(records);
-  if (text.empty()) {
+  const std::string bytes = bytes_of(text_of(records));
+  if (bytes.empty()) {
     if (exists() && !files_.remove(path())) throw Failure(path() + " cannot be removed");
-  } else if (!savefile(files_, path(), text, false, OldTail::Dropped)) {
+  } else if (!files_.replace(path(), bytes)) {
     throw Failure(path() +
                   (files_.is_link(path()) ? " is a link, and nothing is written through links" : " cannot be written"));
   }
-  known_ = to_code_page(text);
+  known_ = bytes;
 }
 
 void RecordFile::keep_copy(const std::string& bytes) {

@@ -16,6 +16,7 @@ class Unreadable : public Failure {
 };
 
 /// A text file of records: one a line, every line ended by CR LF, fields separated by TAB, nothing quoted or escaped.
+/// Its bytes are those of the code page, or UTF-8 behind a byte order mark where the code page does not hold them all.
 class RecordFile {
  public:
   using Fields = std::vector<std::string>;

@@ -12,13 +12,14 @@ namespace quorvel {
 namespace {
 
 // Without columns, for it is also shown in a message.
-constexpr const char* help = R"(Usage: quorvel [/startup] [PATH...]
+constexpr const char* help = R"(Usage: quorvel [/startup] [--exact | --classic] [PATH...]
 
 Opens the window that gives television episode files their right name and place.
 Each PATH is a file, or a folder whose files are taken.
 A window that is open already is handed them.
 
 /startup, --startup: start hidden, with an icon in the tray
+--exact, --classic: with exact names until it ends, or without, whatever the preferences say
 /uninstall, --uninstall: remove all that is kept for you, and end
 /?, -h, --help: show this text
 --version: show the version
@@ -86,8 +87,10 @@ struct Switch {
   bool CommandLine::*member;
 };
 
-constexpr std::array<Switch, 4> switches = {{{{"/uninstall", "--uninstall"}, &CommandLine::uninstall},
+constexpr std::array<Switch, 6> switches = {{{{"/uninstall", "--uninstall"}, &CommandLine::uninstall},
                                              {{"/startup", "--startup"}, &CommandLine::startup},
+                                             {{"--exact"}, &CommandLine::exact},
+                                             {{"--classic"}, &CommandLine::classic},
                                              {{"/?", "--help", "-h"}, &CommandLine::help},
                                              {{"--version"}, &CommandLine::version}}};
 

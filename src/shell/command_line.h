@@ -16,6 +16,8 @@ struct CommandLine {
   std::vector<std::string> paths;  // absolute; nothing need exist there
   bool help = false;               // tell what the command line may hold, and end
   bool version = false;            // the same for the version
+  bool exact = false;              // use exact names in this run
+  bool classic = false;            // do not, whatever the settings say
 
   bool operator==(const CommandLine&) const = default;
 };

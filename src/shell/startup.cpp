@@ -80,6 +80,15 @@ StartResult Startup::run(const std::vector<std::string>& arguments) {
 /// Hands the command line over to a running copy. Empty when there is none, so that this one becomes it.
 std::optional<StartResult> Startup::forward(const CommandLine& line) {
   if (channel_.become_running_copy()) return {};
+  if (line.exact || line.classic) {
+    // It would do with the files what its own preferences say.
+    session_.ports.ui.show_message(0, application_title,
+                                   std::string(application_title) +
+                                       " is running already, so nothing was handed to it: whether it uses exact names "
+                                       "is set there, under Options, Preferences.",
+                                   MessageIcon::Information);
+    return StartResult::Failed;
+  }
   std::vector<std::string> paths = line.paths;
   if (paths.empty() && line.startup) return StartResult::Ended;
   if (paths.empty()) paths.emplace_back();
@@ -111,6 +120,7 @@ void Startup::start(const CommandLine& line) {
   session_.setworkdir();
   session_.journal.settle();
   load_preferences(session_);
+  if (line.exact || line.classic) session_.settings.exact = line.exact;
   if (!session_.ports.files.exists(help_file(session_.places))) {
     session_.log.debug_log(no_help_file, LogLevel::Normal);
   }

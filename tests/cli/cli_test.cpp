@@ -161,6 +161,43 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   EXPECT_EQ(run({"--show", "101", "-w../work", "harbour.lights.1x04.mkv"}), 1) << "that show is not known here";
 }
 
+TEST_F(Cli, AsksWhichShowIsMeantRemembersItAndTellsOfLostCharacters) {
+  add({"Part.Time.S01E01.mkv"});
+  service.answer_with([](const std::string& request) {
+    const std::string target = target_of(request);
+    const auto show = [](const std::string& id, const char* rest = "") {
+      return R"({"id":)" + id + R"(,"url":"https://x/)" + id + R"(","name":"Part Time","premiered":"20)" + id +
+             R"(-01-01")" + rest + "}";
+    };
+    const std::string body = target.starts_with("/search") ? R"([{"show":)" + show("10") + R"(},{"show":)" +
+                                                                 show("15", R"(,"network":{"name":"BBC"})") + "}]"
+                             : target.ends_with("/episodes") ? R"([{"id":1,"url":"u","name":"Part 1","season":1,)"
+                                                               R"("number":1,"airdate":"2015-01-02"}])"
+                             : target == "/shows/15"         ? show("15")
+                                                             : "";
+    return "HTTP/1.1 " + std::string(body.empty() ? "404 No" : "200 OK") +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+  });
+  const std::string file = "Part.Time.S01E01.mkv";
+  const Arguments asked = {"--choose", "-w../work", file};
+  EXPECT_EQ(run(asked), 1) << "nobody can answer";
+  const std::string unclear = "More than one show fits: Part Time (2010, tvmaze:10), Part Time (2015, tvmaze:15)";
+  EXPECT_NE(error.find(unclear), std::string::npos) << error;
+  for (const auto& [answers, status] : {std::pair("s\n", 1), {"9\n2\n", 0}}) {
+    const ChildProcess program(start(asked, true));
+    EXPECT_TRUE(program.shows(file + ": which show is \"Part Time\"?") &&
+                program.shows("2  Part Time (2015, tvmaze:15), BBC") && program.shows("or s to skip: "));
+    program.type(answers);
+    EXPECT_EQ(program.status(), status);
+  }
+  EXPECT_EQ(contents(folder / "in/Part Time - 1x01 - Part 1.mkv"), file);
+  add({"part time 1x01.avi", "part time 1x01.mp4"});
+  EXPECT_EQ(run({"--exact", "-w../work", "part time 1x01.avi"}), 0) << "it is remembered";
+  EXPECT_TRUE(run({"--forget", "-w../work", "part time 1x01.mp4"}) == 1 && error.find(unclear) != std::string::npos);
+  EXPECT_EQ(run({"-w../work", "part time 1x01.mp4"}), 0);
+  EXPECT_TRUE(error.ends_with("1 name has lost characters that the service gave; --exact keeps them\n")) << error;
+}
+
 TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   const std::string usage = "\nTry quorvel-cli --help.", cache = folder / "work/cache";
   files->create_folder(cache);

@@ -71,17 +71,26 @@ TEST_F(Rules, SavingWritesJustWhatIsThereAndKeepsWhatWasNotUnderstood) {
   EXPECT_EQ(ui.messages, std::vector<std::string>{"Unable to remove filter: You must have at least one filter"});
 }
 
-TEST_F(Rules, WhatWouldNotComeBackIsNotWritten) {
+TEST_F(Rules, EveryCharacterComesBackAndWhatIsNoneIsNotWritten) {
   load_filters(mkv_line);
-  for (const char* path : {"/Фильмы/", "/a\tb/", "/a\r\nb/", "/caf\xE9/"}) {
+  for (const char* path : {"/a\tb/", "/a\r\nb/"}) {
     filters.at(1).path = path;
     EXPECT_FALSE(filters.savefilters()) << path;
     EXPECT_EQ(read("data/Quorvel/filters.dat"), mkv_line);
   }
-  filters.at(1).path = "/café €/";
-  EXPECT_TRUE(filters.savefilters());
-  filters.loadfilters();
-  EXPECT_EQ(filters.at(1).path, "/café €/");
+  const std::pair<const char*, bool> rows[] = {
+      {"/caf\u00E9 \u20AC/", false}, {"/\u0424\u0438\u043B\u044C\u043C\u044B/", true}, {"/caf\xE9/", true}};
+  for (const auto& [path, is_utf8] : rows) {
+    filters.at(1).path = path;
+    EXPECT_TRUE(filters.savefilters());
+    EXPECT_EQ(read("data/Quorvel/filters.dat").starts_with("\xEF\xBB\xBF"), is_utf8) << path;
+    filters.loadfilters();
+    EXPECT_EQ(filters.at(1).path, path);
+  }
+  EXPECT_TRUE(exceptions.store(0, {"\u00EF\u00BB\u00BFx", "y"})) << "in the code page it would begin with UTF-8's mark";
+  exceptions.loadefilters();
+  EXPECT_EQ(exceptions.at(1).detectedName, "\u00EF\u00BB\u00BFx");
+  EXPECT_FALSE(exists("data/Quorvel/filters.dat.bak"));
 }
 
 TEST_F(Rules, ExceptionsReplaceOnceAndIgnoreCase) {

@@ -35,7 +35,8 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.make(help_file(helped.session.places));
   helped.key_values.write_number("context", 1);
   helped.key_values.write_string("", "3.4");
-  EXPECT_EQ(helped.startup.run({helped.b}), StartResult::Running);
+  EXPECT_EQ(helped.startup.run({"--exact", helped.b}), StartResult::Running);
+  EXPECT_TRUE(helped.session.settings.exact && helped.key_values.read_number("exact") == std::nullopt);
   EXPECT_THAT(helped.happened(),
               ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row b 1x02", "timer", "clicks"));
 }
@@ -53,6 +54,9 @@ TEST(Startup, HandsOverToTheRunningCopy) {
   EXPECT_EQ(copy.startup.run({"/startup"}), StartResult::Ended);
   EXPECT_THAT(copy.happened(), ElementsAre());
   copy.key_values.damage.reset();
+  copy.desktop.others = 1;
+  EXPECT_EQ(copy.startup.run({"--exact", copy.a}), StartResult::Failed) << "the other copy may use classic names";
+  EXPECT_THAT(copy.happened(), ElementsAre(::testing::StartsWith("message Quorvel: Quorvel is running already")));
   copy.events.fails = "send";
   copy.desktop.others = 2;
   EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Failed);
