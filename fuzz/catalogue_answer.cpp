@@ -27,6 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       check_name(show.name);
     }
     for (const CatalogueEpisode& episode : episodes_of(text)) check_name(episode.title);
+    for (const std::string& name : other_names_of(text)) fuzz::check(!name.empty(), "another name is one");
   } catch (const Failure&) {
     return 0;
   }

@@ -90,6 +90,7 @@ bool ExactIdentification::find_show(QueueItem& item) {
   item.show_name = exact_name(show_.name);
   item.show_url = quoted(show_.url);
   item.match = description(show_) + ", " + found.why;
+  log_.debug_log("Found " + item.match, LogLevel::Verbose);
   if (item.show_name.empty()) throw Failure("The show has no name that a file can have");
   const std::string doubt = "The name says \"" + item.search_name + "\", and the show is called \"" + show_.name + "\"";
   if (found.is_alike && !may_go_on_with(item, doubt)) throw Failure(doubt);
