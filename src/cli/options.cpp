@@ -16,8 +16,11 @@
 namespace quorvel::cli {
 namespace {
 
+constexpr int default_passes = 10;
 constexpr const char* help_start = R"(Usage: quorvel-cli [options] PATH...
        quorvel-cli --read [--json] [NAME...|-]
+       quorvel-cli --history [--json] [N]
+       quorvel-cli --undo [--dry-run] [PASS]
 Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
 
   -v, --verbose         tell every step
@@ -35,6 +38,8 @@ constexpr const char* help_end =
       --json            an object a line for each item that has ended, and one with a summary
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
+      --history         tell what was done in the last N passes, 10 without a number
+      --undo            take back what was done in the pass of that number, without one in the last pass
   -h, --help, /?        show this text
       --version         show the version
 
@@ -89,15 +94,25 @@ void add_setting(Options& options, const std::string& text) {
   }
 }
 
-int show_id(const std::string& text) {
-  const int id = leading_number(text);
-  if (id <= 0 || std::to_string(id) != text) refuse("--show wants the number of a show, not \"" + text + "\"");
-  return id;
+/// Above 0.
+int whole_number(const std::string& text, const std::string& what) {
+  const int number = leading_number(text);
+  if (number <= 0 || std::to_string(number) != text) refuse(what + ", not \"" + text + "\"");
+  return number;
+}
+
+void take_pass_number(Options& options) {
+  if (options.history && options.undo) refuse("--history and --undo do not go together");
+  if (options.paths.size() > 1) refuse("Only one number is wanted, not \"" + options.paths[1] + "\" as well");
+  if (options.paths.empty()) return;
+  const int number = whole_number(
+      options.paths[0], options.undo ? "--undo wants the number of a pass" : "--history wants a number of passes");
+  (options.undo ? options.pass : options.history) = number;
 }
 
 std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Choose, Forget, Version };
-  static constexpr std::array<option, 15> known = {{{"verbose", no_argument, nullptr, 'v'},
+  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Choose, Forget, History, Undo, Version };
+  static constexpr std::array<option, 17> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                     {"dry-run", no_argument, nullptr, 'n'},
                                                     {"work-dir", required_argument, nullptr, 'w'},
                                                     {"set", required_argument, nullptr, Set},
@@ -109,6 +124,8 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"show", required_argument, nullptr, ShowId},
                                                     {"choose", no_argument, nullptr, Choose},
                                                     {"forget", no_argument, nullptr, Forget},
+                                                    {"history", no_argument, nullptr, History},
+                                                    {"undo", no_argument, nullptr, Undo},
                                                     {"help", no_argument, nullptr, 'h'},
                                                     {"version", no_argument, nullptr, Version},
                                                     {nullptr, 0, nullptr, 0}}};
@@ -144,13 +161,19 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         options.settings.emplace_back("strict", 1U);
         break;
       case ShowId:
-        options.show_id = show_id(optarg);
+        options.show_id = whole_number(optarg, "--show wants the number of a show");
         options.settings.emplace_back("exact", 1U);
         break;
       case Choose:
       case Forget:
         (found == Choose ? options.choose : options.forget) = true;
         options.settings.emplace_back("exact", 1U);
+        break;
+      case History:
+        options.history = default_passes;
+        break;
+      case Undo:
+        options.undo = true;
         break;
       case 'h':
         return Ending{0, help()};
@@ -165,6 +188,10 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   }
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
+  if (options.history || options.undo) {
+    take_pass_number(options);
+    return options;
+  }
   if (options.read && options.paths.empty()) options.paths = {"-"};
   if (options.paths.empty()) refuse("No path is given");
   if (argc == 2 && options.paths[0] == "/?") return Ending{0, help()};

@@ -4,6 +4,7 @@
 
 #include "cli/dry_run.h"
 #include "cli/json_report.h"
+#include "cli/past.h"
 #include "cli/run_store.h"
 #include "cli/show_question.h"
 #include "cli/terminal.h"
@@ -119,7 +120,7 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
 
 int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
   session.log.on_line = [&](const std::string& line, bool) {
-    options.json ? terminal.error_line(line) : terminal.out_line(line);
+    options.json || options.history || options.undo ? terminal.error_line(line) : terminal.out_line(line);
   };
   session.exact.show_of_all = options.show_id;
   session.exact.forgets_choices = options.forget;
@@ -135,6 +136,12 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
+  if (options.history || options.undo) {
+    session.open();
+    if (options.undo) return undo_pass(session, options.pass, terminal) ? all_done : something_failed;
+    tell_history(session, *options.history, options.json, terminal);
+    return all_done;
+  }
   session.start();
   const bool all_queued = queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();

@@ -22,6 +22,19 @@ void refuse_nul(const FileJob& job) {
   }
 }
 
+Deed deed_of(int operation) {
+  switch (operation) {
+    case Request::Move:
+      return Deed::Moved;
+    case Request::Copy:
+      return Deed::Copied;
+    case Request::Delete:
+      return Deed::Trashed;
+    default:
+      return Deed::Renamed;
+  }
+}
+
 }  // namespace
 
 FileJobResult FileJobs::run(const FileJob& job) {
@@ -54,26 +67,47 @@ FileJobResult FileJobs::rename(const FileJob& job) {
     log_.debug_log("File rename failed. Destination already exists", LogLevel::Verbose);
     return {false, "The destination aleady exists. File cannot be renamed"};
   }
-  return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo});
+  return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo}, job.past_id);
 }
 
 FileJobResult FileJobs::perform_in_tree(Request::Operation operation, const FileJob& job) {
   std::string made = make_tree(job.dest_path);
-  FileJobResult result = perform({operation, job.path, made + job.new_name, Request::AllowUndo});
+  FileJobResult result = perform({operation, job.path, made + job.new_name, Request::AllowUndo}, job.past_id);
   if (result.done) result.dest_path = std::move(made);
   return result;
 }
 
-FileJobResult FileJobs::perform(FileOperationRequest request) {
+FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoes) {
   if (request.operation != Request::Rename) request.temporary = getpath(request.destination, 0) + temporary_name();
   if (request.operation == Request::Move && verify_) request.flags |= Request::Verify;
+  return recorded(request, undoes, [&] { return shell_.perform(request); });
+}
+
+FileJobResult FileJobs::recorded(const Request& request, std::int64_t undoes, const std::function<int()>& carry_out) {
   journal_.begin(request);
+  PastOperation past;
+  past.deed = deed_of(request.operation);
+  past.old_path = request.source;
+  past.new_path = request.destination;
+  past.stamp = files_.stamp(request.source);
+  past.undoes = undoes;
+  past.reason = "It was stopped";
+  history_.begin(past, journal_.name());
   const struct Ending {
-    Journal& journal;
-    ~Ending() { journal.end(); }
-  } ending{journal_};
-  FileJobResult result = result_of(shell_.perform(request));
-  if (result.done) result.stamp = files_.stamp(request.destination);
+    FileJobs& jobs;
+    PastOperation& past;
+    ~Ending() {
+      if (past.outcome == PastOperation::UnderWay) past.outcome = PastOperation::Failed;
+      jobs.history_.end(past);
+      jobs.journal_.end();
+    }
+  } ending{*this, past};
+  FileJobResult result = result_of(carry_out());
+  result.past_id = past.id;
+  past.reason = result.error_text.value_or("");
+  if (!result.done) return result;
+  if (!request.destination.empty()) result.stamp = past.stamp = files_.stamp(request.destination);
+  past.outcome = PastOperation::Done;
   return result;
 }
 
@@ -96,7 +130,7 @@ FileJobResult FileJobs::undo(const FileJob& job) {
   refuse_another_file(job);
   FileJobResult result;
   const auto back = [&](Request::Operation operation) {
-    return perform({operation, current, job.path, Request::AllowUndo});
+    return perform({operation, current, job.path, Request::AllowUndo}, job.past_id);
   };
   switch (job.action) {
     case Rename:
@@ -108,10 +142,11 @@ FileJobResult FileJobs::undo(const FileJob& job) {
       result = back(Request::Rename);
       break;
     case MoveAndRename:
+      make_tree(getpath(job.path, 0));
       result = back(Request::Move);
       break;
     case CopyAndRename:
-      result = result_of(delete_copy(job));
+      result = recorded({Request::Delete, current, ""}, job.past_id, [&] { return delete_copy(job); });
       break;
     default:
       break;

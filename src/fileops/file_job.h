@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
+#include "history/history.h"
 #include "history/journal.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
@@ -20,6 +23,7 @@ struct FileJob {
   std::string dest_path;                     // the destination folder, ending in a separator
   int action = 0;                            // an Action of the rules
   std::optional<FileStamp> done_stamp = {};  // of the destination after the job was done
+  std::int64_t past_id = 0;                  // of the operation in the history that did it, or that it takes back
 
   std::string destination() const { return dest_path + new_name; }
 };
@@ -29,20 +33,23 @@ struct FileJobResult {
   bool done = false;
   std::optional<std::string> error_text = {};
   std::optional<FileStamp> stamp = {};        // of the destination, when done
+  std::int64_t past_id = 0;                   // in the history; 0 when nothing was begun
   std::optional<std::string> dest_path = {};  // the destination folder as it was made for a move or a copy, when done
 };
 
 class FileJobs {
  public:
   /// `verify`: whether what is moved to another file system is read back and compared; read at each move.
-  FileJobs(FileOperation& shell, Files& files, Journal& journal, const bool& verify, Log& log)
-      : shell_(shell), files_(files), journal_(journal), verify_(verify), log_(log) {}
+  FileJobs(FileOperation& shell, Files& files, Journal& journal, History& history, const bool& verify, Log& log)
+      : shell_(shell), files_(files), journal_(journal), history_(history), verify_(verify), log_(log) {}
 
   /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure
-  /// when a name holds a NUL, as undo() does, and when the action is unknown.
+  /// when a name holds a NUL, as undo() does, and when the action is unknown. With a `past_id` it takes the undoing of
+  /// that number back.
   FileJobResult run(const FileJob& job);
 
-  /// Brings back what run() has changed: a renamed or moved file returns to its old path, a copy goes to the trash.
+  /// Brings back what run() has changed: a renamed or moved file returns to its old path, whose folder is made when it
+  /// is missing, a copy goes to the trash.
   /// Where there is no trash, a copy is deleted only while its source is there with the same size and time of change.
   /// Throws Failure when the file at the destination is not the one that `done_stamp` describes.
   FileJobResult undo(const FileJob& job);
@@ -56,7 +63,10 @@ class FileJobs {
  private:
   FileJobResult rename(const FileJob& job);
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);
-  FileJobResult perform(FileOperationRequest request);
+  FileJobResult perform(FileOperationRequest request, std::int64_t undoes);
+  /// With the journal and the history knowing of it.
+  FileJobResult recorded(const FileOperationRequest& request, std::int64_t undoes,
+                         const std::function<int()>& carry_out);
   void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);
   int delete_copy(const FileJob& job);
@@ -64,6 +74,7 @@ class FileJobs {
   FileOperation& shell_;
   Files& files_;
   Journal& journal_;
+  History& history_;
   const bool& verify_;
   Log& log_;
 };

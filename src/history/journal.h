@@ -31,6 +31,10 @@ class Journal {
   /// It has ended, well or not.
   void end();
 
+  /// The name, in the work folder, of the file that this process holds; empty before it has begun anything, and where
+  /// no journal can be kept.
+  std::string name() const { return file_ ? path_.substr(work_dir_.size()) : ""; }
+
   /// Clears up after processes that have ended, and tells what was found. What lies on a drive that is not there now is
   /// left for a later start. Nothing is removed but what is certainly left over, while its source is there.
   void settle();

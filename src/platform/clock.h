@@ -15,6 +15,9 @@ class Clock {
   /// Hours, minutes and seconds of the user's time zone in the user's long time format, e.g. "14:05:33".
   virtual std::string time_of_day() const = 0;
 
+  /// That moment in the user's time zone.
+  virtual std::chrono::local_seconds local(std::chrono::sys_seconds moment) const = 0;
+
   virtual std::chrono::system_clock::time_point utc() const { return std::chrono::system_clock::now(); }
 
   /// A moment to measure from, which no change of the system's time affects.

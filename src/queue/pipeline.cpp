@@ -47,10 +47,12 @@ bool Pipeline::confirm(QueueItem& item) {
 }
 
 bool Pipeline::fileops(QueueItem& item) {
+  item.past_id = 0;
   const FileJobResult result = parts_.jobs.run(job_of(item));
   if (result.error_text) item.error_text = *result.error_text;
   if (result.dest_path) item.dest_path = *result.dest_path;
   item.done_stamp = result.stamp;
+  item.past_id = result.past_id;
   return result.done;
 }
 

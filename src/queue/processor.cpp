@@ -57,6 +57,7 @@ void Processor::stop() {
 }
 
 void Processor::run_pass() {
+  const History::Pass pass(history_);
   identification_ = &way_();
   identification_->begin_pass();
   while (!is_ending()) {

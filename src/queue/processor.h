@@ -16,12 +16,13 @@ namespace quorvel {
 class Processor {
  public:
   /// `way` is asked before each pass for the identification that the pass is to use.
-  Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log,
+  Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log, History& history,
             std::function<Identification&()> way, Pipeline& pipeline, QueueView& view)
       : queue_(queue),
         settings_(settings),
         ui_(ui),
         log_(log),
+        history_(history),
         way_(std::move(way)),
         pipeline_(pipeline),
         view_(view) {}
@@ -72,6 +73,7 @@ class Processor {
   const Settings& settings_;
   UserInterface& ui_;
   Log& log_;
+  History& history_;
   const std::function<Identification&()> way_;
   Identification* identification_ = nullptr;  // of the pass that runs
   Pipeline& pipeline_;

@@ -52,6 +52,7 @@ struct QueueItem {
   std::int32_t action = 0;
   bool confirmed = false;
   std::optional<FileStamp> done_stamp;  // of the file that the operation has left at the destination
+  std::int64_t past_id = 0;             // of that operation in the history
   std::string error_text;               // why it failed or was cancelled; lines end in CR LF
   std::string episode_url;              // in double quotes, as the service gives it
 
@@ -72,7 +73,7 @@ struct QueueItem {
 
 /// The file operation that the item's fields describe.
 inline FileJob job_of(const QueueItem& item) {
-  return {item.path, item.filename, item.new_name, item.dest_path, item.action, item.done_stamp};
+  return {item.path, item.filename, item.new_name, item.dest_path, item.action, item.done_stamp, item.past_id};
 }
 
 }  // namespace quorvel

@@ -24,6 +24,7 @@ struct Settings {
   bool exact = false;      // identify episodes in the exact way
   bool strict = false;     // what the classic way and the reader read differently fails
   bool verify = false;     // read back what is moved to another drive before its source goes
+  int history = 730;       // days for which what was done to files is remembered
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
 };
 
@@ -35,9 +36,10 @@ struct TextSetting {
   std::string_view meaning;
 };
 
-/// A preference that is stored as a number and shown as a check box.
+/// A preference that is stored as a number and shown as a check box, or one that is a number itself: any other number
+/// then stays what it is.
 struct NumberSetting {
-  enum Others { MeanOff, MeanOn };
+  enum Others { MeanOff, MeanOn, Stay };
 
   std::string_view name;
   int (*get)(const Settings&);
@@ -56,7 +58,7 @@ struct NumberSetting {
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
 extern const std::array<TextSetting, 1> text_settings;
-extern const std::array<NumberSetting, 9> number_settings;
+extern const std::array<NumberSetting, 10> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];

@@ -23,6 +23,7 @@ void Undo::run(int index) {
   QueueItem& item = queue_.at(index);
   // A file at the destination of an item that is not done belongs to somebody else.
   if (item.state != QueueState::Done) return;
+  const History::Pass pass(history_);
   const StageResult undone = run_stage(log_, "Error undoing: ", [&] { return undofileops(item); });
   if (undone) {
     item.state = QueueState::Cancelled;

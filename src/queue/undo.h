@@ -18,8 +18,8 @@ class Undo {
     bool operator==(const Entry&) const = default;
   };
 
-  Undo(WorkQueue& queue, FileJobs& jobs, Log& log, QueueView& view)
-      : queue_(queue), jobs_(jobs), log_(log), view_(view) {}
+  Undo(WorkQueue& queue, FileJobs& jobs, History& history, Log& log, QueueView& view)
+      : queue_(queue), jobs_(jobs), history_(history), log_(log), view_(view) {}
 
   /// `index` is one that the queue holds.
   Entry entry(int index) const;
@@ -33,6 +33,7 @@ class Undo {
 
   WorkQueue& queue_;
   FileJobs& jobs_;
+  History& history_;
   Log& log_;
   QueueView& view_;
 };

@@ -29,7 +29,9 @@ Session::Session(Ports ports, Places places)
       search(http, cache, known_shows, log, this->places.api_base),
       listings(http, cache, known_shows, log, ports.clock, this->places.api_base),
       journal(ports.files, log, settings.work_dir),
-      jobs(ports.shell, ports.files, journal, settings.verify, log),
+      history(ports.files, ports.clock, log, settings.work_dir),
+      jobs(ports.shell, ports.files, journal, history, settings.verify, log),
+      past_undo(history, jobs, ports.files, log),
       view(queue, filters, ports.ui),
       answers(ports.files, log, settings.work_dir),
       catalogue(ports.web, answers, pace, ports.clock, ports.ui, log, this->places.api_base),
@@ -38,18 +40,22 @@ Session::Session(Ports ports, Places places)
       exact(settings, exceptions, lookup, log),
       pipeline({settings, filters, jobs, ports.ui, log}),
       processor(
-          queue, settings, ports.ui, log,
+          queue, settings, ports.ui, log, history,
           [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },
           pipeline, view),
       intake(queue, settings, ports.files, ports.ui, log, [this] { return processor.queue_busy(); }),
-      undo(queue, jobs, log, view) {}
+      undo(queue, jobs, history, log, view) {}
 
 void Session::start() {
   write_banner();
-  setworkdir();
-  journal.settle();
-  load_preferences(*this);
+  open();
   load_rules();
+}
+
+void Session::open() {
+  setworkdir();
+  load_preferences(*this);
+  settle();
 }
 
 void Session::write_banner() {
@@ -75,6 +81,14 @@ void Session::setworkdir() {
   if (cache.is_link()) {
     log.debug_log("The folder " + cache.path() + " is a link, so nothing is kept in it", LogLevel::Normal);
   }
+}
+
+void Session::settle() {
+  journal.settle();
+  if (!history.exists()) return;
+  past_undo.settle(settings.work_dir);
+  history.forget_before(std::chrono::floor<std::chrono::seconds>(ports.clock.utc()) -
+                        std::chrono::days(settings.history));
 }
 
 void Session::load_rules() {

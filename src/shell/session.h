@@ -4,6 +4,8 @@
 #include <string>
 
 #include "catalogue/lookup.h"
+#include "fileops/past_undo.h"
+#include "history/history.h"
 #include "history/journal.h"
 #include "listings/cache_folder.h"
 #include "listings/episode_listings.h"
@@ -63,12 +65,16 @@ class Session {
 
   /// Writes the banner, finds the work directory, loads the preferences and the rules.
   void start();
+  /// The same without the banner and the rules, where no file is to be renamed.
+  void open();
 
   /// The steps of start() that are the session's own.
   void write_banner();
   /// The folder of the program's name in the one for applications' data, made when missing; the program's own folder
   /// where there is no such place.
   void setworkdir();
+  /// Clears up after runs that were cut off, and forgets what is too old for the history. The preferences are known.
+  void settle();
   void load_rules();
 
   /// Ends the pass as its processor does, and the transfer in progress at once.
@@ -93,7 +99,9 @@ class Session {
   ShowSearch search;
   EpisodeListings listings;
   Journal journal;
+  History history;
   FileJobs jobs;
+  PastUndo past_undo;
   QueueView view;
   AnswerStore answers;
   CatalogueService catalogue;

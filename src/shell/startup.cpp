@@ -118,9 +118,9 @@ void Startup::start(const CommandLine& line) {
   session_.write_banner();
   window_.add_tray_icon(application_title);
   session_.setworkdir();
-  session_.journal.settle();
   load_preferences(session_);
   if (line.exact || line.classic) session_.settings.exact = line.exact;
+  session_.settle();
   if (!session_.ports.files.exists(help_file(session_.places))) {
     session_.log.debug_log(no_help_file, LogLevel::Normal);
   }

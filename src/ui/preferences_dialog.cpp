@@ -14,7 +14,9 @@
 namespace quorvel::ui {
 namespace {
 
-/// A box for each number setting, in the order in which the user meets them.
+constexpr int max_days = 32767;  // what is stored is no larger
+
+/// A box for each setting that is on or off, in the order in which the user meets them.
 struct Box {
   const char *setting, *label, *name;
 };
@@ -52,6 +54,9 @@ void PreferencesDialog::lay_out() {
   types_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, scaled(*this, wxSize(220, -1)), 0,
                           wxDefaultValidator, "txtTypes");
   types_->ChangeValue(to_wx(session_.settings.types));
+  auto* const history_label = new wxStaticText(this, wxID_ANY, "Days to Keep the &History:");
+  history_ = new wxSpinCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxSP_ARROW_KEYS, 1, max_days,
+                            session_.settings.history, "spnHistory");
   auto* const ok = new wxButton(this, wxID_OK, "OK");
   auto* const cancel = new wxButton(this, wxID_CANCEL, "Cancel");
 
@@ -62,6 +67,9 @@ void PreferencesDialog::lay_out() {
   auto* const types = new wxBoxSizer(wxHORIZONTAL);
   types->Add(label, wxSizerFlags().CenterVertical().Border(wxRIGHT));
   types->Add(types_, wxSizerFlags(1));
+  auto* const history = new wxBoxSizer(wxHORIZONTAL);
+  history->Add(history_label, wxSizerFlags().CenterVertical().Border(wxRIGHT));
+  history->Add(history_);
   auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
   buttons->AddStretchSpacer();
   buttons->Add(ok);
@@ -71,6 +79,7 @@ void PreferencesDialog::lay_out() {
   sizer->AddSpacer(scaled(*this, 12));
   sizer->Add(box_sizer, part);
   sizer->Add(types, part);
+  sizer->Add(history, part);
   sizer->Add(buttons, part);
   SetSizerAndFit(sizer);
   CentreOnParent();
@@ -80,6 +89,7 @@ void PreferencesDialog::lay_out() {
 void PreferencesDialog::on_ok(wxCommandEvent&) {
   Settings wanted = session_.settings;
   wanted.types = from_wx(types_->GetValue());
+  wanted.history = history_->GetValue();
   for (std::size_t i = 0; i < boxes.size(); ++i) setting_of(boxes[i]).turn(wanted, boxes_[i]->IsChecked());
   if (!apply_preferences(session_, wanted)) return types_->SetFocus();
   if (IsModal()) EndModal(wxID_OK);

@@ -2,6 +2,7 @@
 
 #include <wx/checkbox.h>
 #include <wx/dialog.h>
+#include <wx/spinctrl.h>
 #include <wx/textctrl.h>
 
 #include <vector>
@@ -23,6 +24,7 @@ class PreferencesDialog : public wxDialog {
   Session& session_;
   bool& keep_temp_;
   std::vector<wxCheckBox*> boxes_;
+  wxSpinCtrl* history_ = nullptr;
   wxTextCtrl* types_;
 };
 

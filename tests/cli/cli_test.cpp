@@ -52,7 +52,19 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
             "> All items processed\n");
   EXPECT_EQ(error, folder / "in" + ": 2 files queued, 1 file left out\n" + folder / "in/nothing.avi" +
                        ": Unable to find filename filter\n1 done, 1 failed, 0 cancelled\n");
-  EXPECT_EQ(contents(folder / ("in/" + good + "2 - The Pilot Boat.mkv")), "The.Harbour.Lights.S01E02.mkv");
+  const std::string old_path = folder / "in/The.Harbour.Lights.S01E02.mkv";
+  const std::string new_path = folder / ("in/" + good + "2 - The Pilot Boat.mkv");
+  EXPECT_EQ(contents(new_path), "The.Harbour.Lights.S01E02.mkv");
+  EXPECT_TRUE(run({"--history"}) == 0 &&
+              out.ends_with(": 1 renamed\n  renamed " + old_path + " -> " + new_path + "\n"));
+  for (const char* const way : {"-n", "--undo"}) {
+    EXPECT_EQ(run({"--undo", way}), 0);
+    EXPECT_EQ(out, new_path + " -> " + old_path + "\n");
+  }
+  EXPECT_TRUE(run({"--undo"}) == 1 && error == "There is nothing to undo\n") << error;
+  EXPECT_EQ(run({"--undo", "2"}), 0) << "the undoing";
+  EXPECT_TRUE(run({"--history", "--json", "1"}) == 0 && out.starts_with(R"({"pass":3,"operation":3000001,"time":)"));
+  EXPECT_EQ(contents(new_path), "The.Harbour.Lights.S01E02.mkv");
   EXPECT_EQ(settings()->read_string(""), "3.4");
   EXPECT_EQ(settings()->read_number("context"), 0u);
 
@@ -207,6 +219,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"--colour", "x"}, "There is no option --colour" + usage},
       {{"x", "--set"}, "The option --set lacks its value" + usage},
       {{"--show", "0", "x"}, "--show wants the number of a show, not \"0\"" + usage},
+      {{"--undo", "1x"}, "--undo wants the number of a pass, not \"1x\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
       {{"--set", "confirm=32768", "x"}, "--set confirm wants a number from 0 to 32767" + usage},

@@ -123,6 +123,7 @@ struct World {
     for (const auto& [path, bytes] : everything()) {
       const std::string name = text_of(path_of(path).filename());
       if (fs::is_directory(path_of(path)) || name.starts_with(".quorvel-") || name.starts_with("pending-")) continue;
+      if (name.starts_with("history.db")) continue;  // written by a library, which sees to that itself
       const bool written = plan.versions[path.substr(0, path.find(".bak"))].contains(bytes);
       if (!path.starts_with(home.path())) ++found[bytes];
       EXPECT_EQ(path.starts_with(home.path()), written || bytes == old_rules) << path << ": " << bytes;

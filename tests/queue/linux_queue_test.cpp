@@ -74,7 +74,10 @@ TEST(DrivesWithWindowsRules, TakeFoldersWithoutTheDotsAtTheirEnd) {
   const bool verify = false;
   const std::string top = here / "", nowhere;
   Journal journal(drive, log, nowhere);
-  FileJobs jobs(drive, drive, journal, verify, log);
+  Events events;
+  const FakeClock clock(events);
+  History history(drive, clock, log, nowhere);
+  FileJobs jobs(drive, drive, journal, history, verify, log);
   EXPECT_EQ(jobs.make_tree(top + "S.H.I.E.L.D./Season 1. /x"), top + "S.H.I.E.L.D/Season 1/x");
   EXPECT_EQ(jobs.make_tree(top + "S.H.I.E.L.D./.../"), top + "S.H.I.E.L.D/.../");
   EXPECT_TRUE(fs::exists(top + "S.H.I.E.L.D/Season 1"));

@@ -46,13 +46,14 @@ TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
-  // What is stored for context, confirm, nocache, noutf8, logging, autoclose, exact, strict and verify, and what that
-  // means.
-  using Values = std::array<int, 9>;
-  const std::pair<Values, Values> rows[] = {{{0, 0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0, 0, 0}},
-                                            {{1, 1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1}},
-                                            {{2, 2, 2, 2, 2, 2, 2, 2, 2}, {2, 1, 1, 1, 2, 0, 1, 1, 1}},
-                                            {{7, 32767, 32768, 7, 3, 7, 7, 7, 7}, {2, 1, 0, 1, 1, 0, 1, 1, 1}}};
+  // What is stored for context, confirm, nocache, noutf8, logging, autoclose, exact, strict, verify and history, and
+  // what that means.
+  using Values = std::array<int, 10>;
+  const std::pair<Values, Values> rows[] = {
+      {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0, 0, 0, 730}},
+      {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+      {{2, 2, 2, 2, 2, 2, 2, 2, 2, 9}, {2, 1, 1, 1, 2, 0, 1, 1, 1, 9}},
+      {{7, 32767, 32768, 7, 3, 7, 7, 7, 7, 40000}, {2, 1, 0, 1, 1, 0, 1, 1, 1, 730}}};
   const std::pair<std::string, std::string> types[] = {
       {"mp", "avi;mkv;mpg;mp4"}, {"mp4", "mp4"}, {"", "avi;mkv;mpg;mp4"}, {std::string("mp4\0x", 5), "mp4"}};
   for (std::size_t i = 0; i < std::size(rows); ++i) {
@@ -101,7 +102,8 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
                                          {"noutf8", 1},
                                          {"exact", 1},
                                          {"strict", 1},
-                                         {"verify", 1}}));
+                                         {"verify", 1},
+                                         {"history", 730}}));
   EXPECT_EQ(session.log.level(), LogLevel::Verbose);
 
   for (const NumberSetting& setting : number_settings) setting.turn(wanted, false);

@@ -110,6 +110,9 @@ struct FakeClock : Clock {
   Events& events;
   std::chrono::year_month_day today() const override { return std::chrono::year(2026) / 3 / 14; }
   std::string time_of_day() const override { return "14:05:33"; }
+  std::chrono::local_seconds local(std::chrono::sys_seconds moment) const override {
+    return std::chrono::local_seconds(moment.time_since_epoch());
+  }
   std::chrono::steady_clock::time_point now;  // nothing but waiting takes time
   std::chrono::steady_clock::time_point instant() const override { return now; }
   void wait(std::chrono::milliseconds time) override {

@@ -3,6 +3,7 @@
 #include <wx/hyperlink.h>
 #include <wx/notebook.h>
 #include <wx/radiobut.h>
+#include <wx/spinctrl.h>
 
 #include "naming/file_names.h"
 #include "shell/version.h"
@@ -195,13 +196,15 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
         shown(dialog),
         "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Exact Names|o Fail What May Be "
         "Read Otherwise|o Read Back What Is Moved to Another Drive|o Disable Cache|o Disable UTF-8 Decoding|o Add "
-        "To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|OK|"
-        "Cancel|");
+        "To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|Days to Keep "
+        "the History:|OK|Cancel|");
     set_text(dialog, "txtTypes", ".MOV;");
+    find<wxSpinCtrl>(dialog, "spnHistory").SetValue(30);
     type(dialog, 'T', true);
     press(dialog, "OK");
   });
   command(ui::mnuPrefs);
+  EXPECT_EQ(key_values.numbers["history"], 30u);
   EXPECT_TRUE(key_values.texts["types"] == "mov" && logged("Keep temp on") == 1);
   std::string seen;
   const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5",
@@ -217,7 +220,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
     });
     command(ui::mnuPrefs);
     for (const auto& [name, number] : key_values.numbers) {
-      if (number > (name == "context" || name == "logging" ? 1U : 0U)) seen += ", " + name + " ";
+      if (name != "history" && number > (name == "context" || name == "logging" ? 1U : 0U)) seen += ", " + name + " ";
     }
   }
   EXPECT_EQ(seen,

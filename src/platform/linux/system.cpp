@@ -37,11 +37,17 @@ class SystemClock : public Clock {
     return usable ? text : formatted("%H:%M:%S", local);
   }
 
+  std::chrono::local_seconds local(std::chrono::sys_seconds moment) const override {
+    const std::tm local = at(moment.time_since_epoch().count());
+    return std::chrono::local_seconds(moment.time_since_epoch() + std::chrono::seconds(local.tm_gmtoff));
+  }
+
   void wait(std::chrono::milliseconds time) override { std::this_thread::sleep_for(time); }
 
  private:
-  static std::tm now() {
-    const std::time_t seconds = std::time(nullptr);
+  static std::tm now() { return at(std::time(nullptr)); }
+
+  static std::tm at(std::time_t seconds) {
     std::tm local{};
     tzset();  // the user may have changed the time zone since the program started
     localtime_r(&seconds, &local);

@@ -32,6 +32,21 @@ class SystemClock : public Clock {
     return size <= 0 ? std::string() : to_utf8({text.data(), static_cast<std::size_t>(size) - 1});
   }
 
+  std::chrono::local_seconds local(std::chrono::sys_seconds moment) const override {
+    constexpr std::int64_t since_1601 = 11'644'473'600, ticks = 10'000'000;
+    const auto count = static_cast<std::uint64_t>((moment.time_since_epoch().count() + since_1601) * ticks);
+    const FILETIME utc{static_cast<DWORD>(count), static_cast<DWORD>(count >> 32U)};
+    SYSTEMTIME universal{}, local{};
+    FILETIME moved{};
+    if (FileTimeToSystemTime(&utc, &universal) == FALSE ||
+        SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local) == FALSE ||
+        SystemTimeToFileTime(&local, &moved) == FALSE) {
+      return std::chrono::local_seconds(moment.time_since_epoch());
+    }
+    const auto there = static_cast<std::int64_t>(std::uint64_t{moved.dwHighDateTime} << 32U | moved.dwLowDateTime);
+    return std::chrono::local_seconds(std::chrono::seconds(there / ticks - since_1601));
+  }
+
   void wait(std::chrono::milliseconds time) override { Sleep(static_cast<DWORD>(time.count())); }
 
  private:

@@ -1,0 +1,63 @@
+#include "cli/past.h"
+
+#include <algorithm>
+#include <map>
+
+#include "platform/console.h"
+#include "shell/past_text.h"
+#include "text/json_text.h"
+
+namespace quorvel::cli {
+namespace {
+
+std::string json_of(const PastOperation& operation, const Clock& clock) {
+  return JsonObject()
+      .number("pass", static_cast<int>(operation.pass))
+      .number("operation", static_cast<int>(operation.id))
+      .text("time", time_text(clock, operation.time))
+      .text("action", deed_words(operation.deed).infinitive)
+      .text("path", operation.old_path)
+      .text("new_path", operation.new_path)
+      .text("state", outcome_word(operation))
+      .text("reason", operation.reason)
+      .line();
+}
+
+}  // namespace
+
+void tell_history(Session& session, int count, bool json, Terminal& terminal) {
+  if (!session.history.exists()) return terminal.error_line("Nothing has been done yet");
+  std::vector<PastPass> passes = session.history.passes(count);
+  std::ranges::reverse(passes);
+  for (const PastPass& pass : passes) {
+    if (!json) terminal.out_line(summary(pass, session.ports.clock));
+    for (const PastOperation& operation : pass.operations) {
+      terminal.out_line(json ? json_of(operation, session.ports.clock) : "  " + line_of(operation));
+    }
+  }
+}
+
+bool undo_pass(Session& session, std::optional<int> wanted, Terminal& terminal) {
+  const std::int64_t id = wanted ? *wanted : session.history.exists() ? session.history.last_undoable_pass() : 0;
+  const std::optional<PastPass> pass = id == 0 ? std::nullopt : session.history.pass(id);
+  if (!pass) {
+    terminal.error_line(wanted ? "There is no pass " + std::to_string(*wanted) : "There is nothing to undo");
+    return false;
+  }
+  const int wanted_count = pass->undoable();
+  int undone = 0;
+  for (const PastUndo::Outcome& outcome :
+       session.past_undo.undo(pass->operations, [] { return console::interrupts() == 0; })) {
+    if (!outcome.trouble.empty()) {
+      terminal.error_line("Not undone: " + outcome.trouble);
+    } else {
+      ++undone;
+      if (session.ports.files.are_real()) terminal.out_line(undone_line(outcome));
+    }
+  }
+  terminal.error_line(summary(*pass, session.ports.clock) + ": " + std::to_string(undone) + " of " +
+                      std::to_string(wanted_count) + " undone");
+  return undone == wanted_count && undone > 0;
+}
+
+}  // namespace quorvel::cli

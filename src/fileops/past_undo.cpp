@@ -1,0 +1,114 @@
+#include "fileops/past_undo.h"
+
+#include <algorithm>
+
+#include "naming/file_names.h"
+#include "rules/action.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+FileJob job_between(const std::string& from, const std::string& to, int action, const PastOperation& past) {
+  return {from, getfname(from), getfname(to), getpath(to, 0), action, past.stamp, past.id};
+}
+
+bool has_stamp(const std::optional<FileStamp>& now, const std::optional<FileStamp>& then) {
+  return now && then && now->size == then->size && now->modified_ns == then->modified_ns;
+}
+
+std::string what_was_done(const PastOperation& operation) {
+  switch (operation.deed) {
+    case Deed::Moved:
+      return operation.old_path + " was moved to " + operation.new_path;
+    case Deed::Copied:
+      return operation.old_path + " was copied to " + operation.new_path;
+    case Deed::Trashed:
+      return operation.old_path + " was put into the " + std::string(native::trash_name);
+    default:
+      return operation.old_path + " was renamed to " + operation.new_path;
+  }
+}
+
+}  // namespace
+
+std::vector<PastUndo::Outcome> PastUndo::undo(std::vector<PastOperation> operations,
+                                              const std::function<bool()>& goes_on) {
+  const History::Pass pass(history_);
+  std::ranges::sort(operations, std::greater(), &PastOperation::id);
+  std::vector<Outcome> outcomes;
+  for (const PastOperation& operation : operations) {
+    if (operation.outcome != PastOperation::Done || operation.undone) continue;
+    if (goes_on && !goes_on()) break;
+    outcomes.push_back(undo_one(operation));
+    if (!outcomes.back().trouble.empty()) {
+      log_.debug_log("Unable to undo: " + outcomes.back().trouble, LogLevel::Normal);
+    }
+  }
+  return outcomes;
+}
+
+PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
+  Outcome outcome{operation, operation.new_path, operation.old_path, {}};
+  try {
+    FileJobResult result;
+    if (operation.deed == Deed::Trashed) {
+      const std::optional<PastOperation> copied = history_.operation(operation.undoes);
+      if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was a copy of");
+      outcome.from = copied->old_path, outcome.to = copied->new_path;
+      const std::optional<FileStamp> source = files_.stamp(outcome.from);
+      if (!source || !operation.stamp || !source->may_be_copy_of(*operation.stamp)) {
+        throw Failure(outcome.from + " is not what was copied any more");
+      }
+      if (files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
+      result = jobs_.run(job_between(outcome.from, outcome.to, CopyAndRename, operation));
+    } else {
+      if (operation.deed == Deed::Copied) outcome.to.clear();
+      if (!files_.exists(outcome.from)) throw Failure(outcome.from + " is not there any more");
+      if (!outcome.to.empty() && files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
+      result =
+          jobs_.undo(job_between(operation.old_path, operation.new_path, static_cast<int>(operation.deed), operation));
+    }
+    if (!result.done) throw Failure(outcome.from + ": " + result.error_text.value_or("the file was gone"));
+  } catch (const Failure& failure) {
+    outcome.trouble = failure.what();
+  }
+  return outcome;
+}
+
+bool PastUndo::is_dead(const std::string& owner, const std::string& work_dir) {
+  return owner.empty() || !files_.exists(work_dir + owner) || files_.hold(work_dir + owner) != nullptr;
+}
+
+void PastUndo::settle(const std::string& work_dir) {
+  for (auto& [operation, owner] : history_.under_way()) {
+    if (is_dead(owner, work_dir)) settle_one(std::move(operation));
+  }
+}
+
+void PastUndo::settle_one(PastOperation operation) {
+  const std::optional<FileStamp> source = files_.stamp(operation.old_path);
+  std::optional<FileStamp> left = operation.new_path.empty() ? std::nullopt : files_.stamp(operation.new_path);
+  const auto is_away = [this](const std::string& path) { return !path.empty() && !files_.exists(getpath(path, 0)); };
+  if (!source && !left && (is_away(operation.old_path) || is_away(operation.new_path))) return;
+
+  // What is there is looked at, for a name that was free may be somebody else's by now.
+  const bool has_left = operation.deed == Deed::Copied
+                            ? left && operation.stamp && left->may_be_copy_of(*operation.stamp)
+                            : has_stamp(left, operation.stamp);
+  const bool takes_source = operation.deed != Deed::Copied;
+  if (operation.deed == Deed::Trashed ? !source : has_left && (!takes_source || !source)) {
+    operation.outcome = PastOperation::Done;
+    if (left) operation.stamp = left;
+    log_.debug_log("A run was cut off when " + what_was_done(operation) + "; that was still done", LogLevel::Normal);
+  } else {
+    operation.outcome = PastOperation::Failed;
+    operation.reason = source && has_left ? "It was cut off; the file is there under both names"
+                       : source           ? "It was cut off; the file is where it was"
+                                          : "It was cut off; the file is at neither place";
+    log_.debug_log("A run was cut off before " + what_was_done(operation) + ". " + operation.reason, LogLevel::Normal);
+  }
+  history_.end(operation);
+}
+
+}  // namespace quorvel

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fileops/file_job.h"
+#include "history/history.h"
+#include "platform/files.h"
+#include "platform/log.h"
+
+namespace quorvel {
+
+/// Takes operations of the history back, those of earlier runs too. What an undoing has done is in the history as well,
+/// and can be taken back like everything else.
+class PastUndo {
+ public:
+  struct Outcome {
+    PastOperation operation;
+    std::string from, to;  // the file's path before and after; no `to` for what goes to the trash
+    std::string trouble;   // why it was not taken back; empty when it was
+  };
+
+  PastUndo(History& history, FileJobs& jobs, Files& files, Log& log)
+      : history_(history), jobs_(jobs), files_(files), log_(log) {}
+
+  /// Takes them back, the last one first. Each only when the file is the one that the operation has left, and when
+  /// nothing stands where it came from; the others stay as they are. `goes_on` is called before each; false ends it.
+  std::vector<Outcome> undo(std::vector<PastOperation> operations, const std::function<bool()>& goes_on = {});
+
+  /// Settles what was under way when a process died, by what is there now, and tells it. What lies on a drive that is
+  /// not there is left for a later start. Call it after the journal has cleared up.
+  void settle(const std::string& work_dir);
+
+ private:
+  Outcome undo_one(const PastOperation& operation);
+  FileJob job_against(const PastOperation& operation, Outcome& outcome);
+  bool is_dead(const std::string& owner, const std::string& work_dir);
+  void settle_one(PastOperation operation);
+
+  History& history_;
+  FileJobs& jobs_;
+  Files& files_;
+  Log& log_;
+};
+
+}  // namespace quorvel

@@ -1,0 +1,183 @@
+#include "history/history.h"
+
+#include <algorithm>
+#include <array>
+
+namespace quorvel {
+namespace {
+
+/// An operation's number is its pass's times this, and its own in the pass: so the operations of a pass stand side by
+/// side, and each costs one page of the file.
+constexpr std::int64_t per_pass = 1'000'000;
+
+enum Statement : std::size_t {
+  BeginPass,
+  Begin,
+  End,
+  MarkUndone,
+  LastPasses,
+  OnePass,
+  Operations,
+  LastUndoable,
+  StillUnderWay,
+  ForgetOperations,
+  ForgetPasses,
+};
+
+#define QUORVEL_COLUMNS \
+  "id, time, deed, old_path, new_path, device, file, size, modified, undoes, outcome, undone, reason"
+
+// An undoing that was itself undone leaves no trace in what it had undone: what came of that is an operation of its
+// own.
+constexpr std::array statements = {
+    // Taking an undoing back does the thing again.
+    "INSERT INTO passes (time, is_undoing) VALUES (?1, coalesce((SELECT NOT is_undoing FROM passes WHERE id = ?2), 0))",
+    "INSERT INTO operations (id, time, deed, old_path, new_path, device, file, size, modified, undoes, owner) "
+    "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)",
+    "UPDATE operations SET outcome = ?2, device = ?3, file = ?4, size = ?5, modified = ?6, reason = ?7 WHERE id = ?1",
+    "UPDATE operations SET undone = 1 WHERE id = (SELECT undoes FROM operations WHERE id = ?1)",
+    "SELECT id, time, is_undoing FROM passes ORDER BY id DESC LIMIT ?1",
+    "SELECT id, time, is_undoing FROM passes WHERE id = ?1",
+    "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
+    "SELECT id FROM operations WHERE outcome = 1 AND NOT undone AND NOT "
+    "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
+    "SELECT " QUORVEL_COLUMNS ", owner FROM operations WHERE outcome = 0 ORDER BY id",
+    "DELETE FROM operations WHERE time < ?1 AND outcome <> 0",
+    "DELETE FROM passes WHERE time < ?1 AND NOT EXISTS "
+    "(SELECT 1 FROM operations WHERE operations.id >= passes.id * 1000000 AND operations.id < (passes.id + 1) * "
+    "1000000)",
+};
+#undef QUORVEL_COLUMNS
+
+constexpr SharedDatabase::Contents contents = {
+    "history.db", 1,
+    "CREATE TABLE passes (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, is_undoing INTEGER NOT NULL);"
+    "CREATE TABLE operations (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, deed INTEGER NOT NULL,"
+    " old_path BLOB NOT NULL, new_path BLOB NOT NULL, device INTEGER, file INTEGER, size INTEGER, modified INTEGER,"
+    " undoes INTEGER NOT NULL, outcome INTEGER NOT NULL DEFAULT 0, undone INTEGER NOT NULL DEFAULT 0, reason BLOB,"
+    " owner BLOB NOT NULL);"
+    "PRAGMA user_version = 1;",
+    statements, "What is done to files is kept for this run alone, and can be undone in it alone"};
+
+using Value = SharedDatabase::Value;
+
+/// The system's numbers have all 64 bits.
+Value value_of(const std::optional<FileStamp>& stamp, std::uint64_t FileStamp::*member) {
+  return stamp ? Value(static_cast<std::int64_t>((*stamp).*member)) : Value();
+}
+
+Value time_in(const std::optional<FileStamp>& stamp) {
+  return stamp ? Value(stamp->modified_ns) : Value();
+}
+
+std::chrono::sys_seconds seconds(std::int64_t count) {
+  return std::chrono::sys_seconds(std::chrono::seconds(count));
+}
+
+}  // namespace
+
+int PastPass::undoable() const {
+  return static_cast<int>(std::ranges::count_if(
+      operations, [](const PastOperation& each) { return each.outcome == PastOperation::Done && !each.undone; }));
+}
+
+History::History(Files& files, const Clock& clock, Log& log, const std::string& work_dir)
+    : files_(files), clock_(clock), work_dir_(work_dir), database_(files, log, work_dir, contents) {}
+
+bool History::exists() const {
+  return files_.exists(work_dir_ + contents.file_name);
+}
+
+std::int64_t History::now() const {
+  return std::chrono::floor<std::chrono::seconds>(clock_.utc()).time_since_epoch().count();
+}
+
+void History::begin(PastOperation& operation, const std::string& owner) {
+  Pass single(*this);
+  Pass& pass = single.outer_ == nullptr ? single : *single.outer_;
+  if (pass.id_ == 0) pass.id_ = database_.perform(BeginPass, {now(), operation.undoes / per_pass});
+  operation.pass = pass.id_;
+  operation.id = pass.id_ * per_pass + ++pass.count_;
+  const std::optional<FileStamp>& stamp = operation.stamp;
+  database_.perform(Begin, {operation.id, now(), static_cast<std::int64_t>(operation.deed), operation.old_path,
+                            operation.new_path, value_of(stamp, &FileStamp::device), value_of(stamp, &FileStamp::id),
+                            value_of(stamp, &FileStamp::size), time_in(stamp), operation.undoes, owner});
+}
+
+void History::end(const PastOperation& operation) {
+  const std::optional<FileStamp>& stamp = operation.stamp;
+  database_.perform(
+      End, {operation.id, std::int64_t{operation.outcome}, value_of(stamp, &FileStamp::device),
+            value_of(stamp, &FileStamp::id), value_of(stamp, &FileStamp::size), time_in(stamp), operation.reason});
+  if (operation.undoes != 0 && operation.outcome == PastOperation::Done) database_.perform(MarkUndone, {operation.id});
+}
+
+PastOperation History::operation_in(const SharedDatabase::Row& row) {
+  PastOperation operation;
+  operation.id = row.number(0);
+  operation.pass = operation.id / per_pass;
+  operation.time = seconds(row.number(1));
+  operation.deed = static_cast<Deed>(row.number(2));
+  operation.old_path = row.bytes(3);
+  operation.new_path = row.bytes(4);
+  if (row.has(7)) {
+    operation.stamp = FileStamp{.device = static_cast<std::uint64_t>(row.number(5)),
+                                .id = static_cast<std::uint64_t>(row.number(6)),
+                                .size = static_cast<std::uint64_t>(row.number(7)),
+                                .modified_ns = row.number(8)};
+  }
+  operation.undoes = row.number(9);
+  operation.outcome = static_cast<PastOperation::Outcome>(row.number(10));
+  operation.undone = row.number(11) != 0;
+  operation.reason = row.bytes(12);
+  return operation;
+}
+
+std::optional<PastPass> History::pass(std::int64_t id) {
+  std::optional<PastPass> pass;
+  database_.perform(OnePass, {id}, [&](const SharedDatabase::Row& row) {
+    pass = {row.number(0), seconds(row.number(1)), row.number(2) != 0, {}};
+  });
+  if (!pass) return {};
+  database_.perform(Operations, {id * per_pass, (id + 1) * per_pass},
+                    [&](const SharedDatabase::Row& row) { pass->operations.push_back(operation_in(row)); });
+  return pass;
+}
+
+std::vector<PastPass> History::passes(int count) {
+  std::vector<std::int64_t> ids;
+  database_.perform(LastPasses, {std::int64_t{count}},
+                    [&](const SharedDatabase::Row& row) { ids.push_back(row.number(0)); });
+  std::vector<PastPass> passes;
+  for (const std::int64_t id : ids) {
+    if (std::optional<PastPass> found = pass(id)) passes.push_back(std::move(*found));
+  }
+  return passes;
+}
+
+std::optional<PastOperation> History::operation(std::int64_t id) {
+  std::optional<PastOperation> operation;
+  database_.perform(Operations, {id, id + 1}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
+  return operation;
+}
+
+std::int64_t History::last_undoable_pass() {
+  std::int64_t id = 0;
+  database_.perform(LastUndoable, {}, [&](const SharedDatabase::Row& row) { id = row.number(0) / per_pass; });
+  return id;
+}
+
+std::vector<std::pair<PastOperation, std::string>> History::under_way() {
+  std::vector<std::pair<PastOperation, std::string>> found;
+  database_.perform(StillUnderWay, {},
+                    [&](const SharedDatabase::Row& row) { found.emplace_back(operation_in(row), row.bytes(13)); });
+  return found;
+}
+
+void History::forget_before(std::chrono::sys_seconds time) {
+  const std::int64_t limit = time.time_since_epoch().count();
+  database_.perform(ForgetOperations, {limit});
+  database_.perform(ForgetPasses, {limit});
+}
+
+}  // namespace quorvel

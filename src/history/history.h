@@ -1,0 +1,104 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "platform/log.h"
+#include "store/shared_database.h"
+
+namespace quorvel {
+
+/// What an operation does, or did. The first three are numbered as the actions of rules are.
+enum class Deed : std::uint8_t { Renamed = 1, Moved = 2, Copied = 3, Trashed = 9 };
+
+/// One operation on a file, as the history has it.
+struct PastOperation {
+  enum Outcome : std::uint8_t { UnderWay, Done, Failed };
+
+  std::int64_t id = 0, pass = 0;
+  std::chrono::sys_seconds time;
+  Deed deed = Deed::Renamed;
+  std::string old_path, new_path;  // in full; no new one of what went to the trash
+  std::optional<FileStamp> stamp;  // of the file at its new path once it is done, at its old one before
+  std::int64_t undoes = 0;         // the operation that this one took back; 0 when it did not
+  Outcome outcome = UnderWay;
+  bool undone = false;  // since
+  std::string reason;   // why it failed
+};
+
+/// The operations of one pass, or of one undoing, in their order.
+struct PastPass {
+  std::int64_t id = 0;
+  std::chrono::sys_seconds time;
+  bool is_undoing = false;
+  std::vector<PastOperation> operations;
+
+  /// Those that can be taken back.
+  int undoable() const;
+};
+
+/// What the program has done to files, kept for later runs in the file history.db in the work folder. Each operation is
+/// in there before it begins. No call throws; what cannot be kept in the file is known in this run alone.
+class History {
+ public:
+  History(Files& files, const Clock& clock, Log& log, const std::string& work_dir);
+
+  /// Whether there is anything in it, perhaps; asking it something makes the file.
+  bool exists() const;
+
+  /// As long as it lives, what happens belongs to a pass of its own.
+  class Pass {
+   public:
+    explicit Pass(History& history) : history_(history), outer_(history.pass_) { history.pass_ = this; }
+    ~Pass() { history_.pass_ = outer_; }
+    Pass(const Pass&) = delete;
+    Pass& operator=(const Pass&) = delete;
+
+    /// 0 while nothing has happened in it.
+    std::int64_t id() const { return id_; }
+
+   private:
+    friend History;
+    History& history_;
+    Pass* const outer_;
+    std::int64_t id_ = 0;
+    int count_ = 0;  // of its operations
+  };
+
+  /// The operation, of which deed, paths, stamp and what it undoes count, is about to begin, in the pass that was begun
+  /// last. `owner` is a name that no other process has at the time. Sets its id.
+  void begin(PastOperation& operation, const std::string& owner);
+  /// It has ended, as its outcome, its stamp and its reason say.
+  void end(const PastOperation& operation);
+
+  /// The last passes in which anything was done or tried, the latest first.
+  std::vector<PastPass> passes(int count);
+  std::optional<PastPass> pass(std::int64_t id);
+  std::optional<PastOperation> operation(std::int64_t id);
+  /// The last pass with something that can be undone, which is no undoing itself; 0 when there is none.
+  std::int64_t last_undoable_pass();
+
+  /// Operations that were begun and not ended, with their owners.
+  std::vector<std::pair<PastOperation, std::string>> under_way();
+
+  /// What is older goes, but for what is under way.
+  void forget_before(std::chrono::sys_seconds time);
+
+ private:
+  static PastOperation operation_in(const SharedDatabase::Row& row);
+  std::int64_t now() const;
+
+  Files& files_;
+  const Clock& clock_;
+  const std::string& work_dir_;
+  SharedDatabase database_;
+  Pass* pass_ = nullptr;  // the innermost
+};
+
+}  // namespace quorvel

@@ -1,0 +1,144 @@
+#include "history/history.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "session_fixture.h"
+#include "shell/past_text.h"
+
+namespace quorvel::testing {
+namespace {
+
+struct PastTest : ::testing::Test, TestSession {
+  PastTest() { start(); }
+
+  std::string in(const std::string& name) const { return folder / ("in/" + name); }
+  /// Whatever stands in "in", as "name=contents".
+  std::string files_in() const {
+    std::set<std::string> names;
+    files->list(folder / "in", [&](const FolderEntry& entry) { names.insert(entry.name); });
+    std::string text;
+    for (const std::string& name : names) text += name + "=" + read("in/" + name) + "|";
+    return text;
+  }
+  /// The passes, the first one first: outcome words of the operations, and the counts.
+  static std::string told(History& history) {
+    std::string text;
+    for (const PastPass& pass : history.passes(99)) {
+      std::string words;
+      for (const PastOperation& each : pass.operations) words += std::string(outcome_word(each)) + " ";
+      text.insert(0, words + "(" + counts_text(pass) + ")|");
+    }
+    return text;
+  }
+  static std::string undo(Session& run, std::int64_t pass) {
+    std::string text;
+    for (const PastUndo::Outcome& each : run.past_undo.undo(run.history.pass(pass)->operations)) {
+      text += (each.trouble.empty() ? "ok" : each.trouble) + "|";
+    }
+    return text;
+  }
+};
+
+TEST_F(PastTest, WhatWasDoneCanBeUndoneAndDoneAgainInLaterRuns) {
+  const std::string one = "the.harbour.lights.1x01.mkv", two = "the.harbour.lights.1x02.mkv", three = "nothing.mkv";
+  for (const std::string& name : {one, two, three}) add(name);
+  session.processor.process_queue();
+  const std::string done = files_in();
+  Session later(with(ui), places());
+  later.start();
+  EXPECT_EQ(told(later.history), "done done (2 renamed)|");
+  const std::int64_t pass = later.history.last_undoable_pass();
+  write("in/" + two, "somebody else's");
+  EXPECT_EQ(undo(later, pass), in(two) + " is there already|ok|");
+  EXPECT_EQ(told(later.history), "undone done (2 renamed, 1 undone)|done (1 renamed)|");
+  EXPECT_TRUE(exists("in/" + one) && read("in/" + two) == "somebody else's");
+  files->remove(in(two));
+  EXPECT_EQ(undo(later, pass), "ok|");
+  EXPECT_EQ(later.history.last_undoable_pass(), 0) << "undoings are not undone by themselves";
+  const std::int64_t undoing = later.history.passes(2)[1].id;
+  EXPECT_EQ(undo(later, undoing), "ok|");
+  EXPECT_EQ(undo(later, undoing + 1), "ok|");
+  EXPECT_EQ(files_in(), done);
+  EXPECT_EQ(later.history.last_undoable_pass(), undoing + 3) << "what was done again";
+  write("in/The Harbour Lights - 1x02 - The Pilot Boat.mkv", "another film");
+  EXPECT_TRUE(undo(later, undoing + 3).ends_with("has been changed or replaced since|"));
+  later.history.forget_before(std::chrono::sys_seconds::max() - std::chrono::hours(1));
+  EXPECT_EQ(told(later.history), "");
+}
+
+/// Nothing goes to the trash, so that nothing is left there.
+struct NoTrash : FileOperation {
+  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
+  int perform(const FileOperationRequest& request) override {
+    const bool is_for_trash =
+        request.operation == FileOperationRequest::Delete && (request.flags & FileOperationRequest::AllowUndo) != 0;
+    return is_for_trash ? native::no_trash_code : real->perform(request);
+  }
+};
+
+TEST_F(PastTest, CopiesGoAndComeBackAndTheQueuesUndoIsInTheHistory) {
+  write("data/Quorvel/filters.dat", "3\tTrue\t\t*\t" + folder / "in/out/" + "\t[title]\tAny\t0\t1\r\n");
+  write("in/the.harbour.lights.1x01.mkv", "a film");
+  NoTrash no_trash;
+  Session run({key_values, no_trash, *files, service, web, ui, clock, &desktop}, places());
+  run.start();
+  const std::string copy = folder / "in/out/Slack Water.mkv", source = in("the.harbour.lights.1x01.mkv");
+  run.intake.add_to_queue(source, false);
+  run.processor.process_queue();
+  ASSERT_TRUE(files->exists(copy));
+  run.undo.run(1);
+  EXPECT_FALSE(files->exists(copy));
+  EXPECT_EQ(told(run.history), "undone (1 copied, all undone)|done (1 removed)|");
+  const std::int64_t undoing = run.history.passes(1)[0].id;
+  EXPECT_EQ(undo(run, undoing), "ok|");
+  EXPECT_EQ(files->read(copy), "a film");
+  EXPECT_EQ(undo(run, undoing + 1), "ok|");
+  make(source, "no longer what was copied");
+  EXPECT_TRUE(undo(run, undoing + 2).ends_with("is not what was copied any more|"));
+}
+
+TEST_F(PastTest, WhatWasUnderWayWhenAProcessDiedIsSettledByWhatIsThere) {
+  const struct {
+    Deed deed;
+    bool source, left;
+    const char *outcome, *reason;
+  } rows[] = {{Deed::Renamed, false, true, "done", ""},
+              {Deed::Moved, true, false, "failed", "It was cut off; the file is where it was"},
+              {Deed::Moved, true, true, "failed", "It was cut off; the file is there under both names"},
+              {Deed::Renamed, false, false, "failed", "It was cut off; the file is at neither place"},
+              {Deed::Copied, true, true, "done", ""},
+              {Deed::Copied, true, false, "failed", "It was cut off; the file is where it was"},
+              {Deed::Trashed, false, false, "done", ""}};
+  int number = 0;
+  for (const auto& row : rows) {
+    PastOperation past;
+    past.deed = row.deed;
+    past.old_path = in(std::to_string(++number)), past.new_path = row.deed == Deed::Trashed ? "" : past.old_path + "n";
+    make(past.old_path);
+    past.stamp = files->stamp(past.old_path);
+    session.history.begin(past, "pending-" + std::to_string(number));
+    if (row.left) std::filesystem::copy_file(path_of(past.old_path), path_of(past.new_path));
+    if (row.left) std::filesystem::last_write_time(path_of(past.new_path), last_write_time(path_of(past.old_path)));
+    if (!row.source) files->remove(past.old_path);
+  }
+  PastOperation away;
+  away.old_path = folder / "drive/a", away.new_path = folder / "drive/b";
+  session.history.begin(away, "pending-away");
+  PastOperation alive;
+  alive.old_path = in("x"), alive.new_path = in("y");
+  session.history.begin(alive, "pending-alive");
+  const auto held = files->hold(work_dir() + "pending-alive");
+
+  session.past_undo.settle(work_dir());
+  const std::vector<PastPass> passes = session.history.passes(99);
+  for (std::size_t i = 0; i < std::size(rows); ++i) {
+    const PastOperation& settled = passes[passes.size() - 1 - i].operations.front();
+    EXPECT_EQ(std::string(outcome_word(settled)) + settled.reason, std::string(rows[i].outcome) + rows[i].reason) << i;
+  }
+  EXPECT_EQ(session.history.under_way().size(), 2u) << "a drive that is away, and a process that lives";
+}
+
+}  // namespace
+}  // namespace quorvel::testing
