@@ -1,24 +1,11 @@
 #include "cli/json_report.h"
 
-#include "rules/action.h"
+#include "shell/plan_file.h"
 #include "text/cut.h"
 #include "text/json_text.h"
 
 namespace quorvel::cli {
 namespace {
-
-const char* action_word(int action) {
-  switch (action) {
-    case Rename:
-      return "rename";
-    case MoveAndRename:
-      return "move";
-    case CopyAndRename:
-      return "copy";
-    default:
-      return "";
-  }
-}
 
 const char* state_word(QueueState state, bool is_dry_run) {
   switch (state) {
@@ -57,6 +44,7 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
       .text("title", item.episode_title)
       .text("reason", reason)
       .texts("doubts", item.doubts)
+      .text("stamp", item.source_stamp ? stamp_text(*item.source_stamp) : "")
       .line();
 }
 

@@ -21,6 +21,7 @@ constexpr const char* help_start = R"(Usage: quorvel-cli [options] PATH...
        quorvel-cli --read [--json] [NAME...|-]
        quorvel-cli --history [--json] [N]
        quorvel-cli --undo [--dry-run] [PASS]
+       quorvel-cli --apply PLAN [--dry-run] [--json]
 Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
 
   -v, --verbose         tell every step
@@ -38,6 +39,8 @@ constexpr const char* help_end =
       --json            an object a line for each item that has ended, and one with a summary
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
+      --apply PLAN      do what the file PLAN says, or for "-" standard input: what --dry-run --json has told, perhaps
+                        edited. Files that have changed since, and names that are taken, are refused
       --history         tell what was done in the last N passes, 10 without a number
       --undo            take back what was done in the pass of that number, without one in the last pass
   -h, --help, /?        show this text
@@ -111,8 +114,22 @@ void take_pass_number(Options& options) {
 }
 
 std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly { Set = 256, Read, Json, Exact, Classic, Strict, ShowId, Choose, Forget, History, Undo, Version };
-  static constexpr std::array<option, 17> known = {{{"verbose", no_argument, nullptr, 'v'},
+  enum LongOnly {
+    Set = 256,
+    Read,
+    Json,
+    Exact,
+    Classic,
+    Strict,
+    ShowId,
+    Choose,
+    Forget,
+    Apply,
+    History,
+    Undo,
+    Version
+  };
+  static constexpr std::array<option, 18> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                     {"dry-run", no_argument, nullptr, 'n'},
                                                     {"work-dir", required_argument, nullptr, 'w'},
                                                     {"set", required_argument, nullptr, Set},
@@ -124,6 +141,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"show", required_argument, nullptr, ShowId},
                                                     {"choose", no_argument, nullptr, Choose},
                                                     {"forget", no_argument, nullptr, Forget},
+                                                    {"apply", required_argument, nullptr, Apply},
                                                     {"history", no_argument, nullptr, History},
                                                     {"undo", no_argument, nullptr, Undo},
                                                     {"help", no_argument, nullptr, 'h'},
@@ -169,6 +187,9 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         (found == Choose ? options.choose : options.forget) = true;
         options.settings.emplace_back("exact", 1U);
         break;
+      case Apply:
+        options.plan = optarg;
+        break;
       case History:
         options.history = default_passes;
         break;
@@ -188,6 +209,10 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   }
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
+  if (options.plan) {
+    if (!options.paths.empty()) refuse("--apply takes its files from the plan, not \"" + options.paths[0] + "\"");
+    return options;
+  }
   if (options.history || options.undo) {
     take_pass_number(options);
     return options;

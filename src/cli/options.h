@@ -17,12 +17,13 @@ struct Options {
   std::vector<std::string> paths;
   bool read = false;  // only tell what the paths say
   bool json = false;
-  std::optional<int> show_id;  // of all paths
-  bool choose = false;         // ask which show is meant
-  bool forget = false;         // what was chosen before
-  std::optional<int> history;  // how many passes to tell, instead of all else
-  bool undo = false;           // take a pass back, instead of all else
-  std::optional<int> pass;     // which; without it the last one
+  std::optional<int> show_id;       // of all paths
+  bool choose = false;              // ask which show is meant
+  bool forget = false;              // what was chosen before
+  std::optional<int> history;       // how many passes to tell, instead of all else
+  std::optional<std::string> plan;  // to be carried out, instead of all else
+  bool undo = false;                // take a pass back, instead of all else
+  std::optional<int> pass;          // which; without it the last one
 };
 
 /// Nothing is to be run: the program prints this and ends.

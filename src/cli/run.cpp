@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "cli/apply.h"
 #include "cli/dry_run.h"
 #include "cli/json_report.h"
 #include "cli/past.h"
@@ -120,7 +121,8 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
 
 int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
   session.log.on_line = [&](const std::string& line, bool) {
-    options.json || options.history || options.undo ? terminal.error_line(line) : terminal.out_line(line);
+    options.json || options.plan || options.history || options.undo ? terminal.error_line(line)
+                                                                    : terminal.out_line(line);
   };
   session.exact.show_of_all = options.show_id;
   session.exact.forgets_choices = options.forget;
@@ -136,8 +138,9 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
-  if (options.history || options.undo) {
+  if (options.plan || options.history || options.undo) {
     session.open();
+    if (options.plan) return apply_plan(session, *options.plan, options.json, terminal) ? all_done : something_failed;
     if (options.undo) return undo_pass(session, options.pass, terminal) ? all_done : something_failed;
     tell_history(session, *options.history, options.json, terminal);
     return all_done;
@@ -192,6 +195,9 @@ int run(const Options& options) {
     return run_session(session, options, ui, terminal);
   } catch (const ProgramEnd&) {
     return something_failed;  // the user has seen why
+  } catch (const Failure& failure) {
+    terminal.error_line(std::string("quorvel-cli: ") + failure.what());
+    return something_failed;
   }
 }
 

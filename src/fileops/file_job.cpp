@@ -28,8 +28,6 @@ Deed deed_of(int operation) {
       return Deed::Moved;
     case Request::Copy:
       return Deed::Copied;
-    case Request::Delete:
-      return Deed::Trashed;
     default:
       return Deed::Renamed;
   }
@@ -67,7 +65,9 @@ FileJobResult FileJobs::rename(const FileJob& job) {
     log_.debug_log("File rename failed. Destination already exists", LogLevel::Verbose);
     return {false, "The destination aleady exists. File cannot be renamed"};
   }
-  return perform({Request::Rename, job.path, job.destination(), Request::AllowUndo}, job.past_id);
+  const Request request{Request::Rename, job.path, job.destination(), Request::AllowUndo};
+  if (job.sets_aside) return recorded(request, Deed::SetAside, 0, [&] { return shell_.perform(request); });
+  return perform(request, job.past_id);
 }
 
 FileJobResult FileJobs::perform_in_tree(Request::Operation operation, const FileJob& job) {
@@ -80,13 +80,14 @@ FileJobResult FileJobs::perform_in_tree(Request::Operation operation, const File
 FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoes) {
   if (request.operation != Request::Rename) request.temporary = getpath(request.destination, 0) + temporary_name();
   if (request.operation == Request::Move && verify_) request.flags |= Request::Verify;
-  return recorded(request, undoes, [&] { return shell_.perform(request); });
+  return recorded(request, deed_of(request.operation), undoes, [&] { return shell_.perform(request); });
 }
 
-FileJobResult FileJobs::recorded(const Request& request, std::int64_t undoes, const std::function<int()>& carry_out) {
+FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t undoes,
+                                 const std::function<int()>& carry_out) {
   journal_.begin(request);
   PastOperation past;
-  past.deed = deed_of(request.operation);
+  past.deed = deed;
   past.old_path = request.source;
   past.new_path = request.destination;
   past.stamp = files_.stamp(request.source);
@@ -104,6 +105,7 @@ FileJobResult FileJobs::recorded(const Request& request, std::int64_t undoes, co
   } ending{*this, past};
   FileJobResult result = result_of(carry_out());
   result.past_id = past.id;
+  result.source_stamp = past.stamp;
   past.reason = result.error_text.value_or("");
   if (!result.done) return result;
   if (!request.destination.empty()) result.stamp = past.stamp = files_.stamp(request.destination);
@@ -146,7 +148,7 @@ FileJobResult FileJobs::undo(const FileJob& job) {
       result = back(Request::Move);
       break;
     case CopyAndRename:
-      result = recorded({Request::Delete, current, ""}, job.past_id, [&] { return delete_copy(job); });
+      result = recorded({Request::Delete, current, ""}, Deed::Trashed, job.past_id, [&] { return delete_copy(job); });
       break;
     default:
       break;

@@ -24,6 +24,7 @@ struct FileJob {
   int action = 0;                            // an Action of the rules
   std::optional<FileStamp> done_stamp = {};  // of the destination after the job was done
   std::int64_t past_id = 0;                  // of the operation in the history that did it, or that it takes back
+  bool sets_aside = false;                   // the new name is only for a moment
 
   std::string destination() const { return dest_path + new_name; }
 };
@@ -32,9 +33,10 @@ struct FileJob {
 struct FileJobResult {
   bool done = false;
   std::optional<std::string> error_text = {};
-  std::optional<FileStamp> stamp = {};        // of the destination, when done
-  std::int64_t past_id = 0;                   // in the history; 0 when nothing was begun
-  std::optional<std::string> dest_path = {};  // the destination folder as it was made for a move or a copy, when done
+  std::optional<FileStamp> stamp = {};         // of the destination, when done
+  std::int64_t past_id = 0;                    // in the history; 0 when nothing was begun
+  std::optional<FileStamp> source_stamp = {};  // of the source before, when anything was begun
+  std::optional<std::string> dest_path = {};   // the destination folder as it was made for a move or a copy, when done
 };
 
 class FileJobs {
@@ -65,7 +67,7 @@ class FileJobs {
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);
   FileJobResult perform(FileOperationRequest request, std::int64_t undoes);
   /// With the journal and the history knowing of it.
-  FileJobResult recorded(const FileOperationRequest& request, std::int64_t undoes,
+  FileJobResult recorded(const FileOperationRequest& request, Deed deed, std::int64_t undoes,
                          const std::function<int()>& carry_out);
   void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);

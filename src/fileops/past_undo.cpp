@@ -66,8 +66,8 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       if (operation.deed == Deed::Copied) outcome.to.clear();
       if (!files_.exists(outcome.from)) throw Failure(outcome.from + " is not there any more");
       if (!outcome.to.empty() && files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
-      result =
-          jobs_.undo(job_between(operation.old_path, operation.new_path, static_cast<int>(operation.deed), operation));
+      const int action = operation.deed == Deed::SetAside ? int{Rename} : static_cast<int>(operation.deed);
+      result = jobs_.undo(job_between(operation.old_path, operation.new_path, action, operation));
     }
     if (!result.done) throw Failure(outcome.from + ": " + result.error_text.value_or("the file was gone"));
   } catch (const Failure& failure) {
@@ -82,8 +82,20 @@ bool PastUndo::is_dead(const std::string& owner, const std::string& work_dir) {
 
 void PastUndo::settle(const std::string& work_dir) {
   for (auto& [operation, owner] : history_.under_way()) {
-    if (is_dead(owner, work_dir)) settle_one(std::move(operation));
+    if (!is_dead(owner, work_dir)) continue;
+    operation.outcome == PastOperation::Done ? bring_back(operation) : settle_one(std::move(operation));
   }
+}
+
+/// A file that was set aside is still there when what came after did not happen.
+void PastUndo::bring_back(const PastOperation& operation) {
+  if (!has_stamp(files_.stamp(operation.new_path), operation.stamp)) return;
+  const Outcome outcome = undo_one(operation);
+  log_.debug_log(outcome.trouble.empty() ? "A run was cut off; " + operation.old_path +
+                                               " has its name back, which was " + operation.new_path
+                                         : "A run was cut off; what was " + operation.old_path + " is " +
+                                               operation.new_path + " now and stays so: " + outcome.trouble,
+                 LogLevel::Normal);
 }
 
 void PastUndo::settle_one(PastOperation operation) {

@@ -35,8 +35,8 @@ class PastUndo {
 
  private:
   Outcome undo_one(const PastOperation& operation);
-  FileJob job_against(const PastOperation& operation, Outcome& outcome);
   bool is_dead(const std::string& owner, const std::string& work_dir);
+  void bring_back(const PastOperation& operation);
   void settle_one(PastOperation operation);
 
   History& history_;

@@ -41,7 +41,8 @@ constexpr std::array statements = {
     "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
     "SELECT id FROM operations WHERE outcome = 1 AND NOT undone AND NOT "
     "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
-    "SELECT " QUORVEL_COLUMNS ", owner FROM operations WHERE outcome = 0 ORDER BY id",
+    "SELECT " QUORVEL_COLUMNS
+    ", owner FROM operations WHERE outcome = 0 OR (deed = 8 AND outcome = 1 AND NOT undone) ORDER BY id",
     "DELETE FROM operations WHERE time < ?1 AND outcome <> 0",
     "DELETE FROM passes WHERE time < ?1 AND NOT EXISTS "
     "(SELECT 1 FROM operations WHERE operations.id >= passes.id * 1000000 AND operations.id < (passes.id + 1) * "

@@ -15,7 +15,7 @@
 namespace quorvel {
 
 /// What an operation does, or did. The first three are numbered as the actions of rules are.
-enum class Deed : std::uint8_t { Renamed = 1, Moved = 2, Copied = 3, Trashed = 9 };
+enum class Deed : std::uint8_t { Renamed = 1, Moved = 2, Copied = 3, SetAside = 8, Trashed = 9 };
 
 /// One operation on a file, as the history has it.
 struct PastOperation {
@@ -84,7 +84,7 @@ class History {
   /// The last pass with something that can be undone, which is no undoing itself; 0 when there is none.
   std::int64_t last_undoable_pass();
 
-  /// Operations that were begun and not ended, with their owners.
+  /// Operations that were begun and not ended, and files that were set aside, with the owners.
   std::vector<std::pair<PastOperation, std::string>> under_way();
 
   /// What is older goes, but for what is under way.

@@ -53,6 +53,7 @@ bool Pipeline::fileops(QueueItem& item) {
   if (result.dest_path) item.dest_path = *result.dest_path;
   item.done_stamp = result.stamp;
   item.past_id = result.past_id;
+  item.source_stamp = result.source_stamp;
   return result.done;
 }
 

@@ -51,10 +51,11 @@ struct QueueItem {
   // taking a move back as if it had been a copy would delete the only file.
   std::int32_t action = 0;
   bool confirmed = false;
-  std::optional<FileStamp> done_stamp;  // of the file that the operation has left at the destination
-  std::int64_t past_id = 0;             // of that operation in the history
-  std::string error_text;               // why it failed or was cancelled; lines end in CR LF
-  std::string episode_url;              // in double quotes, as the service gives it
+  std::optional<FileStamp> source_stamp;  // of the source before the operation
+  std::optional<FileStamp> done_stamp;    // of the file that the operation has left at the destination
+  std::int64_t past_id = 0;               // of that operation in the history
+  std::string error_text;                 // why it failed or was cancelled; lines end in CR LF
+  std::string episode_url;                // in double quotes, as the service gives it
 
   /// Before it is taken, perhaps not for the first time.
   void forget_findings() {

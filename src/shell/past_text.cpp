@@ -13,6 +13,8 @@ DeedWords deed_words(Deed deed) {
       return {"move", "moved"};
     case Deed::Copied:
       return {"copy", "copied"};
+    case Deed::SetAside:
+      return {"set aside", "set aside"};
     case Deed::Trashed:
       return {"trash", "removed"};
     default:
@@ -47,7 +49,7 @@ std::string counts_text(const PastPass& pass) {
     undone += each.undone ? 1 : 0;
   }
   std::string text;
-  static constexpr std::array words = {"renamed", "moved", "copied", "removed", "failed", "under way"};
+  static constexpr std::array words = {"renamed", "moved", "copied", "set aside", "removed", "failed", "under way"};
   for (const char* const word : words) {
     if (counts[word] > 0) text.append(text.empty() ? "" : ", ").append(std::to_string(counts[word]) + " " + word);
   }

@@ -123,6 +123,12 @@ TEST_F(PastTest, WhatWasUnderWayWhenAProcessDiedIsSettledByWhatIsThere) {
     if (row.left) std::filesystem::last_write_time(path_of(past.new_path), last_write_time(path_of(past.old_path)));
     if (!row.source) files->remove(past.old_path);
   }
+  PastOperation aside;
+  aside.deed = Deed::SetAside, aside.old_path = in("aside"), aside.new_path = in("swapping");
+  make(aside.new_path, "set aside");
+  session.history.begin(aside, "pending-aside");
+  aside.outcome = PastOperation::Done, aside.stamp = files->stamp(aside.new_path);
+  session.history.end(aside);
   PastOperation away;
   away.old_path = folder / "drive/a", away.new_path = folder / "drive/b";
   session.history.begin(away, "pending-away");
@@ -137,6 +143,7 @@ TEST_F(PastTest, WhatWasUnderWayWhenAProcessDiedIsSettledByWhatIsThere) {
     const PastOperation& settled = passes[passes.size() - 1 - i].operations.front();
     EXPECT_EQ(std::string(outcome_word(settled)) + settled.reason, std::string(rows[i].outcome) + rows[i].reason) << i;
   }
+  EXPECT_EQ(files->read(in("aside")), "set aside");
   EXPECT_EQ(session.history.under_way().size(), 2u) << "a drive that is away, and a process that lives";
 }
 

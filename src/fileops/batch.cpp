@@ -1,0 +1,191 @@
+#include "fileops/batch.h"
+
+#include <algorithm>
+#include <map>
+
+#include "naming/file_names.h"
+#include "platform/native.h"
+#include "platform/temporary_name.h"
+#include "rules/action.h"
+#include "text/case.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+/// Names that differ in nothing but case may be one name, depending on the drive; so they count as one where that does
+/// no harm.
+std::string key_of(const std::string& path) {
+  return lower_case(path);
+}
+
+bool takes_source(const FileJob& job) {
+  return job.action == Rename || job.action == MoveAndRename;
+}
+
+}  // namespace
+
+/// Which entries can be carried out, and which waits for which to leave its name.
+class Batch::Plan {
+ public:
+  Plan(const std::vector<Entry>& entries, const Files& files) : entries_(entries), files_(files) {
+    troubles_.resize(entries.size());
+    waits_for_.assign(entries.size(), none);
+    std::map<std::string, std::size_t> sources, targets;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const auto& [job, stamp] = entries[i];
+      look_at(i);
+      if (!sources.try_emplace(key_of(job.path), i).second) troubles_[i] = "It is in the plan twice";
+      const auto [first, is_new] = targets.try_emplace(key_of(job.destination()), i);
+      if (!is_new) {
+        const std::string twice = "Two files would be " + job.destination();
+        if (troubles_[i].empty()) troubles_[i] = twice;
+        if (troubles_[first->second].empty()) troubles_[first->second] = twice;
+      }
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const FileJob& job = entries[i].job;
+      if (!troubles_[i].empty() || !files.exists(job.destination())) continue;
+      const auto holder = sources.find(key_of(job.destination()));
+      if (holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job)) {
+        waits_for_[i] = holder->second;
+      } else {
+        refuse_taken(i);
+      }
+    }
+    refuse_who_waits_in_vain();
+  }
+
+  const std::vector<std::string>& troubles() const { return troubles_; }
+  std::size_t waits_for(std::size_t entry) const { return waits_for_[entry]; }
+
+ private:
+  void look_at(std::size_t entry) {
+    const auto& [job, stamp] = entries_[entry];
+    const std::optional<FileStamp> now = files_.stamp(job.path);
+    if (!now) {
+      troubles_[entry] = "It is not there any more";
+    } else if (stamp && (now->size != stamp->size || now->modified_ns != stamp->modified_ns)) {
+      troubles_[entry] = "It has been changed or replaced since";
+    } else if (key_of(job.path) == key_of(job.destination())) {
+      troubles_[entry] = "The new filename is the same as the old filename";
+    }
+  }
+  void refuse_taken(std::size_t entry) { troubles_[entry] = entries_[entry].job.destination() + " is there already"; }
+  void refuse_who_waits_in_vain() {
+    for (bool changed = true; changed;) {
+      changed = false;
+      for (std::size_t i = 0; i < entries_.size(); ++i) {
+        if (!troubles_[i].empty() || waits_for_[i] == none || troubles_[waits_for_[i]].empty()) continue;
+        refuse_taken(i);
+        changed = true;
+      }
+    }
+  }
+
+  const std::vector<Entry>& entries_;
+  const Files& files_;
+  std::vector<std::string> troubles_;
+  std::vector<std::size_t> waits_for_;
+};
+
+std::vector<std::string> Batch::troubles(const std::vector<Entry>& entries) const {
+  return Plan(entries, files_).troubles();
+}
+
+void Batch::run(const std::vector<Entry>& entries, const Ended& ended) {
+  const Plan plan(entries, files_);
+  enum State : std::uint8_t { ToDo, Chosen, Over };
+  std::vector<State> states(entries.size(), ToDo);
+  bool goes_on = true;
+  const auto end = [&](std::size_t entry, const FileJobResult& result, const std::string& trouble) {
+    states[entry] = Over;
+    goes_on = ended(entry, result, trouble) && goes_on;
+  };
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (!plan.troubles()[i].empty()) end(i, {}, plan.troubles()[i]);
+  }
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (states[i] != ToDo) continue;
+    if (!goes_on) {
+      end(i, {}, "It was not begun");
+      continue;
+    }
+    // Who waits for nobody goes first; where the chain comes back to where it began, it is a circle.
+    Chain chain;
+    for (std::size_t at = i; at != none && states[at] == ToDo; at = plan.waits_for(at)) {
+      chain.push_back(at);
+      states[at] = Chosen;
+    }
+    const bool is_circle = plan.waits_for(chain.back()) == i;
+    std::ranges::reverse(chain);
+    is_circle ? run_circle(entries, chain, end) : run_chain(entries, chain, end);
+  }
+}
+
+/// A failure has an error text here.
+FileJobResult Batch::carry_out(const FileJob& job) {
+  FileJobResult result;
+  try {
+    // Somebody may have been faster; the shell would ask whether to replace that file.
+    if (files_.exists(job.destination())) throw Failure(job.destination() + " is there already");
+    result = jobs_.run(job);
+    if (!result.done && !result.error_text) result.error_text = "It is not there any more";
+  } catch (const Failure& failure) {
+    result = {false, failure.what()};
+  }
+  return result;
+}
+
+void Batch::run_chain(const std::vector<Entry>& entries, const Chain& chain, const End& end) {
+  for (const std::size_t entry : chain) {
+    const FileJobResult result = carry_out(entries[entry].job);
+    end(entry, result, result.error_text.value_or(""));
+  }
+}
+
+/// The last one's file gets a name that nobody wants until its own is free.
+void Batch::run_circle(const std::vector<Entry>& entries, const Chain& circle, const End& end) {
+  const std::size_t parked = circle.back();
+  FileJob parking = entries[parked].job, finishing = parking;
+  const std::string extension = getextension(parking.filename);
+  parking.dest_path = getpath(parking.path, 0);
+  parking.new_name = "swapping-" + random_letters() + (extension == parking.filename ? "" : "." + extension);
+  parking.action = Rename;
+  parking.sets_aside = true;
+  finishing.path = parking.destination();
+  finishing.filename = parking.new_name;
+
+  std::vector<FileJob> steps{parking};
+  for (const std::size_t entry : circle) steps.push_back(entry == parked ? finishing : entries[entry].job);
+  std::vector<FileJobResult> results;
+  std::string trouble;
+  for (const FileJob& step : steps) {
+    results.push_back(carry_out(step));
+    if (!results.back().done) trouble = results.back().error_text.value_or("");
+    if (!results.back().done) break;
+  }
+  if (!trouble.empty()) {
+    results.pop_back();
+    while (!results.empty()) {
+      FileJob step = steps[results.size() - 1];
+      step.done_stamp = results.back().stamp;
+      step.past_id = results.back().past_id;
+      if (results.back().dest_path) step.dest_path = *results.back().dest_path;
+      try {
+        if (!jobs_.undo(step).done) break;
+      } catch (const Failure&) {
+        break;
+      }
+      results.pop_back();
+    }
+    if (!results.empty()) trouble += "; what was done before could not be taken back, and the history tells it";
+  }
+  for (std::size_t i = 0; i < circle.size(); ++i) {
+    end(circle[i], trouble.empty() ? results[i + 1] : FileJobResult{false, trouble}, trouble);
+  }
+}
+
+}  // namespace quorvel

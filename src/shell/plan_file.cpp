@@ -1,0 +1,102 @@
+#include "shell/plan_file.h"
+
+#include <simdjson.h>
+
+#include <array>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "naming/file_names.h"
+#include "platform/native.h"
+#include "rules/action.h"
+#include "text/cut.h"
+#include "text/failure.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::pair<const char*, int> actions[] = {
+    {"rename", Rename}, {"move", MoveAndRename}, {"copy", CopyAndRename}};
+
+std::string text_at(const simdjson::dom::element& object, const char* key) {
+  std::string_view text;
+  return object[key].get(text) == simdjson::SUCCESS ? std::string(text) : std::string();
+}
+
+std::optional<FileStamp> stamp_in(std::string_view text) {
+  FileStamp stamp;
+  const char* const end = text.data() + text.size();
+  const auto size = std::from_chars(text.data(), end, stamp.size);
+  if (size.ec != std::errc() || size.ptr == end || *size.ptr != ' ') return {};
+  const auto time = std::from_chars(size.ptr + 1, end, stamp.modified_ns);
+  return time.ec == std::errc() && time.ptr == end ? std::optional(stamp) : std::nullopt;
+}
+
+/// Empty for a line that plans nothing.
+std::optional<Batch::Entry> entry_of(const simdjson::dom::element& object) {
+  if (text_at(object, "state") != "planned") return {};
+  Batch::Entry entry;
+  FileJob& job = entry.job;
+  const std::string new_path = text_at(object, "new_path"), action = text_at(object, "action"),
+                    stamp = text_at(object, "stamp");
+  job.path = text_at(object, "path");
+  for (const std::string& path : {job.path, new_path}) {
+    if (path.empty()) throw Failure("\"path\" or \"new_path\" is missing");
+    if (path != absolute_path(path)) throw Failure("\"" + path + "\" is not a full path");
+  }
+  job.filename = getfname(job.path);
+  job.new_name = getfname(new_path);
+  job.dest_path = getpath(new_path, 0);
+  job.action = action_named(action);
+  if (job.new_name.empty() || job.dest_path.empty()) throw Failure("\"" + new_path + "\" names no file");
+  if (job.action == 0) throw Failure("\"" + action + "\" is no action");
+  if (job.action == Rename && job.dest_path != getpath(job.path, 0)) {
+    throw Failure("\"" + new_path + "\" is in another folder, so the action must be \"move\" or \"copy\"");
+  }
+  if (!stamp.empty() && !(entry.stamp = stamp_in(stamp))) throw Failure("\"" + stamp + "\" is no stamp");
+  return entry;
+}
+
+}  // namespace
+
+const char* action_word(int action) {
+  for (const auto& [word, number] : actions) {
+    if (number == action) return word;
+  }
+  return "";
+}
+
+int action_named(std::string_view word) {
+  for (const auto& [known, number] : actions) {
+    if (known == word) return number;
+  }
+  return 0;
+}
+
+std::string stamp_text(const FileStamp& stamp) {
+  return std::to_string(stamp.size) + " " + std::to_string(stamp.modified_ns);
+}
+
+std::vector<Batch::Entry> plan_of(std::string_view text) {
+  simdjson::dom::parser parser;
+  std::vector<Batch::Entry> entries;
+  int number = 0;
+  for (std::string_view line : split(text, "\n")) {
+    ++number;
+    line = trim(line);
+    if (line.empty()) continue;
+    try {
+      simdjson::dom::element object;
+      const auto error = parser.parse(line.data(), line.size()).get(object);
+      if (error != simdjson::SUCCESS) throw Failure(simdjson::error_message(error));
+      if (!object.is_object()) throw Failure("it is no object");
+      if (std::optional<Batch::Entry> entry = entry_of(object)) entries.push_back(std::move(*entry));
+    } catch (const Failure& failure) {
+      throw Failure("Line " + std::to_string(number) + " of the plan: " + failure.what());
+    }
+  }
+  return entries;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fileops/batch.h"
+
+/// Plans as a dry run tells them for programs and people: an object of JSON a line, of which a line with the state
+/// "planned" says what is to be done to one file.
+namespace quorvel {
+
+/// "rename", "move" or "copy", as an Action of the rules; empty and 0 for what is none.
+const char* action_word(int action);
+int action_named(std::string_view word);
+
+/// What a file was when its plan was made; as a text, for not every program keeps so large numbers.
+std::string stamp_text(const FileStamp& stamp);
+
+/// The jobs of a plan; lines of other states, and the summary, are passed over. Throws Failure, which names the line,
+/// when one cannot be understood or lacks something.
+std::vector<Batch::Entry> plan_of(std::string_view text);
+
+}  // namespace quorvel

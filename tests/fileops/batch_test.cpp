@@ -1,0 +1,116 @@
+#include "fileops/batch.h"
+
+#include <gtest/gtest.h>
+
+#include "naming/file_names.h"
+#include "rules/action.h"
+#include "session_fixture.h"
+#include "shell/plan_file.h"
+#include "text/cut.h"
+#include "text/json_text.h"
+
+namespace quorvel::testing {
+namespace {
+
+/// Real files, of which the operation of that number fails.
+struct FailingShell : FileOperation {
+  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
+  int calls = 0, fails_at = 0;
+  int perform(const FileOperationRequest& request) override { return ++calls == fails_at ? 5 : real->perform(request); }
+};
+
+struct BatchTest : ::testing::Test, TestPorts {
+  FailingShell failing;
+  FakeUi ui{events};
+  Session session{{key_values, failing, *files, service, web, ui, clock, &desktop}, places()};
+
+  BatchTest() { session.setworkdir(); }
+
+  FileJob job(const std::string& from, const std::string& to, int action) const {
+    return {folder / ("in/" + from), from, to, folder / "in/", action};
+  }
+  /// Makes the files named, each holding its name, carries out "from>to from>to" (copies with "+"), and gives what is
+  /// there then, "name=contents", with what was not done in front.
+  std::string after(const std::string& names, const std::string& plan) {
+    std::filesystem::remove_all(path_of(folder / "in"));
+    for (const std::string_view name : split(names, " ")) write("in/" + std::string(name), std::string(name));
+    std::vector<Batch::Entry> entries;
+    for (const std::string_view each : split(plan, " ")) {
+      const std::size_t sign = each.find_first_of(">+");
+      entries.push_back({job(std::string(each.substr(0, sign)), std::string(each.substr(sign + 1)),
+                             each[sign] == '+' ? CopyAndRename : Rename)});
+      if (each.starts_with("old")) entries.back().stamp = FileStamp{.size = 99};
+    }
+    std::string text;
+    Batch(session.jobs, *files).run(entries, [&](std::size_t entry, const FileJobResult& result, std::string trouble) {
+      EXPECT_EQ(result.done, trouble.empty());
+      replace_all(trouble, folder / "in/", "");
+      if (!trouble.empty()) text += std::to_string(entry) + ": " + trouble + "; ";
+      return true;
+    });
+    for (const auto& [path, bytes] : everything_in(folder / "in")) {
+      if (!files->exists(path) || files->kind(path) == Files::Kind::Folder) continue;
+      text += getfname(path).substr(0, 8) + "=" + bytes + " ";
+    }
+    return text;
+  }
+};
+
+TEST_F(BatchTest, FilesGetEachOthersNamesAndNothingIsLostOverIt) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"a b", "a>b b>c", "b=a c=b "},
+      {"a b c", "c>d a>b b>c", "b=a c=b d=c "},
+      {"a b", "a>b b>a", "a=b b=a "},
+      {"a b c d", "a>b b>c c>a d>e", "a=c b=a c=b e=d "},
+      {"a b", "a+b b>c", "a=a b=a c=b "},
+      {"a b", "a>b b+c", "0: b is there already; a=a b=b c=b "},
+      {"a b c", "a>c b>c", "0: Two files would be c; 1: Two files would be c; a=a b=b c=c "},
+      {"a b c d", "a>b b>c d>e", "0: b is there already; 1: c is there already; a=a b=b c=c e=d "},
+      {"a b", "a>c a>d b>b",
+       "1: It is in the plan twice; 2: The new filename is the same as the old filename; b=b c=a "},
+      {"old", "old>new gone>x", "0: It has been changed or replaced since; 1: It is not there any more; old=old "}};
+  for (const auto& [names, plan, expected] : rows) EXPECT_EQ(after(names, plan), expected) << plan;
+}
+
+TEST_F(BatchTest, ACircleThatCannotBeClosedIsTakenBack) {
+  for (int at = 1; at <= 4; ++at) {
+    failing.calls = 0, failing.fails_at = at;
+    const std::string ended = after("a b c", "a>b b>c c>a");
+    EXPECT_TRUE(ended.ends_with("; a=a b=b c=c ")) << ended;
+    EXPECT_EQ(ended.find("could not be taken back"), std::string::npos);
+  }
+}
+
+TEST(PlanFile, SaysWhichLineCannotBeUnderstood) {
+  const std::string root = absolute_path("/");
+  std::string path;
+  quorvel::append_json(path, root + "a.mkv");
+  const std::string good = R"({"state":"planned","path":)" + path + R"(,"new_path":)" + path;
+  const std::pair<std::string, std::string> rows[] = {
+      {R"({"state":"failed"})"
+       "\n\n"
+       R"({"summary":{}})",
+       ""},
+      {"\n[1", "Line 2 of the plan: "},
+      {"[]", "Line 1 of the plan: it is no object"},
+      {R"({"state":"planned","path":"a","new_path":"b"})", "Line 1 of the plan: \"a\" is not a full path"},
+      {R"({"state":"planned"})", "Line 1 of the plan: \"path\" or \"new_path\" is missing"},
+      {good + R"(,"action":"burn"})", "Line 1 of the plan: \"burn\" is no action"},
+      {good + R"(,"action":"move","stamp":"7"})", "Line 1 of the plan: \"7\" is no stamp"}};
+  for (const auto& [text, expected] : rows) {
+    try {
+      EXPECT_EQ(plan_of(text).size(), 0u) << text;
+      EXPECT_EQ(expected, "");
+    } catch (const Failure& failure) {
+      EXPECT_TRUE(std::string(failure.what()).starts_with(expected)) << failure.what();
+    }
+  }
+  const std::vector<Batch::Entry> plan = plan_of(good + R"(,"action":"copy","stamp":"7 -8"})"
+                                                        "\n");
+  ASSERT_EQ(plan.size(), 1u);
+  EXPECT_EQ(plan[0].job.path + plan[0].job.destination(), root + "a.mkv" + root + "a.mkv");
+  EXPECT_TRUE(plan[0].job.action == CopyAndRename && stamp_text(*plan[0].stamp) == "7 -8");
+}
+
+}  // namespace
+}  // namespace quorvel::testing
