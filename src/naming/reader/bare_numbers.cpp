@@ -9,7 +9,7 @@ namespace {
 
 // How much a place looks like an episode's number.
 constexpr int none = 0, glued = 20, within = 30, leading = 45, trailing = 60, before_dash = 65, set_apart = 80,
-              bracketed = 90, dashed = 100;
+              in_list = 82, bracketed = 90, dashed = 100;
 constexpr int stands_out = set_apart;
 
 bool is_decimal(const Name& name, std::size_t i) {
@@ -30,9 +30,16 @@ bool fills_group(const Name& name, std::size_t i) {
   return true;
 }
 
+/// "2014-32-45" is neither a date nor an episode.
+bool is_impossible_date(const Name& name, std::size_t month) {
+  const Token &token = name.at(month), &next = name.at(month + 1);
+  return month > 0 && is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == Dash &&
+         next.gap == Dash && token.size() == 2 && next.size() == 2;
+}
+
 bool is_candidate(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
-  if (!token.is_number() || token.technical || token.size() > 4 || is_year(token)) return false;
+  if (i < name.named || !token.is_number() || token.technical || token.size() > 4 || is_year(token)) return false;
   const Token& next = name.at(i + 1);
   const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
                       (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
@@ -41,7 +48,8 @@ bool is_candidate(const Name& name, std::size_t i) {
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
-  return !(before.is(VolumeWord | ExtraWord) && !token.follows(Dash)) &&
+  if (is_impossible_date(name, i) || (i > 1 && is_impossible_date(name, i - 1))) return false;
+  return !(before.is(VolumeWord | ExtraWord | FilmWord) && !token.follows(Dash)) &&
          !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
          !(before.is(PartWord | MonthName) && !token.follows(Dash | Open)) && !next.is(OfWord);
 }
@@ -84,7 +92,8 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   } else if (token.follows(Dash)) {
     value = !wide ? none : ends || dash_follows ? trailing : within;
   } else if (i == 0) {
-    value = dash_follows ? before_dash : leading + 20 * in_season;
+    const bool spaced = dash_follows && next.follows(Blank | Dot);
+    value = !dash_follows ? leading + 20 * in_season : in_season && spaced ? in_list : before_dash;
   } else if (token.follows(Close)) {
     value = dash_follows ? before_dash : trailing;
   } else if (dash_follows) {

@@ -14,12 +14,6 @@ int full_year(const Token& token) {
   return token.size() == 2 && token.number <= last_short_year ? 2000 + token.number : token.number;
 }
 
-bool is_date(const Date& date) {
-  constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return date.year >= 1920 && date.year <= 2059 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-         date.day <= days[static_cast<std::size_t>(date.month) - 1];
-}
-
 bool is_short(const Token& token) {
   return token.is_number() && token.size() <= 2;
 }
@@ -111,10 +105,16 @@ std::optional<DateMark> written_date(const Name& name, std::size_t i) {
 
 }  // namespace
 
+bool is_date(const Date& date) {
+  constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  return date.year >= 1920 && date.year <= 2059 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
+         date.day <= days[static_cast<std::size_t>(date.month) - 1];
+}
+
 std::optional<DateMark> find_date(const Name& name) {
   // One with a full year anywhere is better than one with two digits further in front.
   std::optional<DateMark> second_best;
-  for (std::size_t i = 0; i < name.count(); ++i) {
+  for (std::size_t i = name.named; i < name.count(); ++i) {
     for (const auto& found : {numeric_date(name, i), written_date(name, i), compact_date(name, i)}) {
       if (found && found->certain) return found;
       if (found && !second_best) second_best = found;

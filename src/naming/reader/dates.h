@@ -14,6 +14,9 @@ struct DateMark {
   std::optional<Date> other;
 };
 
+/// Whether it is in the calendar, of the years of television.
+bool is_date(const Date& date);
+
 /// The first date in a name, in any order that is one.
 std::optional<DateMark> find_date(const Name& name);
 

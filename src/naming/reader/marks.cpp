@@ -60,8 +60,11 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   const Token& word = name.at(at + 1);
   if (!word.is(SeasonWord) || (word.gap & ~(Blank | Dot)) != 0) return {};
   const bool foreign = !is_ascii(name.lowered(word));
-  const bool number_follows =
-      name.at(at + 2).is_number() && name.at(at + 2).follows(Blank | Dot) && !name.at(at + 2).follows(Dash | Open);
+  // "24 Season 5 Episode 2", but "1.Sezon 5.Bölüm"
+  const Token& last = name.at(at + 4);
+  const bool both_in_front = name.at(at + 3).is(EpisodeWord) && (!last.is_number() || last.technical);
+  const bool number_follows = name.at(at + 2).is_number() && name.at(at + 2).follows(Blank | Dot) &&
+                              !name.at(at + 2).follows(Dash | Open) && !both_in_front;
   if (!ordinal && !counted && !foreign && word.gap != (Dot | Blank) && (number_follows || is_weak(name, at + 1)))
     return {};
   return Mark{i, at + 2, number.number, is_weak(name, at + 1)};
@@ -87,6 +90,10 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
     return {};
   const Token& word = name.at(at + 1);
+  // "全12集" is all of them.
+  const bool all = (i > 0 && name.lowered(name.at(i - 1)).ends_with("全") && number.is_glued()) ||
+                   (name.at(at + 2).is_glued() && name.lowered(name.at(at + 2)).starts_with("全"));
+  if (all) return {};
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
@@ -156,6 +163,12 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     if (crossed && crossed->number == *season) return More{crossed->last, name.at(crossed->last - 1).number, range};
   }
   const Token& next = name.at(at + 1);
+  if (season && token.is_number() && token.number == *season && next.is(EpisodeLetter) && next.is_glued()) {
+    const std::optional<Mark> episode = episode_at(name, at + 1);  // "S1E23-1E24"
+    if (episode) return More{episode->last, episode->number, range};
+  }
+  if (joined && token.is(PartWord) && next.is_number() && i > 1 && name.at(i - 2).is(PartWord))
+    return More{at + 2, next.number, range};
   if (next.is_number() && !next.technical && next.size() <= 5) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
     // "S02E31 - Episode 55" has a title, "Ep31 - Ep55" has not.
@@ -164,7 +177,8 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     // "E01E03" holds what is between them, too.
     if (letter || word) return More{at + 2, next.number, range || (letter && gap == 0)};
   }
-  if ((gap == 0 || (gap & ~Blank) == Dash) && is_cross(name, at) && next.is_number() && next.is_glued() &&
+  const bool in_a_row = gap == Blank && next.number == last + 1;  // "1x03 x04"
+  if ((gap == 0 || (gap & ~Blank) == Dash || in_a_row) && is_cross(name, at) && next.is_number() && next.is_glued() &&
       !next.technical && next.size() <= 3) {
     return More{at + 2, next.number, range};
   }
@@ -189,14 +203,22 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
 }  // namespace
 
 std::size_t more_episodes(const Name& name, std::size_t next, std::optional<int> season, std::vector<int>& episodes) {
-  while (const std::optional<More> more = one_more(name, next, season, episodes.back())) {
-    if (more->episode <= episodes.back() || more->episode - episodes.back() > longest_range) break;
-    if (episodes.size() > static_cast<std::size_t>(longest_range)) break;
-    if (more->range) {
+  const auto following = [&](int last) {
+    const std::optional<More> more = one_more(name, next, season, last);
+    const bool fits = more && more->episode > last && more->episode - last <= longest_range;
+    return fits && episodes.size() <= static_cast<std::size_t>(longest_range) ? more : std::nullopt;
+  };
+  bool listed = false;  // "3-4-15" is three episodes, "3-15" is thirteen
+  for (std::optional<More> more = following(episodes.back()); more;) {
+    next = more->next;
+    const std::optional<More> after = following(more->episode);
+    const bool to_be_listed = after && after->range;
+    if (more->range && !listed && !to_be_listed) {
       for (int between = episodes.back() + 1; between < more->episode; ++between) episodes.push_back(between);
     }
+    listed = more->range;
     episodes.push_back(more->episode);
-    next = more->next;
+    more = after;
   }
   return next;
 }

@@ -44,6 +44,11 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
       name.at(i + 1).follows(Blank | Dot) && name.at(i + 3).follows(Blank | Dot)) {  // "S 01 E 02"
     return set(search, numbers, i, i + 4, name.at(i + 1).number, name.at(i + 3).number, true);
   }
+  if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.at(i + 1).size() <= 2 &&
+      name.at(i + 2).is(EpisodeWord)) {
+    const std::optional<Mark> episode = episode_at(name, i + 2);  // "S 1 - Ep 02"
+    if (episode) return set(search, numbers, i, episode->last, name.at(i + 1).number, episode->number, true);
+  }
   const std::optional<Mark> season = season_at(name, i);
   if (!season || (season->weak && name.at(i + 1).follows(Dash))) return false;
   std::size_t next = season->last;
@@ -58,6 +63,11 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
     return set(search, numbers, i, episode->last, season->number, episode->number, true);
   }
   const Token& number = name.at(next);
+  // "S01F02", as German names have it.
+  if (name.is_word(i, "s") && name.is_word(next, "f") && name.at(next).is_glued() && name.at(next + 1).is_number() &&
+      name.at(next + 1).is_glued() && name.at(next + 1).size() <= 3) {
+    return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
+  }
   if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
   return set(search, numbers, i, next + 1, season->number, number.number, true);
 }
@@ -80,13 +90,26 @@ bool glued_to_the_show(const Search& search, std::size_t i, Numbers& numbers) {
 bool crossed(const Search& search, std::size_t i, Numbers& numbers) {
   const std::optional<Mark> mark = crossed_at(search.name, i);
   if (!mark || mark->weak) return false;
+  const Token& day = search.name.at(mark->last);  // "2011x04.18"
+  const Date shown{mark->number, search.name.at(mark->last - 1).number, day.number};
+  if (is_year(search.name.at(i)) && day.is_number() && day.gap == Dot && day.size() == 2 && is_date(shown)) {
+    numbers.first = i;
+    numbers.last = mark->last + 1;
+    numbers.date = shown;
+    numbers.certain = true;
+    return true;
+  }
   return set(search, numbers, i, mark->last, mark->number, search.name.at(mark->last - 1).number, true);
 }
 
-/// "- 1.02 -", "[1.02]".
+/// "- 1.02 -", "[1.02]", "- 1 - 02 -".
 bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &season = name.at(i), &episode = name.at(i + 1), &next = name.at(i + 2);
+  const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
+                      episode.is_number() && episode.size() == 2 && episode.follows_spaced_dash() &&
+                      next.follows_spaced_dash() && !next.is_end();
+  if (dashed && !starts_with_group(name)) return set(search, numbers, i, i + 2, season.number, episode.number, false);
   if (!season.is_number() || season.technical || season.size() > 2 || !season.follows(Dash | Open)) return false;
   if (!episode.is_number() || episode.technical || episode.gap != Dot || episode.size() != 2) return false;
   if (starts_with_group(name) || (!next.follows(Dash | Close) && !next.is_end()) || !name.stands_alone(i + 1))
@@ -131,7 +154,9 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   const Token& number = name.at(season->last);
   if (!number.is_number() || number.technical || number.is_glued() || is_year(number) || number.size() > 4)
     return false;
-  if (!name.stands_alone(season->last) || (number.size() == 1 && !number.follows(Dash | Open))) return false;
+  // "Season 1-3" is three seasons.
+  const bool apart = number.follows(Dash | Open) && number.gap != Dash;
+  if (!name.stands_alone(season->last) || (number.size() == 1 && !apart)) return false;
   if (name.at(season->last + 1).is(OfWord)) return false;
   const bool spaced_dash = number.follows_spaced_dash();
   if (number.size() == 4 && !spaced_dash)
@@ -142,7 +167,7 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
 
 /// One in brackets may be that of the file.
 bool date(const Search& search, std::size_t i, Numbers& numbers, bool outside) {
-  if (i > 0) return false;
+  if (i > search.name.named) return false;
   const std::optional<DateMark> found = find_date(search.name);
   if (!found || (outside && (!found->certain || search.name.at(found->first).group >= 0))) return false;
   numbers.first = found->first;
@@ -176,8 +201,11 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   constexpr int most_parts = 12;  // of a mini-series; others count their episodes, too
   const Token &number = name.at(i), &all = name.at(i + 2);
-  if (!number.is_number() || !name.at(i + 1).is(OfWord) || !all.is_number() || number.number > all.number) return false;
-  if (number.size() > 3 || all.size() > 3 || (i > 0 && name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1)))
+  const bool digits = number.is_number() && all.is_number();
+  const bool words = number.is(NumberWord) && all.is(NumberWord) && number.size() > 2 && all.size() > 2;
+  if ((!digits && !words) || !name.at(i + 1).is(OfWord) || number.number > all.number) return false;
+  if ((digits && (number.size() > 3 || all.size() > 3)) ||
+      (i > 0 && name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1)))
     return false;
   const bool is_series = all.number > most_parts || starts_with_group(name);
   if (is_series) return set(search, numbers, i, i + 3, search.season(), number.number, true);
@@ -200,6 +228,12 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   if (name.lowered(name.at(i)).starts_with("cap") && number >= 100) {
     season = number / 100;
     set(search, numbers, i, episode->last, {}, number, true);
+    const Token& to = name.at(episode->last);  // "[Cap.101_103]"
+    if (to.is_number() && to.gap == Blank && to.group >= 0 && to.group == name.at(i).group && to.number > numbers.absolute.back() &&
+        to.number / 100 == number / 100) {
+      for (int next = numbers.absolute.back() + 1; next <= to.number; ++next) numbers.absolute.push_back(next);
+      ++numbers.last;
+    }
     for (int& each : numbers.absolute) each %= 100;
     numbers.episodes.swap(numbers.absolute);
     numbers.season = season;
@@ -268,11 +302,11 @@ bool part_in_brackets(const Search& search, std::size_t i, Numbers& numbers) {
 }
 
 bool standing_out(const Search& search, std::size_t i, Numbers& numbers) {
-  return i == 0 && bare_number(search.name, search.around.season, true, numbers);
+  return i == search.name.named && bare_number(search.name, search.around.season, true, numbers);
 }
 
 bool bare(const Search& search, std::size_t i, Numbers& numbers) {
-  return i == 0 && bare_number(search.name, search.around.season, false, numbers);
+  return i == search.name.named && bare_number(search.name, search.around.season, false, numbers);
 }
 
 /// The first row that fits anywhere in the name wins, and of its places the first.
@@ -326,7 +360,7 @@ Numbers find_numbers(const Name& name, const Surroundings& surroundings) {
   const Search search{name, surroundings, last_year_of(name), false};
   Numbers numbers;
   for (const Rule rule : rules) {
-    for (std::size_t i = 0; i < name.count(); ++i) {
+    for (std::size_t i = name.named; i < name.count(); ++i) {
       if (!rule(search, i, numbers)) continue;
       numbers.special =
           numbers.special || numbers.season == 0 || (numbers.first > 0 && name.at(numbers.first - 1).is(SpecialWord));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "naming/reader/marks.h"
 #include "naming/reader/numbers.h"
@@ -93,7 +94,9 @@ void take(const Name& name, const Numbers& numbers, Reading& reading) {
 bool is_generic(const Name& name) {
   for (std::size_t i = 0; i < name.count(); ++i) {
     const Token& token = name.at(i);
-    if (token.is_number() ? i == 0 && !token.technical : !token.is(FolderWord | SeasonWord | SpecialWord)) return false;
+    const bool says_something =
+        token.is_number() ? i == 0 && !token.technical : !token.is(FolderWord | SeasonWord | SpecialWord | VolumeWord);
+    if (says_something) return false;
   }
   return true;
 }
@@ -159,6 +162,20 @@ struct Folder {
   std::optional<Mark> season;
 };
 
+/// How many tokens of the file's name repeat the name of a folder up to its year or season:
+/// "11.22.63/11.22.63.102.avi".
+std::size_t repeated(const Folder& folder, const Name& file) {
+  std::size_t i = 0;
+  bool has_number = false;
+  for (; i < folder.name.count(); ++i) {
+    const Token& token = folder.name.at(i);
+    if (i > 0 && (token.follows(Open) || token.technical || (folder.season && folder.season->first == i))) break;
+    if (i >= file.count() || folder.name.lowered(token) != file.lowered(file.at(i))) return 0;
+    has_number = has_number || token.is_number();
+  }
+  return has_number && !file.at(i).is_end() && !file.at(i).is_glued() ? i : 0;
+}
+
 }  // namespace
 
 Reading read_name(std::string_view path) {
@@ -184,7 +201,12 @@ Reading read_name(std::string_view path) {
     if (i <= 2 && folder.season && !around.season) around.season = folder.season->number;
   }
 
-  const Numbers numbers = is_meaningless(file) ? Numbers{} : find_numbers(file, around);
+  Numbers numbers;
+  if (!is_meaningless(file)) {
+    for (const Folder& folder : folders) file.named = std::max(file.named, repeated(folder, file));
+    numbers = find_numbers(file, around);
+    if (!numbers.found() && std::exchange(file.named, 0) > 0) numbers = find_numbers(file, around);
+  }
   if (numbers.found()) take(file, numbers, reading);
   if (!reading.certain || is_short_for_more(reading.show)) {
     if (const Reading of_folder = read_folder(parts); of_folder.certain && speaks_for(of_folder, reading))
@@ -193,7 +215,9 @@ Reading read_name(std::string_view path) {
   if (!reading.has_numbers()) return {};
   for (const Folder& folder : folders) {
     if (!reading.show.empty()) break;
-    const bool season_alone = folder.season && folder.season->last == folder.name.count() && folder.season->first == 0;
+    const bool season_alone = folder.season && folder.season->first == 0 &&
+                              (folder.season->last == folder.name.count() ||
+                               folder.name.at(folder.season->last).follows_spaced_dash());  // "Season 1 - Beginnings"
     if (season_alone || is_generic(folder.name)) continue;
     read_show_folder(folder.name, reading);
   }

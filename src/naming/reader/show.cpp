@@ -250,6 +250,19 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       span.last -= 2;
     }
   }
+  while (numbers.date && span.last > span.first + 1 && name.at(span.last - 1).is(DateWord) &&
+         span.last == numbers.first)
+    --span.last;  // "Show Fri 22 Apr 2011"
+  // "Show - Episode 312 [S05E06]", "Show - Vol. 3 - Episode 12", "Show No.12"
+  if (span.last > span.first + 2 && name.at(span.last - 1).is_number() && span.last == numbers.first) {
+    const Token& word = name.at(span.last - 2);
+    const bool counts = word.is(EpisodeWord) && word.size() > 1 && numbers.season;
+    if (counts) reading.absolute = {name.at(span.last - 1).number};
+    if (counts || (word.is(VolumeWord) && word.follows(Dash))) span.last -= 2;
+  }
+  if (span.last > span.first + 1 && span.last == numbers.first && name.is_word(span.last - 1, "no") &&
+      name.at(span.last).gap == Dot)
+    --span.last;
   // "Show - 112 - S05E06": the number counts over all seasons.
   if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash | Open)) {
     const Token& number = name.at(span.last - 1);

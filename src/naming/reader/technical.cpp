@@ -238,8 +238,26 @@ void mark_technical(Name& name) {
   }
 }
 
+namespace {
+
+/// "3f2504e0-4f89-41d3-9a0c-0305e82c3301"
+bool is_guid(std::string_view lowered) {
+  if (lowered.size() != 36) return false;
+  for (std::size_t i = 0; i < lowered.size(); ++i) {
+    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+    if (dash ? lowered[i] != '-' : !is_hexadecimal(lowered.substr(i, 1))) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
 bool is_meaningless(const Name& name) {
   if (name.count() == 0) return true;
+  const Token& second = name.at(1);
+  // "IMG_1234", "VID_20240131_101112": cameras' names
+  if (name.at(0).is(CameraWord) && second.is_number() && second.size() >= 4 && !second.follows(Dash)) return true;
+  if (is_guid(name.lower)) return true;
   if (name.chunk_end(0) != name.count()) return false;
   const std::string_view lowered = name.lowered(0, name.count());
   std::size_t digits = 0, changes = 0;

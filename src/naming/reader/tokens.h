@@ -66,6 +66,7 @@ struct Name {
   std::string lower;  // of the same length: only ASCII letters are changed
   std::vector<Token> tokens;
   std::vector<Group> groups;
+  std::size_t named = 0;  // tokens at the start that are the show's name, as the folder has it
 
   std::size_t count() const { return tokens.size() - 1; }
   /// The token, or past the last one the end: it has no kinds, and its gap is what ends the name.

@@ -102,6 +102,12 @@ constexpr Row rows[] = {
      Extension},
     {"dvd bd vol volume volumes disc disk cd band tome dvdrom", VolumeWord},
     {"sample samples proof", SampleWord},
+    {"movie film gekijouban gekijoban", FilmWord},
+    {"monday tuesday wednesday thursday friday saturday sunday mon tue tues wed thu thur thurs fri sat sun montag "
+     "dienstag mittwoch donnerstag freitag samstag sonntag lundi mardi mercredi jeudi vendredi samedi dimanche on vom "
+     "du",
+     DateWord},
+    {"img imag dsc dscn dscf pict vid mvi pxl gopr cimg", CameraWord},
     {"end fin final finale fine 完 終 终 完结 完結 終了 最終話 最终话 最終回", EndWord},
     {"tv shows show series serie serien séries seriale video videos movies films film anime media downloads download "
      "completed complete incoming unsorted sorted new done data mnt srv home library shared torrents nas disk volume1 "

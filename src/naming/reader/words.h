@@ -35,6 +35,9 @@ enum WordKind : std::uint32_t {
   EndWord = 1U << 25,     // the last episode, as fan groups mark it
   FolderWord = 1U << 26,  // a folder of that name says nothing of the show
   Site = 1U << 27,        // and other advertisements
+  CameraWord = 1U << 28,  // a number behind it counts a camera's pictures
+  FilmWord = 1U << 29,    // a number behind it counts films
+  DateWord = 1U << 30,    // belongs to the date behind it
 };
 
 inline constexpr std::uint32_t technical_kinds = Resolution | Source | Codec | Sound | Release | Site;
