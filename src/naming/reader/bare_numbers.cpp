@@ -44,7 +44,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
                       (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
-  if (is_decimal(name, i)) return false;
+  if (is_decimal(name, i) || is_total(name, i)) return false;
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
@@ -65,7 +65,15 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
     list.push_back(next.number);
     return i + 2;
   }
-  // "Show 2 - 05" is no range.
+  // "Show - 05 - 06" is a range, "Show 2 - 05" is none.
+  const Token& behind = name.at(i + 2);
+  const bool row = next.is_number() && next.size() >= 2 && next.size() == name.at(i).size() &&
+                   next.number == list.front() + 1 && next.follows_spaced_dash() && name.at(i).follows_spaced_dash() &&
+                   (behind.is_end() || behind.technical || behind.follows(Open));
+  if (row) {
+    list.push_back(next.number);
+    return i + 2;
+  }
   if (!next.is_number() || (next.gap != Dash && !next.follows(Tilde | Plus | Comma))) return i + 1;
   return more_episodes(name, i + 1, {}, list);
 }
@@ -76,7 +84,8 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   const Token& next = name.at(last);
   if (token.is_glued() && i > 0) {
     const Token& before = name.at(i - 1);  // scripts without blanks end in the number
-    return !before.is_word() ? none : is_ascii(name.written(before)) ? glued : within;
+    const bool padded = token.size() == 2 && name.written(token).front() == '0' && before.size() > 2;
+    return !before.is_word() ? none : is_ascii(name.written(before)) && !padded ? glued : within;
   }
   const bool ends = next.is_end() || next.technical || next.follows(Open | Close) || next.is(Release | EndWord);
   const bool dash_follows = next.follows(Dash) && !next.is_end();
@@ -175,18 +184,24 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   numbers.last = range_end(name, best, list);
   const bool padded = token.size() >= 2 && name.written(token).front() == '0';
   const bool range = list.size() > 1 && name.at(best + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
+  // "Show - 210-211"; fan groups count over all seasons, and brackets are theirs.
+  const bool ambiguous = can_split(token) && list.back() / 100 == number / 100 && !season && !fansub && !padded &&
+                         (list.size() == 1 || name.groups.empty());
   if (!fansub && !range && splits(name, best, season)) {
     numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = list, .date = {}};
     season = number / 100;
     for (int& each : list) each %= 100;
     numbers.certain = folder_season == season;
   } else {
-    if (list.size() == 1 && !season && can_split(token))
-      numbers.other = OtherNumbers{.season = number / 100, .episodes = {number % 100}, .absolute = {}, .date = {}};
+    if (ambiguous) {
+      numbers.other = OtherNumbers{.season = number / 100, .episodes = list, .absolute = {}, .date = {}};
+      for (int& each : numbers.other->episodes) each %= 100;
+    }
     const bool likely =
         fansub || season ? best_score >= leading : best_score > trailing && (padded || token.size() == 2);
-    numbers.certain =
-        likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range : list.size() > 1;
+    numbers.certain = ambiguous                        ? false
+                      : likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range
+                                                       : list.size() > 1;
   }
   numbers.season = season;
   (season ? numbers.episodes : numbers.absolute) = list;

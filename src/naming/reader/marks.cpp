@@ -26,12 +26,19 @@ bool is_value(const Token& token, bool words) {
 }  // namespace
 
 bool is_weak(const Name& name, std::size_t i) {
-  constexpr std::array<std::string_view, 5> weak = {"series", "serie", "série", "séries", "se"};
+  constexpr std::array<std::string_view, 9> weak = {"series", "serie", "série", "séries", "se",
+                                                    "book",   "livre", "buch",  "libro"};
   const std::string_view word = name.lowered(name.at(i));
   for (const std::string_view each : weak) {
     if (word == each) return true;
   }
   return false;
+}
+
+bool is_total(const Name& name, std::size_t i) {
+  const Token& behind = name.at(i + 2);
+  return (i > 0 && name.at(i).is_glued() && name.lowered(name.at(i - 1)).ends_with("全")) ||
+         (name.at(i + 1).is(CounterWord) && behind.is_glued() && name.lowered(behind).starts_with("全"));
 }
 
 std::optional<Mark> season_at(const Name& name, std::size_t i) {
@@ -90,10 +97,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
     return {};
   const Token& word = name.at(at + 1);
-  // "全12集" is all of them.
-  const bool all = (i > 0 && name.lowered(name.at(i - 1)).ends_with("全") && number.is_glued()) ||
-                   (name.at(at + 2).is_glued() && name.lowered(name.at(at + 2)).starts_with("全"));
-  if (all) return {};
+  if (is_total(name, at)) return {};
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
@@ -187,14 +191,21 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   const Token& before = name.at(i - 1);
   const bool spaced = (gap & (Blank | Dot)) != 0;
   if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
-  if (gap == Dash && (token.size() > 1 || before.size() == 1)) return More{at + 1, token.number, true};
+  const Token& behind = name.at(at + 1);
+  const bool title = behind.is_word() && !behind.technical && (behind.gap == Blank || behind.gap == Dot);
+  constexpr int longest_with_title = 6;  // "S01E02-24 Hours"
+  if (gap == Dash && (token.size() > 1 || before.size() == 1)) {
+    if (title && token.number - last > longest_with_title) return {};
+    return More{at + 1, token.number, true};
+  }
   if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && token.size() > 1 && token.size() == before.size()) {
-    const Token& after = name.at(at + 1);
-    if (after.follows(Dash) || after.is_end() || after.technical || after.follows(Open | Close))
+    if (behind.follows(Dash) || behind.is_end() || behind.technical || behind.follows(Open | Close))
       return More{at + 1, token.number, true};
   }
-  if (spaced && (gap == Dot || gap == Blank) && token.size() >= 2 && token.size() == before.size() &&
-      token.number == last + 1) {
+  // "S01E09.10.Things" has a title, "8x01_02 Title" has one that begins later.
+  const bool same_gaps = at + 1 < name.count() && name.text[token.begin - 1] == name.text[token.end];
+  if (spaced && !(title && same_gaps) && (gap == Dot || gap == Blank) && token.size() >= 2 &&
+      token.size() == before.size() && token.number == last + 1) {
     return More{at + 1, token.number, false};
   }
   return {};

@@ -13,6 +13,9 @@ struct Mark {
   bool weak = false;  // the word is also an ordinary one, such as "series"
 };
 
+/// Whether the number at `i` says how many there are: "全12集", "12集全".
+bool is_total(const Name& name, std::size_t i);
+
 /// "S02", "Season 2", "2nd Season", "Second Season", "第2季" starting at token `i`.
 std::optional<Mark> season_at(const Name& name, std::size_t i);
 

@@ -226,6 +226,12 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       break;
     }
   }
+  // "03-Show.5x03": the episode's number in front once more.
+  const Token& front = name.at(span.first);
+  if (numbers.season && !numbers.episodes.empty() && front.is_number() && span.last > span.first + 1 &&
+      front.number == numbers.episodes.front() && name.at(span.first + 1).follows(Dash)) {
+    ++span.first;
+  }
   // "01. S02E05": a place in a list.
   const bool listed = span.last == span.first + 1 && name.at(span.first).is_number() && name.at(span.last).follows(Dot);
   if (listed && numbers.found() && name.at(span.last).follows(Blank)) span.last = span.first;

@@ -22,6 +22,7 @@ constexpr Row rows[] = {
      "кύκλος сезон "
      "сезона сезоны сезони סезон עונה الموسم sæsonen 季 期 部 シーズン 시즌 기 mùa",
      SeasonWord},
+    {"book livre buch libro", SeasonWord},
     {"s t", SeasonLetter},
     {"episode episodes épisode épisodes ep eps epi epis episodio episódio episodios episódios epizoda epizod epizode "
      "epizód "
