@@ -45,6 +45,9 @@ bool is_candidate(const Name& name, std::size_t i) {
                       (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
   if (is_decimal(name, i) || is_total(name, i)) return false;
+  const bool of_group =
+      starts_with_group(name) && i < name.groups.front().last && name.groups.front().last < name.count();
+  if (of_group) return false;
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
@@ -97,7 +100,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   } else if (token.group >= 0) {
     value = none;
   } else if (token.follows(Dash) && token.follows(Blank | Dot | Close)) {
-    value = ends || dash_follows ? dashed : next.follows(Blank) ? set_apart : within;
+    value = ends || dash_follows ? dashed : next.follows(Blank | Dot) ? set_apart : within;
   } else if (token.follows(Dash)) {
     value = !wide ? none : ends || dash_follows ? trailing : within;
   } else if (i == 0) {
@@ -124,7 +127,7 @@ bool is_of_the_scene(const Name& name) {
     const Token& token = name.at(i);
     if (i > 0 && token.gap == Dot && !token.technical && !name.at(i - 1).technical) return true;
     blanks = blanks || token.follows(Blank);
-    recorded = recorded || (token.technical && token.is(Source) && !token.is(Weak));
+    recorded = recorded || (token.technical && token.group < 0 && token.is(Source) && !token.is(Weak));
   }
   return recorded || !blanks;
 }
@@ -146,7 +149,9 @@ bool splits(const Name& name, std::size_t i, std::optional<int> season) {
 std::size_t last_year_of(const Name& name) {
   for (std::size_t i = name.count(); i-- > 1;) {
     const Token& token = name.at(i);
-    if (is_year(token) && (token.follows(Open) || name.at(i + 1).technical || name.at(i + 1).is_end())) return i;
+    if (is_year(token) && !token.technical &&
+        (token.follows(Open) || name.at(i + 1).technical || name.at(i + 1).is_end()))
+      return i;
   }
   return 0;
 }

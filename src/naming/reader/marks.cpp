@@ -106,7 +106,8 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const Token& after = name.at(at + 2);
   const bool number_behind = after.is_number() && !after.follows(Open);  // "24.Ep.12"
   if (behind.is(EpisodeWord) && (foreign || !number.follows(Dot)) && number.size() <= 4 &&
-      (behind.gap & ~(Blank | Dot)) == 0 && (foreign || ordinal || (behind.follows(Dot) && !number_behind))) {
+      (behind.gap & ~(Blank | Dot)) == 0 &&
+      (foreign || ordinal || behind.gap == (Dot | Blank) || (behind.follows(Dot) && !number_behind))) {
     return Mark{i, at + (ordinal ? 3 : 2), number.number};
   }
   return {};
@@ -175,9 +176,10 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     return More{at + 2, next.number, range};
   if (next.is_number() && !next.technical && next.size() <= 5) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
-    // "S02E31 - Episode 55" has a title, "Ep31 - Ep55" has not.
+    // "S02E31 - Ep. 55" has a title, "Ep31 - Ep55" has not.
+    const bool again = i > 1 && name.at(i - 2).is(EpisodeWord) && next.is_glued() && token.size() <= 3;
     const bool word = token.is(EpisodeWord) && !token.is(CounterWord) &&
-                      (joined || (range && (gap == Dash || token.size() <= 3)) || next.number == last + 1);
+                      (joined || (range && ((gap == Dash && !next.follows(Dash)) || again)) || next.number == last + 1);
     // "E01E03" holds what is between them, too.
     if (letter || word) return More{at + 2, next.number, range || (letter && gap == 0)};
   }
@@ -192,7 +194,8 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   const bool spaced = (gap & (Blank | Dot)) != 0;
   if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
   const Token& behind = name.at(at + 1);
-  const bool title = behind.is_word() && !behind.technical && (behind.gap == Blank || behind.gap == Dot);
+  const bool title =
+      behind.is_word() && !behind.technical && (behind.gap == Blank || behind.gap == Dot || behind.gap == Dash);
   constexpr int longest_with_title = 6;  // "S01E02-24 Hours"
   if (gap == Dash && (token.size() > 1 || before.size() == 1)) {
     if (title && token.number - last > longest_with_title) return {};

@@ -114,7 +114,7 @@ void take_year_and_country(const Name& name, Span& span, Reading& reading) {
 /// "(Group) Show", but not "(500) Nights", nor "(Un)Clear".
 bool is_round_group_in_front(const Name& name, const Group& group) {
   if (group.begin != 0 || !name.at(group.first).is_word()) return false;
-  return name.at(group.last).follows(Blank) || is_upper(name.written(name.at(group.first)));
+  return name.at(group.last).follows(Blank | Dot) || is_upper(name.written(name.at(group.first)));
 }
 
 /// Where the show's tokens start: behind groups and sites in front.
@@ -267,7 +267,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
     if (counts || (word.is(VolumeWord) && word.follows(Dash))) span.last -= 2;
   }
   if (span.last > span.first + 1 && span.last == numbers.first && name.is_word(span.last - 1, "no") &&
-      name.at(span.last).gap == Dot)
+      name.at(span.last - 1).gap == Blank && name.at(span.last).gap == Dot)
     --span.last;
   // "Show - 112 - S05E06": the number counts over all seasons.
   if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash | Open)) {
