@@ -44,7 +44,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
                       (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
-  if (is_decimal(name, i) || is_total(name, i)) return false;
+  if (is_total(name, i) || (is_decimal(name, i) && !token.follows_spaced_dash())) return false;
   const bool of_group =
       starts_with_group(name) && i < name.groups.front().last && name.groups.front().last < name.count();
   if (of_group) return false;
@@ -60,6 +60,7 @@ bool is_candidate(const Name& name, std::size_t i) {
 /// What follows the number at `i` and those it is joined with: "01-03", "01+02"; `list` gets them all.
 std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   list = {name.at(i).number};
+  if (is_decimal(name, i)) return i + 2;
   const Token& next = name.at(i + 1);
   if (next.is_word() && next.is_glued() && next.size() == 1 && !next.technical) return i + 2;  // "12a"
   const bool pair = next.is_number() && next.size() >= 3 && next.size() == name.at(i).size() &&
@@ -207,6 +208,10 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
     numbers.certain = ambiguous                        ? false
                       : likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range
                                                        : list.size() > 1;
+  }
+  if (is_decimal(name, best)) {  // a special between two episodes
+    numbers.special = true;
+    numbers.certain = false;
   }
   numbers.season = season;
   (season ? numbers.episodes : numbers.absolute) = list;

@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::uint16_t separators = Blank | Dot | Dash | Comma | Other;
 
+constexpr int first_year_to_come = 2028;
 constexpr int last_short_year = 30;  // two digits mean the years that files have been named in
 
 int full_year(const Token& token) {
@@ -43,9 +44,11 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
     consider(c, b, a);
     consider(c, a, b);
   } else if (a.size() == 2 && b.size() == 2 && c.size() == 2 && b.gap == c.gap) {
-    consider(a, b, c);
+    // Nobody names files of years to come.
+    if (full_year(a) < first_year_to_come) consider(a, b, c);
     consider(c, b, a);
     consider(c, a, b);
+    consider(a, b, c);
   }
   if (possible.empty()) return {};
   const auto other = std::ranges::find_if(possible, [&](const Date& each) { return each != possible.front(); });

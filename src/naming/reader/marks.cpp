@@ -65,7 +65,8 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   const bool ordinal = name.at(at + 1).is_glued() && name.at(at + 1).is(OrdinalEnd) && !name.at(at + 1).is(SeasonWord);
   if (ordinal) ++at;
   const Token& word = name.at(at + 1);
-  if (!word.is(SeasonWord) || (word.gap & ~(Blank | Dot)) != 0) return {};
+  const bool part = name.is_word(at + 1, "部") && name.is_word(at + 2, "分");
+  if (!word.is(SeasonWord) || part || (word.gap & ~(Blank | Dot)) != 0) return {};
   const bool foreign = !is_ascii(name.lowered(word));
   // "24 Season 5 Episode 2", but "1.Sezon 5.Bölüm"
   const Token& last = name.at(at + 4);
@@ -194,8 +195,8 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   const bool spaced = (gap & (Blank | Dot)) != 0;
   if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
   const Token& behind = name.at(at + 1);
-  const bool title =
-      behind.is_word() && !behind.technical && (behind.gap == Blank || behind.gap == Dot || behind.gap == Dash);
+  const bool title = behind.is_word() && !behind.technical && !behind.is(EpisodeWord | OfWord) &&
+                     (behind.gap == Blank || behind.gap == Dot || behind.gap == Dash);
   constexpr int longest_with_title = 6;  // "S01E02-24 Hours"
   if (gap == Dash && (token.size() > 1 || before.size() == 1)) {
     if (title && token.number - last > longest_with_title) return {};

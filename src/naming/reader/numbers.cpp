@@ -63,9 +63,16 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
     return set(search, numbers, i, episode->last, season->number, episode->number, true);
   }
   const Token& number = name.at(next);
-  // "S01F02", as German names have it.
-  if (name.is_word(i, "s") && name.is_word(next, "f") && name.at(next).is_glued() && name.at(next + 1).is_number() &&
-      name.at(next + 1).is_glued() && name.at(next + 1).size() <= 3) {
+  // "1 сезон: 1-8 серии"
+  if (!season->weak && number.is_number() && name.at(next + 1).is_number() && name.at(next + 1).gap == Dash &&
+      name.at(next + 2).is(EpisodeWord)) {
+    return set(search, numbers, i, next + 1, season->number, number.number, true);
+  }
+  // "S01F02" is German, "T1C2" Spanish.
+  const bool letters =
+      (name.is_word(i, "s") && name.is_word(next, "f")) || (name.is_word(i, "t") && name.is_word(next, "c"));
+  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number() && name.at(next + 1).is_glued() &&
+      name.at(next + 1).size() <= 3) {
     return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
   }
   if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
@@ -106,6 +113,10 @@ bool crossed(const Search& search, std::size_t i, Numbers& numbers) {
 bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &season = name.at(i), &episode = name.at(i + 1), &next = name.at(i + 2);
+  // "Season 2/2.05 Title"
+  const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
+  if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
+    return set(search, numbers, 0, 2, season.number, episode.number, true);
   const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
                       episode.is_number() && episode.size() == 2 && episode.follows_spaced_dash() &&
                       next.follows_spaced_dash() && !next.is_end();
@@ -207,9 +218,11 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   if ((digits && (number.size() > 3 || all.size() > 3)) ||
       (i > 0 && name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1)))
     return false;
+  if (i > 0 && name.at(i - 1).is(PartWord)) --i;  // "Part 2 of 3"
+  const std::size_t last = i + (name.at(i).is(PartWord) ? 4 : 3);
   const bool is_series = all.number > most_parts || starts_with_group(name);
-  if (is_series) return set(search, numbers, i, i + 3, search.season(), number.number, true);
-  set(search, numbers, i, i + 3, search.season().value_or(1), number.number, true);
+  if (is_series) return set(search, numbers, i, last, search.season(), number.number, true);
+  set(search, numbers, i, last, search.season().value_or(1), number.number, true);
   numbers.part = number.number;
   return true;
 }
@@ -284,8 +297,10 @@ bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
     return true;
   }
   const bool padded = number.size() == 1 && next.size() == 2 && name.written(next).front() == '0';
-  if (padded && next.is_number() && next.gap == Dash && !number.is_glued() && !starts_with_group(name)) {
-    return set(search, numbers, i, i + 2, number.number, next.number, false);
+  const bool starts = i == 0 || !number.is_glued();
+  const bool fits = search.around.season.value_or(number.number) == number.number;
+  if (padded && next.is_number() && next.gap == Dash && starts && fits && !starts_with_group(name)) {
+    return set(search, numbers, i, i + 2, number.number, next.number, search.around.season.has_value());
   }
   if (i > 0 || number.size() != 2 || next.gap != Dash || !next.is_number() || next.technical || next.size() != 2)
     return false;

@@ -197,6 +197,7 @@ Reading read_name(std::string_view path) {
     folders.push_back({prepared(parts[i]), {}});
     Folder& folder = folders.back();
     folder.season = find_season(folder.name);
+    if (!folder.season && folder.name.count() == 2) folder.season = season_at(folder.name, 0);  // "Series 2"
     if (!folder.season && folder.name.count() == 1) folder.season = bare_season(folder.name.at(0), parts, i);
     if (i <= 2 && folder.season && !around.season) around.season = folder.season->number;
   }
