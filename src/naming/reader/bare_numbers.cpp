@@ -44,6 +44,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
                       (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
+  if (letter && name.is_word(i + 1, "d") && token.number <= 3) return false;  // "3D"
   if (is_total(name, i) || (is_decimal(name, i) && !token.follows_spaced_dash())) return false;
   const bool of_group =
       starts_with_group(name) && i < name.groups.front().last && name.groups.front().last < name.count();

@@ -22,7 +22,9 @@ bool is_short(const Token& token) {
 /// Whether another digit stands glued to the token, so that it is no number of its own.
 bool is_free(const Name& name, std::size_t first, std::size_t last) {
   const Token& before = name.at(first);
-  return (first == 0 || !before.is_glued()) && (name.at(last).is_end() || !name.at(last).is_glued());
+  const bool behind_word =
+      first > 0 && is_year(before) && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
+  return (first == 0 || !before.is_glued() || behind_word) && (name.at(last).is_end() || !name.at(last).is_glued());
 }
 
 std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {

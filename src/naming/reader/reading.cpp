@@ -50,14 +50,25 @@ std::vector<std::string_view> components(std::string_view path) {
   return found;
 }
 
+/// What the table says of the word behind the name's last dot; nothing where none may be an extension.
+std::uint32_t last_kinds(std::string_view name, std::size_t dot) {
+  if (dot == std::string_view::npos || dot == 0 || name.size() - dot > 9) return 0;
+  std::string word(name.substr(dot + 1));
+  for (char& byte : word) {
+    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
+  }
+  const std::size_t region = word.find('-');  // "pt-BR"
+  return find_word(region == 2 ? std::string_view(word).substr(0, region) : word).kinds;
+}
+
 std::string_view without_extension(std::string_view name) {
-  for (int i = 0; i < 2; ++i) {
+  bool subtitles = false;
+  for (int i = 0; i < 4; ++i) {
     const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0 || name.size() - dot > 9) break;
-    std::string extension(name.substr(dot + 1));
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char byte) { return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte + ('a' - 'A')) : byte; });
-    if ((find_word(extension).kinds & Extension) == 0) break;
+    const std::uint32_t kinds = last_kinds(name, dot);
+    const bool extension = i < 2 && (kinds & Extension) != 0;
+    if (!extension && !(subtitles && (kinds & (SubtitleWord | Language)) != 0)) break;
+    subtitles = subtitles || (kinds & SubtitleWord) != 0;
     name.remove_suffix(name.size() - dot);
   }
   return name;

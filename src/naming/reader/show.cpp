@@ -308,6 +308,11 @@ std::string group_name(const Name& name) {
 std::string title(const Name& name, std::size_t from) {
   Span span{from, from};
   while (!name.at(span.last).is_end() && !name.at(span.last).technical) ++span.last;
+  // "The.Title.GERMAN.1080p"
+  while (span.last > span.first + 1 && name.at(span.last - 1).is(Language | technical_kinds) &&
+         !name.at(span.last).is_end() && is_upper(name.written(name.at(span.last - 1)))) {
+    --span.last;
+  }
   return tidy(words_of(name, span, false));
 }
 
@@ -320,6 +325,8 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
     span = {numbers.last, numbers.last};  // "2011-04-18 - Show"
     while (!name.at(span.last).is_end() && !name.at(span.last).technical) ++span.last;
     title_from = span.last;
+    const bool is_time = span.last >= span.first + 3 && is_all_numbers(name, span);  // "2011-04-18 20-15-00"
+    if (is_time) span.last = span.first;
   }
   if (span.empty() && numbers.first == 0 && !numbers.absolute.empty() && name.at(0).size() >= 3) {
     span = {numbers.last, numbers.last};  // "003. Show - Title"

@@ -256,7 +256,13 @@ bool is_meaningless(const Name& name) {
   if (name.count() == 0) return true;
   const Token& second = name.at(1);
   // "IMG_1234", "VID_20240131_101112": cameras' names
-  if (name.at(0).is(CameraWord) && second.is_number() && second.size() >= 4 && !second.follows(Dash)) return true;
+  if (name.at(0).is(CameraWord) && second.is_number() && second.size() >= 2 && !second.follows_spaced_dash())
+    return true;
+
+  // "1001_20110418190000": recorders' names
+  const auto counts = [](const Token& token) { return token.is_number() || token.is_end(); };
+  const auto is_time = [](const Token& token) { return token.size() > 8; };
+  if (std::ranges::all_of(name.tokens, counts) && std::ranges::any_of(name.tokens, is_time)) return true;
   if (is_guid(name.lower)) return true;
   if (name.chunk_end(0) != name.count()) return false;
   const std::string_view lowered = name.lowered(0, name.count());

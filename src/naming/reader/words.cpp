@@ -103,12 +103,19 @@ constexpr Row rows[] = {
      Extension},
     {"dvd bd vol volume volumes disc disk cd band tome dvdrom", VolumeWord},
     {"sample samples proof", SampleWord},
+    {"ar bg bn bs ca cs cz da de el en es et eu fa fi fr gl gr gre he hi hr hu hun id is it ja jp ko lt lv mk ms nb nl "
+     "nn no "
+     "pb pl pt ro ru sk sl sq sr sv ta te th tl tr uk ur vi zh dut nld dan swe nor fin cze ces hun gre heb ara tur ukr "
+     "rum "
+     "ron bul hrv srp slv vie tha ind forced foreign sdh cc full default signs songs hans hant la",
+     SubtitleWord},
+    {"srt sub idx ass ssa smi vtt sup sbv", Extension | SubtitleWord},
     {"movie film gekijouban gekijoban", FilmWord},
     {"monday tuesday wednesday thursday friday saturday sunday mon tue tues wed thu thur thurs fri sat sun montag "
      "dienstag mittwoch donnerstag freitag samstag sonntag lundi mardi mercredi jeudi vendredi samedi dimanche on vom "
      "du",
      DateWord},
-    {"img imag dsc dscn dscf pict vid mvi pxl gopr cimg", CameraWord},
+    {"img imag dsc dscn dscf pict vid mvi pxl gopr cimg vts", CameraWord},
     {"end fin final finale fine 完 終 终 完结 完結 終了 最終話 最终话 最終回", EndWord},
     {"tv shows show series serie serien séries seriale video videos movies films film anime media downloads download "
      "completed complete incoming unsorted sorted new done data mnt srv home library shared torrents nas disk volume1 "
@@ -133,7 +140,7 @@ constexpr std::uint32_t hash(std::string_view text) {
   return value ^ value >> 15;
 }
 
-constexpr std::size_t slots = 2048;  // twice the words, so that few words collide
+constexpr std::size_t slots = 4096;  // twice the words, so that few words collide
 
 /// The rows' words, each once with all that they say of it, in a hash table made by the compiler.
 constexpr std::array<Word, slots> make_table() {

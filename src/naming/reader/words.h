@@ -32,12 +32,13 @@ enum WordKind : std::uint32_t {
   Extension = 1U << 22,
   VolumeWord = 1U << 23,  // a number behind it counts discs
   SampleWord = 1U << 24,
-  EndWord = 1U << 25,     // the last episode, as fan groups mark it
-  FolderWord = 1U << 26,  // a folder of that name says nothing of the show
-  Site = 1U << 27,        // and other advertisements
-  CameraWord = 1U << 28,  // a number behind it counts a camera's pictures
-  FilmWord = 1U << 29,    // a number behind it counts films
-  DateWord = 1U << 30,    // belongs to the date behind it
+  EndWord = 1U << 25,       // the last episode, as fan groups mark it
+  FolderWord = 1U << 26,    // a folder of that name says nothing of the show
+  Site = 1U << 27,          // and other advertisements
+  CameraWord = 1U << 28,    // a number behind it counts a camera's pictures
+  FilmWord = 1U << 29,      // a number behind it counts films
+  DateWord = 1U << 30,      // belongs to the date behind it
+  SubtitleWord = 1U << 31,  // between a name and its extension: what language subtitles are in, and for whom
 };
 
 inline constexpr std::uint32_t technical_kinds = Resolution | Source | Codec | Sound | Release | Site;
