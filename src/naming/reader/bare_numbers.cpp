@@ -67,8 +67,11 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   const bool pair = next.is_number() && next.size() >= 3 && next.size() == name.at(i).size() &&
                     next.number == list.front() + 1 && !next.technical && !next.follows_spaced_dash();  // "102.103"
   if (pair) {
-    list.push_back(next.number);
-    return i + 2;
+    std::size_t last = i + 1;
+    for (; name.at(last).is_number() && name.at(last).gap == next.gap && name.at(last).number == list.back() + 1;
+         ++last)
+      list.push_back(name.at(last).number);
+    return last;
   }
   // "Show - 05 - 06" is a range, "Show 2 - 05" is none.
   const Token& behind = name.at(i + 2);
@@ -209,6 +212,13 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
     numbers.certain = ambiguous                        ? false
                       : likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range
                                                        : list.size() > 1;
+  }
+  // "Show 01-05 Title": hardly five episodes of one title
+  const Token& behind = name.at(numbers.last);
+  const bool titled = behind.is_word() && !behind.technical && behind.gap == Blank && !behind.is(EndWord | Release);
+  if (list.size() > 2 && titled && !season && !fansub && token.size() <= 2 && name.at(best + 1).gap == Dash) {
+    numbers.certain = false;
+    numbers.other = OtherNumbers{.season = number, .episodes = {list.back()}, .absolute = {}, .date = {}};
   }
   if (is_decimal(name, best)) {  // a special between two episodes
     numbers.special = true;

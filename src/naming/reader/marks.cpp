@@ -122,6 +122,9 @@ std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
   if (season.size() > 2 && !is_year(season)) return {};
   const bool glued = name.at(i + 1).is_glued();
   const bool marked = name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).size() > 1;  // "1xE02"
+  const bool letter = name.is_word(i + 1, "e") && name.at(i + 1).is_glued() && episode.is_glued() &&
+                      episode.size() == 2 && season.size() <= 2;  // "2e05"
+  if (letter && episode.is_number()) return Mark{i, i + 3, season.number, true};
   if ((!is_cross(name, i + 1) && !marked) || !episode.is_number() || episode.technical || episode.size() > 4) return {};
   if (glued && episode.is_glued()) return Mark{i, i + 3, season.number, episode.size() == 1};
   if (name.at(i + 1).gap == Blank && episode.gap == Blank && episode.size() == 2)
@@ -202,7 +205,9 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     if (title && token.number - last > longest_with_title) return {};
     return More{at + 1, token.number, true};
   }
-  if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && token.size() > 1 && token.size() == before.size()) {
+  if (behind.is_number() && is_year(name.at(at + 2)) && behind.gap == name.at(at + 2).gap) return {};  // a date
+  const bool said = i > 1 && name.at(i - 2).is(EpisodeWord) && token.number == last + 1;  // "Episode 5 - 6"
+  if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && (token.size() > 1 || said) && token.size() == before.size()) {
     if (behind.follows(Dash) || behind.is_end() || behind.technical || behind.follows(Open | Close))
       return More{at + 1, token.number, true};
   }

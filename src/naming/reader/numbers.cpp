@@ -117,6 +117,17 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
     return set(search, numbers, 0, 2, season.number, episode.number, true);
+  const bool short_season = season.is_number() && !season.technical && season.size() <= 2;
+  // "Episode #1.5"
+  if (short_season && season.follows(Hash) && episode.is_number() && episode.gap == Dot && episode.size() <= 2)
+    return set(search, numbers, i > 0 && name.at(i - 1).is(EpisodeWord) ? i - 1 : i, i + 2, season.number,
+               episode.number, true);
+  // "Show 1.02 Title", where dots do not stand for blanks.
+  if (short_season && (i == 0 || season.gap == Blank) && episode.is_number() && !episode.technical &&
+      episode.gap == Dot && episode.size() == 2 && name.stands_alone(i + 1) &&
+      (next.follows(Blank) || (next.is_end() && i > 0))) {
+    return set(search, numbers, i, i + 2, season.number, episode.number, false);
+  }
   const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
                       episode.is_number() && episode.size() == 2 && episode.follows_spaced_dash() &&
                       next.follows_spaced_dash() && !next.is_end();

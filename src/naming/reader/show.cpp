@@ -226,10 +226,19 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       break;
     }
   }
-  // "03-Show.5x03": the episode's number in front once more.
+  // "03-Show.5x03", "01 - Show - 5x03", "01. Show 5x03": the episode's number once more, or a place in a list
   const Token& front = name.at(span.first);
-  if (numbers.season && !numbers.episodes.empty() && front.is_number() && span.last > span.first + 1 &&
-      front.number == numbers.episodes.front() && name.at(span.first + 1).follows(Dash)) {
+  if (numbers.season && !numbers.episodes.empty() && front.is_number() && span.last > span.first + 1) {
+    const Token& second = name.at(span.first + 1);
+    const bool padded = front.size() == 2 && name.written(front).front() == '0';
+    const bool apart = second.follows_spaced_dash() || second.gap == (Dot | Blank);
+    if ((front.number == numbers.episodes.front() && second.follows(Dash)) || (padded && apart)) ++span.first;
+  }
+  // "(2004) Show"
+  const Group* const dated = group_of(name, span.first);
+  if (dated != nullptr && dated->first == span.first && dated->last == span.first + 1 && is_year(name.at(span.first)) &&
+      span.last > dated->last) {
+    reading.year = name.at(span.first).number;
     ++span.first;
   }
   // "01. S02E05": a place in a list.
