@@ -1,0 +1,197 @@
+#include "naming/reader/season_rules.h"
+
+#include "naming/reader/bare_numbers.h"
+#include "naming/reader/dates.h"
+
+namespace quorvel::reader {
+
+bool set(const Search& search, Numbers& numbers, std::size_t first, std::size_t next, std::optional<int> season,
+         int episode, bool certain) {
+  std::vector<int>& list = season ? numbers.episodes : numbers.absolute;
+  list = {episode};
+  numbers.first = first;
+  numbers.last = more_episodes(search.name, next, season, list);
+  numbers.season = season;
+  numbers.certain = certain;
+  return true;
+}
+
+bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.is_word(i + 2, "e") && name.at(i + 3).is_number() &&
+      name.at(i + 1).follows(Blank | Dot) && name.at(i + 3).follows(Blank | Dot)) {  // "S 01 E 02"
+    return set(search, numbers, i, i + 4, name.at(i + 1).number, name.at(i + 3).number, true);
+  }
+  if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.at(i + 1).size() <= 2 &&
+      name.at(i + 2).is(EpisodeWord)) {
+    const std::optional<Mark> episode = episode_at(name, i + 2);  // "S 1 - Ep 02"
+    if (episode) return set(search, numbers, i, episode->last, name.at(i + 1).number, episode->number, true);
+  }
+  const std::optional<Mark> season = season_at(name, i);
+  if (!season || (season->weak && name.at(i + 1).follows(Dash))) return false;
+  std::size_t next = season->last;
+  const bool cross = name.is_word(next, "x");
+  if (cross && season->weak) return false;
+  if (cross) ++next;
+  if (name.at(next).is(AndWord) && !name.at(next).is(EpisodeLetter)) ++next;
+  const std::optional<Mark> episode = episode_at(name, next);
+  if (episode) {
+    if (season->weak && name.at(i).is(SeasonLetter) && name.at(next).is(EpisodeLetter) && !name.at(next).is_glued())
+      return false;
+    return set(search, numbers, i, episode->last, season->number, episode->number, true);
+  }
+  const Token& number = name.at(next);
+  // "1 сезон: 1-8 серии"
+  if (!season->weak && number.is_number() && name.at(next + 1).is_number() && name.at(next + 1).gap == Dash &&
+      name.at(next + 2).is(EpisodeWord)) {
+    return set(search, numbers, i, next + 1, season->number, number.number, true);
+  }
+  // "S01F02" is German, "T1C2" Spanish.
+  const bool letters =
+      (name.is_word(i, "s") && name.is_word(next, "f")) || (name.is_word(i, "t") && name.is_word(next, "c"));
+  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number() && name.at(next + 1).is_glued() &&
+      name.at(next + 1).size() <= 3) {
+    return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
+  }
+  if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
+  return set(search, numbers, i, next + 1, season->number, number.number, true);
+}
+
+bool glued_to_the_show(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token& season = name.at(i);
+  if (i == 0 || !season.is_number() || !season.is_glued() || season.size() > 2) return false;
+  const Token& before = name.at(i - 1);
+  if (!before.is_word() || !name.lowered(before).ends_with('s')) return false;
+  const std::optional<Mark> episode = episode_at(name, i + 1);
+  if (!episode || !name.at(i + 1).is_glued() || !name.at(i + 1).is(EpisodeLetter)) return false;
+  set(search, numbers, i, episode->last, season.number, episode->number, true);
+  numbers.letters_before = 1;
+  return true;
+}
+
+bool crossed(const Search& search, std::size_t i, Numbers& numbers) {
+  const std::optional<Mark> mark = crossed_at(search.name, i);
+  if (!mark || mark->weak) return false;
+  const Token& day = search.name.at(mark->last);  // "2011x04.18"
+  const Date shown{mark->number, search.name.at(mark->last - 1).number, day.number};
+  if (is_year(search.name.at(i)) && day.is_number() && day.gap == Dot && day.size() == 2 && is_date(shown)) {
+    numbers.first = i;
+    numbers.last = mark->last + 1;
+    numbers.date = shown;
+    numbers.certain = true;
+    return true;
+  }
+  return set(search, numbers, i, mark->last, mark->number, search.name.at(mark->last - 1).number, true);
+}
+
+bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token &season = name.at(i), &episode = name.at(i + 1), &next = name.at(i + 2);
+  // "Season 2/2.05 Title"
+  const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
+  if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
+    return set(search, numbers, 0, 2, season.number, episode.number, true);
+  const bool short_season = season.is_number() && !season.technical && season.size() <= 2;
+  // "Episode #1.5"
+  if (short_season && season.follows(Hash) && episode.is_number() && episode.gap == Dot && episode.size() <= 2)
+    return set(search, numbers, i > 0 && name.at(i - 1).is(EpisodeWord) ? i - 1 : i, i + 2, season.number,
+               episode.number, true);
+  // "Show 1.02 Title", where dots do not stand for blanks.
+  if (short_season && (i == 0 || season.gap == Blank) && episode.is_number() && !episode.technical &&
+      episode.gap == Dot && episode.size() == 2 && name.stands_alone(i + 1) &&
+      (next.follows(Blank) || (next.is_end() && i > 0))) {
+    return set(search, numbers, i, i + 2, season.number, episode.number, false);
+  }
+  const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
+                      episode.is_number() && episode.size() == 2 && episode.follows_spaced_dash() &&
+                      next.follows_spaced_dash() && !next.is_end();
+  if (dashed && !starts_with_group(name)) return set(search, numbers, i, i + 2, season.number, episode.number, false);
+  if (!season.is_number() || season.technical || season.size() > 2 || !season.follows(Dash | Open)) return false;
+  if (!episode.is_number() || episode.technical || episode.gap != Dot || episode.size() != 2) return false;
+  if (starts_with_group(name) || (!next.follows(Dash | Close) && !next.is_end()) || !name.stands_alone(i + 1))
+    return false;
+  return set(search, numbers, i, i + 2, season.number, episode.number, false);
+}
+
+bool barely_crossed(const Search& search, std::size_t i, Numbers& numbers) {
+  const std::optional<Mark> mark = crossed_at(search.name, i);
+  if (!mark || !search.name.stands_alone(mark->last - 1)) return false;
+  return set(search, numbers, i, mark->last, mark->number, search.name.at(mark->last - 1).number, false);
+}
+
+bool packed(const Search& search, std::size_t i, Numbers& numbers) {
+  const Token& number = search.name.at(i + 1);
+  if (!search.name.is_word(i, "s") || !number.is_number() || !number.is_glued() || number.size() != 4 ||
+      is_year(number)) {
+    return false;
+  }
+  return set(search, numbers, i, i + 2, number.number / 100, number.number % 100, true);
+}
+
+bool episode_and_season(const Search& search, std::size_t i, Numbers& numbers) {
+  const std::optional<Mark> episode = episode_at(search.name, i);
+  if (!episode) return false;
+  std::size_t next = episode->last;
+  if (search.name.at(next).is(OfWord)) ++next;
+  const std::optional<Mark> season = season_at(search.name, next);
+  if (!season) return false;
+  set(search, numbers, i, season->last, season->number, episode->number, true);
+  return true;
+}
+
+bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const std::optional<Mark> season = season_at(name, i);
+  if (!season || (season->weak && (name.at(i).is(SeasonLetter) || starts_with_group(name)))) return false;
+  const Token& number = name.at(season->last);
+  if (!number.is_number() || number.technical || number.is_glued() || is_year(number) || number.size() > 4)
+    return false;
+  // "Season 1-3" is three seasons.
+  const bool apart = number.follows(Dash | Open) && number.gap != Dash;
+  if (!name.stands_alone(season->last) || (number.size() == 1 && !apart)) return false;
+  if (name.at(season->last + 1).is(OfWord)) return false;
+  const bool spaced_dash = number.follows_spaced_dash();
+  if (number.size() == 4 && !spaced_dash)
+    return set(search, numbers, season->last, season->last + 1, {}, number.number, false);
+  if (season->weak && (!spaced_dash || !name.at(i + 1).follows(Blank | Dot))) return false;
+  return set(search, numbers, i, season->last + 1, season->number, number.number, true);
+}
+
+bool said_twice(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token &number = name.at(i), &again = name.at(i + 1);
+  if (!number.is_number() || number.technical || number.number < 100 || number.size() > 4) return false;
+  if (!again.is_number() || !again.follows(Open) || !name.at(i + 2).follows(Close) || again.size() != 2) return false;
+  if (number.number % 100 != again.number || is_year(number)) return false;
+  return set(search, numbers, i, i + 2, number.number / 100, again.number, true);
+}
+
+bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token &number = name.at(i), &next = name.at(i + 1);
+  if (!number.is_number() || number.technical) return false;
+  const int first = number.number / 100 % 100, second = number.number % 100;
+  if (number.size() == 5 && i > 0 && !number.is_glued() && second == first + 1 && name.stands_alone(i)) {
+    numbers.first = i;
+    numbers.last = i + 1;
+    numbers.season = number.number / 10000;
+    numbers.episodes = {first, second};
+    return true;
+  }
+  const bool padded = number.size() == 1 && next.size() == 2 && name.written(next).front() == '0';
+  const bool starts = i == 0 || !number.is_glued();
+  const bool fits = search.around.season.value_or(number.number) == number.number;
+  if (padded && next.is_number() && next.gap == Dash && starts && fits && !starts_with_group(name)) {
+    return set(search, numbers, i, i + 2, number.number, next.number, search.around.season.has_value());
+  }
+  if (i > 0 || number.size() != 2 || next.gap != Dash || !next.is_number() || next.technical || next.size() != 2)
+    return false;
+  if (number.number <= next.number || search.around.season || !name.stands_alone(1)) return false;
+  numbers.last = 2;
+  numbers.season = number.number;
+  numbers.episodes = {next.number};
+  return true;
+}
+
+}  // namespace quorvel::reader
