@@ -12,9 +12,10 @@ namespace {
 constexpr std::size_t piece = 65536;
 
 std::string for_people(const std::string& name, const Reading& reading) {
-  if (!reading.has_numbers()) return name + ": no episode\n";
-  return name + ": " + show_text(reading) + ", " + number_text(reading) + (reading.special ? ", special" : "") +
-         (reading.certain ? "" : " (not certain)") + "\n";
+  if (!reading.names_episode()) return name + ": no episode\n";
+  return name + ": " + show_text(reading) + ", " + number_text(reading) +
+         (reading.special && reading.has_numbers() ? ", special" : "") + (reading.certain ? "" : " (not certain)") +
+         "\n";
 }
 
 std::string for_programs(const std::string& name, const Reading& reading) {

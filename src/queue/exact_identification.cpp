@@ -45,7 +45,7 @@ Identified ExactIdentification::identify(QueueItem& item, const Reached& reached
   lookup_.begin_item(settings_.nocache || item.look_up_anew);
   const auto failed = [&](const std::string& what, const StageResult& stage) {
     const std::string read_as =
-        item.reading && item.reading->has_numbers() ? "\r\nRead as: " + reading_text(*item.reading) : "";
+        item.reading && item.reading->names_episode() ? "\r\nRead as: " + reading_text(*item.reading) : "";
     return Identified{Identified::Failed, what + ": " + item.filename, what + read_as + stage.line()};
   };
   reached(QueueState::Scanning);
@@ -65,7 +65,7 @@ Identified ExactIdentification::identify(QueueItem& item, const Reached& reached
 bool ExactIdentification::read(QueueItem& item) {
   item.reading = read_name(item.path);
   const Reading& reading = *item.reading;
-  if (!reading.has_numbers() || (reading.show.empty() && !show_of_all)) return false;
+  if (!reading.names_episode() || (reading.show.empty() && !show_of_all)) return false;
   log_.debug_log("Read " + item.filename + " as " + reading_text(reading), LogLevel::Verbose);
   item.search_name = exceptions_.replacement(reading.show).value_or(reading.show);
   return true;

@@ -17,7 +17,7 @@ std::string skip_name(int message) {
 /// What else is known of how the item came to its name.
 std::string remarks(const QueueItem& item) {
   std::string text;
-  if (item.reading && item.reading->has_numbers()) {
+  if (item.reading && item.reading->names_episode()) {
     text = "Read as: " + show_text(*item.reading) + ", " + number_text(*item.reading) +
            (item.reading->certain ? "" : " (not certain)");
   }

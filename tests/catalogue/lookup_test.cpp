@@ -83,7 +83,8 @@ TEST_F(LookupTest, AShowIsChosenByNameYearCountryAndWhatItHasAndNeverGuessed) {
       {"The.Bureau.2005.S09E01.mkv", "The listings of The Bureau have no episode 9x1"},
       {"Nobody.Knows.This.S01E01.mkv", "The service knows no show \"Nobody Knows This\""},
       {"The.Bureau.2005.03.24.mkv", "2:Pilot"},
-      {"The.Bureau.US.S00E02.mkv", "2:Christmas"}};
+      {"The.Bureau.US.S00E02.mkv", "2:Christmas"},
+      {"The Bureau (US)/Specials/Behind It.mkv", "2:Behind It"}};
   for (const auto& [path, expected] : rows) EXPECT_EQ(found(path), expected) << path;
 }
 

@@ -202,7 +202,7 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
                      (behind.gap == Blank || behind.gap == Dot || behind.gap == Dash);
   constexpr int longest_with_title = 6;  // "S01E02-24 Hours"
   if (gap == Dash && (token.size() > 1 || before.size() == 1)) {
-    if (title && token.number - last > longest_with_title) return {};
+    if (title && !before.follows(Dash) && token.number - last > longest_with_title) return {};
     return More{at + 1, token.number, true};
   }
   if (behind.is_number() && is_year(name.at(at + 2)) && behind.gap == name.at(at + 2).gap) return {};  // a date

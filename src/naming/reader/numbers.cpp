@@ -91,7 +91,8 @@ bool part(const Search& search, std::size_t i, Numbers& numbers) {
   if ((number.gap & ~(Blank | Dot | Dash)) != 0 || !name.stands_alone(i + 1)) return false;
   if (i < search.last_year) return false;                          // a film's
   if (name.at(i).group >= 0 && !search.in_brackets) return false;  // of a title, where a better number stands
-  set(search, numbers, i, i + 2, search.around.season.value_or(1), number.number, true);
+  const int season = search.around.season.value_or(1);
+  set(search, numbers, i, i + 2, season, number.number, season > 0);  // "Specials/Making Of Part 2"
   numbers.part = number.number;
   return true;
 }

@@ -7,6 +7,7 @@
 #include "naming/reader/marks.h"
 #include "naming/reader/numbers.h"
 #include "naming/reader/show.h"
+#include "naming/reader/specials.h"
 #include "naming/reader/technical.h"
 
 namespace quorvel {
@@ -224,7 +225,11 @@ Reading read_name(std::string_view path) {
     if (const Reading of_folder = read_folder(parts); of_folder.certain && speaks_for(of_folder, reading))
       reading = of_folder;
   }
-  if (!reading.has_numbers()) return {};
+  if (!reading.has_numbers()) {
+    reading = {};
+    if (!is_meaningless(file)) read_special(file, around.season == 0, reading);
+    if (!reading.special) return {};
+  }
   for (const Folder& folder : folders) {
     if (!reading.show.empty()) break;
     const bool season_alone = folder.season && folder.season->first == 0 &&

@@ -22,7 +22,8 @@ struct OtherNumbers {
   bool operator==(const OtherNumbers&) const = default;
 };
 
-/// What is not said is empty. A name without season and episodes, absolute numbers and date names no episode.
+/// What is not said is empty. A name without season and episodes, absolute numbers and date names no episode, unless it
+/// is a special that only its title tells of.
 struct Reading {
   std::string show;           // as it is written, with blanks between the words; without year and country
   std::optional<int> year;    // behind the show's name
@@ -37,6 +38,8 @@ struct Reading {
   bool certain = false;                                  // no other reading of the numbers is likely
   std::optional<OtherNumbers> other;  // where one is, and only one: what to try when these do not fit
 
+  /// Whether there is anything to look an episode up by.
+  bool names_episode() const { return has_numbers() || (special && !episode_title.empty()); }
   bool has_numbers() const { return !episodes.empty() || !absolute.empty() || date.has_value(); }
 };
 

@@ -19,6 +19,7 @@ std::string number_text(const Reading& reading) {
   add_list("episode", reading.episodes);
   add_list("absolute number", reading.absolute);
   if (reading.date) add(date_text(*reading.date));
+  if (text.empty() && reading.special) add("the special \"" + reading.episode_title + "\"");
   return text;
 }
 

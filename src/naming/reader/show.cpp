@@ -314,7 +314,13 @@ std::string group_name(const Name& name) {
   return std::string(name.text.substr(name.at(first).begin, last.end - name.at(first).begin));
 }
 
-std::string title(const Name& name, std::size_t from) {
+}  // namespace
+
+std::string plain_text(const Name& name, std::size_t first, std::size_t last) {
+  return tidy(words_of(name, {first, last}, false));
+}
+
+std::string plain_title(const Name& name, std::size_t from) {
   Span span{from, from};
   while (!name.at(span.last).is_end() && !name.at(span.last).technical) ++span.last;
   // "The.Title.GERMAN.1080p"
@@ -324,8 +330,6 @@ std::string title(const Name& name, std::size_t from) {
   }
   return tidy(words_of(name, span, false));
 }
-
-}  // namespace
 
 void read_surroundings(const Name& name, const Numbers& numbers, Reading& reading) {
   Span span = show_span(name, numbers, reading);
@@ -362,7 +366,7 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
   reading.resolution = first_of_kind(name, Resolution);
   reading.source = first_of_kind(name, Source);
   reading.group = group_name(name);
-  if (numbers.found()) reading.episode_title = title(name, title_from);
+  if (numbers.found()) reading.episode_title = plain_title(name, title_from);
 }
 
 void read_show_folder(const Name& name, Reading& reading) {
