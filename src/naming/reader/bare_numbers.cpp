@@ -194,10 +194,11 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   numbers.last = range_end(name, best, list);
   const bool padded = token.size() >= 2 && name.written(token).front() == '0';
   const bool range = list.size() > 1 && name.at(best + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
+  const bool one_season = list.back() / 100 == number / 100;
   // "Show - 210-211"; fan groups count over all seasons, and brackets are theirs.
-  const bool ambiguous = can_split(token) && list.back() / 100 == number / 100 && !season && !fansub && !padded &&
-                         (list.size() == 1 || name.groups.empty());
-  if (!fansub && !range && splits(name, best, season)) {
+  const bool ambiguous =
+      can_split(token) && one_season && !season && !fansub && !padded && (list.size() == 1 || name.groups.empty());
+  if (!fansub && !range && one_season && splits(name, best, season)) {
     numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = list, .date = {}};
     season = number / 100;
     for (int& each : list) each %= 100;

@@ -73,6 +73,8 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
       for (int next = numbers.absolute.back() + 1; next <= to.number; ++next) numbers.absolute.push_back(next);
       ++numbers.last;
     }
+    const std::size_t beyond = std::erase_if(numbers.absolute, [&](int each) { return each / 100 != number / 100; });
+    numbers.certain = beyond == 0;  // a range does not go on in the next season
     for (int& each : numbers.absolute) each %= 100;
     numbers.episodes.swap(numbers.absolute);
     numbers.season = season;
