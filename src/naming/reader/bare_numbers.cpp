@@ -8,8 +8,8 @@ namespace quorvel::reader {
 namespace {
 
 // How much a place looks like an episode's number.
-constexpr int none = 0, glued = 20, within = 30, leading = 45, trailing = 60, before_dash = 65, set_apart = 80,
-              in_list = 82, bracketed = 90, dashed = 100;
+constexpr int none = 0, glued = 20, within = 30, leading = 45, trailing = 60, titled = 64, before_dash = 65,
+              set_apart = 80, in_list = 82, bracketed = 90, dashed = 100;
 constexpr int stands_out = set_apart;
 
 bool is_decimal(const Name& name, std::size_t i) {
@@ -105,7 +105,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   } else if (token.group >= 0) {
     value = none;
   } else if (token.follows(Dash) && token.follows(Blank | Dot | Close)) {
-    value = ends || dash_follows ? dashed : next.follows(Blank | Dot) ? set_apart : within;
+    value = ends || dash_follows ? dashed : !next.follows(Blank | Dot) ? within : wide ? set_apart : titled;
   } else if (token.follows(Dash)) {
     value = !wide ? none : ends || dash_follows ? trailing : within;
   } else if (i == 0) {

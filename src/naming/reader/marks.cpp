@@ -118,7 +118,9 @@ std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
   const Token& season = name.at(i);
   const Token& episode = name.at(i + 2);
   if (!season.is_number() || season.technical) return {};
-  if (i > 0 && season.is_glued()) return {};
+  // "grp-sr1x02"
+  const bool behind_word = i > 0 && season.is_glued();
+  if (behind_word && (!name.at(i - 1).is_word() || episode.size() != 2)) return {};
   if (season.size() > 2 && !is_year(season)) return {};
   const bool glued = name.at(i + 1).is_glued();
   const bool marked = name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).size() > 1;  // "1xE02"
@@ -126,7 +128,7 @@ std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
                       episode.size() == 2 && season.size() <= 2;  // "2e05"
   if (letter && episode.is_number()) return Mark{i, i + 3, season.number, true};
   if ((!is_cross(name, i + 1) && !marked) || !episode.is_number() || episode.technical || episode.size() > 4) return {};
-  if (glued && episode.is_glued()) return Mark{i, i + 3, season.number, episode.size() == 1};
+  if (glued && episode.is_glued()) return Mark{i, i + 3, season.number, episode.size() == 1 || behind_word};
   if (name.at(i + 1).gap == Blank && episode.gap == Blank && episode.size() == 2)
     return Mark{i, i + 3, season.number, true};
   return {};

@@ -174,6 +174,14 @@ struct Folder {
   std::optional<Mark> season;
 };
 
+/// "Season 1", "Season 1 - Beginnings", "S01 [1080p]", "S01E02": a folder that says nothing of the show
+bool is_season_alone(const Folder& folder) {
+  if (!folder.season || folder.season->first > 0) return false;
+  const Token& next = folder.name.at(folder.season->last);
+  return next.is_end() || next.technical || next.follows_spaced_dash() || next.follows(Open) ||
+         episode_at(folder.name, folder.season->last);
+}
+
 /// How many tokens of the file's name repeat the name of a folder up to its year or season:
 /// "11.22.63/11.22.63.102.avi".
 std::size_t repeated(const Folder& folder, const Name& file) {
@@ -232,10 +240,7 @@ Reading read_name(std::string_view path) {
   }
   for (const Folder& folder : folders) {
     if (!reading.show.empty()) break;
-    const bool season_alone = folder.season && folder.season->first == 0 &&
-                              (folder.season->last == folder.name.count() ||
-                               folder.name.at(folder.season->last).follows_spaced_dash());  // "Season 1 - Beginnings"
-    if (season_alone || is_generic(folder.name)) continue;
+    if (is_season_alone(folder) || is_generic(folder.name)) continue;
     read_show_folder(folder.name, reading);
   }
   return reading;

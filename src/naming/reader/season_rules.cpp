@@ -92,6 +92,17 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
     return set(search, numbers, 0, 2, season.number, episode.number, true);
+  // "Season 12/12 - 02 Title", but not "Season 2/02-03 Title"
+  const bool both = in_season && season.size() == 2 && episode.is_number() && episode.size() == 2 &&
+                    !episode.technical && (episode.gap & ~Blank) == Dash && name.stands_alone(1) &&
+                    episode.number != season.number + 1;
+  if (both) {
+    numbers.certain = episode.number < season.number;
+    numbers.last = 2;
+    numbers.season = season.number;
+    numbers.episodes = {episode.number};
+    return true;
+  }
   const bool short_season = season.is_number() && !season.technical && season.size() <= 2;
   // "Episode #1.5"
   if (short_season && season.follows(Hash) && episode.is_number() && episode.gap == Dot && episode.size() <= 2)
@@ -117,7 +128,10 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
 bool barely_crossed(const Search& search, std::size_t i, Numbers& numbers) {
   const std::optional<Mark> mark = crossed_at(search.name, i);
   if (!mark || !search.name.stands_alone(mark->last - 1)) return false;
-  return set(search, numbers, i, mark->last, mark->number, search.name.at(mark->last - 1).number, false);
+  const Token& next = search.name.at(mark->last);
+  const bool apart = next.is_end() || next.technical || next.follows(Dash | Open | Close);
+  const bool certain = (apart && !search.name.at(i).is_glued()) || search.around.season == mark->number;
+  return set(search, numbers, i, mark->last, mark->number, search.name.at(mark->last - 1).number, certain);
 }
 
 bool packed(const Search& search, std::size_t i, Numbers& numbers) {

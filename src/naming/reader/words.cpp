@@ -117,7 +117,8 @@ constexpr Row rows[] = {
      DateWord},
     {"img imag dsc dscn dscf pict vid mvi pxl gopr cimg vts", CameraWord},
     {"end fin final finale fine 完 終 终 完结 完結 終了 最終話 最终话 最終回", EndWord},
-    {"tv shows show series serie serien séries seriale video videos movies films film anime media downloads download "
+    {"miniseries minisodes tv shows show series serie serien séries seriale video videos movies films film anime media "
+     "downloads download "
      "completed complete incoming unsorted sorted new done data mnt srv home library shared torrents nas disk volume1 "
      "users public desktop documents extras extra featurettes season seasons tvshows tv-shows test tmp dvd",
      FolderWord},
