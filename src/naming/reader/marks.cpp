@@ -98,7 +98,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
     return {};
   const Token& word = name.at(at + 1);
-  if (is_total(name, at)) return {};
+  if (is_total(name, at) || (at > 0 && name.at(at - 1).is(OfWord) && name.at(at).is_glued())) return {};
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
@@ -157,7 +157,7 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   if (first.is_end() || first.technical) return {};
   std::uint16_t gap = first.gap;
   bool joined = first.follows(Plus | Comma), range = first.follows(Dash | Tilde);
-  if (first.is(AndWord | ToWord) && first.is_word() && !first.is(EpisodeLetter) && first.follows(Blank | Dot)) {
+  if (first.is(AndWord | ToWord) && first.is_word() && !first.is(EpisodeLetter) && first.follows(Blank | Dot | Dash)) {
     joined = true;
     range = first.is(ToWord);
     ++at;

@@ -91,7 +91,10 @@ bool part(const Search& search, std::size_t i, Numbers& numbers) {
   if (!name.at(i).is(PartWord) || number.is_end() || number.technical || number.size() > 9) return false;
   if ((!number.is_number() && !number.is(NumberWord)) || number.number == 0 || number.number > 99) return false;
   if ((number.gap & ~(Blank | Dot | Dash)) != 0 || !name.stands_alone(i + 1)) return false;
-  if (i < search.last_year) return false;                          // a film's
+  if (i < search.last_year) return false;  // a film's
+  for (std::size_t before = 0; before < i; ++before) {
+    if (name.at(before).is(ExtraWord)) return false;  // "Deleted Scenes Part 2"
+  }
   if (name.at(i).group >= 0 && !search.in_brackets) return false;  // of a title, where a better number stands
   const int season = search.around.season.value_or(1);
   set(search, numbers, i, i + 2, season, number.number, season > 0);  // "Specials/Making Of Part 2"

@@ -242,8 +242,9 @@ namespace {
 
 /// "3f2504e0-4f89-41d3-9a0c-0305e82c3301"
 bool is_guid(std::string_view lowered) {
-  if (lowered.size() != 36) return false;
-  for (std::size_t i = 0; i < lowered.size(); ++i) {
+  constexpr std::size_t size = 36, longest = 40;
+  if (lowered.size() < size || lowered.size() > longest) return false;
+  for (std::size_t i = 0; i < size; ++i) {
     const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
     if (dash ? lowered[i] != '-' : !is_hexadecimal(lowered.substr(i, 1))) return false;
   }
@@ -258,13 +259,17 @@ bool is_meaningless(const Name& name) {
   // "IMG_1234", "VID_20240131_101112": cameras' names
   if (name.at(0).is(CameraWord) && second.is_number() && second.size() >= 2 && !second.follows_spaced_dash())
     return true;
-
   // "1001_20110418190000": recorders' names
   const auto counts = [](const Token& token) { return token.is_number() || token.is_end(); };
   const auto is_time = [](const Token& token) { return token.size() > 8; };
   if (std::ranges::all_of(name.tokens, counts) && std::ranges::any_of(name.tokens, is_time)) return true;
   if (is_guid(name.lower)) return true;
-  if (name.chunk_end(0) != name.count()) return false;
+  for (std::size_t i = 0, end = 0; i < name.count(); i = end) {
+    end = name.chunk_end(i);
+    constexpr std::uint32_t shortest = 10;  // of several random words
+    const bool random = end > i + 1 && name.at(end - 1).end - name.at(i).begin >= shortest;
+    if (end - i != name.count() && !random) return false;
+  }
   const std::string_view lowered = name.lowered(0, name.count());
   std::size_t digits = 0, changes = 0;
   for (std::size_t i = 0; i < lowered.size(); ++i) {
@@ -273,7 +278,9 @@ bool is_meaningless(const Name& name) {
     if (i > 0 && digit != (lowered[i - 1] >= '0' && lowered[i - 1] <= '9')) ++changes;
   }
   if (lowered.size() >= 10 && digits > 0 && digits < lowered.size() && is_hexadecimal(lowered)) return true;
-  return lowered.size() >= 16 && changes >= 5;
+  // "harbourlightss01e02e03" has pairs of digits only.
+  const auto is_pair = [](const Token& token) { return !token.is_number() || token.size() == 2; };
+  return lowered.size() >= 16 && changes >= 5 && !std::ranges::all_of(name.tokens, is_pair);
 }
 
 }  // namespace quorvel::reader

@@ -36,7 +36,7 @@ constexpr Row rows[] = {
     {"part parts pt pts parte partie teil deel osa del часть част část rész", PartWord},
     {"special specials sp ova ovas oav oavs oad oads ona onas spécial especial extra bonus", SpecialWord},
     {"ncop nced nced1 ncop1 op ed opening ending pv pvs cm menu menus trailer trailers preview teaser promo creditless "
-     "clean interview featurette",
+     "clean interview featurette featurettes bonus deleted outtakes bloopers",
      ExtraWord},
     {"january february march april may june july august september october november december", MonthName, 1},
     {"jan feb mar apr mai jun jul aug sep oct nov dec", MonthName, 1},
