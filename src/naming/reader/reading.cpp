@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <utility>
 
+#include "naming/reader/dates.h"
 #include "naming/reader/marks.h"
 #include "naming/reader/numbers.h"
 #include "naming/reader/show.h"
@@ -182,6 +184,31 @@ bool is_season_alone(const Folder& folder) {
          episode_at(folder.name, folder.season->last);
 }
 
+/// A folder of a season or a year.
+bool is_part_of_show(const Folder& folder) {
+  return is_season_alone(folder) || (folder.name.count() == 1 && is_year(folder.name.at(0)));
+}
+
+/// The show, with year and country, of the nearest folder that is named after one.
+Reading show_of(std::span<const Folder> folders) {
+  Reading reading;
+  for (const Folder& folder : folders) {
+    if (!reading.show.empty()) break;
+    if (!is_season_alone(folder) && !is_generic(folder.name)) read_show_folder(folder.name, reading);
+  }
+  return reading;
+}
+
+/// Whether the last word of a file's show is made of the first letters of the folder's: "sr", "able sr".
+bool abbreviates(std::string_view show, std::string_view whole) {
+  std::string letters;
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    if (i > 0 && whole[i - 1] != ' ') continue;
+    letters += whole[i] >= 'A' && whole[i] <= 'Z' ? static_cast<char>(whole[i] + ('a' - 'A')) : whole[i];
+  }
+  return letters.size() > 1 && is_short_for_more(show) && show.substr(show.rfind(' ') + 1) == letters;
+}
+
 /// How many tokens of the file's name repeat the name of a folder up to its year or season:
 /// "11.22.63/11.22.63.102.avi".
 std::size_t repeated(const Folder& folder, const Name& file) {
@@ -238,10 +265,15 @@ Reading read_name(std::string_view path) {
     if (!is_meaningless(file)) read_special(file, around.season == 0, reading);
     if (!reading.special) return {};
   }
-  for (const Folder& folder : folders) {
-    if (!reading.show.empty()) break;
-    if (is_season_alone(folder) || is_generic(folder.name)) continue;
-    read_show_folder(folder.name, reading);
+  // "Show/2011/2011-04-18 - Title"
+  const bool date_first = numbers.date && reading.date == numbers.date && numbers.first == 0;
+  const bool only_title = date_first && !folders.empty() && is_part_of_show(folders.front());
+  const Reading above = show_of(std::span(folders).subspan(only_title ? 1 : 0));
+  if (only_title && !above.show.empty()) reading.episode_title = std::exchange(reading.show, {});
+  if (reading.show.empty() || abbreviates(reading.show, above.show)) {
+    reading.show = above.show;
+    if (above.year) reading.year = above.year;
+    if (!above.country.empty()) reading.country = above.country;
   }
   return reading;
 }
