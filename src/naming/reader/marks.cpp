@@ -48,7 +48,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   if (token.is(SeasonLetter) && next.is_number() && next.is_glued() && next.size() <= 4) {
     return Mark{i, i + 2, next.number, !name.is_word(i, "s")};
   }
-  if (token.is(SeasonWord) && !next.is_end() && next.size() <= 4 && is_value(next, next.follows(Blank | Dot)) &&
+  if (token.is(SeasonWord) && !next.is_end() && is_value(next, next.follows(Blank | Dot)) &&
       (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
       (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && !next.follows_spaced_dash()) {
     const bool counted_behind = !is_ascii(name.lowered(token)) && i > 0 && name.at(i - 1).is_number();

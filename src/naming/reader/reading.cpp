@@ -122,7 +122,8 @@ std::string reversed(std::string_view text) {
 /// "vkm.p027.20E10S.wohS": what only makes sense when read from the end.
 bool is_backward(const Name& name) {
   for (std::size_t i = 0; i + 3 < name.count(); ++i) {
-    if (name.at(i).is_number() && name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).is_glued() &&
+    const bool forward = i > 0 && name.is_word(i - 1, "s");  // "S01E02S01E03"
+    if (!forward && name.at(i).is_number() && name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).is_glued() &&
         name.at(i + 2).is_number() && name.at(i + 2).is_glued() && name.is_word(i + 3, "s") &&
         name.at(i + 3).is_glued()) {
       return true;

@@ -2,6 +2,7 @@
 
 #include "naming/reader/bare_numbers.h"
 #include "naming/reader/dates.h"
+#include "text/characters.h"
 
 namespace quorvel::reader {
 
@@ -110,8 +111,7 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
                episode.number, true);
   // "Show 1.02 Title", where dots do not stand for blanks.
   if (short_season && (i == 0 || season.gap == Blank) && episode.is_number() && !episode.technical &&
-      episode.gap == Dot && episode.size() == 2 && name.stands_alone(i + 1) &&
-      (next.follows(Blank) || (next.is_end() && i > 0))) {
+      episode.gap == Dot && episode.size() == 2 && name.stands_alone(i + 1) && (next.follows(Blank) || next.is_end())) {
     return set(search, numbers, i, i + 2, season.number, episode.number, false);
   }
   const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
@@ -159,7 +159,9 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   const std::optional<Mark> season = season_at(name, i);
   if (!season || (season->weak && (name.at(i).is(SeasonLetter) || starts_with_group(name)))) return false;
   const Token& number = name.at(season->last);
-  if (!number.is_number() || number.technical || number.is_glued() || is_year(number) || number.size() > 4)
+  const bool counted = !is_ascii(name.written(name.at(season->last - 1)));  // "第2季05"
+  if (!number.is_number() || number.technical || (number.is_glued() && !counted) || is_year(number) ||
+      number.size() > 4)
     return false;
   // "Season 1-3" is three seasons.
   const bool apart = number.follows(Dash | Open) && number.gap != Dash;
