@@ -86,8 +86,13 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   return more_episodes(name, i + 1, {}, list);
 }
 
+/// Whether a number can be a season and an episode in one: "102", "1013".
+bool can_split(const Token& token) {
+  return token.size() >= 3 && token.number >= 100 && token.number % 100 != 0;
+}
+
 /// `last` is what follows it.
-int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
+int score(const Name& name, std::size_t i, std::size_t last, bool in_season, bool of_the_scene) {
   const Token& token = name.at(i);
   const Token& next = name.at(last);
   if (token.is_glued() && i > 0) {
@@ -99,6 +104,9 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
   const bool dash_follows = next.follows(Dash) && !next.is_end();
   const bool wide = token.size() >= 2;
   int value = within;
+  // "Part 2 - 100 Days"
+  const bool of_title = i > 1 && name.at(i - 2).is(PartWord) && next.gap == Blank && next.is_word() && !next.technical;
+  if (of_title && !starts_with_group(name)) return none;
   if (token.follows(Open) && fills_group(name, i)) {
     const bool square = name.groups[static_cast<std::size_t>(token.group)].square;
     value = square ? (wide ? bracketed : set_apart) : wide ? trailing : none;
@@ -119,7 +127,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season) {
     value = trailing;
   }
   const bool padded = wide && name.written(token).front() == '0';
-  if (padded) value += 5;
+  if (padded || (of_the_scene && value == within && can_split(token))) value += 5;  // "show.102.24.hours"
   if (!wide && value < set_apart && !(in_season && i == 0)) value -= 25;
   return value;
 }
@@ -137,16 +145,10 @@ bool is_of_the_scene(const Name& name) {
   return recorded || !blanks;
 }
 
-/// Whether a number can be a season and an episode in one: "102", "1013".
-bool can_split(const Token& token) {
-  return token.size() >= 3 && token.number >= 100 && token.number % 100 != 0;
-}
-
 /// Whether it is that more likely than one that counts over all seasons.
-bool splits(const Name& name, std::size_t i, std::optional<int> season) {
-  const Token& token = name.at(i);
+bool splits(const Token& token, std::optional<int> season, bool of_the_scene) {
   if (!can_split(token)) return false;
-  return season ? token.number / 100 == *season : is_of_the_scene(name);
+  return season ? token.number / 100 == *season : of_the_scene;
 }
 
 }  // namespace
@@ -169,12 +171,13 @@ bool starts_with_group(const Name& name) {
 bool bare_number(const Name& name, std::optional<int> folder_season, bool standing_out, Numbers& numbers) {
   std::size_t best = 0;
   std::vector<int> list;
+  const bool of_the_scene = is_of_the_scene(name);
   int best_score = standing_out ? stands_out - 1 : none;
   for (std::size_t i = 0, next = 0; i < name.count(); i = next) {
     next = i + 1;
     if (!is_candidate(name, i)) continue;
     next = range_end(name, i, list);
-    const int value = score(name, i, next, folder_season.has_value());
+    const int value = score(name, i, next, folder_season.has_value(), of_the_scene);
     // Of equals the first between dashes, else the last: shows have numbers too, titles as well.
     if (value > best_score || (value == best_score && value < stands_out && value > none)) {
       best = i;
@@ -198,7 +201,7 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   // "Show - 210-211"; fan groups count over all seasons, and brackets are theirs.
   const bool ambiguous =
       can_split(token) && one_season && !season && !fansub && !padded && (list.size() == 1 || name.groups.empty());
-  if (!fansub && !range && one_season && splits(name, best, season)) {
+  if (!fansub && !range && one_season && splits(token, season, of_the_scene)) {
     numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = list, .date = {}};
     season = number / 100;
     for (int& each : list) each %= 100;

@@ -183,9 +183,11 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   if (next.is_number() && !next.technical && next.size() <= 5) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
     // "S02E31 - Ep. 55" has a title, "Ep31 - Ep55" has not.
-    const bool again = i > 1 && name.at(i - 2).is(EpisodeWord) && next.is_glued() && token.size() <= 3;
-    const bool word = token.is(EpisodeWord) && !token.is(CounterWord) &&
-                      (joined || (range && ((gap == Dash && !next.follows(Dash)) || again)) || next.number == last + 1);
+    const bool said = i > 1 && name.at(i - 2).is(EpisodeWord);
+    const bool again = said && next.is_glued() && token.size() <= 3;
+    const bool word =
+        token.is(EpisodeWord) && !token.is(CounterWord) &&
+        (joined || (range && ((gap == Dash && !next.follows(Dash)) || again)) || (said && next.number == last + 1));
     // "E01E03" holds what is between them, too.
     if (letter || word) return More{at + 2, next.number, range || (letter && gap == 0)};
   }
@@ -198,10 +200,11 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   if (token.number <= last || token.number - last > longest_range) return {};
   const Token& before = name.at(i - 1);
   const bool spaced = (gap & (Blank | Dot)) != 0;
-  if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
   const Token& behind = name.at(at + 1);
   const bool title = behind.is_word() && !behind.technical && !behind.is(EpisodeWord | OfWord) &&
                      (behind.gap == Blank || behind.gap == Dot || behind.gap == Dash);
+  if (title && range && joined) return {};  // "S01E02 To 10 and Back"
+  if (joined || first.follows(Tilde)) return More{at + 1, token.number, range};
   constexpr int longest_with_title = 6;  // "S01E02-24 Hours"
   if (gap == Dash && (token.size() > 1 || before.size() == 1)) {
     if (title && !before.follows(Dash) && token.number - last > longest_with_title) return {};

@@ -33,11 +33,47 @@ bool likely_date(const Search& search, std::size_t i, Numbers& numbers) {
   return date(search, i, numbers, false);
 }
 
+/// "Season 1/03 - Chapter 8", "Show/Season 1/Show 03 Part 2": what the name begins with, apart from the show, in a
+/// season's folder. All other numbers are the title's.
+bool leading_in_season(const Search& search, std::size_t i, Numbers& numbers) {
+  const Name& name = search.name;
+  const Token &token = name.at(i), &next = name.at(i + 1);
+  if (i != name.named || !search.around.season || !token.is_number() || token.technical || token.size() > 3)
+    return false;
+  const bool counted = next.is(OfWord | EpisodeWord | SeasonWord | VolumeWord) && !next.follows_spaced_dash();
+  if (!name.stands_alone(i) || counted || token.group >= 0) return false;
+  const bool whole = token.size() == 3;
+  if (whole && (token.number / 100 != *search.around.season || token.number % 100 == 0)) return false;
+  if (next.is_number() && next.gap == Dot) return false;
+  if (const std::optional<DateMark> day = find_date(name); day && day->first == i) return false;
+  const bool padded = whole || name.written(token).front() == '0';
+  const bool apart = next.follows_spaced_dash() || next.gap == (Dot | Blank);
+  for (std::size_t other = i + 1; !padded && other < name.count(); ++other) {
+    const Token& better = name.at(other);  // "24 - 05 - Title"
+    if (better.is_number() && better.follows_spaced_dash() && name.written(better).front() == '0') return false;
+  }
+  if (!padded && !apart) return false;
+  const int episode = whole ? token.number % 100 : token.number;
+  set(search, numbers, i, i + 1, search.around.season, episode, true);
+  if (next.is_number() && next.follows_spaced_dash() && next.number != episode + 1) {  // "03 - 10 Days"
+    numbers.episodes = {episode};
+    numbers.last = i + 1;
+  }
+  return true;
+}
+
+/// "- 03 - Episode 5", "- 03 - 2 of 2": what follows a number between dashes is its title.
+bool is_title_of_number(const Name& name, std::size_t i) {
+  return i > 1 && name.at(i).follows_spaced_dash() && name.at(i - 1).is_number() && !name.at(i - 1).technical &&
+         name.at(i - 1).follows_spaced_dash() && name.at(i - 1).size() >= 2 && !is_year(name.at(i - 1));
+}
+
 /// "2of6", "2 of 6".
 bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   constexpr int most_parts = 12;  // of a mini-series; others count their episodes, too
   const Token &number = name.at(i), &all = name.at(i + 2);
+  if (is_title_of_number(name, i)) return false;
   const bool digits = number.is_number() && all.is_number();
   const bool words = number.is(NumberWord) && all.is(NumberWord) && number.size() > 2 && all.size() > 2;
   if ((!digits && !words) || !name.at(i + 1).is(OfWord) || number.number > all.number) return false;
@@ -57,7 +93,8 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
 bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const std::optional<Mark> episode = episode_at(name, i);
-  if (!episode || (name.at(i).is(EpisodeLetter) && name.at(i).is_glued() && i > 0)) return false;
+  if (!episode || is_title_of_number(name, i) || (name.at(i).is(EpisodeLetter) && name.at(i).is_glued() && i > 0))
+    return false;
   if (one_of_many(search, episode->last - 1, numbers)) {
     numbers.first = i;
     return true;
@@ -91,13 +128,18 @@ bool part(const Search& search, std::size_t i, Numbers& numbers) {
   if (!name.at(i).is(PartWord) || number.is_end() || number.technical || number.size() > 9) return false;
   if ((!number.is_number() && !number.is(NumberWord)) || number.number == 0 || number.number > 99) return false;
   if ((number.gap & ~(Blank | Dot | Dash)) != 0 || !name.stands_alone(i + 1)) return false;
-  if (i < search.last_year) return false;  // a film's
+  if (i < search.last_year) return false;                          // a film's
+  const Token& before_it = name.at(i > 0 ? i - 1 : name.count());  // "Show 03 Part 2"
+  const bool behind_number =
+      before_it.is_number() && !before_it.technical && !before_it.is_glued() && !is_year(before_it);
+  if (behind_number && (name.written(before_it).front() == '0' || starts_with_group(name))) return false;
   for (std::size_t before = 0; before < i; ++before) {
     if (name.at(before).is(ExtraWord)) return false;  // "Deleted Scenes Part 2"
   }
   if (name.at(i).group >= 0 && !search.in_brackets) return false;  // of a title, where a better number stands
   const int season = search.around.season.value_or(1);
-  set(search, numbers, i, i + 2, season, number.number, season > 0);  // "Specials/Making Of Part 2"
+  // "Specials/Making Of Part 2", "Show 103 Part 2" may mean something else.
+  set(search, numbers, i, i + 2, season, number.number, season > 0 && !(behind_number && before_it.size() == 3));
   numbers.part = number.number;
   return true;
 }
@@ -130,25 +172,10 @@ bool bare(const Search& search, std::size_t i, Numbers& numbers) {
 
 /// The first row that fits anywhere in the name wins, and of its places the first.
 constexpr Rule rules[] = {
-    season_and_episode,
-    glued_to_the_show,
-    crossed,
-    packed,
-    dotted,
-    episode_and_season,
-    season_and_number,
-    said_twice,
-    certain_date,
-    episode_alone,
-    one_of_many,
-    standing_out,
-    special,
-    part,
-    barely_crossed,
-    likely_date,
-    run_together,
-    bare,
-    part_in_brackets,
+    season_and_episode, glued_to_the_show, crossed,      packed,       dotted,
+    episode_and_season, season_and_number, said_twice,   certain_date, leading_in_season,
+    episode_alone,      one_of_many,       standing_out, special,      part,
+    barely_crossed,     likely_date,       run_together, bare,         part_in_brackets,
 };
 
 }  // namespace

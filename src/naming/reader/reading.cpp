@@ -214,14 +214,12 @@ bool abbreviates(std::string_view show, std::string_view whole) {
 /// "11.22.63/11.22.63.102.avi".
 std::size_t repeated(const Folder& folder, const Name& file) {
   std::size_t i = 0;
-  bool has_number = false;
   for (; i < folder.name.count(); ++i) {
     const Token& token = folder.name.at(i);
     if (i > 0 && (token.follows(Open) || token.technical || (folder.season && folder.season->first == i))) break;
     if (i >= file.count() || folder.name.lowered(token) != file.lowered(file.at(i))) return 0;
-    has_number = has_number || token.is_number();
   }
-  return has_number && !file.at(i).is_end() && !file.at(i).is_glued() ? i : 0;
+  return !file.at(i).is_end() && !file.at(i).is_glued() ? i : 0;
 }
 
 }  // namespace
