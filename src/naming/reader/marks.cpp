@@ -213,7 +213,8 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   if (behind.is_number() && is_year(name.at(at + 2)) && behind.gap == name.at(at + 2).gap) return {};  // a date
   const bool said = i > 1 && name.at(i - 2).is(EpisodeWord) && token.number == last + 1;  // "Episode 5 - 6"
   if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && (token.size() > 1 || said) && token.size() == before.size()) {
-    if (behind.follows(Dash) || behind.is_end() || behind.technical || behind.follows(Open | Close))
+    const bool near = token.number - last <= longest_with_title;  // "Ep05 - 10 - 9 - 8"
+    if ((behind.follows(Dash) && near) || behind.is_end() || behind.technical || behind.follows(Open | Close))
       return More{at + 1, token.number, true};
   }
   // "S01E09.10.Things" has a title, "8x01_02 Title" has one that begins later.

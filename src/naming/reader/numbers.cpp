@@ -40,7 +40,11 @@ bool leading_in_season(const Search& search, std::size_t i, Numbers& numbers) {
   const Token &token = name.at(i), &next = name.at(i + 1);
   if (i != name.named || !search.around.season || !token.is_number() || token.technical || token.size() > 3)
     return false;
-  const bool counted = next.is(OfWord | EpisodeWord | SeasonWord | VolumeWord) && !next.follows_spaced_dash();
+  // "5. Folge", but "05 Folge 5" has a title.
+  const Token& third = name.at(i + 2);
+  const bool numbered = (third.is_number() || third.is(NumberWord)) && !third.technical;
+  const bool counted =
+      next.is(OfWord) || (next.is(EpisodeWord | SeasonWord | VolumeWord) && !numbered && !next.follows_spaced_dash());
   if (!name.stands_alone(i) || counted || token.group >= 0) return false;
   const bool whole = token.size() == 3;
   if (whole && (token.number / 100 != *search.around.season || token.number % 100 == 0)) return false;

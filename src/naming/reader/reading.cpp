@@ -158,7 +158,8 @@ bool is_short_for_more(std::string_view show) {
 /// Whether the folder's certain reading says more than the file's: that one says no numbers, or unsure ones, or the
 /// same.
 bool speaks_for(const Reading& folder, const Reading& file) {
-  constexpr std::size_t most = 4;  // a folder that says more holds a file for each
+  constexpr std::size_t most = 4;         // a folder that says more holds a file for each
+  if (folder.show.empty()) return false;  // "24 Season 2" holds more than an episode
   if (folder.episodes.size() > most || folder.absolute.size() > most) return false;
   if (!file.has_numbers() || !file.certain) return true;
   return folder.season == file.season && folder.episodes == file.episodes && folder.show.size() > file.show.size();
@@ -216,6 +217,12 @@ std::size_t repeated(const Folder& folder, const Name& file) {
   std::size_t i = 0;
   for (; i < folder.name.count(); ++i) {
     const Token& token = folder.name.at(i);
+    const bool dated =
+        token.follows(Open) && is_year(token) && is_year(file.at(i)) && token.number == file.at(i).number;
+    if (i > 0 && dated) {
+      ++i;
+      break;
+    }
     if (i > 0 && (token.follows(Open) || token.technical || (folder.season && folder.season->first == i))) break;
     if (i >= file.count() || folder.name.lowered(token) != file.lowered(file.at(i))) return 0;
   }

@@ -89,6 +89,7 @@ bool crossed(const Search& search, std::size_t i, Numbers& numbers) {
 bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &season = name.at(i), &episode = name.at(i + 1), &next = name.at(i + 2);
+  if (season.follows(Other) || search.around.season.value_or(season.number) != season.number) return false;  // "$9.99"
   // "Season 2/2.05 Title"
   const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
@@ -150,6 +151,9 @@ bool episode_and_season(const Search& search, std::size_t i, Numbers& numbers) {
   if (search.name.at(next).is(OfWord)) ++next;
   const std::optional<Mark> season = season_at(search.name, next);
   if (!season) return false;
+  // "Season 2/Episode 5 - Season 3" has a title.
+  const bool is_title = search.around.season.value_or(season->number) != season->number;
+  if (is_title && search.name.at(next).follows_spaced_dash()) return false;
   set(search, numbers, i, season->last, season->number, episode->number, true);
   return true;
 }
