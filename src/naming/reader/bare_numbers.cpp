@@ -33,8 +33,15 @@ bool fills_group(const Name& name, std::size_t i) {
 /// "2014-32-45" is neither a date nor an episode.
 bool is_impossible_date(const Name& name, std::size_t month) {
   const Token &token = name.at(month), &next = name.at(month + 1);
-  return month > 0 && is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == Dash &&
-         next.gap == Dash && token.size() == 2 && next.size() == 2;
+  return month > 0 && is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == next.gap &&
+         (token.gap == Dash || token.gap == Dot) && token.size() == 2 && next.size() == 2;
+}
+
+/// "30.10.13"
+bool is_like_date(const Name& name, std::size_t i) {
+  const Token &next = name.at(i + 1), &third = name.at(i + 2);
+  return name.at(i).size() == 2 && next.is_number() && next.gap == Dot && next.size() == 2 && third.is_number() &&
+         third.gap == Dot && third.size() == 2;
 }
 
 bool is_candidate(const Name& name, std::size_t i) {
@@ -48,7 +55,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   if (is_total(name, i) || (is_decimal(name, i) && !token.follows_spaced_dash())) return false;
   const bool of_group =
       starts_with_group(name) && i < name.groups.front().last && name.groups.front().last < name.count();
-  if (of_group) return false;
+  if (of_group || is_like_date(name, i)) return false;
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;

@@ -22,9 +22,11 @@ bool is_short(const Token& token) {
 /// Whether another digit stands glued to the token, so that it is no number of its own.
 bool is_free(const Name& name, std::size_t first, std::size_t last) {
   const Token& before = name.at(first);
-  const bool behind_word =
-      first > 0 && is_year(before) && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
-  return (first == 0 || !before.is_glued() || behind_word) && (name.at(last).is_end() || !name.at(last).is_glued());
+  const bool has_year = is_year(before) || before.size() == 8;
+  const bool behind_word = first > 0 && has_year && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
+  const bool time = name.is_word(last, "t") && name.at(last + 1).is_number() && name.at(last + 1).is_glued();
+  return (first == 0 || !before.is_glued() || behind_word) &&
+         (name.at(last).is_end() || time || !name.at(last).is_glued());
 }
 
 std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {

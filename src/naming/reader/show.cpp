@@ -271,7 +271,8 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   // "Show - Episode 312 [S05E06]", "Show - Vol. 3 - Episode 12", "Show No.12"
   if (span.last > span.first + 2 && name.at(span.last - 1).is_number() && span.last == numbers.first) {
     const Token& word = name.at(span.last - 2);
-    const bool counts = word.is(EpisodeWord) && word.size() > 1 && numbers.season;
+    const bool letter = word.is(EpisodeLetter) && name.at(span.last - 1).is_glued();
+    const bool counts = (letter || (word.is(EpisodeWord) && word.size() > 1)) && numbers.season;
     if (counts) reading.absolute = {name.at(span.last - 1).number};
     if (counts || (word.is(VolumeWord) && word.follows(Dash))) span.last -= 2;
   }
@@ -338,8 +339,12 @@ void read_surroundings(const Name& name, const Numbers& numbers, Reading& readin
     span = {numbers.last, numbers.last};  // "2011-04-18 - Show"
     while (!name.at(span.last).is_end() && !name.at(span.last).technical) ++span.last;
     title_from = span.last;
-    const bool is_time = span.last >= span.first + 3 && is_all_numbers(name, span);  // "2011-04-18 20-15-00"
-    if (is_time) span.last = span.first;
+    // "2011-04-18 20-15 Show", "20110418-2015 Show", "2011-04-18 20-15-00": the time
+    std::size_t behind_time = span.first;
+    while (behind_time < span.last && name.at(behind_time).is_number()) ++behind_time;
+    const bool is_time =
+        behind_time > span.first + 1 || (name.at(span.first).size() == 4 && name.at(span.first).gap == Dash);
+    if (is_time) span.first = behind_time;
   }
   if (span.empty() && numbers.first == 0 && !numbers.absolute.empty() && name.at(0).size() >= 3) {
     span = {numbers.last, numbers.last};  // "003. Show - Title"
