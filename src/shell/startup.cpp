@@ -58,8 +58,7 @@ void uninstall(Session& session) {
 
 }  // namespace
 
-StartResult Startup::run(const std::vector<std::string>& arguments) {
-  const CommandLine line = parse_command_line(arguments, session_.ports.files);
+StartResult Startup::run(const CommandLine& line) {
   if (line.uninstall) {
     uninstall(session_);
     return StartResult::Ended;

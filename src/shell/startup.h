@@ -19,13 +19,13 @@ class Startup {
   Startup(Session& session, MainWindow& window, InstanceChannel& channel)
       : session_(session), window_(window), channel_(channel) {}
 
-  /// Called once, with the arguments without the program's name, when the window exists. Unless it is Running
-  /// then, the program has nothing more to do; after a failure the window has been unloaded already.
+  /// Called once, when the window exists. Unless it is Running then, the program has nothing more to do; after a
+  /// failure the window has been unloaded already.
   ///
   /// To a copy that is running, each path goes in a message of its own, "QV|PI|C=" and the path, so that a path may
   /// hold any character; without paths one message goes with nothing after the "=", which brings the window up. A start
   /// that is to be hidden, as at the session's begin, sends none without paths.
-  StartResult run(const std::vector<std::string>& arguments);
+  StartResult run(const CommandLine& line);
 
   /// For when the window really goes away, while its lists still exist: ends a running pass at its next stage, stops
   /// the transfer, no longer receives messages, and removes the tray icon. Does nothing the second time.

@@ -7,7 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "platform/console.h"
 #include "platform/system.h"
@@ -24,8 +24,7 @@ namespace {
 /// The desktop program: the system's ports, the session, the window, and how they come up and go down.
 class App : public wxApp {
  public:
-  /// Without the program's name, byte for byte; the toolkit's own copy has lost what is not text.
-  explicit App(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
+  explicit App(CommandLine line) : line_(std::move(line)) {}
 
   bool OnInit() override;
   int OnRun() override { return status_ ? *status_ : wxApp::OnRun(); }
@@ -36,7 +35,7 @@ class App : public wxApp {
   void build();
   void start();
 
-  const std::vector<std::string> arguments_;
+  const CommandLine line_;
   std::optional<int> status_;   // how the program ends when there is nothing to run
   MainFrame* frame_ = nullptr;  // the toolkit's; gone before the session
   std::unique_ptr<Files> files_;
@@ -96,7 +95,7 @@ bool App::OnInit() {
 
 void App::start() {
   build();
-  const StartResult result = startup_->run(arguments_);
+  const StartResult result = startup_->run(line_);
   if (result == StartResult::Running) return;
   status_ = result == StartResult::Ended ? EXIT_SUCCESS : EXIT_FAILURE;
   delete frame_;
@@ -128,14 +127,14 @@ bool App::OnExceptionInMainLoop() {
 int main(int argc, char** argv) {
   quorvel::console::open_missing_streams();
   wxDISABLE_DEBUG_SUPPORT();
-  const std::vector<std::string> arguments = quorvel::command_line_arguments(argc, argv);
-  // Before the toolkit, which wants a display.
-  const auto answer = quorvel::answer_to(quorvel::parse_command_line(arguments, *quorvel::system_files()));
-  if (answer) {
+  // Before the toolkit, which wants a display, and whose own copy of the arguments has lost what is not text.
+  quorvel::CommandLine line =
+      quorvel::parse_command_line(quorvel::command_line_arguments(argc, argv), *quorvel::system_files());
+  if (const auto answer = quorvel::answer_to(line)) {
     quorvel::ui::tell(*answer);
     return EXIT_SUCCESS;
   }
-  wxApp::SetInstance(new quorvel::ui::App(arguments));
+  wxApp::SetInstance(new quorvel::ui::App(std::move(line)));
   int toolkit_argc = 1;  // the arguments are the program's own, even those that look like the toolkit's
   return wxEntry(toolkit_argc, argv);
 }

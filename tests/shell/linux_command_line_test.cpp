@@ -35,7 +35,7 @@ TEST(CommandLine, TellsSwitchesFromPaths) {
             (CommandLine{true, true, {"/x/uninstall y/startup"}}));
   EXPECT_EQ(parse_command_line({c}, *copy.files, true), (CommandLine{false, false, {c}})) << "it exists";
   copy.desktop.others = 1;
-  EXPECT_EQ(copy.startup.run({b, "/startup", "a.1x01.mkv"}), StartResult::Ended);
+  EXPECT_EQ(copy.run({b, "/startup", "a.1x01.mkv"}), StartResult::Ended);
   EXPECT_EQ(copy.happened(), (Texts{"wait 100", "send QV|PI|C=" + b, "send QV|PI|C=" + a}));
   fs::current_path(before);
 }

@@ -19,7 +19,7 @@ struct Copy : ProgramCopy {
 TEST(Startup, BringsTheProgramUpInOrder) {
   Copy copy;
   copy.key_values.write_string("types", "avi;mkv");
-  EXPECT_EQ(copy.startup.run({"/startup"}), StartResult::Running);
+  EXPECT_EQ(copy.run({"/startup"}), StartResult::Running);
   const std::string banner = "(14:05:33) Quorvel 3.4 (build 0) started";
   EXPECT_THAT(copy.happened(),
               ElementsAre("open hidden Quorvel 3.4", "receive", banner, "tray Quorvel", "install avi", "install mkv",
@@ -35,7 +35,7 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.make(help_file(helped.session.places));
   helped.key_values.write_number("context", 1);
   helped.key_values.write_string("", "3.4");
-  EXPECT_EQ(helped.startup.run({"--exact", helped.b}), StartResult::Running);
+  EXPECT_EQ(helped.run({"--exact", helped.b}), StartResult::Running);
   EXPECT_TRUE(helped.session.settings.exact && helped.key_values.read_number("exact") == std::nullopt);
   EXPECT_THAT(helped.happened(),
               ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row b 1x02", "timer", "clicks"));
@@ -46,23 +46,23 @@ TEST(Startup, HandsOverToTheRunningCopy) {
   copy.ui.on_events = [&] { copy.events.add("events"); };
   for (const std::string& path : {copy.b, std::string()}) {
     copy.desktop.others = 1;
-    EXPECT_EQ(copy.startup.run({path}), StartResult::Ended);
+    EXPECT_EQ(copy.run({path}), StartResult::Ended);
     EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "send QV|PI|C=" + path, "events"));
   }
   copy.desktop.others = 1;
   copy.key_values.damage = "no sense";  // does not concern the other copy
-  EXPECT_EQ(copy.startup.run({"/startup"}), StartResult::Ended);
+  EXPECT_EQ(copy.run({"/startup"}), StartResult::Ended);
   EXPECT_THAT(copy.happened(), ElementsAre());
   copy.key_values.damage.reset();
   copy.desktop.others = 1;
-  EXPECT_EQ(copy.startup.run({"--exact", copy.a}), StartResult::Failed) << "the other copy may use classic names";
+  EXPECT_EQ(copy.run({"--exact", copy.a}), StartResult::Failed) << "the other copy may use classic names";
   EXPECT_THAT(copy.happened(), ElementsAre(::testing::StartsWith("message Quorvel: Quorvel is running already")));
   copy.events.fails = "send";
   copy.desktop.others = 2;
-  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Failed);
+  EXPECT_EQ(copy.run({copy.a}), StartResult::Failed);
   EXPECT_THAT(copy.happened(), ElementsAre("wait 100", "message Quorvel: no send", "events"));
   copy.desktop.others = 1;  // it has ended meanwhile
-  EXPECT_EQ(copy.startup.run({copy.a}), StartResult::Running);
+  EXPECT_EQ(copy.run({copy.a}), StartResult::Running);
   EXPECT_EQ(copy.session.queue.count(), 1);
 }
 
@@ -71,7 +71,7 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
   for (const char* const step : {"open", "receive", "tray", "row", "timer", "centre", "clicks"}) {
     Copy copy;
     copy.events.fails = step;
-    EXPECT_EQ(copy.startup.run({step == std::string("row") ? copy.a : "/startup"}), StartResult::Failed);
+    EXPECT_EQ(copy.run({step == std::string("row") ? copy.a : "/startup"}), StartResult::Failed);
     Texts events = copy.happened();
     events.erase(events.begin(), events.end() - 5);
     EXPECT_THAT(events, ElementsAre("stop", text + "no " + step + ")", "stop", "no tray", "unload"));
@@ -79,10 +79,10 @@ TEST(Startup, EndsWithAMessageWhenAStepFails) {
   }
   Copy damaged, unstored;
   damaged.key_values.damage = "no sense";
-  EXPECT_EQ(damaged.startup.run({}), StartResult::Failed);
+  EXPECT_EQ(damaged.run({}), StartResult::Failed);
   EXPECT_THAT(damaged.happened(), ElementsAre("message Quorvel: no sense", "stop", "no tray", "unload"));
   unstored.key_values.fails = true;
-  EXPECT_EQ(unstored.startup.run({unstored.a}), StartResult::Running);
+  EXPECT_EQ(unstored.run({unstored.a}), StartResult::Running);
   EXPECT_TRUE(unstored.logged("Unable to store the settings: no room") && unstored.session.queue.count() == 1);
 }
 
@@ -90,7 +90,7 @@ TEST(Startup, UnderstandsMessages) {
   Copy copy;
   copy.startup.handle_message("QV|PI|C=" + copy.a);  // kept
   EXPECT_EQ(copy.session.queue.count(), 0);
-  copy.startup.run({});
+  copy.run({});
   EXPECT_EQ(copy.session.queue.count(), 1);
   for (const char* const start : {"qv|PI|C=", "QV|XX|C=", "QV|PI|", "PI|C=", "QV|UD", ""}) {
     copy.desktop.handle(start + copy.b);
@@ -106,7 +106,7 @@ TEST(Startup, UnderstandsMessages) {
   };
   copy.session.processor.process_queue();
   Copy closing;
-  closing.startup.run({});
+  closing.run({});
   closing.desktop.is_closing = true;
   EXPECT_THROW(closing.desktop.handle("QV|PI|C=" + closing.a), Failure);
   EXPECT_EQ(copy.session.queue.count() + closing.session.queue.count(), 2);
@@ -122,7 +122,7 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
   const fs::path before = fs::current_path();
   fs::current_path(copy.folder.path());
   copy.desktop.others = 1;
-  EXPECT_EQ(copy.startup.run({"/uninstall"}), StartResult::Ended);
+  EXPECT_EQ(copy.run({"/uninstall"}), StartResult::Ended);
   fs::current_path(before);
   EXPECT_THAT(copy.happened(), ElementsAre("remove ogm", "remove mkv", "remove DIR"));
   EXPECT_FALSE(copy.exists("data/Quorvel") || !copy.key_values.texts.empty());
@@ -132,7 +132,7 @@ TEST(Startup, UninstallTakesBackWhatIsOursAndNothingElse) {
   copy.file("data/Quorvel/filters.dat");
   copy.events.fails = "remove";
   copy.key_values.damage = "no sense";
-  EXPECT_EQ(copy.startup.run({"/uninstall", "x"}), StartResult::Ended);
+  EXPECT_EQ(copy.run({"/uninstall", "x"}), StartResult::Ended);
   EXPECT_FALSE(copy.exists("data/Quorvel"));
 }
 

@@ -83,6 +83,9 @@ struct ProgramCopy : TestSession {
   ProgramCopy() {
     session.log.on_line = [this](const std::string& line, bool) { events.list.push_back(line); };
   }
+  StartResult run(const std::vector<std::string>& arguments) {
+    return startup.run(parse_command_line(arguments, *files));
+  }
   /// Makes a file there; its path.
   std::string file(const std::string& name) { return make(folder / name), folder / name; }
 };
