@@ -27,10 +27,6 @@ void SettingsStore::read_preferences(Settings& settings) const {
 }
 
 // The two messages differ in their line break; users have searched the web for either.
-void SettingsStore::write_string(const std::string& name, const std::string& text) {
-  write({{name, text}}, "");
-}
-
 void SettingsStore::write_number(const std::string& name, std::int32_t number) {
   write({{name, static_cast<std::uint32_t>(number)}}, "#");
 }

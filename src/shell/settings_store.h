@@ -30,7 +30,6 @@ class SettingsStore {
   void read_preferences(Settings& settings) const;
 
   /// When a value cannot be stored, these show why and throw ProgramEnd.
-  void write_string(const std::string& name, const std::string& text);
   void write_number(const std::string& name, std::int32_t number);
   void write_preferences(const Settings& settings);
 

@@ -115,7 +115,7 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
 TEST_F(Shell, AFailedWriteIsReportedAndEndsTheProgram) {
   key_values.fails = true;
   EXPECT_THROW(session.settings_store.write_number("confirm", 1), ProgramEnd);
-  EXPECT_THROW(session.settings_store.write_string("types", "x"), ProgramEnd);
+  EXPECT_THROW(session.settings_store.write_preferences(session.settings), ProgramEnd);
   const std::string text = "Error saving settings: Fatal Error writing data to registry (no room)";
   EXPECT_EQ(ui.messages, (Texts{text + "#The program needs to close", text + "The program needs to close"}));
 }
