@@ -21,9 +21,18 @@ bool holds_nul(const std::string& path) {
   return path.find('\0') != std::string::npos;
 }
 
-/// Whether the error says that there is nothing, rather than that it cannot be looked at.
-bool is_missing(int error) {
-  return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG || error == EINVAL || error == EILSEQ;
+/// Whether every file system can hold a file of that name.
+bool is_portable(std::string_view path) {
+  const std::string_view name = path.substr(path.find_last_of('/') + 1);
+  return !name.empty() && name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789._-") ==
+                              std::string_view::npos;
+}
+
+/// Whether the error says that there is nothing, rather than that it cannot be looked at. File systems call a name
+/// invalid that they cannot hold; of a name that all can hold, that is no answer.
+bool is_missing(int error, const std::string& path) {
+  if (error == EINVAL || error == EILSEQ) return !is_portable(path);
+  return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
 }
 
 bool status(const std::string& path, struct stat& found) {
@@ -109,7 +118,7 @@ Files::Kind DiskFiles::kind(const std::string& path) const {
   if (::stat(path.c_str(), &found) != 0) {
     const int error = errno;
     const bool is_dangling = error == ENOENT && lstat(path.c_str(), &found) == 0;
-    return is_missing(error) && !is_dangling ? Kind::Missing : Kind::Other;
+    return is_missing(error, path) && !is_dangling ? Kind::Missing : Kind::Other;
   }
   if (S_ISREG(found.st_mode)) return Kind::File;
   return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
