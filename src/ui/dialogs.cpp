@@ -40,8 +40,10 @@ wxSizer* button_row(wxDialog& dialog, Buttons which, wxWindow* left = nullptr) {
 }
 
 wxTextCtrl* text_box(wxWindow* parent, const char* name, const wxSize& size, long style = 0) {
-  return new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, scaled(*parent, size), style,
-                        wxDefaultValidator, name);
+  auto* const box = new wxTextCtrl(parent, wxID_ANY, wxString(), wxDefaultPosition, scaled(*parent, size), style,
+                                   wxDefaultValidator, name);
+  if (box->IsSingleLine()) fit_letters(*box);
+  return box;
 }
 
 /// A read-only box for a path, in two columns with its label.
@@ -119,7 +121,7 @@ MessageDialog::MessageDialog(wxWindow* parent, int id, const std::string& title,
   sizer->Add(button_row(*this, OnlyOk, skip_),
              wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, scaled(*this, 12)));
   SetSizerAndFit(sizer);
-  CentreOnParent();
+  parent->IsShown() ? CentreOnParent() : CentreOnScreen();
 }
 
 AboutBox::AboutBox(wxWindow* parent, Log& log, const std::string& address, const std::function<void()>& open_website,

@@ -25,11 +25,14 @@ wxChoice* choice(wxWindow* parent, const char* name, const char* const (&entries
   auto* const made =
       new wxChoice(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxArrayString(), 0, wxDefaultValidator, name);
   for (const char* const entry : entries) made->Append(entry);
+  fit_letters(*made);
   return made;
 }
 
 wxTextCtrl* text_box(wxWindow* parent, const char* name) {
-  return new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
+  auto* const box = new wxTextCtrl(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
+  fit_letters(*box);
+  return box;
 }
 
 /// Long texts end in "..." rather than widen the dialog.

@@ -53,6 +53,7 @@ void PreferencesDialog::lay_out() {
   auto* const label = new wxStaticText(this, wxID_ANY, "Additional &Types:");
   types_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, scaled(*this, wxSize(220, -1)), 0,
                           wxDefaultValidator, "txtTypes");
+  fit_letters(*types_);
   types_->ChangeValue(to_wx(session_.settings.types));
   auto* const history_label = new wxStaticText(this, wxID_ANY, "Days to Keep the &History:");
   history_ = new wxSpinCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxSP_ARROW_KEYS, 1, max_days,

@@ -31,6 +31,11 @@ int scaled(const wxWindow& window, int length) {
   return std::max(window.FromDIP(length), static_cast<int>(length * letters));
 }
 
+void fit_letters(wxWindow& box) {
+  const int height = std::max(box.GetBestSize().y, box.GetCharHeight() + scaled(box, 6));
+  box.SetMinSize(wxSize(box.GetMinSize().x, height));
+}
+
 void fix_size(wxFrame& frame, const wxSize& client_area) {
   frame.SetSizeHints(wxDefaultSize, wxDefaultSize);
   frame.SetClientSize(scaled(frame, client_area));

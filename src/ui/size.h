@@ -10,6 +10,9 @@ inline wxSize scaled(const wxWindow& window, const wxSize& size) {
   return {scaled(window, size.x), scaled(window, size.y)};
 }
 
+/// Makes a box for one line high enough for its letters: some toolkits only count on ordinary ones.
+void fit_letters(wxWindow& box);
+
 /// Gives the frame this client area, or what the display has room for, for good.
 void fix_size(wxFrame& frame, const wxSize& client_area);
 
