@@ -153,7 +153,7 @@ Function .onInit
     Quit
   ${EndIf}
   Call ChooseVerbs
-  Call ChoosePath
+  Call ChooseBySwitches
 FunctionEnd
 
 ; --- The list of folders that commands are looked for in ----------------------------------------------------------------
@@ -280,6 +280,23 @@ Section "Entries in Explorer's menu for videos and folders" SectionVerbs
   !insertmacro WRITE_VERB "Directory"
 SectionEnd
 
+; Whoever has left them out does not want the program to write them at its first start. What the preferences have said
+; before holds.
+Section "-"
+  ${IfNot} ${SectionIsSelected} ${SectionVerbs}
+    ReadRegDWORD $0 HKCU "Software\${PRODUCT}" "context"
+    ReadRegStr $1 HKCU "Software\${PRODUCT}" ""
+    ${If} $0 == ""
+    ${OrIf} $0 = 0
+      WriteRegDWORD HKCU "Software\${PRODUCT}" "context" 1
+    ${EndIf}
+    ${If} $1 == ""  ; the program's first start, which begins with entries
+      ${WordFind} "${VERSION}" "." "+2{*" $1
+      WriteRegStr HKCU "Software\${PRODUCT}" "" "$1"
+    ${EndIf}
+  ${EndIf}
+SectionEnd
+
 Section /o "Icon on the desktop" SectionDesktopIcon
   CreateShortcut "$DESKTOP\${PRODUCT}.lnk" "$INSTDIR\quorvel.exe"
 SectionEnd
@@ -313,13 +330,18 @@ Function ChooseVerbs
   ${EndIf}
 FunctionEnd
 
-; The switch /PATH chooses it where nobody sees the page.
-Function ChoosePath
+; Where nobody sees the page, /PATH chooses that, and /NOMENU leaves the entries out.
+Function ChooseBySwitches
   ${GetParameters} $0
   ClearErrors
   ${GetOptions} $0 "/PATH" $1
   ${IfNot} ${Errors}
     !insertmacro SelectSection ${SectionPath}
+  ${EndIf}
+  ClearErrors
+  ${GetOptions} $0 "/NOMENU" $1
+  ${IfNot} ${Errors}
+    !insertmacro UnselectSection ${SectionVerbs}
   ${EndIf}
 FunctionEnd
 
