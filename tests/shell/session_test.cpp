@@ -89,7 +89,7 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
   EXPECT_TRUE(apply_preferences(session, wanted));
   EXPECT_EQ(key_values.writes, 1);
   const std::string warning =
-      "message Not Recommended: Disabling the cache is for troubleshooting only. The program will operate "
+      "message 1 Not Recommended: Disabling the cache is for troubleshooting only. The program will operate "
       "a lot slower with no cache";
   EXPECT_EQ(events.list, Texts({warning, "remove avi", "remove mkv", "remove mpg", "remove mp4", "install avi",
                                 "install mov", "install DIR"}));

@@ -60,8 +60,8 @@ struct FakeUi : UserInterface {
     questions.push_back(question);
     return answer;
   }
-  void show_message(int, const std::string& title, const std::string& text, MessageIcon) override {
-    messages.push_back(title + ": " + text);
+  void show_message(int id, const std::string& title, const std::string& text, MessageIcon) override {
+    messages.push_back((id > 0 ? std::to_string(id) + " " : "") + title + ": " + text);
     events.add("message " + messages.back());
   }
   void arm_start_timer() override { events.add("timer"), ++timer_starts; }
