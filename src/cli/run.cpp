@@ -188,7 +188,7 @@ int run(const Options& options) {
   }
 
   const std::unique_ptr<SocketControl> socket = system_socket();
-  const std::unique_ptr<WebClient> web = system_web_client();
+  const std::unique_ptr<WebClient> web = system_web_client(user_agent());
   const std::unique_ptr<Clock> clock = system_clock();
   Session session({store, shell, files, *socket, *web, ui, *clock}, std::move(places));
   try {

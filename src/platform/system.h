@@ -27,7 +27,8 @@ std::unique_ptr<FileOperation> system_file_operation(CopyProgress progress, MayR
 std::unique_ptr<KeyValueStore> system_key_values(Files& files, const std::string& name);
 
 std::unique_ptr<SocketControl> system_socket();
-std::unique_ptr<WebClient> system_web_client();
+/// `agent`: what servers are told of who asks.
+std::unique_ptr<WebClient> system_web_client(const std::string& agent);
 std::unique_ptr<Clock> system_clock();
 
 /// `name` is the program's, `caption` that of its main window; some systems find the running copy by them.

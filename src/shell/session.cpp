@@ -15,6 +15,10 @@ std::string listings_address() {
   return address;
 }
 
+std::string user_agent() {
+  return std::string(application_title) + "/" + full_version + " (+" + default_website + ")";
+}
+
 Session::Session(Ports ports, Places places)
     : ports(ports),
       places(std::move(places)),

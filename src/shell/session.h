@@ -58,6 +58,9 @@ struct Places {
 /// The listings service's address, without a trailing slash: the environment's QUORVEL_API_BASE, or else the build's.
 std::string listings_address();
 
+/// The program, its version and where it is from, as servers are told in the exact way.
+std::string user_agent();
+
 /// Everything that lives as long as the program runs. The ports outlive it.
 class Session {
  public:

@@ -60,7 +60,7 @@ void App::build() {
       [this](const std::string& path) { return frame_ != nullptr && frame_->ask_to_replace(path); });
   key_values_ = system_key_values(*files_, application_title);
   socket_ = system_socket();
-  web_ = system_web_client();
+  web_ = system_web_client(user_agent());
   clock_ = system_clock();
   context_menu_ = system_context_menu(*files_, program_file());
   launcher_ = system_launcher();

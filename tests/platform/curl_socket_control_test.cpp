@@ -92,7 +92,7 @@ TEST_F(Https, TheWebClientTrustsTheRightServerAloneAndIsNotLedToWhereNothingIsEn
   const auto got = [&](const std::string& target, const std::string& trusted) {
     const Variable file("SSL_CERT_FILE", trusted);
     try {
-      return system_web_client()->get(base + target).body;
+      return system_web_client("")->get(base + target).body;
     } catch (const Failure& failure) {
       return failure.what() + std::string("|");
     }

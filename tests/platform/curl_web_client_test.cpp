@@ -22,9 +22,10 @@ std::string got(WebClient& client, const std::string& url) try {
 TEST(CurlWebClient, GetsWhatTheServerMeansOrNamesItInTheFailure) {
   auto service = std::make_unique<ListingsService>();
   const std::string base = service->base(), ok = "HTTP/1.1 200 OK\r\n", host = "The answer from 127.0.0.1 ";
-  CurlWebClient client({}, [&](bool, const std::string& name) { return name == "far.example" ? base : ""; });
+  CurlWebClient client("Quorvel/3 (+http://q)", {},
+                       [&](bool, const std::string& name) { return name == "far.example" ? base : ""; });
   EXPECT_EQ(got(client, base + "/search/shows?q=none"), "200|[]|");
-  for (const char* const header : {" HTTP/1.1\r\n", "\r\nUser-Agent: Quorvel/", " (+http", "gzip"}) {
+  for (const char* const header : {" HTTP/1.1\r\n", "\r\nUser-Agent: Quorvel/3 (+http://q)\r\n", "gzip"}) {
     EXPECT_THAT(service->requests().back(), HasSubstr(header));
   }
   const auto answered = [&](const std::string& answer) {

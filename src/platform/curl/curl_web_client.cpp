@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "shell/version.h"
 #include "text/failure.h"
 
 namespace quorvel {
@@ -64,13 +63,12 @@ struct CurlWebClient::Connection {
   }
 };
 
-CurlWebClient::CurlWebClient(std::string ca_file, curl::ProxyFor proxy_for)
+CurlWebClient::CurlWebClient(const std::string& agent, std::string ca_file, curl::ProxyFor proxy_for)
     : ca_file_(std::move(ca_file)), proxy_for_(std::move(proxy_for)) {
   curl::start();
   connection_ = std::make_unique<Connection>();
   CURL* const easy = connection_->easy.get();
   if (easy == nullptr || !connection_->multi) throw Failure("The network library could not be started");
-  const std::string agent = std::string(application_title) + "/" + full_version + " (+" + default_website + ")";
   curl_easy_setopt(easy, CURLOPT_USERAGENT, agent.c_str());
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));

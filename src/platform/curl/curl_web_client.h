@@ -13,9 +13,9 @@ namespace quorvel {
 /// up, and so is one that leads from a secure address to another kind.
 class CurlWebClient : public WebClient {
  public:
-  /// `ca_file`: certificates, as PEM, to trust instead of the system's. Without `proxy_for` the proxies are those of
-  /// the environment. Throws Failure when libcurl cannot be used.
-  explicit CurlWebClient(std::string ca_file = {}, curl::ProxyFor proxy_for = {});
+  /// `agent`: what servers are told of who asks. `ca_file`: certificates, as PEM, to trust instead of the system's.
+  /// Without `proxy_for` the proxies are those of the environment. Throws Failure when libcurl cannot be used.
+  explicit CurlWebClient(const std::string& agent, std::string ca_file = {}, curl::ProxyFor proxy_for = {});
   ~CurlWebClient() override;
 
   WebAnswer get(const std::string& url) override;

@@ -91,8 +91,8 @@ std::unique_ptr<SocketControl> system_socket() {
   return std::make_unique<CurlSocketControl>(own_authorities(), system_proxy);
 }
 
-std::unique_ptr<WebClient> system_web_client() {
-  return std::make_unique<CurlWebClient>(own_authorities(), system_proxy);
+std::unique_ptr<WebClient> system_web_client(const std::string& agent) {
+  return std::make_unique<CurlWebClient>(agent, own_authorities(), system_proxy);
 }
 
 std::string application_data_folder(Files&) {
