@@ -34,6 +34,9 @@ class CallStack {
   /// The innermost open dialog; null when there is none.
   wxDialog* top_dialog() const { return dialogs_.empty() ? nullptr : dialogs_.back(); }
 
+  /// What a dialog that `window` opens is to lie over.
+  wxWindow* dialog_parent(wxWindow& window) const { return has_dialog() ? top_dialog() : wxGetTopLevelParent(&window); }
+
   /// What ShowModal gives; wxID_CANCEL at once, and nothing shown, after end_dialogs().
   int show_modal(wxDialog& dialog);
 

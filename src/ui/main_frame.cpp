@@ -111,12 +111,11 @@ void MainFrame::build() {
   auto* const panel = new wxPanel(this);
   panel->Hide();  // else each part is laid out as it comes, in a space that is not yet the right one
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
-  auto* const queue_page = new wxPanel(TabStrip1_);
-  ListView1_ = new QueueList(queue_page);
-  auto* const queue_sizer = new wxBoxSizer(wxVERTICAL);
-  queue_sizer->Add(ListView1_, wxSizerFlags(1).Expand().Border());
-  queue_page->SetSizer(queue_sizer);
-  TabStrip1_->AddPage(queue_page, "File Queue");
+  queue_page_ =
+      new QueuePage(TabStrip1_, menus_.mnuList3,
+                    {*session_, *launcher_, stack_,
+                     [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); }});
+  TabStrip1_->AddPage(queue_page_, "File Queue");
   TabStrip1_->AddPage(filter_page_ = build_filter_page(), "Filter List");
   TabStrip1_->AddPage(exception_page_ = build_exception_page(), "Exceptions");
   List3_ = new wxListBox(panel, wxID_ANY, wxDefaultPosition, scaled(*this, wxSize(-1, log_height)), 0, nullptr,
@@ -129,7 +128,7 @@ void MainFrame::build() {
   set_spoken_name(*List3_, "Log");
   panel->Show();
   fix_size(*this, window_size);
-  ListView1_->SetFocus();
+  queue_page_->list().SetFocus();
 }
 
 /// What the pages of rules have in common; `thing` is what the user calls one of `rules`.
@@ -197,9 +196,9 @@ void MainFrame::bind_commands() {
   on(mnuRemFilter, [this] { filter_page_->remove(); });
   on(mnuAddFilter, [this] { edit_filter(0); });
   on(mnuAddFilter2, [this] { edit_filter(0); });
-  on(mnuInfo, [this] { on_info(); });
-  on(mnuUndo, [this] { on_undo(); });
-  on(mnuSpecify, [this] { add_exception(context_item_); });
+  on(mnuInfo, [this] { queue_page_->show_info(); });
+  on(mnuUndo, [this] { queue_page_->undo(); });
+  on(mnuSpecify, [this] { add_exception(queue_page_->menu_item()); });
   on(mnuRetry, [this] { run({}, [this] { session_->processor.retry_failed(); }); });
   on(mnuAddEx, [this] { add_exception(0); });
   on(mnuRemEx, [this] { exception_page_->remove(); });
@@ -207,17 +206,12 @@ void MainFrame::bind_commands() {
 
   Bind(
       wxEVT_TIMER, [this](wxTimerEvent&) { on_start_timer(); }, Timer1_.GetId());
-  ListView1_->Bind(wxEVT_CONTEXT_MENU, &MainFrame::on_queue_menu, this);
-  ListView1_->on_activate = [this](int row) {
-    context_item_ = row;
-    on_info();
-  };
 }
 
 // What the core asks for.
 
 void MainFrame::update_row(int index, const RowUpdate& update) {
-  ListView1_->update_row(index, update);
+  queue_page_->list().update_row(index, update);
   work_.row = index;
 }
 
@@ -242,15 +236,10 @@ bool MainFrame::copy_progress(std::uint64_t done, std::uint64_t total) {
   if (total > 0) {
     const auto percent = static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total));
     const std::string progress = std::to_string(percent) + "%";
-    ListView1_->set_progress(work_.row, work_.undoing ? "(undoing, " + progress + ")" : progress);
+    queue_page_->list().set_progress(work_.row, work_.undoing ? "(undoing, " + progress + ")" : progress);
   }
   process_events();
   return !stopped_;
-}
-
-wxWindow* MainFrame::dialog_parent() {
-  if (stack_.has_dialog()) return stack_.top_dialog();
-  return this;
 }
 
 bool MainFrame::ask_to_replace(const std::string& path) {
@@ -301,10 +290,10 @@ class MainFrame::Running {
 };
 
 /// With copy_progress reporting on `work`.
-void MainFrame::run(const Work& work, const std::function<void()>& action) {
+void MainFrame::run(const QueuePage::Work& work, const std::function<void()>& action) {
   const CallStack::Use use(stack_);
   const Running running(*this);
-  const Restored<Work> meanwhile(work_, work);
+  const Restored<QueuePage::Work> meanwhile(work_, work);
   action();
 }
 
@@ -325,19 +314,6 @@ void MainFrame::on_start_timer() {
   run({}, [this] { session_->processor.process_queue(); });
 }
 
-void MainFrame::on_undo() {
-  if (is_undoing_) return;  // the same file twice at once, perhaps
-  const Restored<bool> undoing(is_undoing_, true);
-  run({context_item_, true}, [this] { session_->undo.run(context_item_); });
-}
-
-void MainFrame::on_info() {
-  if (!session_->queue.holds(context_item_)) return;
-  ItemInfoDialog dialog(dialog_parent(), *session_, *launcher_);
-  dialog.setQID(context_item_);
-  stack_.show_modal(dialog);
-}
-
 void MainFrame::on_add_file() {
   wxFileDialog dialog(dialog_parent(), "Select File", wxString(), wxString(), file_filter(session_->settings.types),
                       wxFD_OPEN | wxFD_MULTIPLE | wxFD_FILE_MUST_EXIST);
@@ -349,17 +325,6 @@ void MainFrame::on_add_file() {
 
 void MainFrame::add_paths(const wxArrayString& paths) {
   for (const wxString& path : paths) session_->intake.add_to_queue(path_from_wx(path), true);
-}
-
-void MainFrame::on_queue_menu(const wxContextMenuEvent& event) {
-  wxPoint at;
-  const int row = ListView1_->menu_row(event, at);
-  if (!session_->queue.holds(row)) return;
-  context_item_ = row;
-  const Undo::Entry undo = session_->undo.entry(row);
-  menus_.mnuList3.SetLabel(mnuUndo, "&" + to_wx(undo.caption));
-  menus_.mnuList3.Enable(mnuUndo, undo.enabled);
-  stack_.pop_up(*ListView1_, menus_.mnuList3, at);
 }
 
 // The other dialogs.

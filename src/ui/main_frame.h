@@ -18,6 +18,7 @@
 #include "shell/commands.h"
 #include "shell/session.h"
 #include "ui/menus.h"
+#include "ui/queue_page.h"
 #include "ui/rule_page.h"
 #include "ui/window_life.h"
 
@@ -52,7 +53,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   /// Queues what the user has dropped or picked, in this order.
   void add_paths(const wxArrayString& paths);
 
-  void add_row(int, const std::string& filename) override { ListView1_->add_row(filename); }
+  void add_row(int, const std::string& filename) override { queue_page_->list().add_row(filename); }
   void update_row(int index, const RowUpdate& update) override;
   void show_filters(const std::vector<ListRow>& rows) override { filter_page_->list().show(rows); }
   void show_exceptions(const std::vector<ListRow>& rows) override { exception_page_->list().show(rows); }
@@ -74,11 +75,6 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   bool is_unloading() const override { return life_.is_unloading(); }
 
  private:
-  /// What copy_progress reports on.
-  struct Work {
-    int row = 0;
-    bool undoing = false;
-  };
   class Running;
 
   void show_empty();
@@ -88,16 +84,13 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   RulePage* build_filter_page();
   RulePage* build_exception_page();
   void bind_commands();
-  wxWindow* dialog_parent();
+  wxWindow* dialog_parent() { return stack_.dialog_parent(*this); }
 
-  void run(const Work& work, const std::function<void()>& action);
+  void run(const QueuePage::Work& work, const std::function<void()>& action);
   bool may_close();
   void stop();
   void on_start_timer();
   void on_add_file();
-  void on_info();
-  void on_undo();
-  void on_queue_menu(const wxContextMenuEvent& event);
   void edit_filter(int index);
   void add_exception(int item);
   void show_about();
@@ -108,7 +101,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   std::optional<Commands> commands_;
 
   wxNotebook* TabStrip1_ = nullptr;
-  QueueList* ListView1_ = nullptr;
+  QueuePage* queue_page_ = nullptr;
   RulePage *filter_page_ = nullptr, *exception_page_ = nullptr;
   wxListBox* List3_ = nullptr;
   ListMenus menus_;
@@ -116,14 +109,12 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
 
   CallStack stack_;
   WindowLife life_{*this, stack_};
-  Work work_;
-  int running_ = 0;  // passes and undoings, one inside the other
+  QueuePage::Work work_;  // what copy_progress reports on
+  int running_ = 0;       // passes and undoings, one inside the other
   bool stopped_ = false;
   std::chrono::steady_clock::time_point last_progress_;
   std::chrono::steady_clock::time_point last_yield_;
-  int context_item_ = 0;  // the queue item that the last context menu was for
   bool keep_temp_ = false;
-  bool is_undoing_ = false;
 };
 
 }  // namespace quorvel::ui
