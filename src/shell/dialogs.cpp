@@ -14,33 +14,56 @@ std::string skip_name(int message) {
   return "msgskip$" + std::to_string(message);
 }
 
-/// What else is known of how the item came to its name.
-std::string remarks(const QueueItem& item) {
+constexpr std::string_view read_as = "Read as: ";
+
+std::string age_text(std::chrono::system_clock::duration age) {
+  const auto days = std::chrono::floor<std::chrono::days>(age).count();
+  if (days < 1) return "less than a day old";
+  return std::to_string(days) + (days == 1 ? " day old" : " days old");
+}
+
+/// How the item came to its name, or to fail.
+std::string remarks(const QueueItem& item, std::chrono::system_clock::time_point now) {
   std::string text;
+  const auto add = [&text](const std::string& line) { text.append(text.empty() ? "" : "\n").append(line); };
   if (item.reading && item.reading->names_episode()) {
-    text = "Read as: " + show_text(*item.reading) + ", " + number_text(*item.reading) +
-           (item.reading->certain ? "" : " (not certain)");
+    add(std::string(read_as) + show_text(*item.reading) + ", " + number_text(*item.reading) +
+        (item.reading->certain ? "" : " (not certain)"));
   }
-  for (const std::string& doubt : item.doubts) text.append(text.empty() ? "" : "\n").append("Look at this: " + doubt);
+  if (!item.match.empty()) add("Match: " + item.match);
+  if (item.listings_told) add("Listings: " + age_text(now - *item.listings_told));
+  for (const std::string& doubt : item.doubts) {
+    if (item.error_text.find(doubt) == std::string::npos) add("Look at this: " + doubt);
+  }
   return text;
 }
 
-void describe(const QueueItem& item, ItemInfo& info) {
+/// Why the item failed or was cancelled, and what is known of it beside that.
+std::string explained(const char* label, const QueueItem& item, const std::string& remarks) {
   std::string error = item.error_text;
   replace_all(error, "\r\n", "\n");
+  std::string text = label;
+  for (const std::string_view line : split(error, "\n")) {
+    if (item.reading && line.starts_with(read_as)) continue;  // the remarks tell more of that
+    text.append(text == label ? "" : "\n").append(line);
+  }
+  return remarks.empty() ? text : text + "\n" + remarks;
+}
+
+void describe(const QueueItem& item, const std::string& remarks, ItemInfo& info) {
   switch (item.state) {
     case QueueState::Cancelled:
       info.status = "Status: Cancelled";
-      info.description = "Desc: " + error;
+      info.description = explained("Desc: ", item, remarks);
       break;
     case QueueState::Failed:
       info.status = "Status: Failed";
-      info.description = "Error: " + error;
+      info.description = explained("Error: ", item, remarks);
       break;
     case QueueState::Done:
       info.status = "Status: Done";
       info.new_name = "New Name: " + item.new_name;
-      info.description = remarks(item);
+      info.description = remarks;
       break;
     default:
       return;
@@ -48,16 +71,20 @@ void describe(const QueueItem& item, ItemInfo& info) {
   info.filename = "Filename: " + item.filename;
 }
 
-/// The service writes null where there is no page.
+}  // namespace
+
 std::string page_address(const std::string& address) {
   return address.find("://") == std::string::npos ? "" : address;
 }
 
-}  // namespace
+void open_page(Launcher& launcher, UserInterface& ui, const std::string& address) {
+  if (launcher.open(address)) return;
+  ui.show_message(0, "Unable to open page", "There is no program to open " + address + " with", MessageIcon::Warning);
+}
 
-ItemInfo item_info(const QueueItem& item) {
+ItemInfo item_info(const QueueItem& item, std::chrono::system_clock::time_point now) {
   ItemInfo info;
-  describe(item, info);
+  describe(item, remarks(item, now), info);
   info.old_path = item.path;
   if (item.state != QueueState::Cancelled && !item.new_name.empty()) info.new_path = job_of(item).destination();
   info.show_address = page_address(item.show_url);

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
 #include "platform/files.h"
+#include "platform/launcher.h"
 #include "queue/queue_item.h"
 #include "rules/exceptions.h"
 #include "shell/settings_store.h"
@@ -19,7 +21,14 @@ struct ItemInfo {
   std::string show_address = {}, episode_address = {};  // in double quotes; empty where the service gave none
   bool operator==(const ItemInfo&) const = default;
 };
-ItemInfo item_info(const QueueItem& item);
+/// `now` is the present time, from which the age of the listings is told.
+ItemInfo item_info(const QueueItem& item, std::chrono::system_clock::time_point now);
+
+/// The address of a web page; empty for anything else, as the service writes null where there is none.
+std::string page_address(const std::string& address);
+
+/// A message says what cannot be opened.
+void open_page(Launcher& launcher, UserInterface& ui, const std::string& address);
 
 /// The folder that holds the item's file as it is now, or that held it last.
 std::string folder_of(const QueueItem& item, const Files& files);

@@ -250,7 +250,7 @@ ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const Session& session, Launche
   new_path_label_ = new wxStaticText(this, wxID_ANY, "&New Path:");
   new_path_ = path_box(this, *paths, new_path_label_, "new_path", line_width);
   sizer->Add(paths, line);
-  description_ = text_box(this, "description", wxSize(-1, 80), wxTE_MULTILINE | wxTE_READONLY);
+  description_ = text_box(this, "description", wxSize(-1, 110), wxTE_MULTILINE | wxTE_READONLY);
   add_links();
   sizer->Add(description_, wxSizerFlags(line).Proportion(1));
   sizer->Add(links_, wxSizerFlags(line).Proportion(1));
@@ -264,9 +264,10 @@ ItemInfoDialog::ItemInfoDialog(wxWindow* parent, const Session& session, Launche
 void ItemInfoDialog::add_links() {
   links_ = new wxPanel(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL, "links");
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  show_link_ = link(links_, "Show page on tvmaze.com", "show_link", [this] { open_page(info_.show_address); });
-  episode_link_ =
-      link(links_, "Episode page on tvmaze.com", "episode_link", [this] { open_page(info_.episode_address); });
+  show_link_ = link(links_, "Show page on tvmaze.com", "show_link",
+                    [this] { open_page(launcher_, session_.ports.ui, info_.show_address); });
+  episode_link_ = link(links_, "Episode page on tvmaze.com", "episode_link",
+                       [this] { open_page(launcher_, session_.ports.ui, info_.episode_address); });
   for (wxHyperlinkCtrl* const made : {show_link_, episode_link_}) sizer->Add(made);
   links_->SetSizer(sizer);
   links_->Hide();
@@ -274,7 +275,7 @@ void ItemInfoDialog::add_links() {
 
 void ItemInfoDialog::fill() {
   if (!session_.queue.holds(index_)) return;
-  info_ = item_info(session_.queue.at(index_));
+  info_ = item_info(session_.queue.at(index_), session_.ports.clock.utc());
   const bool is_done = !info_.new_name.empty();
   const auto show_fitted = [this](wxStaticText* label, const std::string& text) {
     const wxString whole = to_wx(text);
@@ -294,15 +295,13 @@ void ItemInfoDialog::fill() {
   description_->ChangeValue(to_wx(info_.description));
   description_->Show(!is_done || !info_.description.empty());
   links_->Show(is_done);
+  GetSizer()->GetItem(links_)->SetProportion(description_->IsShown() ? 0 : 1);
   show_link_->Show(!info_.show_address.empty());
   episode_link_->Show(!info_.episode_address.empty());
+  wxSize size = GetClientSize();
+  size.IncTo(GetSizer()->CalcMin());  // it was made for less
+  SetClientSize(size);
   Layout();
-}
-
-void ItemInfoDialog::open_page(const std::string& address) {
-  if (launcher_.open(address)) return;
-  session_.ports.ui.show_message(0, "Unable to open page", "There is no program to open " + address + " with",
-                                 MessageIcon::Warning);
 }
 
 void ItemInfoDialog::open_folder() {

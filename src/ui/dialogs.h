@@ -97,7 +97,6 @@ class ItemInfoDialog : public wxDialog {
  private:
   void add_links();
   void fill();
-  void open_page(const std::string& address);
   void open_folder();
 
   const Session& session_;
