@@ -4,6 +4,7 @@
 
 #include "naming/file_names.h"
 #include "session_fixture.h"
+#include "shell/show_choice.h"
 
 namespace quorvel::testing {
 namespace {
@@ -69,6 +70,48 @@ TEST(Dialogs, AddExceptionsWithBothNames) {
                                 "Unable to save exception: The exception could not be saved. The log says why."}));
   EXPECT_EQ(at.read("data/Quorvel/man.dat"), "the office\tThe Office\r\n");
   EXPECT_EQ(at.ui.exceptions, (std::vector<ListRow>{{"F1", {"the office", "The Office"}}}));
+}
+
+TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
+  TestSession at;
+  at.key_values.numbers["exact"] = 1;
+  at.start();
+  at.web.knows_part_time();
+  for (const char* const name :
+       {"part.time.s01e01.mkv", "Part Time 1x01.avi", "part.time.2010.s01e01.mkv", "part.s01e01.mpg", "holiday.avi"}) {
+    at.add(name);
+  }
+  at.session.processor.process_queue();
+  at.session.exceptions.append({"part", "part time", false});
+  std::string possible, names;
+  for (const bool exact : {false, true}) {
+    at.session.settings.exact = exact;
+    for (int i = 0; i <= 6; ++i) possible += ShowChoice::is_possible(at.session, i) ? std::to_string(i) : "-";
+  }
+  EXPECT_EQ(possible, "--------12-4--");
+  ShowChoice choice(at.session, 1);
+  EXPECT_EQ(choice.others() + choice.name(), "The choice is also for 2 other files of this show.part time");
+  EXPECT_EQ(choice.search(" "), "Enter the name of a show.");
+  at.web.refusals = {0};
+  EXPECT_EQ(choice.search("part of"), "The search has failed. No connection to the service.");
+  at.web.bodies["/search/shows?q=part+of"] = R"([{"show":{"id":9,"name":"Part of It"}}])";
+  EXPECT_EQ(choice.search("part of"), "1 show found");  // now that there is a connection
+  EXPECT_EQ(choice.search("tvmaze:77"), "The search has failed. There is no show with the number 77.");
+  EXPECT_EQ(choice.search("part time"), "2 shows found");
+  EXPECT_EQ(choice.rows(),
+            (std::vector<ListRow>{{"", {"Part Time", "2010", "US", "Harbour TV"}}, {"", {"Part Time", "", "", ""}}}));
+  at.item(2).state = QueueState::Done;  // what is done stays as it is
+  choice.choose(1, true);
+  for (int i = 1; i <= 5; ++i) names += at.item(i).new_name + "|";
+  EXPECT_EQ(names, "Part Time - 1x01 - A9.mkv||Part Time - 1x01 - A8.mkv|Part Time - 1x01 - A9.mpg||");
+
+  at.item(1).state = QueueState::Cancelled;  // as by undoing
+  ShowChoice again(at.session, 1);
+  EXPECT_EQ(again.search("tvmaze:8"), "1 show found");
+  EXPECT_EQ(again.earlier_choice(), "Chosen for this name: Part Time (tvmaze:9)");
+  EXPECT_FALSE(again.place_of_earlier_choice());
+  again.search("part time");
+  EXPECT_EQ(again.place_of_earlier_choice(), 1U);
 }
 
 }  // namespace
