@@ -93,7 +93,7 @@ TEST_F(Screenshots, Tabs) {
   AFilter example = session->filters.at(1);
   example.path = shown("/home/anna/TV/[show]/");  // the real one has another name each time
   frame->show_filters({{"F1", FilterFormat::cells(example)}, {"F2", FilterFormat::cells(session->filters.at(2))}});
-  find<ui::RuleList>(*frame, "ListView2").select(1);
+  find<ui::PlainList>(*frame, "ListView2").select(1);
   picture(*frame, "filters");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(2);
   picture(*frame, "exceptions");
@@ -130,6 +130,47 @@ TEST_F(Screenshots, Dialogs) {
   frame->ask_confirmation({"Confirm File Move", "Continue with file move?",
                            shown("/home/user/Downloads/The Harbour Lights Season 1/harbour.lights.1x02.720p.mkv"),
                            shown("/srv/media/TV/The Harbour Lights/Season 1/The Harbour Lights - S01E02 - Fog.mkv")});
+}
+
+TEST_F(Screenshots, ExactNames) {
+  prepare();
+  drop({file("cafe.noir.s01e01.avi"), file("cafe.noir.s01e02.avi")});
+  run_pass();
+  picture(*frame, "lost-characters");
+  frame->unload();
+  wait_for_the_end();
+  key_values.numbers["exact"] = 1;
+  web.knows_part_time();
+  web.bodies["/search/shows?q=part+time"] =
+      R"([{"show":{"id":8,"name":"Part Time","url":"https://x/8","premiered":"2010-01-01",
+                   "network":{"name":"Harbour TV","country":{"code":"US"}}}},
+          {"show":{"id":9,"name":"Part Time","url":"https://x/9","premiered":"2015-01-01",
+                   "network":{"name":"Channel 9","country":{"code":"GB"}}}},
+          {"show":{"id":10,"name":"Part-Time Heroes","premiered":"2019-01-01","network":{"name":"KBN"}}}])";
+  web.bodies["/shows/9"] = R"({"id":9,"name":"Part Time","premiered":"2015-01-01"})";
+  start();
+  drop({file("part.time.s01e01.720p.mkv"), file("part.time.s01e02.720p.mkv"), file("part.time.s01e03.720p.mkv"),
+        file("the.harbour.lights.s01e01.mkv")});
+  run_pass();
+  picture(*frame, "queue-exact");
+  menu_over(1, 1);
+  of_dialog(ui::mnuInfo, "item-unclear");
+  const auto wait_for_shows = [](wxDialog& dialog) {
+    auto& shows = find<ui::PlainList>(dialog, "shows");
+    wait_until([&] { return shows.count() > 0; });
+    shows.select(2);
+  };
+  of_dialog(ui::mnuChoose, "choose-show", wait_for_shows);
+  of_dialog(ui::mnuChoose, "choose-show-none", [&](wxDialog& dialog) {
+    wait_for_shows(dialog);
+    set_text(dialog, "name", "part time work");
+    press(dialog, "&Search");
+  });
+  session->lookup.show_of_id(9);  // so that the dialog need not wait for it
+  session->lookup.choose(Lookup::choice_key("part time", read_name("part.time.s01e01.mkv")), 9, false);
+  of_dialog(ui::mnuChoose, "choose-show-again", wait_for_shows);
+  menu_over(1, 4);
+  of_dialog(ui::mnuInfo, "item-exact");
 }
 
 TEST_F(Screenshots, Wizard) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "shell/dialogs.h"
 #include "shell/version.h"
 #include "text/case.h"
 #include "text/characters.h"
@@ -113,6 +114,18 @@ bool apply_preferences(Session& session, Settings wanted) {
     menu->remove(folders_and_videos);
   }
   return true;
+}
+
+void turn_exact_names(Session& session, bool on) {
+  session.settings.exact = on;
+  session.settings_store.write_number("exact", on ? 1 : 0);
+}
+
+std::string lost_characters_notice(const Session& session, int count) {
+  if (count == 0 || session.settings.exact || is_switched_off(session.settings_store, lost_characters_message))
+    return {};
+  const std::string names = count == 1 ? "1 name has" : std::to_string(count) + " names have";
+  return names + " lost characters.\nExact names keep them.";
 }
 
 void remove_menu_entries(Session& session) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "shell/session.h"
 
 /// The user's preferences, and the entries in the file manager's context menu that go with them.
@@ -13,6 +15,14 @@ void load_preferences(Session& session);
 /// entries up to date and stores everything. False, with nothing changed, when there are no types; the user is asked
 /// for some.
 bool apply_preferences(Session& session, Settings wanted);
+
+/// Turns exact names on or off, and stores nothing else.
+void turn_exact_names(Session& session, bool on);
+
+/// What to tell after a pass in which this many names lost characters that exact names would have kept; empty when
+/// there is nothing to tell, or the user does not want to hear of it.
+std::string lost_characters_notice(const Session& session, int count);
+inline constexpr int lost_characters_message = 2;  // its number, by which the user switches it off
 
 /// For uninstalling: the entries of the types that are stored, and those of folders and video files.
 void remove_menu_entries(Session& session);

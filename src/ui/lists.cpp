@@ -2,7 +2,6 @@
 
 #include <wx/settings.h>
 #include <wx/sizer.h>
-#include <wx/stattext.h>
 
 #include <algorithm>
 #include <utility>
@@ -68,22 +67,10 @@ int RowList::row_at(const wxPoint& point) const {
 }
 
 QueueList::QueueList(wxWindow* parent)
-    : RowList(parent, {"ListView1", "File Queue", {"Filename", "New Name", "Status"}, icons::rows(*parent)}),
-      // A window of its own, over the list's: the list paints its whole area.
-      hint_(new wxPanel(overlay_parent(), wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE)) {
-  auto* const text = new wxStaticText(hint_, wxID_ANY, "Drop files or folders here");
-  const auto colour = [this, text] {
-    hint_->SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
-    text->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
-  };
-  colour();
-  Bind(wxEVT_SYS_COLOUR_CHANGED, [colour](wxSysColourChangedEvent& event) {
-    event.Skip();
-    colour();
-  });
-  auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(text);
-  hint_->SetSizerAndFit(sizer);
+    : RowList(parent, {"ListView1", "File Queue", {"Filename", "New Name", "Status"}, icons::rows(*parent)}) {}
+
+void QueueList::set_hint(wxWindow& hint) {
+  hint_ = &hint;
   Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     const wxSize space = GetClientSize() - hint_->GetSize();
@@ -136,7 +123,7 @@ void QueueList::show_changes() {
     if (row <= count()) repaint(row);
   }
   set_count(static_cast<int>(rows_.size()));
-  if (hint_->IsShown()) hint_->Hide();
+  if (hint_ != nullptr && hint_->IsShown()) hint_->Hide();
   const int show = std::exchange(row_to_show_, 0), select = std::exchange(row_to_select_, 0);
   if (show > 0) scroll_to(show);
   if (select > 0 && select != selected()) mark(select);
@@ -150,19 +137,19 @@ wxString QueueList::cell(int index, int column) const {
   return to_wx(progress.empty() ? status : status + " " + progress);
 }
 
-std::vector<int> RuleList::widths(int area) const {
+std::vector<int> PlainList::widths(int area) const {
   if (area < scaled(*this, 200)) return {};
   std::vector<int> all;
   for (const int share : shares_) all.push_back(area * share / 100);
   return all;
 }
 
-void RuleList::show(const std::vector<ListRow>& rows) {
+void PlainList::show(const std::vector<ListRow>& rows) {
   rows_ = rows;
   reset(static_cast<int>(rows.size()));
 }
 
-wxString RuleList::cell(int row, int column) const {
+wxString PlainList::cell(int row, int column) const {
   const std::size_t index = static_cast<std::size_t>(row) - 1, cell = static_cast<std::size_t>(column);
   return index < rows_.size() && cell < rows_[index].cells.size() ? to_wx(rows_[index].cells[cell]) : wxString();
 }

@@ -11,7 +11,7 @@
 
 namespace quorvel::ui {
 
-/// A list of the main window: the system's own control, which screen readers know. It asks for the rows in sight, so
+/// A list: the system's own control, which screen readers know. It asks for the rows in sight, so
 /// its length costs nothing. Rows count from 1, as what they show does.
 class RowList : public wxPanel {
  public:
@@ -39,6 +39,8 @@ class RowList : public wxPanel {
 
   /// Called with the row for Enter and for the double-click.
   std::function<void(int)> on_activate = [](int) {};
+  /// Called when another row, or none, is selected; perhaps also when nothing has changed.
+  std::function<void()> on_select = [] {};
 
  protected:
   RowList(wxWindow* parent, const Looks& looks);
@@ -53,8 +55,6 @@ class RowList : public wxPanel {
   void scroll_to(int row);
   /// Selects the row where it is.
   void mark(int row);
-  /// What is to lie over the list has this parent.
-  wxWindow* overlay_parent();
 
  private:
   class Control;
@@ -91,7 +91,8 @@ class QueueList : public RowList {
   /// What is shown after the status until the row's next update, such as a percentage. Ignored without such a row.
   void set_progress(int index, const std::string& progress);
 
-  bool hint_is_shown() const { return hint_->IsShown(); }
+  /// Puts `hint`, a child of this list, over its middle while there is nothing to show.
+  void set_hint(wxWindow& hint);
 
  private:
   struct Row {
@@ -108,17 +109,17 @@ class QueueList : public RowList {
   void show_changes();
 
   std::vector<Row> rows_;
-  wxPanel* hint_;  // what to do, while there is nothing to show
+  wxWindow* hint_ = nullptr;
   bool changes_wait_ = false;
   std::vector<int> changed_rows_;
   int row_to_show_ = 0, row_to_select_ = 0;  // 0 for none
 };
 
-/// The list of the filter rules, or of the exceptions.
-class RuleList : public RowList {
+/// A list whose rows are handed over all at once: of the filter rules, of shows.
+class PlainList : public RowList {
  public:
   /// `shares` are the columns' parts of the width, in percent.
-  RuleList(wxWindow* parent, const Looks& looks, std::vector<int> shares)
+  PlainList(wxWindow* parent, const Looks& looks, std::vector<int> shares)
       : RowList(parent, looks), shares_(std::move(shares)) {}
 
   /// Puts these rows in place of those shown; the selection is gone.

@@ -199,6 +199,8 @@ void MainFrame::bind_commands() {
   on(mnuInfo, [this] { queue_page_->show_info(); });
   on(mnuUndo, [this] { queue_page_->undo(); });
   on(mnuSpecify, [this] { add_exception(queue_page_->menu_item()); });
+  on(mnuChoose, [this] { queue_page_->choose_show(); });
+  on(mnuLookUp, [this] { queue_page_->look_up_again(); });
   on(mnuRetry, [this] { run({}, [this] { session_->processor.retry_failed(); }); });
   on(mnuAddEx, [this] { add_exception(0); });
   on(mnuRemEx, [this] { exception_page_->remove(); });
@@ -311,6 +313,7 @@ bool MainFrame::may_close() {
 void MainFrame::on_start_timer() {
   // A retry that the user has started in the meantime takes what the timer was armed for along.
   if (session_->processor.queue_busy() || life_.is_unloading()) return;
+  if (queue_page_->is_searching()) return arm_start_timer();
   run({}, [this] { session_->processor.process_queue(); });
 }
 
@@ -344,6 +347,7 @@ void MainFrame::add_exception(int item) {
 void MainFrame::show_preferences() {
   PreferencesDialog dialog(dialog_parent(), *session_, keep_temp_);
   stack_.show_modal(dialog);
+  queue_page_->show_settings();
 }
 
 void MainFrame::show_about() {

@@ -2,6 +2,8 @@
 
 #include <initializer_list>
 
+#include "ui/text.h"
+
 namespace quorvel::ui {
 namespace {
 
@@ -12,7 +14,7 @@ struct Item {
 constexpr Item separator{wxID_SEPARATOR};
 
 void fill(wxMenu& menu, std::initializer_list<Item> items) {
-  for (const Item& item : items) menu.Append(item.command, item.text);
+  for (const Item& item : items) menu.Append(item.command, to_wx(item.text));
 }
 
 }  // namespace
@@ -49,6 +51,8 @@ ListMenus::ListMenus() {
   fill(mnuList3, {{mnuInfo, "Item &Info"},
                   {mnuUndo, "&Undo Rename"},
                   {mnuSpecify, "Add &Exception"},
+                  {mnuChoose, "&Choose Show\u2026"},
+                  {mnuLookUp, "&Look Up Again"},
                   separator,
                   {mnuRetry, "&Retry Failed"}});
   fill(mnuList4, {{mnuAddEx, "&Add Exception"}, {mnuRemEx, "&Remove Exception\tDel"}});

@@ -25,6 +25,8 @@ enum MenuCommand {
   mnuInfo,
   mnuUndo,
   mnuSpecify,
+  mnuChoose,
+  mnuLookUp,
   mnuRetry,
   mnuAddEx,
   mnuRemEx,

@@ -5,7 +5,7 @@
 namespace quorvel::ui {
 
 RulePage::RulePage(wxWindow* parent, const Looks& looks, Actions actions)
-    : wxPanel(parent), actions_(std::move(actions)), list_(new RuleList(this, looks.list, looks.shares)) {
+    : wxPanel(parent), actions_(std::move(actions)), list_(new PlainList(this, looks.list, looks.shares)) {
   auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
   const auto button = [&](const char* label, const char* name, const std::function<void()>& press,
                           const wxSizerFlags& flags = {}) {

@@ -33,7 +33,7 @@ class RulePage : public wxPanel {
 
   RulePage(wxWindow* parent, const Looks& looks, Actions actions);
 
-  RuleList& list() { return *list_; }
+  PlainList& list() { return *list_; }
 
   // What the buttons, keys and menus do with the selected rule; nothing when there is none.
 
@@ -45,7 +45,7 @@ class RulePage : public wxPanel {
   void on_key(wxKeyEvent& event);
 
   const Actions actions_;
-  RuleList* list_;
+  PlainList* list_;
 };
 
 }  // namespace quorvel::ui

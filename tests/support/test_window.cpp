@@ -130,13 +130,16 @@ std::string TestWindow::rows(std::size_t tab) const {
 std::string TestWindow::menu_over(std::size_t tab, int row) {
   ui::RowList& over = list(tab);
   wxTheApp->ProcessPendingEvents();
-  wait_until([&] { return row < 1 || !over.area_of(row).IsEmpty(); });
-  wxPoint at(40, row == -2 ? 2 : over.GetClientSize().y - 8);
-  const wxRect area = over.area_of(row);
-  if (!area.IsEmpty()) at.y = area.y + area.height / 2;
+  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId());
+  wait_until([&] {
+    const wxRect area = over.area_of(row);
+    const wxPoint at(40, row == -2 ? 2 : area.IsEmpty() ? over.GetClientSize().y - 8 : area.y + area.height / 2);
+    if (row != -1) event.SetPosition(over.ClientToScreen(at));
+    wxPoint menu;
+    return row < 1 || (!area.IsEmpty() && over.menu_row(event, menu) == row);
+  });
   const auto shown = std::make_shared<std::string>();
   frame->stack().show_menu = [shown](wxWindow&, wxMenu& menu, const wxPoint&) { *shown = captions(menu); };
-  wxContextMenuEvent event(wxEVT_CONTEXT_MENU, over.GetId(), row == -1 ? wxDefaultPosition : over.ClientToScreen(at));
   over.ProcessWindowEvent(event);
   return *shown;
 }

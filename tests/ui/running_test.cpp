@@ -8,6 +8,8 @@
 
 namespace quorvel::testing {
 
+using ui::from_wx;
+
 class Running : public TestWindow {
  protected:
   const std::string name = "harbour.lights.s01e01.avi", new_name = "The Harbour Lights - 1x01 - Slack Water.avi";
@@ -166,6 +168,53 @@ TEST_F(Running, TheWindowLivesInTheTrayOnlyWhileThereIsOne) {
   wait_until([&] { return frame->IsActive() && !frame->IsIconized(); });
 }
 
+TEST_F(Running, ASearchForShowsEndsWithItsDialogAndNoPassBeginsMeanwhile) {
+  key_values.numbers["exact"] = 1;
+  start();
+  drop({file("no.such.show.s01e01.avi")});
+  run_pass();
+  bool ticked = false;
+  frame->Bind(wxEVT_TIMER, [&](wxTimerEvent& event) { ticked = true, event.Skip(); });
+  menu_over(1, 1);
+  on_dialog([&](wxDialog& dialog) {
+    wait_until([&] { return find(dialog, "&Search").IsEnabled(); });
+    web.before_answer = [&] {
+      EXPECT_EQ(from_wx(find(dialog, "result").GetLabel()), "Searching\u2026");
+      drop({file("harbour.lights.s01e01.avi")});
+      wait_until([&] { return ticked; });
+      EXPECT_FALSE(session->processor.queue_busy());
+      EXPECT_TRUE(dialog.IsModal() && web.on_wait());
+      dialog.Close();
+      if (!web.on_wait()) throw Failure("cancelled");
+      ADD_FAILURE() << "the search goes on";
+    };
+    set_text(dialog, "name", "xyz"), press(dialog, "&Search");
+  });
+  command(ui::mnuChoose);
+  wait_until([&] { return is_done(2); });
+}
+
+TEST_F(Running, EscapeClosesTheBarAndStopsNoPass) {
+  start();
+  drop({file("cafe.noir.s01e01.avi")});
+  run_pass();
+  auto& bar = find(*frame, "message_bar");
+  session->filters.at(1).action = CopyAndRename;
+  session->filters.at(1).path = with_separator(folder / "out");
+  drop({file(name, std::string(1 << 22, 'x'))});
+  on_progress = [&] {
+    if (!bar.IsShown()) return;
+    wxUIActionSimulator keyboard;
+    find(*frame, "ListView1").SetFocus();
+    keyboard.Char(WXK_TAB);
+    wait_until([&] { return find(*frame, "&Use Exact Names").HasFocus(); });
+    keyboard.Char(WXK_ESCAPE);
+    wait_until([&] { return !bar.IsShown(); });
+  };
+  wait_until([&] { return is_done(2); });
+  EXPECT_FALSE(bar.IsShown());
+}
+
 TEST_F(TestWindow, ListsAnswerRealKeys) {
   wxUIActionSimulator keyboard;
   start();
@@ -188,6 +237,11 @@ TEST_F(TestWindow, ListsAnswerRealKeys) {
   focus(list(2));
   keyboard.Char(WXK_DELETE);
   wait_until([&] { return session->filters.count() == 1; });
+  focus(list(1));
+  keyboard.Char(WXK_TAB);
+  wait_until([&] { return find(*frame, "exact_names").HasFocus(); });
+  keyboard.Char(WXK_SPACE);
+  wait_until([&] { return session->settings.exact && key_values.numbers["exact"] == 1; });
 }
 
 }  // namespace quorvel::testing

@@ -4,6 +4,7 @@
 #include <wx/notebook.h>
 #include <wx/radiobut.h>
 #include <wx/spinctrl.h>
+#include <wx/uiaction.h>
 
 #include "naming/file_names.h"
 #include "shell/version.h"
@@ -60,7 +61,7 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
 TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStartsThenUndoneAndRetriedByTheMenu) {
   start();
   const auto& queue = find<ui::QueueList>(*frame, "ListView1");
-  EXPECT_TRUE(queue.hint_is_shown());
+  EXPECT_TRUE(find(queue, "hint").IsShown());
   const std::string early = file("Harbour.Lights/harbour.lights.s01e01.avi");
   const std::string odd = file(std::string(odd_name) + ".s01e01.avi"),
                     odd_row = std::string(odd_name_shown) + ".s01e01||Failed;";
@@ -69,9 +70,9 @@ TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStartsThenUndone
   EXPECT_TRUE(exists("in/Harbour.Lights/The Harbour Lights - 1x01 - Slack Water.avi"));
   EXPECT_EQ(rows(1), "harbour.lights.s01e01|The Harbour Lights - 1x01 - Slack Water|Done;" + odd_row);
   EXPECT_TRUE(queue.selected() == 2 && session->queue.at(2).path == odd && logged("All items processed") == 1);
-  EXPECT_FALSE(queue.hint_is_shown());
+  EXPECT_FALSE(find(queue, "hint").IsShown());
 
-  EXPECT_EQ(menu_over(1, 1), "Item Info|Undo Rename|Add Exception|-|Retry Failed");
+  EXPECT_EQ(menu_over(1, 1), "Item Info|Undo Rename|Add Exception|Choose Show\u2026|Look Up Again|-|Retry Failed");
   command(ui::mnuUndo);
   EXPECT_TRUE(files->exists(early));
   EXPECT_EQ(rows(1), "harbour.lights.s01e01||Cancelled;" + odd_row);
@@ -81,6 +82,33 @@ TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStartsThenUndone
   for (int i = 0; i < 1200; ++i) session->log.debug_log("line", LogLevel::Normal);
   const auto& log = find<wxListBox>(*frame, "List3");
   wait_until([&] { return log.GetTopItem() + log.GetCountPerPage() >= static_cast<int>(log.GetCount()) - 1; });
+}
+
+TEST_F(TestWindow, ExactNamesAreTurnedOnInTheEmptyQueueInThePreferencesAndWhereNamesHaveLostCharacters) {
+  start();
+  std::string seen;
+  const auto look = [&] {
+    seen += std::to_string(key_values.numbers["exact"]) + (session->settings.exact ? "x" : "o");
+    seen += find<wxCheckBox>(*frame, "exact_names").GetValue() ? "x " : "o ";
+  };
+  tick(*frame, "exact_names"), look();
+  on_dialog([](wxDialog& dialog) { tick(dialog, "Check8", false), press(dialog, "OK"); });
+  command(ui::mnuPrefs), look();
+  drop({file("cafe.noir.s01e01.avi"), file("night.train.s01e02.avi")});
+  auto& bar = find(*frame, "message_bar");
+  for (const char* const button : {"&Close", "&Use Exact Names", "&Don't Show Again", ""}) {
+    run_pass();
+    EXPECT_TRUE(is_done(1) && is_done(2)) << rows(1);
+    seen += shown(bar) + " ";
+    if (*button != '\0') press(bar, button);
+    wxTheApp->ProcessPendingEvents();
+    look();
+    for (const int item : {1, 2}) session->undo.run(item);
+    tick(*frame, "exact_names", false);
+  }
+  const std::string told =
+      "2 names have lost characters.\nExact names keep them.|Use Exact Names|Don't Show Again|Close| ";
+  EXPECT_EQ(seen, "1xx 0oo " + told + "0oo " + told + "1xx " + told + "0oo  0oo ");
 }
 
 TEST_F(TestWindow, RulesMoveWithTheirSelectionAndStopAtTheEnds) {
@@ -226,6 +254,51 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   EXPECT_EQ(seen,
             "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose Check6, "
             "verify Check7, exact Check8, strict ");
+}
+
+TEST_F(TestWindow, AShowIsChosenForTheFilesOfItsNameAndTheyAreLookedUpAgain) {
+  key_values.numbers["exact"] = 1;
+  web.knows_part_time();
+  start();
+  wxUIActionSimulator keyboard;
+  drop({file("part.time.s01e01.avi"), file("part.time.s01e02.avi")});
+  run_pass();
+  menu_over(1, 1);
+  const auto shows = [](const wxWindow& dialog) -> ui::RowList& { return find<ui::RowList>(dialog, "shows"); };
+  on_dialog([&](wxDialog& dialog) {
+    wait_until([&] { return shows(dialog).count() == 2; });
+    EXPECT_EQ(shown(dialog),
+              "Choose Show: Filename: part.time.s01e01.avi|Read as: \"part time\", season 1, episode 1|The "
+              "choice is also for 1 other file of this show.|Name:|[part time]|Search|Name,Year,Country,Network|2 "
+              "shows found|x "
+              "Remember for this name|-Show Page|-Choose|Cancel|");
+    wait_until([&] { return dialog.IsActive(); });
+    set_text(dialog, "name", " xyz ");
+    find(dialog, "name").SetFocus();
+    keyboard.Char(WXK_RETURN);
+    wait_until(
+        [&] { return find(dialog, "result").GetLabel().StartsWith("TVmaze knows no show called \"xyz\". Try"); });
+    set_text(dialog, "name", "part time"), press(dialog, "&Search");
+    shows(dialog).select(1), press(dialog, "Show &Page");
+    shows(dialog).SetFocus();
+    keyboard.Char(WXK_DOWN);
+    wait_until([&] { return shown(dialog).ends_with("|-Show Page|Choose|Cancel|"); });
+    keyboard.Char(WXK_RETURN);
+  });
+  command(ui::mnuChoose);
+  EXPECT_EQ(rows(1), "part.time.s01e01|Part Time - 1x01 - A9|Done;part.time.s01e02|Part Time - 1x02 - B|Done;");
+  EXPECT_EQ(happened(), std::vector<std::string>{"open https://x/8"});
+  command(ui::mnuUndo);
+  on_dialog([&](wxDialog& dialog) {
+    wait_until([&] { return shows(dialog).selected() == 2; });
+    press(dialog, "&Forget");
+    EXPECT_FALSE(find(dialog, "&Forget").IsShown());
+    dialog.Close();
+  });
+  command(ui::mnuChoose);
+  web.bodies["/search/shows?q=part+time"] = R"([{"show":{"id":8,"name":"Part Time"}}])";
+  command(ui::mnuLookUp);  // the service knows better by now
+  EXPECT_TRUE(is_done(1) && session->queue.at(1).show_id == 8);
 }
 
 TEST_F(TestWindow, ExceptionsAreAddedByNameOrForAnItemWhoseDialogSaysWhatBecameOfIt) {

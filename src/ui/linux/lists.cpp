@@ -97,6 +97,7 @@ class RowList::Control : public wxDataViewCtrl {
     });
     Bind(wxEVT_DATAVIEW_ITEM_ACTIVATED,
          [this, &owner](const wxDataViewEvent& event) { owner.on_activate(row_of(event.GetItem())); });
+    Bind(wxEVT_DATAVIEW_SELECTION_CHANGED, [&owner](const wxDataViewEvent&) { owner.on_select(); });
     Bind(wxEVT_DATAVIEW_ITEM_CONTEXT_MENU, [this, &owner](const wxDataViewEvent& event) {
       wxContextMenuEvent menu(wxEVT_CONTEXT_MENU, owner.GetId(), ClientToScreen(event.GetPosition()));
       owner.ProcessWindowEvent(menu);
@@ -151,10 +152,6 @@ void RowList::mark(int row) {
   // With the keyboard's place, which would scroll a row that is out of sight.
   if (area_of(row).IsEmpty()) return control_->Select(control_->item(row));
   gtk_tree_view_set_cursor(control_->tree(), TreePath(row), nullptr, FALSE);
-}
-
-wxWindow* RowList::overlay_parent() {
-  return this;  // the control cannot hold windows
 }
 
 int RowList::top_row() const {

@@ -13,12 +13,17 @@ constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
 class RowList::Control : public wxListCtrl {
  public:
   Control(RowList& owner, const Looks& looks)
-      : wxListCtrl(&owner, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL),
+      : wxListCtrl(&owner, wxID_ANY, wxDefaultPosition, wxDefaultSize,
+                   // Else it would paint over what lies on it.
+                   wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL | wxCLIP_SIBLINGS),
         owner_(owner) {
     for (const char* const title : looks.titles) AppendColumn(title);
     if (!looks.icons.empty()) SetSmallImages(looks.icons);
     Bind(wxEVT_LIST_ITEM_ACTIVATED,
          [this](const wxListEvent& event) { owner_.on_activate(static_cast<int>(event.GetIndex()) + 1); });
+    for (const auto& event : {wxEVT_LIST_ITEM_SELECTED, wxEVT_LIST_ITEM_DESELECTED}) {
+      Bind(event, [this](const wxListEvent&) { owner_.on_select(); });
+    }
   }
 
  private:
@@ -71,10 +76,6 @@ void RowList::scroll_to(int row) {
 
 void RowList::mark(int row) {
   control_->SetItemState(row - 1, chosen, chosen);
-}
-
-wxWindow* RowList::overlay_parent() {
-  return control_;  // the control would paint over a sibling
 }
 
 int RowList::top_row() const {
