@@ -155,17 +155,25 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   const std::string both = "The.Harbour.Lights.S01E02E03.mkv", path = folder / ("in/" + both);
   const std::string name = good + "2-03 - The Pilot Boat & A Lantern for Maud.mkv";
   add({both});
-  const auto before = everything_in(folder.path());
   EXPECT_EQ(run({"--exact", "--json", "-n", both}), 0);
   std::string expected;
   append_json(expected, path);
   expected = "{\"path\":" + expected + ",\"state\":\"planned\",\"new_path\":";
   append_json(expected, folder / ("in/" + name));
-  EXPECT_EQ(out, expected +
-                     ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
-                     "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[]}\n"
-                     "{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0}}\n");
-  EXPECT_EQ(everything_in(folder.path()), before);
+  write_file(folder / "plan", out);
+  out = std::regex_replace(out, std::regex(R"("stamp":"\d+ \d+")"), R"("stamp":"")");
+  EXPECT_EQ(out,
+            expected +
+                ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
+                "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[],"
+                "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0}}\n");
+  EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 0);
+  EXPECT_EQ(contents(folder / ("in/" + name)), both);
+  EXPECT_EQ(run({"--undo", "-w../work"}), 0);
+  write_file(folder / ("in/" + both), both + " has changed");
+  EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 1);
+  EXPECT_TRUE(error.starts_with(path + ": It has been changed or replaced since\n")) << error;
+  write_file(folder / ("in/" + both), both);
   EXPECT_EQ(run({"--exact", "-w../work", both}), 0);
   EXPECT_EQ(contents(folder / ("in/" + name)), both);
   EXPECT_EQ(service.requests().size(), 4u);
