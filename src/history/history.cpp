@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace quorvel {
 namespace {
@@ -51,14 +52,17 @@ constexpr std::array statements = {
 #undef QUORVEL_COLUMNS
 
 constexpr SharedDatabase::Contents contents = {
-    "history.db", 1,
+    "history.db",
+    1,
     "CREATE TABLE passes (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, is_undoing INTEGER NOT NULL);"
     "CREATE TABLE operations (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, deed INTEGER NOT NULL,"
     " old_path BLOB NOT NULL, new_path BLOB NOT NULL, device INTEGER, file INTEGER, size INTEGER, modified INTEGER,"
     " undoes INTEGER NOT NULL, outcome INTEGER NOT NULL DEFAULT 0, undone INTEGER NOT NULL DEFAULT 0, reason BLOB,"
     " owner BLOB NOT NULL);"
     "PRAGMA user_version = 1;",
-    statements, "What is done to files is kept for this run alone, and can be undone in it alone"};
+    statements,
+    "What is done to files is kept for this run alone, and can be undone in it alone",
+    1024};
 
 using Value = SharedDatabase::Value;
 
@@ -69,6 +73,13 @@ Value value_of(const std::optional<FileStamp>& stamp, std::uint64_t FileStamp::*
 
 Value time_in(const std::optional<FileStamp>& stamp) {
   return stamp ? Value(stamp->modified_ns) : Value();
+}
+
+SharedDatabase::Call end_of(const PastOperation& operation) {
+  const std::optional<FileStamp>& stamp = operation.stamp;
+  return {End,
+          {operation.id, std::int64_t{operation.outcome}, value_of(stamp, &FileStamp::device),
+           value_of(stamp, &FileStamp::id), value_of(stamp, &FileStamp::size), time_in(stamp), operation.reason}};
 }
 
 std::chrono::sys_seconds seconds(std::int64_t count) {
@@ -100,17 +111,34 @@ void History::begin(PastOperation& operation, const std::string& owner) {
   operation.pass = pass.id_;
   operation.id = pass.id_ * per_pass + ++pass.count_;
   const std::optional<FileStamp>& stamp = operation.stamp;
-  database_.perform(Begin, {operation.id, now(), static_cast<std::int64_t>(operation.deed), operation.old_path,
-                            operation.new_path, value_of(stamp, &FileStamp::device), value_of(stamp, &FileStamp::id),
-                            value_of(stamp, &FileStamp::size), time_in(stamp), operation.undoes, owner});
+  const SharedDatabase::Call begun = {
+      Begin,
+      {operation.id, now(), static_cast<std::int64_t>(operation.deed), operation.old_path, operation.new_path,
+       value_of(stamp, &FileStamp::device), value_of(stamp, &FileStamp::id), value_of(stamp, &FileStamp::size),
+       time_in(stamp), operation.undoes, owner}};
+  if (const std::optional<PastOperation> before = std::exchange(end_, {})) {
+    database_.perform_both(end_of(*before), begun);
+  } else {
+    database_.perform(begun.statement, begun.values);
+  }
 }
 
 void History::end(const PastOperation& operation) {
-  const std::optional<FileStamp>& stamp = operation.stamp;
-  database_.perform(
-      End, {operation.id, std::int64_t{operation.outcome}, value_of(stamp, &FileStamp::device),
-            value_of(stamp, &FileStamp::id), value_of(stamp, &FileStamp::size), time_in(stamp), operation.reason});
-  if (operation.undoes != 0 && operation.outcome == PastOperation::Done) database_.perform(MarkUndone, {operation.id});
+  write_end();
+  end_ = operation;
+  // What others can see at once does not wait: that an operation is undone.
+  if (pass_ == nullptr || operation.undoes != 0) write_end();
+}
+
+void History::write_end() {
+  const std::optional<PastOperation> operation = std::exchange(end_, {});
+  if (!operation) return;
+  const SharedDatabase::Call ended = end_of(*operation);
+  if (operation->undoes != 0 && operation->outcome == PastOperation::Done) {
+    database_.perform_both(ended, {MarkUndone, {operation->id}});
+  } else {
+    database_.perform(ended.statement, ended.values);
+  }
 }
 
 PastOperation History::operation_in(const SharedDatabase::Row& row) {
@@ -135,6 +163,7 @@ PastOperation History::operation_in(const SharedDatabase::Row& row) {
 }
 
 std::optional<PastPass> History::pass(std::int64_t id) {
+  write_end();
   std::optional<PastPass> pass;
   database_.perform(OnePass, {id}, [&](const SharedDatabase::Row& row) {
     pass = {row.number(0), seconds(row.number(1)), row.number(2) != 0, {}};
@@ -146,6 +175,7 @@ std::optional<PastPass> History::pass(std::int64_t id) {
 }
 
 std::vector<PastPass> History::passes(int count) {
+  write_end();
   std::vector<std::int64_t> ids;
   database_.perform(LastPasses, {std::int64_t{count}},
                     [&](const SharedDatabase::Row& row) { ids.push_back(row.number(0)); });
@@ -157,18 +187,21 @@ std::vector<PastPass> History::passes(int count) {
 }
 
 std::optional<PastOperation> History::operation(std::int64_t id) {
+  write_end();
   std::optional<PastOperation> operation;
   database_.perform(Operations, {id, id + 1}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
   return operation;
 }
 
 std::int64_t History::last_undoable_pass() {
+  write_end();
   std::int64_t id = 0;
   database_.perform(LastUndoable, {}, [&](const SharedDatabase::Row& row) { id = row.number(0) / per_pass; });
   return id;
 }
 
 std::vector<std::pair<PastOperation, std::string>> History::under_way() {
+  write_end();
   std::vector<std::pair<PastOperation, std::string>> found;
   database_.perform(StillUnderWay, {},
                     [&](const SharedDatabase::Row& row) { found.emplace_back(operation_in(row), row.bytes(13)); });
@@ -176,6 +209,7 @@ std::vector<std::pair<PastOperation, std::string>> History::under_way() {
 }
 
 void History::forget_before(std::chrono::sys_seconds time) {
+  write_end();
   const std::int64_t limit = time.time_since_epoch().count();
   database_.perform(ForgetOperations, {limit});
   database_.perform(ForgetPasses, {limit});

@@ -56,7 +56,10 @@ class History {
   class Pass {
    public:
     explicit Pass(History& history) : history_(history), outer_(history.pass_) { history.pass_ = this; }
-    ~Pass() { history_.pass_ = outer_; }
+    ~Pass() {
+      history_.write_end();
+      history_.pass_ = outer_;
+    }
     Pass(const Pass&) = delete;
     Pass& operator=(const Pass&) = delete;
 
@@ -74,7 +77,8 @@ class History {
   /// The operation, of which deed, paths, stamp and what it undoes count, is about to begin, in the pass that was begun
   /// last. `owner` is a name that no other process has at the time. Sets its id.
   void begin(PastOperation& operation, const std::string& owner);
-  /// It has ended, as its outcome, its stamp and its reason say.
+  /// It has ended, as its outcome, its stamp and its reason say. That is written with the next beginning, or at the end
+  /// of the pass: until then it counts as under way.
   void end(const PastOperation& operation);
 
   /// The last passes in which anything was done or tried, the latest first.
@@ -91,6 +95,7 @@ class History {
   void forget_before(std::chrono::sys_seconds time);
 
  private:
+  void write_end();
   static PastOperation operation_in(const SharedDatabase::Row& row);
   std::int64_t now() const;
 
@@ -98,7 +103,8 @@ class History {
   const Clock& clock_;
   const std::string& work_dir_;
   SharedDatabase database_;
-  Pass* pass_ = nullptr;  // the innermost
+  Pass* pass_ = nullptr;              // the innermost
+  std::optional<PastOperation> end_;  // not written yet
 };
 
 }  // namespace quorvel

@@ -74,7 +74,8 @@ class SharedDatabase::Connection {
     prepare();
   }
 
-  std::int64_t perform(std::size_t statement, std::initializer_list<Value> values, const OnRow& on_row);
+  std::int64_t perform(std::size_t statement, const std::vector<Value>& values, const OnRow& on_row);
+  std::int64_t perform_both(const Call& first, const Call& second);
 
  private:
   void copy(const std::string& original);
@@ -88,7 +89,7 @@ class SharedDatabase::Connection {
 
   const Contents& contents_;
   Handle handle_;
-  std::vector<Prepared> prepared_;  // as its statements
+  std::vector<Prepared> prepared_;  // as its statements, and then what begins, ends and takes back a transaction
 };
 
 void SharedDatabase::Connection::copy(const std::string& original) {
@@ -100,7 +101,8 @@ void SharedDatabase::Connection::copy(const std::string& original) {
 }
 
 void SharedDatabase::Connection::prepare() {
-  run("PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE");
+  run(("PRAGMA page_size = " + std::to_string(contents_.page_size) + "; PRAGMA synchronous = NORMAL; BEGIN IMMEDIATE")
+          .c_str());
   const Prepared asking = prepared("PRAGMA user_version");
   const int found = sqlite3_step(asking.get()) == SQLITE_ROW ? sqlite3_column_int(asking.get(), 0) : 0;
   check(sqlite3_reset(asking.get()), handle_.get());
@@ -110,6 +112,7 @@ void SharedDatabase::Connection::prepare() {
   // Refused where another copy is just doing the same, and where the file system cannot; the file is as safe then.
   sqlite3_exec(handle_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
   for (const char* const sql : contents_.statements) prepared_.push_back(prepared(sql));
+  for (const char* const sql : {"BEGIN IMMEDIATE", "COMMIT", "ROLLBACK"}) prepared_.push_back(prepared(sql));
 }
 
 namespace {
@@ -133,7 +136,7 @@ class StatementRow : public SharedDatabase::Row {
 
 }  // namespace
 
-std::int64_t SharedDatabase::Connection::perform(std::size_t statement, std::initializer_list<Value> values,
+std::int64_t SharedDatabase::Connection::perform(std::size_t statement, const std::vector<Value>& values,
                                                  const OnRow& on_row) {
   sqlite3_stmt* const step = prepared_[statement].get();
   int parameter = 0;
@@ -155,6 +158,21 @@ std::int64_t SharedDatabase::Connection::perform(std::size_t statement, std::ini
   }
   check(sqlite3_reset(step), handle_.get());
   return sqlite3_last_insert_rowid(handle_.get());
+}
+
+std::int64_t SharedDatabase::Connection::perform_both(const Call& first, const Call& second) {
+  const std::size_t begin = contents_.statements.size(), commit = begin + 1, roll_back = begin + 2;
+  perform(begin, {}, {});
+  try {
+    perform(first.statement, first.values, {});
+    const std::int64_t row = perform(second.statement, second.values, {});
+    perform(commit, {}, {});
+    return row;
+  } catch (const Trouble&) {
+    sqlite3_step(prepared_[roll_back].get());
+    sqlite3_reset(prepared_[roll_back].get());
+    throw;
+  }
 }
 
 SharedDatabase::SharedDatabase(Files& files, Log& log, const std::string& work_dir, Contents contents)
@@ -206,11 +224,19 @@ std::unique_ptr<SharedDatabase::Connection> SharedDatabase::open() {
   return std::make_unique<Connection>(contents_, ":memory:", SQLITE_OPEN_READWRITE, original);
 }
 
-std::int64_t SharedDatabase::perform(std::size_t statement, std::initializer_list<Value> values, const OnRow& on_row) {
+std::int64_t SharedDatabase::perform(std::size_t statement, const std::vector<Value>& values, const OnRow& on_row) {
+  return attempt([&](Connection& connection) { return connection.perform(statement, values, on_row); });
+}
+
+std::int64_t SharedDatabase::perform_both(const Call& first, const Call& second) {
+  return attempt([&](Connection& connection) { return connection.perform_both(first, second); });
+}
+
+std::int64_t SharedDatabase::attempt(const std::function<std::int64_t(Connection&)>& work) {
   while (true) {
     try {
       if (!connection_) connection_ = open();
-      return connection_->perform(statement, values, on_row);
+      return work(*connection_);
     } catch (const Trouble& trouble) {
       connection_.reset();
       if (place_ == Place::Memory) return 0;

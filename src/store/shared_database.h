@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <span>
@@ -29,6 +28,7 @@ class SharedDatabase {
     const char* tables;  // makes them and sets the version
     std::span<const char* const> statements;
     const char* without_it;  // what the user is told where it cannot be used
+    int page_size = 4096;    // bytes; a change costs a page at least
   };
 
   /// Nothing, a number, or bytes.
@@ -50,7 +50,14 @@ class SharedDatabase {
 
   /// Carries out a statement with these values for its parameters. Returns the number of the row that was put in last.
   /// Never throws but what `on_row` throws.
-  std::int64_t perform(std::size_t statement, std::initializer_list<Value> values, const OnRow& on_row = {});
+  std::int64_t perform(std::size_t statement, const std::vector<Value>& values, const OnRow& on_row = {});
+
+  /// Carries out both or neither, at the cost of one. Returns what the second does.
+  struct Call {
+    std::size_t statement;
+    std::vector<Value> values;
+  };
+  std::int64_t perform_both(const Call& first, const Call& second);
 
  private:
   class Connection;
@@ -59,6 +66,7 @@ class SharedDatabase {
   /// only in the log beside it, as the latest is while other copies of the program run.
   enum class Place { File, CopyWithLog, Copy, Memory };
 
+  std::int64_t attempt(const std::function<std::int64_t(Connection&)>& work);
   std::unique_ptr<Connection> open();
   bool put_aside();
   std::string path() const { return work_dir_ + contents_.file_name; }
