@@ -87,15 +87,18 @@ void PastUndo::settle(const std::string& work_dir) {
   }
 }
 
-/// A file that was set aside is still there when what came after did not happen.
-void PastUndo::bring_back(const PastOperation& operation) {
-  if (!has_stamp(files_.stamp(operation.new_path), operation.stamp)) return;
-  const Outcome outcome = undo_one(operation);
-  log_.debug_log(outcome.trouble.empty() ? "A run was cut off; " + operation.old_path +
-                                               " has its name back, which was " + operation.new_path
-                                         : "A run was cut off; what was " + operation.old_path + " is " +
-                                               operation.new_path + " now and stays so: " + outcome.trouble,
-                 LogLevel::Normal);
+/// A file that was set aside is still there when its circle was not closed. What came after it in its pass was that
+/// circle's, for it was the last thing that the process did.
+void PastUndo::bring_back(const PastOperation& aside) {
+  if (!has_stamp(files_.stamp(aside.new_path), aside.stamp)) return;
+  std::vector<PastOperation> circle = history_.pass(aside.pass)->operations;
+  std::erase_if(circle, [&](const PastOperation& each) { return each.id < aside.id; });
+  undo(std::move(circle));
+  const bool is_back = !files_.exists(aside.new_path);
+  log_.debug_log(
+      "A run was cut off when files got each other's names; " +
+          (is_back ? aside.old_path + " is where it was" : "what was " + aside.old_path + " is " + aside.new_path),
+      LogLevel::Normal);
 }
 
 void PastUndo::settle_one(PastOperation operation) {

@@ -36,7 +36,7 @@ class PastUndo {
  private:
   Outcome undo_one(const PastOperation& operation);
   bool is_dead(const std::string& owner, const std::string& work_dir);
-  void bring_back(const PastOperation& operation);
+  void bring_back(const PastOperation& aside);
   void settle_one(PastOperation operation);
 
   History& history_;

@@ -20,7 +20,7 @@ ERRNOS = {"EPERM": 1, "ENOENT": 2, "EINTR": 4, "EIO": 5, "ENOMEM": 12, "EACCES":
 CHANGES = ["renameat2", "linkat", "rename", "unlink", "fsync", "mkdir", "open", "open64", "write", "splice"]
 # Nothing of these is to be waited for.
 QUIET = ["kill", "fault", "fault", "pause", "signal", "descriptors", "limits", "two copies", "writer", "writer", "full",
-         "read-only", "dry run", "hostile service"]
+         "read-only", "dry run", "hostile service", "take back", "take back", "plan"]
 
 
 class Round:
@@ -100,9 +100,11 @@ class Round:
                 "ATTACK_ROOTS": f"{self.top_in}:{self.top_out}:{self.work}", "ATTACK_LOG": self.folder + "/faults.log",
                 "ATTACK_LACKS": ",".join(self.lacks), **faults}
 
-    def start(self, *options, prefix="", base=None, program=None, **faults):
+    def start(self, *options, operands=None, prefix="", base=None, program=None, **faults):
         """`prefix`: what a shell does before it becomes the program."""
-        command = [program, self.top_in] if program else [self.bench.program, *self.settings, *options, self.top_in]
+        if operands is None:
+            operands = [self.top_in]
+        command = [program or self.bench.program, *([] if program else self.settings), *options, *operands]
         if prefix:
             command = ["/bin/sh", "-c", f'{prefix} exec "$0" "$@" {self.redirections}', *command]
         self.tell(" ".join([f"{name}={value!r}" for name, value in faults.items()] + command))
@@ -246,6 +248,27 @@ class Round:
         self.end(self.start("--dry-run"))
         if listing() != before:
             raise Loss("a dry run changed something")
+
+    def take_back(self):
+        """The last pass, hit while that is done or not; and then the history is told, which changes nothing."""
+        self.end(self.start("--undo", operands=[], **self.perhaps_struck()), True)
+        self.end(self.start("--history", operands=[]))
+
+    def plan(self):
+        """What a dry run has told is carried out, perhaps by two at once, perhaps with a line that does not fit."""
+        plan = os.path.join(self.home, "plan.jsonl")
+        with open(plan, "wb") as file:
+            subprocess.run([self.bench.program, *self.settings, "--dry-run", "--json", self.top_in], check=False,
+                           env=self.environment(), stdin=subprocess.DEVNULL, stdout=file, stderr=subprocess.DEVNULL,
+                           timeout=LONGEST)
+        with open(plan, "ab") as file:
+            file.write(b'{"state":"planned","path":"/nowhere","new_path":"/nothing","action":"rename"}\n')
+        for process in [self.start("--apply", operands=[plan], **self.perhaps_struck())
+                        for _ in range(self.rng.choice([1, 1, 2]))]:
+            self.end(process, True)
+
+    def perhaps_struck(self):
+        return self.strike(self.rng.choice(["signal 9", "fail 5", "full"])) if self.rng.random() < 0.6 else {}
 
     def hostile_service(self):
         service = HostileService(self.bench.service, self.rng.random())
