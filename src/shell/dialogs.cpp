@@ -16,14 +16,17 @@ std::string skip_name(int message) {
 
 constexpr std::string_view read_as = "Read as: ";
 
-std::string age_text(std::chrono::system_clock::duration age) {
-  const auto days = std::chrono::floor<std::chrono::days>(age).count();
-  if (days < 1) return "less than a day old";
-  return std::to_string(days) + (days == 1 ? " day old" : " days old");
+/// In days as the user counts them.
+std::string age_text(std::chrono::sys_seconds told, const Clock& clock) {
+  const auto day = [&clock](std::chrono::sys_seconds moment) {
+    return std::chrono::floor<std::chrono::days>(clock.local(moment));
+  };
+  const auto days = (day(std::chrono::floor<std::chrono::seconds>(clock.utc())) - day(told)).count();
+  return days < 1 ? "of today" : days == 1 ? "of yesterday" : std::to_string(days) + " days old";
 }
 
 /// How the item came to its name, or to fail.
-std::string remarks(const QueueItem& item, std::chrono::system_clock::time_point now) {
+std::string remarks(const QueueItem& item, const Clock& clock) {
   std::string text;
   const auto add = [&text](const std::string& line) { text.append(text.empty() ? "" : "\n").append(line); };
   if (item.reading && item.reading->names_episode()) {
@@ -31,7 +34,7 @@ std::string remarks(const QueueItem& item, std::chrono::system_clock::time_point
         (item.reading->certain ? "" : " (not certain)"));
   }
   if (!item.match.empty()) add("Match: " + item.match);
-  if (item.listings_told) add("Listings: " + age_text(now - *item.listings_told));
+  if (item.listings_told) add("Listings " + age_text(*item.listings_told, clock));
   for (const std::string& doubt : item.doubts) {
     if (item.error_text.find(doubt) == std::string::npos) add("Look at this: " + doubt);
   }
@@ -82,9 +85,9 @@ void open_page(Launcher& launcher, UserInterface& ui, const std::string& address
   ui.show_message(0, "Unable to open page", "There is no program to open " + address + " with", MessageIcon::Warning);
 }
 
-ItemInfo item_info(const QueueItem& item, std::chrono::system_clock::time_point now) {
+ItemInfo item_info(const QueueItem& item, const Clock& clock) {
   ItemInfo info;
-  describe(item, remarks(item, now), info);
+  describe(item, remarks(item, clock), info);
   info.old_path = item.path;
   if (item.state != QueueState::Cancelled && !item.new_name.empty()) info.new_path = job_of(item).destination();
   info.show_address = page_address(item.show_url);

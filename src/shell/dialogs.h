@@ -1,9 +1,9 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 
+#include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/launcher.h"
 #include "queue/queue_item.h"
@@ -21,8 +21,8 @@ struct ItemInfo {
   std::string show_address = {}, episode_address = {};  // in double quotes; empty where the service gave none
   bool operator==(const ItemInfo&) const = default;
 };
-/// `now` is the present time, from which the age of the listings is told.
-ItemInfo item_info(const QueueItem& item, std::chrono::system_clock::time_point now);
+/// `clock` tells how old the listings are.
+ItemInfo item_info(const QueueItem& item, const Clock& clock);
 
 /// The address of a web page; empty for anything else, as the service writes null where there is none.
 std::string page_address(const std::string& address);

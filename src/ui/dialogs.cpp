@@ -275,7 +275,7 @@ void ItemInfoDialog::add_links() {
 
 void ItemInfoDialog::fill() {
   if (!session_.queue.holds(index_)) return;
-  info_ = item_info(session_.queue.at(index_), session_.ports.clock.utc());
+  info_ = item_info(session_.queue.at(index_), session_.ports.clock);
   const bool is_done = !info_.new_name.empty();
   const auto show_fitted = [this](wxStaticText* label, const std::string& text) {
     const wxString whole = to_wx(text);

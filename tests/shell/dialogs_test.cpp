@@ -11,10 +11,6 @@ namespace {
 
 TEST(Dialogs, SayWhatBecameOfAnItem) {
   const TestPorts at;
-  const std::chrono::sys_seconds told{std::chrono::days(20000)};
-  const auto info_after = [&told](const QueueItem& item, std::chrono::hours age) {
-    return item_info(item, told + age);
-  };
   const std::string in = with_separator(at.folder / "in"), out = with_separator(at.folder / "data");
   QueueItem item;
   item.path = in + "a.avi", item.dest_path = out, item.show_url = "\"https://a.b/c\"", item.episode_url = "null";
@@ -27,7 +23,7 @@ TEST(Dialogs, SayWhatBecameOfAnItem) {
   for (auto [state, info, folder] : infos) {
     item.state = state;
     info.old_path = item.path, info.show_address = item.show_url;
-    EXPECT_EQ(info_after(item, {}), info) << info.status;
+    EXPECT_EQ(item_info(item, at.clock), info) << info.status;
     EXPECT_EQ(folder_of(item, *at.files), folder) << info.status;
   }
   item.state = QueueState::Failed;  // its undoing
@@ -35,15 +31,18 @@ TEST(Dialogs, SayWhatBecameOfAnItem) {
   EXPECT_EQ(folder_of(item, *at.files), out);
 
   item.reading = read_name("Show.S01E02.mkv"), item.reading->certain = false;
-  item.match = "Show (2010, tvmaze:1), by its name", item.listings_told = told, item.doubts = {"two", "A doubt"};
+  item.match = "Show (2010, tvmaze:1), by its name", item.doubts = {"two", "A doubt"};
   item.error_text = "one\r\nRead as: \"Show\", season 1, episode 2\r\ntwo";  // the reading is told once, and a doubt
   const std::string remarks =
-      "Read as: \"Show\", season 1, episode 2 (not certain)\nMatch: " + item.match + "\nListings: ";
-  EXPECT_EQ(info_after(item, std::chrono::hours(23)).description,
-            "Error: one\ntwo\n" + remarks + "less than a day old\nLook at this: A doubt");
+      "Read as: \"Show\", season 1, episode 2 (not certain)\nMatch: " + item.match + "\nListings ";
+  const auto told = [&](int days) {
+    item.listings_told = std::chrono::floor<std::chrono::seconds>(at.clock.utc()) - std::chrono::days(days);
+    return item_info(item, at.clock).description;
+  };
+  EXPECT_EQ(told(0), "Error: one\ntwo\n" + remarks + "of today\nLook at this: A doubt");
   item.state = QueueState::Done, item.error_text.clear(), item.doubts.clear();
-  EXPECT_EQ(info_after(item, std::chrono::hours(24)).description, remarks + "1 day old");
-  EXPECT_EQ(info_after(item, std::chrono::hours(72)).description, remarks + "3 days old");
+  EXPECT_EQ(told(1), remarks + "of yesterday");
+  EXPECT_EQ(told(3), remarks + "3 days old");
 }
 
 TEST(Dialogs, CutALineAfterWhatFits) {
