@@ -182,7 +182,7 @@ TEST_F(Running, ASearchForShowsEndsWithItsDialogAndNoPassBeginsMeanwhile) {
       EXPECT_EQ(from_wx(find(dialog, "result").GetLabel()), "Searching\u2026");
       drop({file("harbour.lights.s01e01.avi")});
       wait_until([&] { return ticked; });
-      EXPECT_FALSE(session->processor.queue_busy());
+      EXPECT_FALSE(is_done(2));
       EXPECT_TRUE(dialog.IsModal() && web.on_wait());
       dialog.Close();
       if (!web.on_wait()) throw Failure("cancelled");
