@@ -36,7 +36,9 @@ bool apply_plan(Session& session, const std::string& file, bool json, Terminal& 
     if (json) {
       terminal.out_line(JsonObject()
                             .text("path", job.path)
-                            .text("state", !is_done ? "failed" : is_real ? "done" : "planned")
+                            .text("state", !is_done  ? "failed"
+                                           : is_real ? "done"
+                                                     : "planned")
                             .text("new_path", job.destination())
                             .text("action", action_word(job.action))
                             .text("reason", trouble)

@@ -17,13 +17,33 @@ inline std::string target_of(const std::string& request) {
   return request.substr(4, request.find(' ', 4) - 4);
 }
 
+/// The show as one of the recorded searches has it; empty when none does.
+inline std::string show_answer(const std::string& id, const std::filesystem::path& shows) {
+  const std::string begin = "{\"id\":" + id + ",";
+  for (const auto& file : std::filesystem::directory_iterator(shows / "search")) {
+    const std::string text = contents(text_of(file.path()));
+    const std::size_t at = text.find("\"show\":" + begin);
+    if (at == std::string::npos) continue;
+    const std::size_t start = text.find('{', at);
+    int depth = 0;
+    for (std::size_t end = start; end < text.size(); ++end) {
+      depth += text[end] == '{' ? 1 : text[end] == '}' ? -1 : 0;
+      if (depth == 0) return text.substr(start, end + 1 - start);
+    }
+  }
+  return {};
+}
+
 /// The whole right answer to a request: for "/search/shows?q=RAW" the file search/RAW.json below the folder, or "[]"
-/// without such a file; for "/shows/ID/episodes" episodes/ID.json; 404 for everything else.
+/// without such a file; for "/shows/ID/episodes" episodes/ID.json; for "/shows/ID" the show as a search has it; 404 for
+/// everything else.
 inline std::string listings_answer(const std::string& request, const std::filesystem::path& shows = QUORVEL_SHOWS_DIR) {
   const std::string episodes =
       std::regex_replace(target_of(request), std::regex("/shows/(.*)/episodes"), "episodes/$1");
   const std::string name = std::regex_replace(episodes, std::regex("/search/shows.q="), "search/");
-  const std::string found = contents(text_of(shows / (name + ".json"))), body = found.empty() ? "[]" : found;
+  const bool is_show = std::regex_match(name, std::regex("/shows/\\d+"));
+  const std::string found = is_show ? show_answer(name.substr(7), shows) : contents(text_of(shows / (name + ".json")));
+  const std::string body = found.empty() ? "[]" : found;
   const char* const status = found.empty() && !name.starts_with("search/") ? "404 Not Found" : "200 OK";
   return std::string("HTTP/1.1 ") + status +
          "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
