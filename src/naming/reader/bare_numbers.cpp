@@ -1,5 +1,7 @@
 #include "naming/reader/bare_numbers.h"
 
+#include <utility>
+
 #include "naming/reader/dates.h"
 #include "naming/reader/marks.h"
 #include "text/characters.h"
@@ -104,7 +106,8 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season, boo
   const Token& next = name.at(last);
   if (token.is_glued() && i > 0) {
     const Token& before = name.at(i - 1);  // scripts without blanks end in the number
-    const bool padded = token.size() == 2 && name.written(token).front() == '0' && before.size() > 2;
+    const bool padded = token.size() == 2 && name.written(token).front() == '0' &&
+                        (before.size() > 2 || (in_season && !before.is(SeasonLetter)));
     return !before.is_word() ? none : is_ascii(name.written(before)) && !padded ? glued : within;
   }
   const bool ends = next.is_end() || next.technical || next.follows(Open | Close) || next.is(Release | EndWord);
@@ -158,6 +161,42 @@ bool splits(const Token& token, std::optional<int> season, bool of_the_scene) {
   return season ? token.number / 100 == *season : of_the_scene;
 }
 
+struct Place {
+  std::size_t first = 0;
+  int score = none;
+};
+
+Place best_place(const Name& name, bool in_season, int least, bool of_the_scene) {
+  Place best{0, least};
+  std::vector<int> list;
+  for (std::size_t i = 0, next = 0; i < name.count(); i = next) {
+    next = i + 1;
+    if (!is_candidate(name, i)) continue;
+    next = range_end(name, i, list);
+    const int value = score(name, i, next, in_season, of_the_scene);
+    // Of equals the first between dashes, else the last: shows have numbers too, titles as well.
+    if (value > best.score || (value == best.score && value < stands_out && value > none)) best = {i, value};
+  }
+  return best;
+}
+
+OtherNumbers counted(const std::vector<int>& list) {
+  return {.season = {}, .episodes = {}, .absolute = list, .date = {}};
+}
+
+OtherNumbers split(std::vector<int> list) {
+  const int season = list.front() / 100;
+  for (int& each : list) each %= 100;
+  return {.season = season, .episodes = std::move(list), .absolute = {}, .date = {}};
+}
+
+/// "Show 01-05 Title": hardly five episodes of one title.
+bool is_titled_range(const Name& name, const Numbers& numbers, const std::vector<int>& list) {
+  const Token& behind = name.at(numbers.last);
+  const bool titled = behind.is_word() && !behind.technical && behind.gap == Blank && !behind.is(EndWord | Release);
+  return list.size() > 2 && titled && name.at(numbers.first).size() <= 2 && name.at(numbers.first + 1).gap == Dash;
+}
+
 }  // namespace
 
 std::size_t last_year_of(const Name& name) {
@@ -176,62 +215,42 @@ bool starts_with_group(const Name& name) {
 }
 
 bool bare_number(const Name& name, std::optional<int> folder_season, bool standing_out, Numbers& numbers) {
-  std::size_t best = 0;
-  std::vector<int> list;
   const bool of_the_scene = is_of_the_scene(name);
-  int best_score = standing_out ? stands_out - 1 : none;
-  for (std::size_t i = 0, next = 0; i < name.count(); i = next) {
-    next = i + 1;
-    if (!is_candidate(name, i)) continue;
-    next = range_end(name, i, list);
-    const int value = score(name, i, next, folder_season.has_value(), of_the_scene);
-    // Of equals the first between dashes, else the last: shows have numbers too, titles as well.
-    if (value > best_score || (value == best_score && value < stands_out && value > none)) {
-      best = i;
-      best_score = value;
-    }
-  }
-  if (best_score <= (standing_out ? stands_out - 1 : none)) return false;
-  const Token& token = name.at(best);
-  const bool fansub = starts_with_group(name) && best > 0;
-  if (!fansub && best_score < dashed && best < last_year_of(name)) return false;
-  if (!fansub && best_score < leading - 20 && token.size() < 3) return false;
+  const int least = standing_out ? stands_out - 1 : none;
+  const Place place = best_place(name, folder_season.has_value(), least, of_the_scene);
+  if (place.score <= least) return false;
+  const Token& token = name.at(place.first);
+  const bool fansub = starts_with_group(name) && place.first > 0;
+  if (!fansub && place.score < dashed && place.first < last_year_of(name)) return false;
+  if (!fansub && place.score < leading - 20 && token.size() < 3) return false;
 
-  const int number = token.number;
+  std::vector<int> list;
+  numbers.first = place.first;
+  numbers.last = range_end(name, place.first, list);
   const std::optional<Mark> said = find_season(name);
   std::optional<int> season = said ? std::optional(said->number) : folder_season;
-  numbers.first = best;
-  numbers.last = range_end(name, best, list);
   const bool padded = token.size() >= 2 && name.written(token).front() == '0';
-  const bool range = list.size() > 1 && name.at(best + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
-  const bool one_season = list.back() / 100 == number / 100;
-  // "Show - 210-211"; fan groups count over all seasons, and brackets are theirs.
-  const bool ambiguous =
-      can_split(token) && one_season && !season && !fansub && !padded && (list.size() == 1 || name.groups.empty());
-  if (!fansub && !range && one_season && splits(token, season, of_the_scene)) {
-    numbers.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = list, .date = {}};
-    season = number / 100;
-    for (int& each : list) each %= 100;
+  const bool range = list.size() > 1 && name.at(place.first + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
+  const bool may_split = !fansub && can_split(token) && list.back() / 100 == token.number / 100;
+  const bool likely =
+      fansub || season ? place.score >= leading : place.score > trailing && (padded || token.size() == 2);
+  numbers.certain =
+      likely || place.score >= dashed ? token.size() <= 2 || fansub || padded || season || range : list.size() > 1;
+  if (may_split && !range && splits(token, season, of_the_scene)) {
+    numbers.other = counted(list);
+    season = token.number / 100;
+    list = split(list).episodes;
     numbers.certain = folder_season == season;
-  } else {
-    if (ambiguous) {
-      numbers.other = OtherNumbers{.season = number / 100, .episodes = list, .absolute = {}, .date = {}};
-      for (int& each : numbers.other->episodes) each %= 100;
-    }
-    const bool likely =
-        fansub || season ? best_score >= leading : best_score > trailing && (padded || token.size() == 2);
-    numbers.certain = ambiguous                        ? false
-                      : likely || best_score >= dashed ? token.size() <= 2 || fansub || padded || season || range
-                                                       : list.size() > 1;
-  }
-  // "Show 01-05 Title": hardly five episodes of one title
-  const Token& behind = name.at(numbers.last);
-  const bool titled = behind.is_word() && !behind.technical && behind.gap == Blank && !behind.is(EndWord | Release);
-  if (list.size() > 2 && titled && !season && !fansub && token.size() <= 2 && name.at(best + 1).gap == Dash) {
+  } else if (may_split && !season && !padded && (list.size() == 1 || name.groups.empty())) {
+    numbers.other = split(list);  // "Show - 210-211"; brackets are fan groups', which count over all seasons
     numbers.certain = false;
-    numbers.other = OtherNumbers{.season = number, .episodes = {list.back()}, .absolute = {}, .date = {}};
-  }
-  if (is_decimal(name, best)) {  // a special between two episodes
+  } else if (may_split && folder_season && !said && list.size() == 1) {
+    numbers.other = of_the_scene ? split(list) : counted(list);  // "Season 1/show.205.avi", "Season 8/Show - 205.mkv"
+    numbers.certain = false;
+  } else if (!season && !fansub && is_titled_range(name, numbers, list)) {
+    numbers.other = OtherNumbers{.season = token.number, .episodes = {list.back()}, .absolute = {}, .date = {}};
+    numbers.certain = false;
+  } else if (is_decimal(name, place.first)) {  // a special between two episodes
     numbers.special = true;
     numbers.certain = false;
   }

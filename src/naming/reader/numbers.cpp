@@ -57,11 +57,16 @@ bool leading_in_season(const Search& search, std::size_t i, Numbers& numbers) {
     if (better.is_number() && better.follows_spaced_dash() && name.written(better).front() == '0') return false;
   }
   if (!padded && !apart) return false;
-  const int episode = whole ? token.number % 100 : token.number;
-  set(search, numbers, i, i + 1, search.around.season, episode, true);
-  if (next.is_number() && next.follows_spaced_dash() && next.number != episode + 1) {  // "03 - 10 Days"
-    numbers.episodes = {episode};
+  set(search, numbers, i, i + 1, search.around.season, token.number, true);
+  const bool title =
+      next.is_number() && next.follows_spaced_dash() && next.number != token.number + 1;  // "03 - 10 Days"
+  const bool goes_on = whole && numbers.episodes.back() / 100 != token.number / 100;
+  if (title || goes_on) {
+    numbers.episodes = {token.number};
     numbers.last = i + 1;
+  }
+  if (whole) {
+    for (int& each : numbers.episodes) each %= 100;
   }
   return true;
 }

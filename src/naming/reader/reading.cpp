@@ -214,6 +214,7 @@ bool abbreviates(std::string_view show, std::string_view whole) {
 /// How many tokens of the file's name repeat the name of a folder up to its year or season:
 /// "11.22.63/11.22.63.102.avi".
 std::size_t repeated(const Folder& folder, const Name& file) {
+  if (const std::optional<DateMark> day = find_date(folder.name); day && day->certain) return 0;
   std::size_t i = 0;
   for (; i < folder.name.count(); ++i) {
     const Token& token = folder.name.at(i);
@@ -224,6 +225,8 @@ std::size_t repeated(const Folder& folder, const Name& file) {
       break;
     }
     if (i > 0 && (token.follows(Open) || token.technical || (folder.season && folder.season->first == i))) break;
+    // "Show - 05/Show - 05 - The 2 of Us": the folder is an episode's.
+    if (episode_at(folder.name, i) || (token.is_number() && token.follows_spaced_dash())) return 0;
     if (i >= file.count() || folder.name.lowered(token) != file.lowered(file.at(i))) return 0;
   }
   return !file.at(i).is_end() && !file.at(i).is_glued() ? i : 0;

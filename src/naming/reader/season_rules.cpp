@@ -94,6 +94,11 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
     return set(search, numbers, 0, 2, season.number, episode.number, true);
+  // "Season 1/1_05 Title"
+  if (in_season && season.size() == 1 && episode.is_number() && episode.gap == Blank && episode.size() == 2 &&
+      name.written(episode).front() == '0' && name.stands_alone(1)) {
+    return set(search, numbers, 0, 2, season.number, episode.number, true);
+  }
   // "Season 12/12 - 02 Title", but not "Season 2/02-03 Title"
   const bool both = in_season && season.size() == 2 && episode.is_number() && episode.size() == 2 &&
                     !episode.technical && (episode.gap & ~Blank) == Dash && name.stands_alone(1) &&
