@@ -61,7 +61,8 @@ bool is_candidate(const Name& name, std::size_t i) {
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
-  if (is_impossible_date(name, i) || (i > 1 && is_impossible_date(name, i - 1))) return false;
+  const bool month = is_year(before) && token.gap == Dash && before.gap != Dash && token.size() == 2;  // "2019-07"
+  if (month || is_impossible_date(name, i) || (i > 1 && is_impossible_date(name, i - 1))) return false;
   return !(before.is(VolumeWord | ExtraWord | FilmWord) && !token.follows(Dash)) &&
          !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
          !(before.is(PartWord | MonthName) && !token.follows(Dash | Open)) && !next.is(OfWord);

@@ -126,7 +126,10 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
     numbers.season = season;
     return true;
   }
-  set(search, numbers, i, episode->last, season, number, true);
+  // "Show Episode 4 (1977)" may be a film's.
+  const Token& next = name.at(episode->last);
+  const bool dated = is_year(next) && !next.technical && name.at(i).is_word() && name.at(i).size() > 3 && !season;
+  set(search, numbers, i, episode->last, season, number, !dated || starts_with_group(name));
   return true;
 }
 

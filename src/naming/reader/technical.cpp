@@ -132,7 +132,7 @@ Found find_pair(const Name& name, std::size_t i) {
   if (token.is_number() && token.size() == 1 && unglued && is_glued_by(next, Dot) && next.is_number() &&
       next.size() == 1 && next.number <= 1) {
     // The loudspeakers; a show may be called "2.0", so only beside other such words.
-    const bool after_sound = i > 0 && name.at(i - 1).technical;
+    const bool after_sound = i > 0 && (name.at(i - 1).technical || name.at(i - 1).is(Sound | Codec));
     const bool before_technical = name.at(i + 2).is(technical_kinds) && !name.at(i + 2).is(Weak);
     if (after_sound || before_technical || name.is_word(i + 2, "ch"))
       return {name.is_word(i + 2, "ch") ? 3U : 2U, Sound};
