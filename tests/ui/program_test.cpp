@@ -118,6 +118,11 @@ TEST_F(TestWindow, LargeLettersEnlargeTheWindowAsFarAsTheDisplayGoes) {
   const wxRect log = find(*frame, "List3").GetScreenRect();
   EXPECT_TRUE(log.height >= 200 && frame->GetScreenRect().Contains(log));
   EXPECT_GT(ui::icons::rows(*frame)[0].GetDefaultSize().x, icon * 3 / 2);
+  on_dialog([](wxDialog& dialog) {
+    EXPECT_GT(find(dialog, "txtTypes").GetSize().y, dialog.GetCharHeight());
+    press(dialog, "Cancel");
+  });
+  command(ui::mnuPrefs);
 }
 
 }  // namespace quorvel::testing
