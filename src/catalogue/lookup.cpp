@@ -145,6 +145,7 @@ bool says_title(const Reading& reading, const CatalogueEpisode& episode) {
 
 void Lookup::begin_pass() {
   service_.begin_pass();
+  remembered_.clear();
   found_.clear();
   lists_.clear();
 }
@@ -362,16 +363,20 @@ std::string Lookup::choice_key(const std::string& name, const Reading& reading) 
 
 void Lookup::choose(const std::string& key, int show_id, bool remember) {
   chosen_[key] = show_id;
+  remembered_.erase(key);
   if (remember) store_.keep_choice(key, show_id);
 }
 
 std::optional<int> Lookup::choice(const std::string& key) {
   const auto known = chosen_.find(key);
-  return known != chosen_.end() ? known->second : store_.choice(key);
+  if (known != chosen_.end()) return known->second;
+  const auto asked = remembered_.find(key);
+  return asked != remembered_.end() ? asked->second : remembered_[key] = store_.choice(key);
 }
 
 void Lookup::forget(const std::string& key) {
   chosen_.erase(key);
+  remembered_.erase(key);
   store_.forget_choice(key);
 }
 

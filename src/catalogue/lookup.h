@@ -106,6 +106,7 @@ class Lookup {
   std::map<std::string, std::vector<CatalogueShow>> found_;  // by the name that was searched for
   std::map<std::string, List> lists_;                        // by the request
   std::map<std::string, int> chosen_;                        // in this run, by the names' key
+  std::map<std::string, std::optional<int>> remembered_;     // as far as this pass has asked for it, by the key
 };
 
 }  // namespace quorvel
