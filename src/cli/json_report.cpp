@@ -34,7 +34,7 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
   for (const int episode : item.more_episodes) episodes.push_back(episode);
   return JsonObject()
       .text("path", item.path)
-      .text("state", state_word(item.state, is_dry_run))
+      .text("state", item.is_right_already ? "right already" : state_word(item.state, is_dry_run))
       .text("new_path", item.new_name.empty() ? "" : item.dest_path + item.new_name)
       .text("action", item.new_name.empty() ? "" : action_word(item.action))
       .text("show", item.show_name)
@@ -48,12 +48,13 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
       .line();
 }
 
-std::string json_of(const std::map<QueueState, int>& count, bool is_dry_run) {
+std::string json_of(const std::map<QueueState, int>& count, int right_already, bool is_dry_run) {
   JsonObject summary;
   for (const QueueState state : {QueueState::Done, QueueState::Failed, QueueState::Cancelled, QueueState::Inactive}) {
     const auto found = count.find(state);
     summary.number(state_word(state, is_dry_run), found == count.end() ? 0 : found->second);
   }
+  summary.number("right already", right_already);
   return JsonObject().object("summary", summary).line();
 }
 

@@ -11,7 +11,7 @@ namespace quorvel::cli {
 /// `is_dry_run`: what would be done is "planned".
 std::string json_of(const QueueItem& item, bool is_dry_run);
 
-/// The last line: how many items have ended in each state.
-std::string json_of(const std::map<QueueState, int>& count, bool is_dry_run);
+/// The last line: how many items have ended in each state, those apart that had their name and place already.
+std::string json_of(const std::map<QueueState, int>& count, int right_already, bool is_dry_run);
 
 }  // namespace quorvel::cli

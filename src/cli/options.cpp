@@ -46,8 +46,8 @@ constexpr const char* help_end =
   -h, --help, /?        show this text
       --version         show the version
 
-Exit status: 0 every path was taken and every file is done; 1 something was refused, failed or was cancelled, a
-folder could not be read, or there was nothing to do; 2 wrong usage.
+Exit status: 0 every path was taken and every file is done or was right already; 1 something was refused, failed or was
+cancelled, a folder could not be read, or there was nothing to do; 2 wrong usage.
 )";
 
 std::string help() {

@@ -96,27 +96,30 @@ bool queue_paths(Session& session, const std::vector<std::string>& paths, Termin
 /// Reports why items failed and how many did. Returns whether all are done.
 bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& terminal) {
   std::map<QueueState, int> count;
-  int lossy = 0;
+  int lossy = 0, right_already = 0;
   for (int i = 1; i <= queue.count(); ++i) {
     const QueueItem& item = queue.at(i);
     const bool ended = item.state == QueueState::Done || item.state < QueueState::Inactive;
     ++count[ended ? item.state : QueueState::Inactive];
+    if (item.is_right_already) ++right_already;
     if (item.state == QueueState::Done && item.lost_characters) ++lossy;
     if (item.state == QueueState::Done || !ended) continue;
     std::string why = item.error_text.empty() ? "the file was gone" : item.error_text;
     replace_all(why, "\r\n", "; ");
     terminal.error_line(item.path + ": " + why);
   }
-  if (options.json) terminal.out_line(json_of(count, options.dry_run));
+  count[QueueState::Failed] -= right_already;
+  if (options.json) terminal.out_line(json_of(count, right_already, options.dry_run));
   const int left = count[QueueState::Inactive];
   terminal.error_line(std::to_string(count[QueueState::Done]) + " done, " + std::to_string(count[QueueState::Failed]) +
                       " failed, " + std::to_string(count[QueueState::Cancelled]) + " cancelled" +
+                      (right_already == 0 ? "" : ", " + std::to_string(right_already) + " right already") +
                       (left == 0 ? "" : ", " + std::to_string(left) + " not processed"));
   if (lossy > 0) {
     terminal.error_line(some(lossy, "name") + (lossy == 1 ? " has" : " have") +
                         " lost characters that the service gave; --exact keeps them");
   }
-  return queue.count() > 0 && count[QueueState::Done] == queue.count();
+  return queue.count() > 0 && count[QueueState::Done] + right_already == queue.count();
 }
 
 int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {

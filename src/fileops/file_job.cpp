@@ -41,6 +41,12 @@ FileJobResult FileJobs::run(const FileJob& job) {
     log_.debug_log("File rename failed. Source file not found", LogLevel::Verbose);
     return {};
   }
+  FileJobResult result = carry_out(job);
+  result.is_right_already = !result.done && job.path == job.destination();
+  return result;
+}
+
+FileJobResult FileJobs::carry_out(const FileJob& job) {
   switch (job.action) {
     case Rename:
       return rename(job);

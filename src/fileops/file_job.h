@@ -34,6 +34,7 @@ struct FileJobResult {
   bool done = false;
   std::optional<std::string> error_text = {};
   std::optional<FileStamp> stamp = {};         // of the destination, when done
+  bool is_right_already = false;               // not done, for the file has its place and its name
   std::int64_t past_id = 0;                    // in the history; 0 when nothing was begun
   std::optional<FileStamp> source_stamp = {};  // of the source before, when anything was begun
   std::optional<std::string> dest_path = {};   // the destination folder as it was made for a move or a copy, when done
@@ -63,6 +64,7 @@ class FileJobs {
   std::string make_tree(std::string folder, char separator = native::separator);
 
  private:
+  FileJobResult carry_out(const FileJob& job);
   FileJobResult rename(const FileJob& job);
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);
   FileJobResult perform(FileOperationRequest request, std::int64_t undoes);

@@ -52,6 +52,7 @@ bool Pipeline::fileops(QueueItem& item) {
   if (result.error_text) item.error_text = *result.error_text;
   if (result.dest_path) item.dest_path = *result.dest_path;
   item.done_stamp = result.stamp;
+  item.is_right_already = result.is_right_already;
   item.past_id = result.past_id;
   item.source_stamp = result.source_stamp;
   return result.done;

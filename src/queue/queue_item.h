@@ -37,10 +37,11 @@ struct QueueItem {
   std::vector<std::string> doubts;  // what a person should look at
   // When the service told of the episodes, in the exact way.
   std::optional<std::chrono::sys_seconds> listings_told;
-  bool look_up_anew = false;     // what is kept of the service's answers is not to be used
-  bool lost_characters = false;  // of the names that the service gave
-  std::string search_name;       // detected in the name, perhaps replaced by an exception
-  std::string show_name;         // as the listings service gives it
+  bool look_up_anew = false;      // what is kept of the service's answers is not to be used
+  bool lost_characters = false;   // of the names that the service gave
+  bool is_right_already = false;  // it has failed because there was nothing to do
+  std::string search_name;        // detected in the name, perhaps replaced by an exception
+  std::string show_name;          // as the listings service gives it
   std::int32_t show_id = 0;
   std::string show_url;  // in double quotes, as the service gives it
   std::string episode_title;
@@ -66,6 +67,7 @@ struct QueueItem {
     more_episodes.clear();
     listings_told.reset();
     lost_characters = false;
+    is_right_already = false;
   }
 
   /// What the item was found to be, for the log.

@@ -44,7 +44,9 @@ bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) 
   for (const Appearance& appearance : appearances) {
     if (appearance.state != item.state) continue;
     row.scroll_into_view = item.state != QueueState::Inactive;
-    row.icon = item.state == QueueState::Done && !item.doubts.empty() ? RowUpdate::LookIcon : appearance.icon;
+    row.icon = item.is_right_already                                    ? RowUpdate::DoneIcon
+               : item.state == QueueState::Done && !item.doubts.empty() ? RowUpdate::LookIcon
+                                                                        : appearance.icon;
     if (item.state == QueueState::Cancelled) row.new_name = "";
     if (item.state >= QueueState::Processing) row.new_name = remextension(item.new_name);
     const char* status = appearance.status;

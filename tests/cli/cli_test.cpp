@@ -65,6 +65,10 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
   EXPECT_EQ(run({"--undo", "2"}), 0) << "the undoing";
   EXPECT_TRUE(run({"--history", "--json", "1"}) == 0 && out.starts_with(R"({"pass":3,"operation":3000001,"time":)"));
   EXPECT_EQ(contents(new_path), "The.Harbour.Lights.S01E02.mkv");
+  EXPECT_EQ(run({new_path}), 0);
+  EXPECT_EQ(error, new_path +
+                       ": The new filename is the same as the old filename\n"
+                       "0 done, 0 failed, 0 cancelled, 1 right already\n");
   EXPECT_EQ(settings()->read_string(""), "3.4");
   EXPECT_EQ(settings()->read_number("context"), 0u);
 
@@ -162,11 +166,11 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   append_json(expected, folder / ("in/" + name));
   write_file(folder / "plan", out);
   out = std::regex_replace(out, std::regex(R"("stamp":"\d+ \d+")"), R"("stamp":"")");
-  EXPECT_EQ(out,
-            expected +
-                ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
-                "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[],"
-                "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0}}\n");
+  EXPECT_EQ(out, expected +
+                     ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
+                     "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[],"
+                     "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0,"
+                     "\"right already\":0}}\n");
   EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 0);
   EXPECT_EQ(contents(folder / ("in/" + name)), both);
   EXPECT_EQ(run({"--undo", "-w../work"}), 0);
