@@ -282,7 +282,11 @@ FoundEpisodes Lookup::episodes(const CatalogueShow& show, const Reading& reading
     if (!first) throw NoSuchEpisode(trouble + ", and no " + number_text(other));
   }
   if (!first || (second && says_title(other, second->episodes.front()))) return *second;
-  if (second && !says_title(reading, first->episodes.front())) first->other_title = second->episodes.front().title;
+  const auto numbers = [](const CatalogueEpisode& each) { return std::pair(each.season, each.number); };
+  const bool is_one = second && std::ranges::equal(first->episodes, second->episodes, {}, numbers, numbers);
+  if (second && !is_one && !says_title(reading, first->episodes.front())) {
+    first->other_title = second->episodes.front().title;
+  }
   return *first;
 }
 
