@@ -108,9 +108,9 @@ void PastUndo::settle_one(PastOperation operation) {
   if (!source && !left && (is_away(operation.old_path) || is_away(operation.new_path))) return;
 
   // What is there is looked at, for a name that was free may be somebody else's by now.
-  const bool has_left = operation.deed == Deed::Copied
-                            ? left && operation.stamp && left->may_be_copy_of(*operation.stamp)
-                            : has_stamp(left, operation.stamp);
+  const bool is_copy = operation.deed == Deed::Copied || operation.deed == Deed::Moved;  // perhaps
+  const bool has_left =
+      is_copy ? left && operation.stamp && left->may_be_copy_of(*operation.stamp) : has_stamp(left, operation.stamp);
   const bool takes_source = operation.deed != Deed::Copied;
   if (operation.deed == Deed::Trashed ? !source : has_left && (!takes_source || !source)) {
     operation.outcome = PastOperation::Done;

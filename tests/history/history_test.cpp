@@ -119,8 +119,10 @@ TEST_F(PastTest, WhatWasUnderWayWhenAProcessDiedIsSettledByWhatIsThere) {
     make(past.old_path);
     past.stamp = files->stamp(past.old_path);
     session.history.begin(past, "pending-" + std::to_string(number));
-    if (row.left) std::filesystem::copy_file(path_of(past.old_path), path_of(past.new_path));
-    if (row.left) std::filesystem::last_write_time(path_of(past.new_path), last_write_time(path_of(past.old_path)));
+    namespace fs = std::filesystem;
+    if (row.left && !row.source) fs::rename(path_of(past.old_path), path_of(past.new_path));
+    if (row.left && row.source) fs::copy_file(path_of(past.old_path), path_of(past.new_path));
+    if (row.left && row.source) fs::last_write_time(path_of(past.new_path), last_write_time(path_of(past.old_path)));
     if (!row.source) files->remove(past.old_path);
   }
   // A circle of two that was cut off before its end: the second file has the first one's name already.

@@ -35,10 +35,10 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.make(help_file(helped.session.places));
   helped.key_values.write_number("context", 1);
   helped.key_values.write_string("", "3.4");
-  EXPECT_EQ(helped.run({"--exact", helped.b}), StartResult::Running);
+  EXPECT_EQ(helped.run({"--exact", helped.a}), StartResult::Running);
   EXPECT_TRUE(helped.session.settings.exact && helped.key_values.read_number("exact") == std::nullopt);
   EXPECT_THAT(helped.happened(),
-              ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row b 1x02", "timer", "clicks"));
+              ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row a.1x01", "timer", "clicks"));
 }
 
 TEST(Startup, HandsOverToTheRunningCopy) {
