@@ -126,6 +126,7 @@ std::string listed(const Shows& shows) {
 template <typename Shows>
 UnclearShow unclear(const std::string& what, const Shows& shows) {
   std::vector<CatalogueShow> candidates;
+  candidates.reserve(shows.size());
   for (const auto& each : shows) candidates.push_back(each.show);
   return {what + listed(shows), std::move(candidates)};
 }
