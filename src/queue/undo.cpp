@@ -1,13 +1,18 @@
 #include "queue/undo.h"
 
+#include <algorithm>
+
 #include "queue/stage.h"
 #include "rules/action.h"
 
 namespace quorvel {
 
-Undo::Entry Undo::entry(int index) const {
-  const QueueItem& item = queue_.at(index);
-  if (item.state < QueueState::Done) return {"Undo Rename", false};
+Undo::Entry Undo::entry(const std::vector<int>& items) const {
+  const auto is_done = [this](int index) { return queue_.at(index).state >= QueueState::Done; };
+  const auto count = std::ranges::count_if(items, is_done);
+  if (count == 0) return {"Undo Rename", false};
+  if (count > 1) return {"Undo " + std::to_string(count) + " Files", true};
+  const QueueItem& item = queue_.at(*std::ranges::find_if(items, is_done));
   switch (item.action) {
     case MoveAndRename:
       return {"Undo Move/Rename", true};
@@ -18,12 +23,20 @@ Undo::Entry Undo::entry(int index) const {
   }
 }
 
-void Undo::run(int index) {
-  if (!queue_.holds(index)) return;
+void Undo::run(std::vector<int> items, const std::function<bool(int)>& goes_on) {
+  const History::Pass pass(history_);
+  std::erase_if(items, [this](int index) { return !queue_.holds(index); });
+  std::ranges::sort(items, std::greater(), [this](int index) { return queue_.at(index).past_id; });
+  for (const int index : items) {
+    if (goes_on && !goes_on(index)) return;
+    take_back(index);
+  }
+}
+
+void Undo::take_back(int index) {
   QueueItem& item = queue_.at(index);
   // A file at the destination of an item that is not done belongs to somebody else.
   if (item.state != QueueState::Done) return;
-  const History::Pass pass(history_);
   const StageResult undone = run_stage(log_, "Error undoing: ", [&] { return undofileops(item); });
   if (undone) {
     item.state = QueueState::Cancelled;

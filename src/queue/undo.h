@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "fileops/file_job.h"
 #include "queue/queue_view.h"
@@ -21,14 +23,18 @@ class Undo {
   Undo(WorkQueue& queue, FileJobs& jobs, History& history, Log& log, QueueView& view)
       : queue_(queue), jobs_(jobs), history_(history), log_(log), view_(view) {}
 
-  /// `index` is one that the queue holds.
-  Entry entry(int index) const;
+  /// For items that the queue holds.
+  Entry entry(const std::vector<int>& items) const;
 
   /// Takes the item's file operation back and records the outcome in the item; does nothing for an index that the queue
   /// does not hold or an item that is not done.
-  void run(int index);
+  void run(int index) { run(std::vector{index}); }
+  /// The same for several, the last operation first. `goes_on` is called before each with its
+  /// index; false ends it.
+  void run(std::vector<int> items, const std::function<bool(int)>& goes_on = {});
 
  private:
+  void take_back(int index);
   bool undofileops(QueueItem& item);
 
   WorkQueue& queue_;

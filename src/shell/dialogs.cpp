@@ -85,6 +85,14 @@ void open_page(Launcher& launcher, UserInterface& ui, const std::string& address
   ui.show_message(0, "Unable to open page", "There is no program to open " + address + " with", MessageIcon::Warning);
 }
 
+void open_folder(Launcher& launcher, UserInterface& ui, const Files& files, const std::string& folder) {
+  if (launcher.open(folder)) return;
+  ui.show_message(0, "Unable to open folder",
+                  files.exists(folder) ? "There is no program to open " + folder + " with"
+                                       : "The folder " + folder + " is not there any more",
+                  MessageIcon::Warning);
+}
+
 ItemInfo item_info(const QueueItem& item, const Clock& clock) {
   ItemInfo info;
   describe(item, remarks(item, clock), info);

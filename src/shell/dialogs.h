@@ -30,6 +30,9 @@ std::string page_address(const std::string& address);
 /// A message says what cannot be opened.
 void open_page(Launcher& launcher, UserInterface& ui, const std::string& address);
 
+/// The same for a folder.
+void open_folder(Launcher& launcher, UserInterface& ui, const Files& files, const std::string& folder);
+
 /// The folder that holds the item's file as it is now, or that held it last.
 std::string folder_of(const QueueItem& item, const Files& files);
 

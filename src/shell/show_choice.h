@@ -26,6 +26,8 @@ class ShowChoice {
   std::string read_as() const;
   /// For which other files the choice is as well; empty when there are none.
   std::string others() const;
+  /// All the items that it is for.
+  std::vector<int> items() const;
   /// What is searched for first.
   const std::string& name() const { return name_; }
 
@@ -56,7 +58,6 @@ class ShowChoice {
     std::string key() const { return Lookup::choice_key(text, reading); }
   };
   static Name name_of(const Session& session, int item);
-  std::vector<int> items() const;
   std::vector<CatalogueShow> shows_for(const std::string& name);
 
   Session& session_;

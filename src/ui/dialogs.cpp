@@ -306,13 +306,8 @@ void ItemInfoDialog::fill() {
 
 void ItemInfoDialog::open_folder() {
   if (!session_.queue.holds(index_)) return;
-  const std::string folder = folder_of(session_.queue.at(index_), session_.ports.files);
-  if (launcher_.open(folder)) return;
-  const bool exists = session_.ports.files.exists(folder);
-  session_.ports.ui.show_message(
-      0, "Unable to open folder",
-      exists ? "There is no program to open " + folder + " with" : "The folder " + folder + " is not there any more",
-      MessageIcon::Warning);
+  quorvel::open_folder(launcher_, session_.ports.ui, session_.ports.files,
+                       folder_of(session_.queue.at(index_), session_.ports.files));
 }
 
 }  // namespace quorvel::ui

@@ -44,6 +44,14 @@ void RowList::select(int row) {
   mark(last);
 }
 
+void RowList::select_all(const std::vector<int>& rows) {
+  unmark();
+  for (const int row : rows) {
+    if (row >= 1 && row <= count()) mark_also(row);
+  }
+  on_select();  // some systems tell only what the user has selected
+}
+
 int RowList::menu_row(const wxContextMenuEvent& event, wxPoint& at) const {
   if (event.GetPosition() != wxDefaultPosition) {
     at = ScreenToClient(event.GetPosition());
@@ -67,7 +75,7 @@ int RowList::row_at(const wxPoint& point) const {
 }
 
 QueueList::QueueList(wxWindow* parent)
-    : RowList(parent, {"ListView1", "File Queue", {"Filename", "New Name", "Status"}, icons::rows(*parent)}) {}
+    : RowList(parent, {"ListView1", "File Queue", {"Filename", "New Name", "Status"}, icons::rows(*parent), true}) {}
 
 void QueueList::set_hint(wxWindow& hint) {
   hint_ = &hint;
@@ -125,6 +133,7 @@ void QueueList::show_changes() {
   set_count(static_cast<int>(rows_.size()));
   if (hint_ != nullptr && hint_->IsShown()) hint_->Hide();
   const int show = std::exchange(row_to_show_, 0), select = std::exchange(row_to_select_, 0);
+  if (selection().size() > 1) return;  // the user is about to do something with these rows
   if (show > 0) scroll_to(show);
   if (select > 0 && select != selected()) mark(select);
 }

@@ -19,6 +19,7 @@ class RowList : public wxPanel {
     const char *name, *spoken_name;
     std::vector<const char*> titles;
     wxVector<wxBitmapBundle> icons = {};  // of the first column's cells
+    bool several = false;                 // whether more than one row can be selected
   };
 
   const std::vector<const char*>& titles() const { return titles_; }
@@ -27,10 +28,14 @@ class RowList : public wxPanel {
   /// 0 for the first one.
   virtual int icon(int /*row*/) const { return 0; }
 
-  /// 0 when none is.
+  /// The rows that are selected, from the top.
+  std::vector<int> selection() const;
+  /// The first of them; 0 when none is.
   int selected() const;
-  /// The row, or the last one when there are fewer, and scrolls to it; does nothing with an empty list.
+  /// The row alone, or the last one when there are fewer, and scrolls to it; does nothing with an empty list.
   void select(int row);
+  /// These rows, where there are so many, and no others.
+  void select_all(const std::vector<int>& rows);
   /// Of the row, in this window; empty when it is out of sight.
   wxRect area_of(int row) const;
 
@@ -53,8 +58,10 @@ class RowList : public wxPanel {
   void reset(int count);
   void repaint(int row);
   void scroll_to(int row);
-  /// Selects the row where it is.
+  /// Selects the row alone, where it is.
   void mark(int row);
+  void mark_also(int row);
+  void unmark();
 
  private:
   class Control;

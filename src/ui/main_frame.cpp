@@ -114,7 +114,8 @@ void MainFrame::build() {
   queue_page_ =
       new QueuePage(TabStrip1_, menus_.mnuList3,
                     {*session_, *launcher_, stack_,
-                     [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); }});
+                     [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); },
+                     [this] { return stopped_; }});
   TabStrip1_->AddPage(queue_page_, "File Queue");
   TabStrip1_->AddPage(filter_page_ = build_filter_page(), "Filter List");
   TabStrip1_->AddPage(exception_page_ = build_exception_page(), "Exceptions");
@@ -201,6 +202,8 @@ void MainFrame::bind_commands() {
   on(mnuSpecify, [this] { add_exception(queue_page_->menu_item()); });
   on(mnuChoose, [this] { queue_page_->choose_show(); });
   on(mnuLookUp, [this] { queue_page_->look_up_again(); });
+  on(mnuRetryThis, [this] { queue_page_->retry(); });
+  on(mnuFolder, [this] { queue_page_->open_folders(); });
   on(mnuRetry, [this] { run({}, [this] { session_->processor.retry_failed(); }); });
   on(mnuAddEx, [this] { add_exception(0); });
   on(mnuRemEx, [this] { exception_page_->remove(); });
@@ -313,7 +316,7 @@ bool MainFrame::may_close() {
 void MainFrame::on_start_timer() {
   // A retry that the user has started in the meantime takes what the timer was armed for along.
   if (session_->processor.queue_busy() || life_.is_unloading()) return;
-  if (queue_page_->is_searching()) return arm_start_timer();
+  if (queue_page_->has_no_time()) return arm_start_timer();
   run({}, [this] { session_->processor.process_queue(); });
 }
 

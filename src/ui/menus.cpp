@@ -53,6 +53,8 @@ ListMenus::ListMenus() {
                   {mnuSpecify, "Add &Exception"},
                   {mnuChoose, "&Choose Show\u2026"},
                   {mnuLookUp, "&Look Up Again"},
+                  {mnuRetryThis, "Re&try This File"},
+                  {mnuFolder, "Open &Folder"},
                   separator,
                   {mnuRetry, "&Retry Failed"}});
   fill(mnuList4, {{mnuAddEx, "&Add Exception"}, {mnuRemEx, "&Remove Exception\tDel"}});

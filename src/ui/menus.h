@@ -27,6 +27,8 @@ enum MenuCommand {
   mnuSpecify,
   mnuChoose,
   mnuLookUp,
+  mnuRetryThis,
+  mnuFolder,
   mnuRetry,
   mnuAddEx,
   mnuRemEx,

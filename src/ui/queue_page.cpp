@@ -2,6 +2,8 @@
 
 #include <wx/sizer.h>
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "shell/dialogs.h"
@@ -13,6 +15,11 @@
 #include "ui/text.h"
 
 namespace quorvel::ui {
+namespace {
+
+constexpr std::size_t most_folders = 10;  // that are opened at once
+
+}  // namespace
 
 QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, Window window)
     : wxPanel(parent),
@@ -30,11 +37,14 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, Window window)
   list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
     // The row where the pass has ended may lie where the strip is now.
-    if (bar_->IsShown()) CallAfter([this] { list_->select(list_->selected()); });
+    if (!bar_->IsShown()) return;
+    CallAfter([this] {
+      if (list_->selection().size() == 1) list_->select(list_->selected());
+    });
   });
   list_->Bind(wxEVT_CONTEXT_MENU, &QueuePage::on_menu, this);
   list_->on_activate = [this](int row) {
-    item_ = row;
+    items_ = {row};
     show_info();
   };
   Processor& processor = window_.session.processor;
@@ -71,41 +81,96 @@ void QueuePage::on_menu(const wxContextMenuEvent& event) {
   wxPoint at;
   const int row = list_->menu_row(event, at);
   if (!window_.session.queue.holds(row)) return;
-  item_ = row;
-  const Undo::Entry undo = window_.session.undo.entry(row);
+  items_ = list_->selection();
+  if (!std::ranges::binary_search(items_, row)) {
+    list_->select(row);
+    items_ = {row};
+  }
+  open_menu(at);
+}
+
+void QueuePage::open_menu(const wxPoint& at) {
+  const Session& session = window_.session;
+  const bool is_one = items_.size() == 1;
+  const Undo::Entry undo = session.undo.entry(items_);
+  const auto may_take_again = [&](int item) { return session.processor.may_take_again(item); };
+  const bool may_retry = std::ranges::any_of(items_, may_take_again);
+  menu_.Enable(mnuInfo, is_one);
   menu_.SetLabel(mnuUndo, "&" + to_wx(undo.caption));
   menu_.Enable(mnuUndo, undo.enabled);
-  menu_.Enable(mnuChoose, ShowChoice::is_possible(window_.session, row));
-  menu_.Enable(mnuLookUp, window_.session.settings.exact && window_.session.processor.may_take_again(row));
+  menu_.Enable(mnuSpecify, is_one);
+  menu_.Enable(mnuChoose,
+               std::ranges::any_of(items_, [&](int item) { return ShowChoice::is_possible(session, item); }));
+  menu_.Enable(mnuLookUp, session.settings.exact && may_retry);
+  menu_.SetLabel(mnuRetryThis, is_one ? "Re&try This File" : "Re&try These Files");
+  menu_.Enable(mnuRetryThis, may_retry);
   window_.stack.pop_up(*list_, menu_, at);
 }
 
 void QueuePage::show_info() {
-  if (!window_.session.queue.holds(item_)) return;
+  if (!window_.session.queue.holds(menu_item())) return;
   ItemInfoDialog dialog(window_.stack.dialog_parent(*this), window_.session, window_.launcher);
-  dialog.setQID(item_);
+  dialog.setQID(menu_item());
   window_.stack.show_modal(dialog);
 }
 
 void QueuePage::undo() {
   if (is_undoing_) return;  // the same file twice at once, perhaps
-  const Restored<bool> undoing(is_undoing_, true);
-  window_.run({item_, true}, [this] { window_.session.undo.run(item_); });
+  run_undoing({menu_item(), true}, [this] {
+    window_.session.undo.run(items_, [this](int item) {
+      window_.session.ports.ui.update_row(item, {});  // where its progress is shown from now on
+      return goes_on();
+    });
+  });
 }
 
 void QueuePage::choose_show() {
   Session& session = window_.session;
-  if (!ShowChoice::is_possible(session, item_)) return;
-  ShowChoice choice(session, item_);
-  const Restored<const ShowChoice*> open(choice_, &choice);
-  ShowDialog dialog(window_.stack.dialog_parent(*this), choice, window_.launcher, session.ports.ui);
-  if (window_.stack.show_modal(dialog) != wxID_OK) return;
-  window_.run({}, [&] { choice.choose(dialog.place(), dialog.remembers()); });
+  std::set<int> done;
+  for (const int item : std::vector(items_)) {
+    if (done.contains(item) || !ShowChoice::is_possible(session, item)) continue;
+    ShowChoice choice(session, item);
+    const Restored<const ShowChoice*> open(choice_, &choice);
+    ShowDialog dialog(window_.stack.dialog_parent(*this), choice, window_.launcher, session.ports.ui);
+    if (window_.stack.show_modal(dialog) != wxID_OK) return;
+    const std::vector<int> covered = choice.items();
+    done.insert(covered.begin(), covered.end());
+    window_.run({}, [&] { choice.choose(dialog.place(), dialog.remembers()); });
+  }
 }
 
 void QueuePage::look_up_again() {
-  if (!window_.session.settings.exact) return;
-  window_.run({}, [this] { window_.session.processor.take_again({item_}, true); });
+  if (window_.session.settings.exact) take_again(true);
+}
+
+void QueuePage::retry() {
+  take_again(false);
+}
+
+void QueuePage::take_again(bool anew) {
+  // The menu may come up over others meanwhile.
+  window_.run({}, [&, items = items_] { window_.session.processor.take_again(items, anew); });
+}
+
+void QueuePage::open_folders() {
+  Session& session = window_.session;
+  std::set<std::string> folders;
+  for (const int item : std::vector(items_)) {
+    const std::string folder = folder_of(session.queue.at(item), session.ports.files);
+    if (folders.size() < most_folders && folders.insert(folder).second) {
+      open_folder(window_.launcher, session.ports.ui, session.ports.files, folder);
+    }
+  }
+}
+
+bool QueuePage::goes_on() const {
+  window_.session.ports.ui.process_events();
+  return !window_.is_stopped();
+}
+
+void QueuePage::run_undoing(const Work& work, const std::function<void()>& action) {
+  const Restored<bool> undoing(is_undoing_, true);
+  window_.run(work, action);
 }
 
 }  // namespace quorvel::ui

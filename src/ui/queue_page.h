@@ -4,6 +4,8 @@
 #include <wx/panel.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "platform/launcher.h"
 #include "shell/session.h"
@@ -24,12 +26,13 @@ class QueuePage : public wxPanel {
     int row = 0;
     bool undoing = false;
   };
-  /// What the page stands on. `run` does something that moves files.
+  /// What the page stands on. `run` does something that moves files and can be stopped.
   struct Window {
     Session& session;
     Launcher& launcher;
     CallStack& stack;
     std::function<void(const Work&, const std::function<void()>&)> run;
+    std::function<bool()> is_stopped;  // by the user, since that began
   };
 
   /// `menu` pops up over an item.
@@ -41,27 +44,33 @@ class QueuePage : public wxPanel {
   /// After the settings have been changed elsewhere.
   void show_settings();
 
-  /// Whether the user waits for the service, so that no pass may hold that up.
-  bool is_searching() const { return choice_ != nullptr && choice_->is_searching(); }
+  /// Whether the user waits for the service or for an undoing, which a pass would hold up.
+  bool has_no_time() const { return is_undoing_ || (choice_ != nullptr && choice_->is_searching()); }
 
-  // The commands of the menu, for the item that it was last over.
+  // The commands of the menu, for the items that it was last over.
 
-  int menu_item() const { return item_; }
+  int menu_item() const { return items_.empty() ? 0 : items_.front(); }
   void show_info();
   void undo();
   void choose_show();
   void look_up_again();
+  void retry();
+  void open_folders();
 
  private:
   void on_menu(const wxContextMenuEvent& event);
   void on_pass_ended();
+  void take_again(bool anew);
+  void open_menu(const wxPoint& at);
+  bool goes_on() const;
+  void run_undoing(const Work& work, const std::function<void()>& action);
 
   const Window window_;
   wxMenu& menu_;
   QueueList* list_;
   EmptyHint* hint_;
   MessageBar* bar_;
-  int item_ = 0;
+  std::vector<int> items_;
   bool is_undoing_ = false;
   const ShowChoice* choice_ = nullptr;  // while its dialog is open
   int lost_characters_ = 0;             // names that lost some in the pass

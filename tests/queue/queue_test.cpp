@@ -86,20 +86,20 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
   processor.process_queue();
   const std::string moved = std::string("target/The Harbour Lights/Season 01/") + lights_name;
   EXPECT_EQ(read(moved), lights_file);
-  EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Move/Rename", true}));
+  EXPECT_EQ(session.undo.entry({1}), (Undo::Entry{"Undo Move/Rename", true}));
   session.undo.run(1);
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
   EXPECT_FALSE(exists(moved));
   EXPECT_EQ(item(1).error_text, "The file operation has been undone");
   EXPECT_EQ(ui.rows[0], "The.Harbour.Lights.S01E02||Cancelled");
   EXPECT_TRUE(ui.states.ends_with("Moving Done Cancelled "));
-  EXPECT_EQ(session.undo.entry(1), (Undo::Entry{"Undo Rename", false}));
+  EXPECT_EQ(session.undo.entry({1}), (Undo::Entry{"Undo Rename", false}));
 
   processor.retry_failed();
   EXPECT_TRUE(ui.states.ends_with("Copying Done "));
   EXPECT_EQ(read(std::string("target/") + lights_name), lights_file);
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
-  EXPECT_EQ(session.undo.entry(1).caption, "Undo Copy/Rename");
+  EXPECT_EQ(session.undo.entry({1}).caption, "Undo Copy/Rename");
 }
 
 TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {

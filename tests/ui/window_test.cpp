@@ -72,7 +72,9 @@ TEST_F(TestWindow, DroppedFoldersAreRenamedByThePassThatTheTimerStartsThenUndone
   EXPECT_TRUE(queue.selected() == 2 && session->queue.at(2).path == odd && logged("All items processed") == 1);
   EXPECT_FALSE(find(queue, "hint").IsShown());
 
-  EXPECT_EQ(menu_over(1, 1), "Item Info|Undo Rename|Add Exception|Choose Show\u2026|Look Up Again|-|Retry Failed");
+  EXPECT_EQ(
+      menu_over(1, 1),
+      "Item Info|Undo Rename|Add Exception|Choose Show\u2026|Look Up Again|Retry This File|Open Folder|-|Retry Failed");
   command(ui::mnuUndo);
   EXPECT_TRUE(files->exists(early));
   EXPECT_EQ(rows(1), "harbour.lights.s01e01||Cancelled;" + odd_row);

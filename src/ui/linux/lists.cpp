@@ -74,7 +74,8 @@ void clear(GtkWidget*, gpointer flag) {
 class RowList::Control : public wxDataViewCtrl {
  public:
   Control(RowList& owner, const Looks& looks)
-      : wxDataViewCtrl(&owner, wxID_ANY, wxDefaultPosition, owner.GetSize(), wxDV_SINGLE),
+      : wxDataViewCtrl(&owner, wxID_ANY, wxDefaultPosition, owner.GetSize(),
+                       looks.several ? wxDV_MULTIPLE : wxDV_SINGLE),
         rows_(new Rows(owner, looks.icons)) {
     AssociateModel(rows_.get());
     for (unsigned i = 0; i < looks.titles.size(); ++i) {
@@ -123,8 +124,17 @@ int RowList::count() const {
   return static_cast<int>(control_->rows().GetCount());
 }
 
+std::vector<int> RowList::selection() const {
+  wxDataViewItemArray items;
+  control_->GetSelections(items);
+  std::vector<int> rows;
+  for (const wxDataViewItem& item : items) rows.push_back(control_->row_of(item));
+  return rows;
+}
+
 int RowList::selected() const {
-  return control_->row_of(control_->GetSelection());
+  const std::vector<int> rows = selection();
+  return rows.empty() ? 0 : rows.front();
 }
 
 wxRect RowList::area_of(int row) const {
@@ -150,8 +160,19 @@ void RowList::scroll_to(int row) {
 
 void RowList::mark(int row) {
   // With the keyboard's place, which would scroll a row that is out of sight.
-  if (area_of(row).IsEmpty()) return control_->Select(control_->item(row));
+  if (area_of(row).IsEmpty()) {
+    unmark();
+    return mark_also(row);
+  }
   gtk_tree_view_set_cursor(control_->tree(), TreePath(row), nullptr, FALSE);
+}
+
+void RowList::mark_also(int row) {
+  control_->Select(control_->item(row));
+}
+
+void RowList::unmark() {
+  control_->UnselectAll();
 }
 
 int RowList::top_row() const {

@@ -7,6 +7,7 @@ namespace quorvel::ui {
 namespace {
 
 constexpr long chosen = wxLIST_STATE_SELECTED | wxLIST_STATE_FOCUSED;
+constexpr long every_row = -1;
 
 }  // namespace
 
@@ -15,15 +16,21 @@ class RowList::Control : public wxListCtrl {
   Control(RowList& owner, const Looks& looks)
       : wxListCtrl(&owner, wxID_ANY, wxDefaultPosition, wxDefaultSize,
                    // Else it would paint over what lies on it.
-                   wxLC_REPORT | wxLC_SINGLE_SEL | wxLC_VIRTUAL | wxCLIP_SIBLINGS),
+                   wxLC_REPORT | wxLC_VIRTUAL | wxCLIP_SIBLINGS | (looks.several ? 0 : wxLC_SINGLE_SEL)),
         owner_(owner) {
     for (const char* const title : looks.titles) AppendColumn(title);
     if (!looks.icons.empty()) SetSmallImages(looks.icons);
     Bind(wxEVT_LIST_ITEM_ACTIVATED,
          [this](const wxListEvent& event) { owner_.on_activate(static_cast<int>(event.GetIndex()) + 1); });
-    for (const auto& event : {wxEVT_LIST_ITEM_SELECTED, wxEVT_LIST_ITEM_DESELECTED}) {
+    // A range that is selected at once is told by its last row alone, which gets the keyboard.
+    for (const auto& event : {wxEVT_LIST_ITEM_SELECTED, wxEVT_LIST_ITEM_DESELECTED, wxEVT_LIST_ITEM_FOCUSED}) {
       Bind(event, [this](const wxListEvent&) { owner_.on_select(); });
     }
+    if (!looks.several) return;
+    Bind(wxEVT_KEY_DOWN, [this](wxKeyEvent& event) {
+      if (event.GetKeyCode() != 'A' || event.GetModifiers() != wxMOD_CONTROL) return event.Skip();
+      SetItemState(every_row, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+    });
   }
 
  private:
@@ -46,6 +53,15 @@ int RowList::count() const {
   return control_->GetItemCount();
 }
 
+std::vector<int> RowList::selection() const {
+  std::vector<int> rows;
+  for (int row = selected(); row > 0;) {
+    rows.push_back(row);
+    row = static_cast<int>(control_->GetNextItem(row - 1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) + 1;
+  }
+  return rows;
+}
+
 int RowList::selected() const {
   return static_cast<int>(control_->GetNextItem(-1, wxLIST_NEXT_ALL, wxLIST_STATE_SELECTED)) + 1;
 }
@@ -61,7 +77,7 @@ void RowList::set_count(int count) {
 
 void RowList::reset(int count) {
   const wxWindowUpdateLocker no_flicker(control_);
-  if (selected() > 0) control_->SetItemState(selected() - 1, 0, chosen);
+  unmark();
   control_->SetItemCount(count);
   control_->Refresh();
 }
@@ -75,7 +91,16 @@ void RowList::scroll_to(int row) {
 }
 
 void RowList::mark(int row) {
+  unmark();
   control_->SetItemState(row - 1, chosen, chosen);
+}
+
+void RowList::mark_also(int row) {
+  control_->SetItemState(row - 1, wxLIST_STATE_SELECTED, wxLIST_STATE_SELECTED);
+}
+
+void RowList::unmark() {
+  control_->SetItemState(every_row, 0, wxLIST_STATE_SELECTED);
 }
 
 int RowList::top_row() const {
