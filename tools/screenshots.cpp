@@ -173,6 +173,38 @@ TEST_F(Screenshots, ExactNames) {
   of_dialog(ui::mnuInfo, "item-exact");
 }
 
+TEST_F(Screenshots, History) {
+  prepare();
+  run_pass();
+  list(1).select_all({1, 2});
+  picture(*frame, "queue-several");
+  on_dialog([this](wxDialog& dialog) {
+    auto& passes = find<ui::PlainList>(dialog, "passes");
+    auto& files = find<ui::PlainList>(dialog, "files");
+    wait_until([&] { return files.count() > 0; });
+    passes.select(passes.count());
+    wait_until([&] { return files.count() == 3; });
+    files.select_all({1, 3});
+    picture(dialog, "history");
+    file("The Harbour Lights/harbour.lights.s01e01.720p.avi");
+    files.select_all({1, 2, 3});
+    settle();
+    press(dialog, "Undo &Selected");
+    files.select(1);
+    picture(dialog, "history-refused");
+    dialog.EndModal(wxID_CANCEL);
+  });
+  command(ui::mnuHistory);
+  drop({file("harbour.lights.s01e01.mp4"), file("harbour.lights.s01e02.mp4")});
+  run_pass();
+  on_dialog([this](wxDialog& dialog) {
+    picture(dialog, "undo-last-pass");
+    press(dialog, "&Undo");
+  });
+  command(ui::mnuUndoPass);
+  picture(*frame, "undone");
+}
+
 TEST_F(Screenshots, Wizard) {
   prepare();
   on_dialog([this](wxDialog& wizard) {

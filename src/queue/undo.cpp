@@ -39,13 +39,25 @@ void Undo::take_back(int index) {
   if (item.state != QueueState::Done) return;
   const StageResult undone = run_stage(log_, "Error undoing: ", [&] { return undofileops(item); });
   if (undone) {
-    item.state = QueueState::Cancelled;
-    item.error_text = "The file operation has been undone";
+    set_undone(index);
   } else {
     log_.debug_log("Failed to undo file operation", LogLevel::Normal);
     item.error_text = "The file undo operation failed" + undone.line();
     item.state = QueueState::Failed;
+    view_.update_lv(index);
   }
+}
+
+void Undo::show_undone(const std::set<std::int64_t>& operations) {
+  for (int index = 1; index <= queue_.count(); ++index) {
+    const QueueItem& item = queue_.at(index);
+    if (item.state == QueueState::Done && operations.contains(item.past_id)) set_undone(index);
+  }
+}
+
+void Undo::set_undone(int index) {
+  queue_.at(index).state = QueueState::Cancelled;
+  queue_.at(index).error_text = "The file operation has been undone";
   view_.update_lv(index);
 }
 

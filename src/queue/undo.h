@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,9 +35,13 @@ class Undo {
   /// index; false ends it.
   void run(std::vector<int> items, const std::function<bool(int)>& goes_on = {});
 
+  /// Operations of the history were taken back in another way: shows it where an item's is among them.
+  void show_undone(const std::set<std::int64_t>& operations);
+
  private:
   void take_back(int index);
   bool undofileops(QueueItem& item);
+  void set_undone(int index);
 
   WorkQueue& queue_;
   FileJobs& jobs_;

@@ -1,7 +1,9 @@
 #include "shell/past_text.h"
 
+#include <algorithm>
 #include <array>
 #include <map>
+#include <vector>
 
 #include "platform/native.h"
 
@@ -10,16 +12,20 @@ namespace quorvel {
 DeedWords deed_words(Deed deed) {
   switch (deed) {
     case Deed::Moved:
-      return {"move", "moved"};
+      return {"move", "moved", "move", "moves"};
     case Deed::Copied:
-      return {"copy", "copied"};
+      return {"copy", "copied", "copy", "copies"};
     case Deed::SetAside:
-      return {"set aside", "set aside"};
+      return {"set aside", "set aside", "renaming", "renamings"};
     case Deed::Trashed:
-      return {"trash", "removed"};
+      return {"trash", "removed", "removal", "removals"};
     default:
-      return {"rename", "renamed"};
+      return {"rename", "renamed", "renaming", "renamings"};
   }
+}
+
+bool is_undoable(const PastOperation& operation) {
+  return operation.outcome == PastOperation::Done && !operation.undone;
 }
 
 const char* outcome_word(const PastOperation& operation) {
@@ -37,6 +43,30 @@ std::string time_text(const Clock& clock, std::chrono::sys_seconds time) {
   const auto padded = [](long long number) { return (number < 10 ? "0" : "") + std::to_string(number); };
   return std::to_string(static_cast<int>(date.year())) + "-" + padded(static_cast<unsigned>(date.month())) + "-" +
          padded(static_cast<unsigned>(date.day())) + " " + padded(minutes / 60) + ":" + padded(minutes % 60);
+}
+
+std::string short_time_text(const Clock& clock, std::chrono::sys_seconds time) {
+  const std::string text = time_text(clock, time);
+  const std::string today = time_text(clock, std::chrono::floor<std::chrono::seconds>(clock.utc()));
+  const std::size_t date = text.find(' ');
+  return text.substr(0, date) == today.substr(0, date) ? text.substr(date + 1) : text;
+}
+
+std::string undo_question(const PastPass& pass, const Clock& clock) {
+  std::vector<std::string> parts;
+  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::Trashed}) {
+    // What was only set aside for a moment is renamed right after, and counts once.
+    const auto count = std::ranges::count_if(
+        pass.operations, [deed](const PastOperation& each) { return each.deed == deed && is_undoable(each); });
+    const DeedWords words = deed_words(deed);
+    if (count > 0) parts.push_back(std::to_string(count) + " " + (count == 1 ? words.noun : words.nouns));
+  }
+  std::string text = "Undo ";
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    if (i > 0) text += i + 1 == parts.size() ? " and " : ", ";
+    text += parts[i];
+  }
+  return text + " of " + short_time_text(clock, pass.time) + "?";
 }
 
 std::string counts_text(const PastPass& pass) {

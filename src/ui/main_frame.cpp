@@ -115,7 +115,7 @@ void MainFrame::build() {
       new QueuePage(TabStrip1_, menus_.mnuList3,
                     {*session_, *launcher_, stack_,
                      [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); },
-                     [this] { return stopped_; }});
+                     [this] { return stopped_; }, [this] { stop(); }});
   TabStrip1_->AddPage(queue_page_, "File Queue");
   TabStrip1_->AddPage(filter_page_ = build_filter_page(), "Filter List");
   TabStrip1_->AddPage(exception_page_ = build_exception_page(), "Exceptions");
@@ -188,6 +188,11 @@ void MainFrame::bind_commands() {
   on(mnuExit, [this] { Close(); });
   on(mnuExit2, [this] { Close(); });
   on(mnuPrefs, [this] { show_preferences(); });
+  on(mnuHistory, [this] { queue_page_->show_history(); });
+  on(mnuUndoPass, [this] {
+    TabStrip1_->SetSelection(0);  // where the outcome is told
+    queue_page_->undo_last_pass();
+  });
   on(mnuHelpGuide, [this] { commands_->help(); });
   on(mnuUpdate, [this] { commands_->update(reinterpret_cast<std::uintptr_t>(GetHandle())); });
   on(mnuWeb, [this] { commands_->website(); });

@@ -27,7 +27,10 @@ wxMenuBar* menu_bar() {
     bar->Append(menu, title);
   };
   add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, {mnuStop, "&Stop\tEsc"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
-  add("&Options", {{mnuPrefs, "&Preferences"}});
+  add("&Options", {{mnuPrefs, "&Preferences"},
+                   separator,
+                   {mnuHistory, "&History\u2026\tCtrl+H"},
+                   {mnuUndoPass, "&Undo Last Pass\tCtrl+Z"}});
   add("&Help", {{mnuHelpGuide, "Quorvel &Help\tF1"},
                 {mnuUpdate, "Check For &Updates"},
                 {mnuWeb, "Quorvel &Website"},

@@ -12,6 +12,8 @@ enum MenuCommand {
   mnuStop,
   mnuExit,
   mnuPrefs,
+  mnuHistory,
+  mnuUndoPass,
   mnuHelpGuide,
   mnuUpdate,
   mnuWeb,

@@ -25,7 +25,7 @@ MessageBar::MessageBar(wxWindow* parent, wxWindow& neighbour)
 }
 
 void MessageBar::add(const Button& button) {
-  auto* const made = new wxButton(this, wxID_ANY, button.label);
+  auto* const made = new wxButton(this, wxID_ANY, to_wx(button.label));
   made->Bind(wxEVT_BUTTON, [this, press = button.press](wxCommandEvent&) {
     close();
     CallAfter(press);  // which may show something else, and take this button away

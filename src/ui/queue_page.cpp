@@ -1,14 +1,20 @@
 #include "ui/queue_page.h"
 
+#include <wx/msgdlg.h>
 #include <wx/sizer.h>
+
+// After the header that it needs.
+#include <wx/generic/msgdlgg.h>
 
 #include <algorithm>
 #include <set>
 #include <utility>
 
 #include "shell/dialogs.h"
+#include "shell/past_text.h"
 #include "shell/preferences.h"
 #include "ui/dialogs.h"
+#include "ui/history_dialog.h"
 #include "ui/menus.h"
 #include "ui/restored.h"
 #include "ui/show_dialog.h"
@@ -27,7 +33,8 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, Window window)
       menu_(menu),
       list_(new QueueList(this)),
       hint_(new EmptyHint(list_, [this](bool on) { turn_exact_names(window_.session, on); })),
-      bar_(new MessageBar(this, *list_)) {
+      bar_(new MessageBar(this, *list_)),
+      past_undoing_(window_.session) {
   list_->set_hint(*hint_);
   show_settings();
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
@@ -163,6 +170,15 @@ void QueuePage::open_folders() {
   }
 }
 
+// The history's.
+
+/// Why nothing of the history can be undone now.
+std::string QueuePage::hindrance() const {
+  if (window_.session.processor.queue_busy()) return "Quorvel is at work on the queue. Close this, and undo when that has ended.";
+  if (is_undoing_) return "Something is being undone already.";
+  return {};
+}
+
 bool QueuePage::goes_on() const {
   window_.session.ports.ui.process_events();
   return !window_.is_stopped();
@@ -171,6 +187,42 @@ bool QueuePage::goes_on() const {
 void QueuePage::run_undoing(const Work& work, const std::function<void()>& action) {
   const Restored<bool> undoing(is_undoing_, true);
   window_.run(work, action);
+}
+
+void QueuePage::show_history() {
+  HistoryDialog dialog(window_.stack.dialog_parent(*this),
+                       {window_.session, window_.launcher, past_undoing_, [this] { return hindrance(); },
+                        [this](const std::function<void()>& action) {
+                          run_undoing({0, true}, action);
+                        },
+                        [this] { return goes_on(); }, window_.stop});
+  window_.stack.show_modal(dialog);
+}
+
+bool QueuePage::ask_to_undo(const std::string& question) {
+  wxGenericMessageDialog dialog(window_.stack.dialog_parent(*this), to_wx(question), "Undo Last Pass",
+                                wxYES_NO | wxICON_QUESTION);
+  dialog.SetYesNoLabels("&Undo", "&Cancel");
+  return window_.stack.show_modal(dialog) == wxID_YES;
+}
+
+void QueuePage::undo_last_pass() {
+  Session& session = window_.session;
+  const auto is_hindered = [&] {
+    const std::string reason = hindrance();
+    if (!reason.empty()) session.ports.ui.show_message(0, "Unable to undo", reason, MessageIcon::Information);
+    return !reason.empty();
+  };
+  if (is_hindered()) return;
+  const std::int64_t id = session.history.last_undoable_pass();
+  const std::optional<PastPass> pass = id == 0 ? std::nullopt : session.history.pass(id);
+  if (!pass) return bar_->show("There is nothing to undo.", {});
+  // Events run while the question is open.
+  if (pass->undoable() > 1 && (!ask_to_undo(undo_question(*pass, session.ports.clock)) || is_hindered())) return;
+  PastUndoing::Result result;
+  run_undoing({0, true},
+              [&] { result = past_undoing_.undo(pass->operations, [this](int, int) { return goes_on(); }); });
+  bar_->show(text_of(result) + ".", {{"&History\u2026", [this] { show_history(); }}});
 }
 
 }  // namespace quorvel::ui

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/launcher.h"
+#include "shell/past_undoing.h"
 #include "shell/session.h"
 #include "shell/show_choice.h"
 #include "ui/call_stack.h"
@@ -33,6 +34,7 @@ class QueuePage : public wxPanel {
     CallStack& stack;
     std::function<void(const Work&, const std::function<void()>&)> run;
     std::function<bool()> is_stopped;  // by the user, since that began
+    std::function<void()> stop;
   };
 
   /// `menu` pops up over an item.
@@ -57,13 +59,20 @@ class QueuePage : public wxPanel {
   void retry();
   void open_folders();
 
+  // The history's.
+
+  void show_history();
+  void undo_last_pass();
+
  private:
   void on_menu(const wxContextMenuEvent& event);
   void on_pass_ended();
   void take_again(bool anew);
   void open_menu(const wxPoint& at);
+  std::string hindrance() const;
   bool goes_on() const;
   void run_undoing(const Work& work, const std::function<void()>& action);
+  bool ask_to_undo(const std::string& question);
 
   const Window window_;
   wxMenu& menu_;
@@ -72,6 +81,7 @@ class QueuePage : public wxPanel {
   MessageBar* bar_;
   std::vector<int> items_;
   bool is_undoing_ = false;
+  PastUndoing past_undoing_;
   const ShowChoice* choice_ = nullptr;  // while its dialog is open
   int lost_characters_ = 0;             // names that lost some in the pass
 };

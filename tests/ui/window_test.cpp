@@ -49,7 +49,7 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   EXPECT_EQ(
       all,
       "File: Add File|Stop|-|Exit\n"
-      "Options: Preferences\n"
+      "Options: Preferences|-|History\u2026|Undo Last Pass\n"
       "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
       "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Add Filter;Edit Filter|Remove "
       "Filter|-|Add Filter\n"
