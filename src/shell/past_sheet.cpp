@@ -101,6 +101,7 @@ int PastSheet::undoable() const {
 
 PastUndoing::Result PastSheet::undo(const std::vector<int>& files, const GoesOn& goes_on) {
   std::vector<PastOperation> operations;
+  operations.reserve(files.size());
   for (const int row : files) operations.push_back(file(row));
   return undo(operations, goes_on);
 }

@@ -18,7 +18,7 @@ PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operatio
   int place = 0;
   std::set<std::int64_t> undone;
   for (const PastUndo::Outcome& outcome :
-       session_.past_undo.undo(std::move(now), [&] { return goes_on(++place, result.wanted); })) {
+       session_.past_undo.undo(now, [&] { return goes_on(++place, result.wanted); })) {
     const std::int64_t id = outcome.operation.id;
     if (outcome.trouble.empty()) {
       ++result.undone;

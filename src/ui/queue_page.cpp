@@ -174,7 +174,8 @@ void QueuePage::open_folders() {
 
 /// Why nothing of the history can be undone now.
 std::string QueuePage::hindrance() const {
-  if (window_.session.processor.queue_busy()) return "Quorvel is at work on the queue. Close this, and undo when that has ended.";
+  if (window_.session.processor.queue_busy())
+    return "Quorvel is at work on the queue. Close this, and undo when that has ended.";
   if (is_undoing_) return "Something is being undone already.";
   return {};
 }
