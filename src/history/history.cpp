@@ -40,7 +40,7 @@ constexpr std::array statements = {
     "SELECT id, time, is_undoing FROM passes ORDER BY id DESC LIMIT ?1",
     "SELECT id, time, is_undoing FROM passes WHERE id = ?1",
     "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
-    "SELECT id FROM operations WHERE outcome = 1 AND NOT undone AND NOT "
+    "SELECT id FROM operations WHERE id < ?1 AND outcome = 1 AND NOT undone AND NOT "
     "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
     "SELECT " QUORVEL_COLUMNS
     ", owner FROM operations WHERE outcome = 0 OR (deed = 8 AND outcome = 1 AND NOT undone) ORDER BY id",
@@ -193,10 +193,11 @@ std::optional<PastOperation> History::operation(std::int64_t id) {
   return operation;
 }
 
-std::int64_t History::last_undoable_pass() {
+std::int64_t History::last_undoable_pass(std::int64_t before) {
   write_end();
   std::int64_t id = 0;
-  database_.perform(LastUndoable, {}, [&](const SharedDatabase::Row& row) { id = row.number(0) / per_pass; });
+  database_.perform(LastUndoable, {before * per_pass},
+                    [&](const SharedDatabase::Row& row) { id = row.number(0) / per_pass; });
   return id;
 }
 

@@ -85,8 +85,9 @@ class History {
   std::vector<PastPass> passes(int count);
   std::optional<PastPass> pass(std::int64_t id);
   std::optional<PastOperation> operation(std::int64_t id);
-  /// The last pass with something that can be undone, which is no undoing itself; 0 when there is none.
-  std::int64_t last_undoable_pass();
+  /// The last pass, of those before that number, with something that can be undone, which is no undoing itself; 0 when
+  /// there is none.
+  std::int64_t last_undoable_pass(std::int64_t before = max_pass);
 
   /// Operations that were begun and not ended, and files that were set aside, with the owners.
   std::vector<std::pair<PastOperation, std::string>> under_way();
@@ -95,6 +96,8 @@ class History {
   void forget_before(std::chrono::sys_seconds time);
 
  private:
+  static constexpr std::int64_t max_pass = 1'000'000'000'000;
+
   void write_end();
   static PastOperation operation_in(const SharedDatabase::Row& row);
   std::int64_t now() const;

@@ -1,5 +1,6 @@
 #include "shell/past_undoing.h"
 
+#include <algorithm>
 #include <set>
 
 #include "shell/past_text.h"
@@ -31,6 +32,16 @@ PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operatio
   }
   session_.undo.show_undone(undone);
   return result;
+}
+
+std::optional<PastPass> PastUndoing::last_pass() {
+  const std::int64_t last = session_.history.last_undoable_pass();
+  for (std::int64_t id = last; id != 0; id = session_.history.last_undoable_pass(id)) {
+    std::optional<PastPass> pass = session_.history.pass(id);
+    const auto may_be_undone = [this](const PastOperation& each) { return is_undoable(each) && refusal(each).empty(); };
+    if (pass && std::ranges::any_of(pass->operations, may_be_undone)) return pass;
+  }
+  return last == 0 ? std::nullopt : session_.history.pass(last);
 }
 
 std::string PastUndoing::refusal(const PastOperation& operation) const {

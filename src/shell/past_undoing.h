@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,10 @@ class PastUndoing {
   /// Takes back those that the history says can be, by now, the last one first. `goes_on` is called before each with
   /// its place and their number; false ends it.
   Result undo(const std::vector<PastOperation>& operations, const std::function<bool(int place, int count)>& goes_on);
+
+  /// The last pass of which something can be taken back that was not refused in this run; the last one at all when all
+  /// was. Empty when nothing can be taken back.
+  std::optional<PastPass> last_pass();
 
   /// Why it could not be taken back when that was tried last, in this run; empty when it could.
   std::string refusal(const PastOperation& operation) const;

@@ -215,8 +215,7 @@ void QueuePage::undo_last_pass() {
     return !reason.empty();
   };
   if (is_hindered()) return;
-  const std::int64_t id = session.history.last_undoable_pass();
-  const std::optional<PastPass> pass = id == 0 ? std::nullopt : session.history.pass(id);
+  const std::optional<PastPass> pass = past_undoing_.last_pass();
   if (!pass) return bar_->show("There is nothing to undo.", {});
   // Events run while the question is open.
   if (pass->undoable() > 1 && (!ask_to_undo(undo_question(*pass, session.ports.clock)) || is_hindered())) return;

@@ -6,6 +6,7 @@
 
 #include "session_fixture.h"
 #include "shell/past_text.h"
+#include "shell/past_undoing.h"
 
 namespace quorvel::testing {
 namespace {
@@ -66,6 +67,23 @@ TEST_F(PastTest, WhatWasDoneCanBeUndoneAndDoneAgainInLaterRuns) {
   EXPECT_TRUE(undo(later, undoing + 3).ends_with("has been changed or replaced since|"));
   later.history.forget_before(std::chrono::sys_seconds::max() - std::chrono::hours(1));
   EXPECT_EQ(told(later.history), "");
+}
+
+TEST_F(PastTest, APassOfWhichAllWasRefusedDoesNotKeepTheOnesBeforeFromBeingUndone) {
+  for (const std::string name : {"the.harbour.lights.1x01.mkv", "the.harbour.lights.1x02.mkv"}) {
+    add(name);
+    session.processor.process_queue();
+  }
+  PastUndoing undoing(session);
+  const std::int64_t last = undoing.last_pass()->id;
+  write("in/the.harbour.lights.1x02.mkv", "in the way");
+  const auto undo_last = [&] { return undoing.undo(undoing.last_pass()->operations, [](int, int) { return true; }); };
+  EXPECT_EQ(text_of(undo_last()), "0 of 1 undone, 1 left alone");
+  EXPECT_EQ(undoing.last_pass()->id, last - 1);
+  EXPECT_EQ(text_of(undo_last()), "1 undone");
+  files->remove(in("the.harbour.lights.1x02.mkv"));
+  EXPECT_EQ(text_of(undo_last()), "1 undone") << "what was refused is tried again at last";
+  EXPECT_FALSE(undoing.last_pass());
 }
 
 /// Nothing goes to the trash, so that nothing is left there.
