@@ -137,7 +137,11 @@ std::string description(const CatalogueShow& show) {
   std::string text = show.name + " (";
   if (show.year != 0) text += std::to_string(show.year) + ", ";
   if (!show.country.empty()) text += show.country + ", ";
-  return text + std::string(id_prefix) + std::to_string(show.id) + ")";
+  return text + name_of_show(show.id) + ")";
+}
+
+std::string name_of_show(int id) {
+  return std::string(id_prefix) + std::to_string(id);
 }
 
 bool says_title(const Reading& reading, const CatalogueEpisode& episode) {
@@ -160,6 +164,7 @@ void Lookup::begin_item(bool anew) {
 }
 
 std::vector<CatalogueShow> Lookup::candidates(const std::string& name, bool again) {
+  if (const std::optional<int> id = id_in(name)) return {show_of_id(*id)};
   const std::string wanted = lower_case(composed(name));
   const auto known = found_.find(wanted);
   if (known != found_.end() && !again) return known->second;

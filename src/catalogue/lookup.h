@@ -37,6 +37,9 @@ class UnclearShow : public Failure {
   std::vector<CatalogueShow> candidates;
 };
 
+/// The name by which a show of that number can be asked for: "tvmaze:2".
+std::string name_of_show(int id);
+
 /// "The Bureau (2005, US, tvmaze:2)".
 std::string description(const CatalogueShow& show);
 

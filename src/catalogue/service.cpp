@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/failure.h"
+#include "text/restored.h"
 #include "transport/retry_after.h"
 
 namespace quorvel {
@@ -60,11 +61,8 @@ StoredAnswer CatalogueService::get(const std::string& request, Age age) {
 }
 
 std::string CatalogueService::fetch(const std::string& request) {
-  if (in_progress_++ == 0) cancelled_ = false;
-  const struct Ending {
-    int& in_progress;
-    ~Ending() { --in_progress; }
-  } ending{in_progress_};
+  if (in_progress_ == 0) cancelled_ = false;
+  const Restored<int> counted(in_progress_, in_progress_ + 1);
   log_.debug_log("Asking for " + request, LogLevel::Verbose);
   while (true) {
     WebAnswer answer = ask(api_base_ + request);

@@ -38,7 +38,7 @@ std::vector<PastUndo::Outcome> PastUndo::undo(std::vector<PastOperation> operati
   std::ranges::sort(operations, std::greater(), &PastOperation::id);
   std::vector<Outcome> outcomes;
   for (const PastOperation& operation : operations) {
-    if (operation.outcome != PastOperation::Done || operation.undone) continue;
+    if (!operation.is_undoable()) continue;
     if (goes_on && !goes_on()) break;
     outcomes.push_back(undo_one(operation));
     if (!outcomes.back().trouble.empty()) {

@@ -89,8 +89,7 @@ std::chrono::sys_seconds seconds(std::int64_t count) {
 }  // namespace
 
 int PastPass::undoable() const {
-  return static_cast<int>(std::ranges::count_if(
-      operations, [](const PastOperation& each) { return each.outcome == PastOperation::Done && !each.undone; }));
+  return static_cast<int>(std::ranges::count_if(operations, &PastOperation::is_undoable));
 }
 
 History::History(Files& files, const Clock& clock, Log& log, const std::string& work_dir)

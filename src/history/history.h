@@ -30,6 +30,9 @@ struct PastOperation {
   Outcome outcome = UnderWay;
   bool undone = false;  // since
   std::string reason;   // why it failed
+
+  /// Whether it was done and is still so.
+  bool is_undoable() const { return outcome == Done && !undone; }
 };
 
 /// The operations of one pass, or of one undoing, in their order.

@@ -112,7 +112,7 @@ void Processor::end_pass() {
 void Processor::cancel_rest() {
   std::vector<int> rest(again_.begin(), again_.end());
   again_.clear();
-  for (int index = queue_cursor_ + 1; index <= stop_after_; ++index) rest.push_back(index);
+  for (int index = std::max(queue_cursor_, 1); index <= stop_after_; ++index) rest.push_back(index);
   if (at_work_ > 0 && queue_.at(at_work_).state < QueueState::Done) rest.push_back(at_work_);
   std::ranges::sort(rest);
   for (const int index : rest) {
@@ -151,6 +151,7 @@ void Processor::process_item(int index) {
     // At the search a wish to quit waits, so that each item that was taken is looked for.
     return state == QueueState::Searching ? stop_after_ == 0 : !is_ending();
   });
+  item.look_up_anew = false;
   if (found.outcome == Identified::Interrupted) return;
   if (found.outcome == Identified::Failed) return fail(index, found.log_line, found.error_text);
 

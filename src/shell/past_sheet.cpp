@@ -86,17 +86,17 @@ std::string PastSheet::folder_of(const std::vector<int>& files) const {
   std::set<std::string> folders;
   for (const int row : files) {
     const PastOperation& each = file(row);
-    folders.insert(getpath(is_undoable(each) && !each.new_path.empty() ? each.new_path : each.old_path, 0));
+    folders.insert(getpath(each.is_undoable() && !each.new_path.empty() ? each.new_path : each.old_path, 0));
   }
   return folders.size() == 1 ? *folders.begin() : "";
 }
 
 int PastSheet::undoable(const std::vector<int>& files) const {
-  return static_cast<int>(std::ranges::count_if(files, [this](int row) { return is_undoable(file(row)); }));
+  return static_cast<int>(std::ranges::count_if(files, [this](int row) { return file(row).is_undoable(); }));
 }
 
 int PastSheet::undoable() const {
-  return static_cast<int>(std::ranges::count_if(files_, is_undoable));
+  return static_cast<int>(std::ranges::count_if(files_, &PastOperation::is_undoable));
 }
 
 PastUndoing::Result PastSheet::undo(const std::vector<int>& files, const GoesOn& goes_on) {

@@ -24,10 +24,6 @@ DeedWords deed_words(Deed deed) {
   }
 }
 
-bool is_undoable(const PastOperation& operation) {
-  return operation.outcome == PastOperation::Done && !operation.undone;
-}
-
 const char* outcome_word(const PastOperation& operation) {
   if (operation.undone) return "undone";
   return operation.outcome == PastOperation::Done     ? "done"
@@ -57,7 +53,7 @@ std::string undo_question(const PastPass& pass, const Clock& clock) {
   for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::Trashed}) {
     // What was only set aside for a moment is renamed right after, and counts once.
     const auto count = std::ranges::count_if(
-        pass.operations, [deed](const PastOperation& each) { return each.deed == deed && is_undoable(each); });
+        pass.operations, [deed](const PastOperation& each) { return each.deed == deed && each.is_undoable(); });
     const DeedWords words = deed_words(deed);
     if (count > 0) parts.push_back(std::to_string(count) + " " + (count == 1 ? words.noun : words.nouns));
   }

@@ -15,9 +15,6 @@ struct DeedWords {
 };
 DeedWords deed_words(Deed deed);
 
-/// Whether it was done and is still so.
-bool is_undoable(const PastOperation& operation);
-
 /// "done", "undone", "failed", or "under way".
 const char* outcome_word(const PastOperation& operation);
 

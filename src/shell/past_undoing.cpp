@@ -13,7 +13,7 @@ PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operatio
   std::vector<PastOperation> now;
   for (const PastOperation& operation : operations) {
     const std::optional<PastOperation> found = session_.history.operation(operation.id);
-    if (found && is_undoable(*found)) now.push_back(*found);
+    if (found && found->is_undoable()) now.push_back(*found);
   }
   Result result{.wanted = static_cast<int>(now.size())};
   int place = 0;
@@ -38,7 +38,9 @@ std::optional<PastPass> PastUndoing::last_pass() {
   const std::int64_t last = session_.history.last_undoable_pass();
   for (std::int64_t id = last; id != 0; id = session_.history.last_undoable_pass(id)) {
     std::optional<PastPass> pass = session_.history.pass(id);
-    const auto may_be_undone = [this](const PastOperation& each) { return is_undoable(each) && refusal(each).empty(); };
+    const auto may_be_undone = [this](const PastOperation& each) {
+      return each.is_undoable() && refusal(each).empty();
+    };
     if (pass && std::ranges::any_of(pass->operations, may_be_undone)) return pass;
   }
   return last == 0 ? std::nullopt : session_.history.pass(last);
@@ -46,7 +48,7 @@ std::optional<PastPass> PastUndoing::last_pass() {
 
 std::string PastUndoing::refusal(const PastOperation& operation) const {
   const auto found = refusals_.find(operation.id);
-  return found == refusals_.end() || !is_undoable(operation) ? "" : found->second;
+  return found == refusals_.end() || !operation.is_undoable() ? "" : found->second;
 }
 
 std::string text_of(const PastUndoing::Result& result) {

@@ -2,7 +2,6 @@
 
 #include <simdjson.h>
 
-#include <array>
 #include <charconv>
 #include <optional>
 #include <utility>

@@ -1,31 +1,12 @@
 #include "shell/show_choice.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "naming/reader/reading_text.h"
 #include "text/failure.h"
-#include "text/numbers.h"
+#include "text/restored.h"
 
 namespace quorvel {
-namespace {
-
-constexpr std::string_view id_prefix = "tvmaze:";
-
-/// While it lives, the flag is set.
-class Flag {
- public:
-  explicit Flag(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Flag() { flag_ = false; }
-  Flag(const Flag&) = delete;
-  Flag& operator=(const Flag&) = delete;
-
- private:
-  bool& flag_;
-};
-
-}  // namespace
-
 /// Read anew, for the item may not have been taken in the exact way yet, and exceptions may have come since.
 ShowChoice::Name ShowChoice::name_of(const Session& session, int item) {
   const Reading reading = read_name(session.queue.at(item).path);
@@ -67,15 +48,13 @@ std::string ShowChoice::others() const {
 std::vector<CatalogueShow> ShowChoice::shows_for(const std::string& name) {
   // A request that had trouble is made again only in a new pass; but one that runs still needs what it knows.
   if (!session_.processor.queue_busy()) session_.lookup.begin_pass();
-  if (!name.starts_with(id_prefix)) return session_.lookup.candidates(name, true);
-  const int id = leading_number(std::string_view(name).substr(id_prefix.size()));
-  return {session_.lookup.show_of_id(id)};
+  return session_.lookup.candidates(name, true);
 }
 
 std::string ShowChoice::search(const std::string& name) {
   found_.clear();
   if (name.find_first_not_of(' ') == std::string::npos) return "Enter the name of a show.";
-  const Flag searching(is_searching_);
+  const Restored<bool> searching(is_searching_, true);
   std::string result;
   try {
     found_ = shows_for(name);
@@ -88,7 +67,7 @@ std::string ShowChoice::search(const std::string& name) {
   }
   earlier_.clear();
   if (const std::optional<int> id = session_.lookup.choice(key_)) {
-    earlier_ = std::string(id_prefix) + std::to_string(*id);
+    earlier_ = name_of_show(*id);
     try {
       earlier_ = description(session_.lookup.show_of_id(*id));
     } catch (const Failure&) {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "shell/dialogs.h"
-#include "ui/restored.h"
+#include "text/restored.h"
 #include "ui/size.h"
 #include "ui/text.h"
 

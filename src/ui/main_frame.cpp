@@ -14,12 +14,12 @@
 #include "platform/native.h"
 #include "shell/dialogs.h"
 #include "shell/version.h"
+#include "text/restored.h"
 #include "ui/desktop.h"
 #include "ui/dialogs.h"
 #include "ui/filter_wizard.h"
 #include "ui/icons.h"
 #include "ui/preferences_dialog.h"
-#include "ui/restored.h"
 #include "ui/size.h"
 #include "ui/text.h"
 

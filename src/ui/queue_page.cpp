@@ -13,17 +13,17 @@
 #include "shell/dialogs.h"
 #include "shell/past_text.h"
 #include "shell/preferences.h"
+#include "text/restored.h"
 #include "ui/dialogs.h"
 #include "ui/history_dialog.h"
 #include "ui/menus.h"
-#include "ui/restored.h"
 #include "ui/show_dialog.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
 namespace {
 
-constexpr std::size_t most_folders = 10;  // that are opened at once
+constexpr std::size_t max_folders = 10;  // that are opened at once
 
 }  // namespace
 
@@ -164,7 +164,7 @@ void QueuePage::open_folders() {
   std::set<std::string> folders;
   for (const int item : std::vector(items_)) {
     const std::string folder = folder_of(session.queue.at(item), session.ports.files);
-    if (folders.size() < most_folders && folders.insert(folder).second) {
+    if (folders.size() < max_folders && folders.insert(folder).second) {
       open_folder(window_.launcher, session.ports.ui, session.ports.files, folder);
     }
   }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace quorvel::ui {
+namespace quorvel {
 
 /// Puts a value back at the end of a block.
 template <typename T>
@@ -18,4 +18,4 @@ class Restored {
   const T old_;
 };
 
-}  // namespace quorvel::ui
+}  // namespace quorvel
