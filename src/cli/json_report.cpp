@@ -1,5 +1,6 @@
 #include "cli/json_report.h"
 
+#include "platform/stamp_text.h"
 #include "shell/plan_file.h"
 #include "text/cut.h"
 #include "text/json_text.h"

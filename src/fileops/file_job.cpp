@@ -91,7 +91,6 @@ FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoe
 
 FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t undoes,
                                  const std::function<int()>& carry_out) {
-  journal_.begin(request);
   PastOperation past;
   past.deed = deed;
   past.old_path = request.source;
@@ -99,6 +98,7 @@ FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t
   past.stamp = files_.stamp(request.source);
   past.undoes = undoes;
   past.reason = "It was stopped";
+  journal_.begin(request, past.stamp);
   history_.begin(past, journal_.name());
   const struct Ending {
     FileJobs& jobs;

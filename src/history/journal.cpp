@@ -1,6 +1,9 @@
 #include "history/journal.h"
 
+#include <algorithm>
+
 #include "naming/file_names.h"
+#include "platform/stamp_text.h"
 #include "platform/temporary_name.h"
 #include "text/cut.h"
 
@@ -10,6 +13,7 @@ namespace {
 constexpr std::string_view prefix = "pending-";
 constexpr std::string_view nul("\0", 1);
 constexpr std::size_t fields_per_entry = 5;
+constexpr std::size_t new_or_old = std::string_view("new ").size();
 constexpr std::int64_t hour_ns = 3'600'000'000'000;
 
 }  // namespace
@@ -21,11 +25,13 @@ Journal::~Journal() {
 /// No path holds a NUL. What a power cut has left of an entry lacks its last field, and nothing had begun then.
 std::string Journal::text_of(const std::vector<Entry>& entries) {
   std::string text;
-  for (const auto& [operation, source, destination, temporary, is_new] : entries) {
+  for (const auto& [operation, source, destination, temporary, is_new, stamp] : entries) {
     for (const std::string& field : {std::to_string(operation), source, destination, temporary}) {
       text.append(field).append(nul);
     }
-    text.append(is_new ? "new" : "old").append(nul);
+    text.append(is_new ? "new" : "old");
+    if (stamp) text.append(" " + stamp_text(*stamp));
+    text.append(nul);
   }
   return text;
 }
@@ -35,8 +41,9 @@ std::vector<Journal::Entry> Journal::entries_of(std::string_view text) {
   std::vector<Entry> entries;
   for (std::size_t at = 0; at + fields_per_entry < fields.size(); at += fields_per_entry) {
     const int operation = fields[at].size() == 1 ? fields[at].front() - '0' : 0;
+    const std::string_view last = fields[at + 4];
     entries.push_back({operation, std::string(fields[at + 1]), std::string(fields[at + 2]), std::string(fields[at + 3]),
-                       fields[at + 4] == "new"});
+                       last.starts_with("new"), stamp_in(last.substr(std::min(last.size(), new_or_old)))});
   }
   return entries;
 }
@@ -55,14 +62,13 @@ void Journal::close() {
 }
 
 bool Journal::is_to_another_device(const Entry& entry) const {
-  const std::optional<FileStamp> source = files_.stamp(entry.source),
-                                 folder = files_.stamp(getpath(entry.destination, 0));
-  return source && folder && source->device != folder->device;
+  const std::optional<FileStamp> folder = files_.stamp(getpath(entry.destination, 0));
+  return entry.stamp && folder && entry.stamp->device != folder->device;
 }
 
-void Journal::begin(const FileOperationRequest& request) {
-  entries_.push_back(
-      {request.operation, request.source, request.destination, request.temporary, !files_.exists(request.destination)});
+void Journal::begin(const FileOperationRequest& request, const std::optional<FileStamp>& source) {
+  entries_.push_back({request.operation, request.source, request.destination, request.temporary,
+                      !files_.exists(request.destination), source});
   if (!files_.are_real() || has_failed_) return;
   // Where all happens within a few calls, a power cut in between is not worth the wait for the disk each time.
   const bool takes_long = request.operation == FileOperationRequest::Copy ||
@@ -119,7 +125,7 @@ void Journal::settle() {
 void Journal::settle(const Entry& entry) {
   const bool has_source = files_.exists(entry.source);
   if (!entry.temporary.empty() && files_.exists(entry.temporary)) {
-    if (has_source) {
+    if (has_source || has_arrived(entry)) {
       remove(entry.temporary, "the beginning of a copy of " + entry.source);
     } else {
       log_.debug_log(entry.temporary + " was left by a run that was cut off. It may be the last copy of " +
@@ -129,6 +135,12 @@ void Journal::settle(const Entry& entry) {
   }
   if (has_source && entry.is_new) settle_destination(entry);
   if (entry.operation == FileOperationRequest::Move && !entry.temporary.empty()) settle_aside(entry);
+}
+
+/// Another run that was at the same file has moved it to where this one would have.
+bool Journal::has_arrived(const Entry& entry) const {
+  const std::optional<FileStamp> now = files_.stamp(entry.destination);
+  return now && entry.stamp && now->may_be_copy_of(*entry.stamp);
 }
 
 std::string Journal::aside_of(const Entry& entry) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,9 +25,9 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
   ~Journal();
 
-  /// Writes down what is about to happen. Where that cannot be done, which is told once, it happens all the same:
+  /// Writes down what is about to happen; `source` is the stamp of the request's source. Where that cannot be done, which is told once, it happens all the same:
   /// nothing is lost without the journal, it only stays behind.
-  void begin(const FileOperationRequest& request);
+  void begin(const FileOperationRequest& request, const std::optional<FileStamp>& source);
 
   /// It has ended, well or not.
   void end();
@@ -36,7 +37,8 @@ class Journal {
   std::string name() const { return file_ ? path_.substr(work_dir_.size()) : ""; }
 
   /// Clears up after processes that have ended, and tells what was found. What lies on a drive that is not there now is
-  /// left for a later start. Nothing is removed but what is certainly left over, while its source is there.
+  /// left for a later start. Nothing is removed but what is certainly left over, while its source is there or has
+  /// arrived whole.
   void settle();
 
  private:
@@ -44,6 +46,7 @@ class Journal {
     int operation = 0;
     std::string source, destination, temporary;
     bool is_new = false;  // nothing was at the destination
+    std::optional<FileStamp> stamp = {};  // of the source: its size and its time
   };
 
   static std::string text_of(const std::vector<Entry>& entries);
@@ -52,6 +55,7 @@ class Journal {
   bool open();
   void close();
   bool is_to_another_device(const Entry& entry) const;
+  bool has_arrived(const Entry& entry) const;
   static std::string aside_of(const Entry& entry);
   bool is_left(const Entry& entry) const;
   void settle(const Entry& entry);

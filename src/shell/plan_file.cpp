@@ -2,12 +2,12 @@
 
 #include <simdjson.h>
 
-#include <charconv>
 #include <optional>
 #include <utility>
 
 #include "naming/file_names.h"
 #include "platform/native.h"
+#include "platform/stamp_text.h"
 #include "rules/action.h"
 #include "text/cut.h"
 #include "text/failure.h"
@@ -21,15 +21,6 @@ constexpr std::pair<const char*, int> actions[] = {
 std::string text_at(const simdjson::dom::element& object, const char* key) {
   std::string_view text;
   return object[key].get(text) == simdjson::SUCCESS ? std::string(text) : std::string();
-}
-
-std::optional<FileStamp> stamp_in(std::string_view text) {
-  FileStamp stamp;
-  const char* const end = text.data() + text.size();
-  const auto size = std::from_chars(text.data(), end, stamp.size);
-  if (size.ec != std::errc() || size.ptr == end || *size.ptr != ' ') return {};
-  const auto time = std::from_chars(size.ptr + 1, end, stamp.modified_ns);
-  return time.ec == std::errc() && time.ptr == end ? std::optional(stamp) : std::nullopt;
 }
 
 /// Empty for a line that plans nothing.
@@ -71,10 +62,6 @@ int action_named(std::string_view word) {
     if (known == word) return number;
   }
   return 0;
-}
-
-std::string stamp_text(const FileStamp& stamp) {
-  return std::to_string(stamp.size) + " " + std::to_string(stamp.modified_ns);
 }
 
 std::vector<Batch::Entry> plan_of(std::string_view text) {

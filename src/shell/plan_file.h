@@ -14,9 +14,6 @@ namespace quorvel {
 const char* action_word(int action);
 int action_named(std::string_view word);
 
-/// What a file was when its plan was made; as a text, for not every program keeps so large numbers.
-std::string stamp_text(const FileStamp& stamp);
-
 /// The jobs of a plan; lines of other states, and the summary, are passed over. Throws Failure, which names the line,
 /// when one cannot be understood or lacks something.
 std::vector<Batch::Entry> plan_of(std::string_view text);

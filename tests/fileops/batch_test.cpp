@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "naming/file_names.h"
+#include "platform/stamp_text.h"
 #include "rules/action.h"
 #include "session_fixture.h"
 #include "shell/plan_file.h"

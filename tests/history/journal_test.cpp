@@ -22,16 +22,24 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   Lines log;
   const std::string folder = here + native::separator, work = folder + "work/";
   const std::string drive = folder + "drive" + native::separator, far = folder + "far" + native::separator;
+  const auto begin_request = [&](const Request& request) {
+    auto* const journal = new Journal(*files, log, work);
+    journal->begin(request, files->stamp(request.source));
+    return journal;
+  };
   const auto begin = [&](int operation, const std::string& name) {
     const std::string temporary = operation == Request::Rename ? "" : folder + ".quorvel-" + name;
-    (new Journal(*files, log, work))->begin({operation, folder + name, folder + "new " + name, 0, temporary});
+    begin_request({operation, folder + name, folder + "new " + name, 0, temporary});
   };
   write_file(folder + "new earlier", "");
-  for (const char* const name : {"part", "last", "kept", "two", "both", "copied", "earlier", "ended", "away"}) {
+  for (const char* const name :
+       {"part", "last", "taken", "kept", "two", "both", "copied", "earlier", "ended", "away"}) {
     write_file(folder + name, name);
   }
   begin(Request::Move, "part"), write_file(folder + ".quorvel-part", "pa");
   begin(Request::Move, "last"), write_file(folder + ".quorvel-last", "la"), fs::remove(path_of(folder + "last"));
+  begin(Request::Move, "taken"), write_file(folder + ".quorvel-taken", "ta");
+  fs::rename(path_of(folder + "taken"), path_of(folder + "new taken"));  // by another run
   begin(Request::Rename, "kept"), write_file(folder + "new kept", "");
   begin(Request::Rename, "two"), fs::create_hard_link(path_of(folder + "two"), path_of(folder + "new two"));
   begin(Request::Move, "both"), write_file(folder + "new both", "both");
@@ -40,15 +48,14 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   // At the end of a move to another drive.
   const auto begin_far = [&](const std::string& name) {
     write_file(folder + ".quorvel-" + name, name);
-    (new Journal(*files, log, work))->begin({Request::Move, folder + name, far + name, 0, far + ".quorvel-" + name});
+    begin_request({Request::Move, folder + name, far + name, 0, far + ".quorvel-" + name});
   };
   begin_far("moved"), write_file(far + "moved", "moved");
   begin_far("undone");
   begin_far("back"), fs::create_hard_link(path_of(folder + ".quorvel-back"), path_of(folder + "back"));
-  auto* const ended = new Journal(*files, log, work);
-  ended->begin({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"});
-  ended->end(), write_file(folder + "new ended", "");  // somebody else's
-  (new Journal(*files, log, work))->begin({Request::Copy, folder + "away", drive + "away", 0, drive + ".quorvel-away"});
+  begin_request({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"})->end();
+  write_file(folder + "new ended", "");  // somebody else's
+  begin_request({Request::Copy, folder + "away", drive + "away", 0, drive + ".quorvel-away"});
   write_file(work + "pending-broken", std::string("nonsense\0and more", 17));
   std::_Exit(0);
   return 0;
@@ -74,9 +81,9 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
   {
     // Of another copy that is at work.
     Journal busy(*files, log, work);
-    busy.begin({Request::Copy, folder + "copied", folder + "another", 0, folder + ".quorvel-busy"});
+    busy.begin({Request::Copy, folder + "copied", folder + "another", 0, folder + ".quorvel-busy"}, {});
     write_file(folder + ".quorvel-busy", "co");
-    EXPECT_EQ(settled(), 9) << ::testing::PrintToString(log.list);
+    EXPECT_EQ(settled(), 10) << ::testing::PrintToString(log.list);
     busy.end();
     EXPECT_TRUE(files->remove(folder + ".quorvel-busy"));
   }
@@ -88,7 +95,7 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
   std::ranges::replace(left, native::separator, '/');
   EXPECT_EQ(left,
             ".quorvel-last|.quorvel-undone|away|back|both|copied|earlier|ended|far/moved|kept|new both|new copied|new "
-            "earlier|new ended|part|two|"
+            "earlier|new ended|new taken|part|two|"
             "work/cache/.quorvel-young|work/cache/old.qc|");
   fs::create_directory(path_of(folder + "drive"));
   write_file(folder + "drive/.quorvel-away", "aw");
