@@ -155,7 +155,7 @@ void Journal::settle_aside(const Entry& entry) {
   if (!aside || path == entry.temporary) return;
   if (source && ((aside->same_file(*source) && aside->links > 1) || aside->size == 0)) {
     remove(path, "a second name of " + entry.source);
-  } else if (!source && copy && aside->may_be_copy_of(*copy)) {
+  } else if (copy && aside->may_be_copy_of(*copy)) {
     remove(path, "the rest of " + entry.source + ", which has been moved,");
   } else {
     log_.debug_log(path + " was left by a run that was cut off. It holds what " + entry.source + " held, so it stays",
