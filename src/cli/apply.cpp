@@ -3,7 +3,6 @@
 #include <iostream>
 #include <iterator>
 
-#include "fileops/batch.h"
 #include "platform/console.h"
 #include "platform/system.h"
 #include "shell/plan_file.h"
@@ -49,7 +48,7 @@ bool apply_plan(Session& session, const std::string& file, bool json, Terminal& 
     if (!is_done) terminal.error_line(job.path + ": " + trouble);
     return console::interrupts() == 0;
   };
-  Batch(session.jobs, session.ports.files).run(plan, tell);
+  session.batch.run(plan, tell);
   terminal.error_line(std::to_string(done) + " done, " + std::to_string(plan.size() - done) + " failed");
   return !plan.empty() && done == plan.size();
 }

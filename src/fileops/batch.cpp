@@ -37,17 +37,19 @@ class Batch::Plan {
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const auto& [job, stamp] = entries[i];
       look_at(i);
-      if (!sources.try_emplace(key_of(job.path), i).second) troubles_[i] = "It is in the plan twice";
+      if (!sources.try_emplace(key_of(job.path), i).second) {
+        troubles_[i] = {Trouble::InTwice, "It is in the plan twice"};
+      }
       const auto [first, is_new] = targets.try_emplace(key_of(job.destination()), i);
       if (!is_new) {
-        const std::string twice = "Two files would be " + job.destination();
-        if (troubles_[i].empty()) troubles_[i] = twice;
-        if (troubles_[first->second].empty()) troubles_[first->second] = twice;
+        const Trouble twice{Trouble::TwoForOneName, "Two files would be " + job.destination()};
+        if (is_well(i)) troubles_[i] = twice;
+        if (is_well(first->second)) troubles_[first->second] = twice;
       }
     }
     for (std::size_t i = 0; i < entries.size(); ++i) {
       const FileJob& job = entries[i].job;
-      if (!troubles_[i].empty() || !files.exists(job.destination())) continue;
+      if (!is_well(i) || !files.exists(job.destination())) continue;
       const auto holder = sources.find(key_of(job.destination()));
       if (holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job)) {
         waits_for_[i] = holder->second;
@@ -58,7 +60,8 @@ class Batch::Plan {
     refuse_who_waits_in_vain();
   }
 
-  const std::vector<std::string>& troubles() const { return troubles_; }
+  const std::vector<Trouble>& troubles() const { return troubles_; }
+  bool is_well(std::size_t entry) const { return troubles_[entry].kind == Trouble::None; }
   std::size_t waits_for(std::size_t entry) const { return waits_for_[entry]; }
 
  private:
@@ -66,19 +69,21 @@ class Batch::Plan {
     const auto& [job, stamp] = entries_[entry];
     const std::optional<FileStamp> now = files_.stamp(job.path);
     if (!now) {
-      troubles_[entry] = "It is not there any more";
+      troubles_[entry] = {Trouble::Missing, "It is not there any more"};
     } else if (stamp && (now->size != stamp->size || now->modified_ns != stamp->modified_ns)) {
-      troubles_[entry] = "It has been changed or replaced since";
+      troubles_[entry] = {Trouble::Changed, "It has been changed or replaced since"};
     } else if (key_of(job.path) == key_of(job.destination())) {
-      troubles_[entry] = "The new filename is the same as the old filename";
+      troubles_[entry] = {Trouble::SameName, "The new filename is the same as the old filename"};
     }
   }
-  void refuse_taken(std::size_t entry) { troubles_[entry] = entries_[entry].job.destination() + " is there already"; }
+  void refuse_taken(std::size_t entry) {
+    troubles_[entry] = {Trouble::Taken, entries_[entry].job.destination() + " is there already"};
+  }
   void refuse_who_waits_in_vain() {
     for (bool changed = true; changed;) {
       changed = false;
       for (std::size_t i = 0; i < entries_.size(); ++i) {
-        if (!troubles_[i].empty() || waits_for_[i] == none || troubles_[waits_for_[i]].empty()) continue;
+        if (!is_well(i) || waits_for_[i] == none || is_well(waits_for_[i])) continue;
         refuse_taken(i);
         changed = true;
       }
@@ -87,15 +92,15 @@ class Batch::Plan {
 
   const std::vector<Entry>& entries_;
   const Files& files_;
-  std::vector<std::string> troubles_;
+  std::vector<Trouble> troubles_;
   std::vector<std::size_t> waits_for_;
 };
 
-std::vector<std::string> Batch::troubles(const std::vector<Entry>& entries) const {
+std::vector<Batch::Trouble> Batch::troubles(const std::vector<Entry>& entries) const {
   return Plan(entries, files_).troubles();
 }
 
-void Batch::run(const std::vector<Entry>& entries, const Ended& ended) {
+void Batch::run(const std::vector<Entry>& entries, const Ended& ended, const Begin& begins) {
   const Plan plan(entries, files_);
   enum State : std::uint8_t { ToDo, Chosen, Over };
   std::vector<State> states(entries.size(), ToDo);
@@ -105,7 +110,7 @@ void Batch::run(const std::vector<Entry>& entries, const Ended& ended) {
     goes_on = ended(entry, result, trouble) && goes_on;
   };
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (!plan.troubles()[i].empty()) end(i, {}, plan.troubles()[i]);
+    if (!plan.is_well(i)) end(i, {}, plan.troubles()[i].text);
   }
   for (std::size_t i = 0; i < entries.size(); ++i) {
     if (states[i] != ToDo) continue;
@@ -121,7 +126,7 @@ void Batch::run(const std::vector<Entry>& entries, const Ended& ended) {
     }
     const bool is_circle = plan.waits_for(chain.back()) == i;
     std::ranges::reverse(chain);
-    is_circle ? run_circle(entries, chain, end) : run_chain(entries, chain, end);
+    is_circle ? run_circle(entries, chain, begins, end) : run_chain(entries, chain, begins, end);
   }
 }
 
@@ -139,15 +144,17 @@ FileJobResult Batch::carry_out(const FileJob& job) {
   return result;
 }
 
-void Batch::run_chain(const std::vector<Entry>& entries, const Chain& chain, const End& end) {
+void Batch::run_chain(const std::vector<Entry>& entries, const Chain& chain, const Begin& begins, const End& end) {
   for (const std::size_t entry : chain) {
+    begins(entry);
     const FileJobResult result = carry_out(entries[entry].job);
     end(entry, result, result.error_text.value_or(""));
   }
 }
 
 /// The last one's file gets a name that nobody wants until its own is free.
-void Batch::run_circle(const std::vector<Entry>& entries, const Chain& circle, const End& end) {
+void Batch::run_circle(const std::vector<Entry>& entries, const Chain& circle, const Begin& begins, const End& end) {
+  for (const std::size_t entry : circle) begins(entry);
   const std::size_t parked = circle.back();
   FileJob parking = entries[parked].job, finishing = parking;
   const std::string extension = getextension(parking.filename);

@@ -23,13 +23,18 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
     return run_stage(log_, "Error getting filename filter: ", [&] { return getbits(item, parent_folder); });
   };
   reached(QueueState::Scanning);
-  if (!names_an_episode(true) && !names_an_episode(false)) {
+  if (!names_an_episode(true) && !names_an_episode(false) && !(item.corrected && reads_show(item))) {
     return {Identified::Failed, "Unable to find filename filter for: " + item.filename,
             "Unable to find filename filter"};
   }
 
   log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
-  if (!is_trusted(item)) return {Identified::Failed, {}, item.doubts.front()};
+  if (item.corrected) {
+    item.season = item.corrected->season.value_or(0);
+    item.episode = item.corrected->episodes.front();
+  } else if (!is_trusted(item)) {
+    return {Identified::Failed, {}, item.doubts.front()};
+  }
   if (!reached(QueueState::Searching)) return {Identified::Interrupted};
   log_.debug_log("Checking exceptions", LogLevel::Verbose);
   checkex(item);
@@ -66,6 +71,11 @@ bool ClassicIdentification::getbits(QueueItem& item, bool parentFolder) {
   item.episode = found->episode;
   log_.debug_log("Found filename filter with id: " + std::to_string(found->id), LogLevel::Verbose);
   return true;
+}
+
+bool ClassicIdentification::reads_show(QueueItem& item) {
+  item.search_name = lower_case(read_name(item.path).show);
+  return !item.search_name.empty();
 }
 
 bool ClassicIdentification::is_trusted(QueueItem& item) {

@@ -29,6 +29,8 @@ class ClassicIdentification : public Identification {
 
   /// search_name, season and episode, from the name of the file's folder or from its own.
   bool getbits(QueueItem& item, bool parentFolder);
+  /// search_name, where no pattern fits but the user has told the numbers.
+  bool reads_show(QueueItem& item);
   /// What the reader is sure of and the patterns have read otherwise, as a doubt of the item. False when such an item
   /// is to fail.
   bool is_trusted(QueueItem& item);

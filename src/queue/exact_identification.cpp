@@ -39,6 +39,18 @@ std::string joined_titles(const std::vector<CatalogueEpisode>& episodes) {
   return joined;
 }
 
+/// The numbers that the user says a file has in place of those in its name.
+void put_numbers(const Reading& numbers, Reading& reading) {
+  reading.season = numbers.season;
+  reading.episodes = numbers.episodes;
+  reading.absolute = numbers.absolute;
+  reading.date = numbers.date;
+  reading.special = numbers.special;
+  reading.part.reset();
+  reading.other.reset();
+  reading.certain = true;
+}
+
 }  // namespace
 
 Identified ExactIdentification::identify(QueueItem& item, const Reached& reached) {
@@ -64,6 +76,7 @@ Identified ExactIdentification::identify(QueueItem& item, const Reached& reached
 
 bool ExactIdentification::read(QueueItem& item) {
   item.reading = read_name(item.path);
+  if (item.corrected) put_numbers(*item.corrected, *item.reading);
   const Reading& reading = *item.reading;
   if (!reading.names_episode() || (reading.show.empty() && !show_of_all)) return false;
   log_.debug_log("Read " + item.filename + " as " + reading_text(reading), LogLevel::Verbose);
@@ -71,14 +84,15 @@ bool ExactIdentification::read(QueueItem& item) {
   return true;
 }
 
-FoundShow ExactIdentification::chosen_show(const QueueItem& item) {
+FoundShow ExactIdentification::chosen_show(QueueItem& item) {
   if (show_of_all) return {lookup_.show_of_id(*show_of_all), "as the show of all files"};
   const std::string key = Lookup::choice_key(item.search_name, *item.reading);
   if (forgets_choices && forgotten_.insert(key).second) lookup_.forget(key);
   try {
     return lookup_.show(item.search_name, *item.reading);
   } catch (const UnclearShow& unclear) {
-    if (!choose(item, unclear)) throw;
+    item.is_unclear = !choose(item, unclear);
+    if (item.is_unclear) throw;
     return lookup_.show(item.search_name, *item.reading);
   }
 }

@@ -40,7 +40,7 @@ class ExactIdentification : public Identification {
   bool find_show(QueueItem& item);
   bool find_episodes(QueueItem& item);
 
-  FoundShow chosen_show(const QueueItem& item);
+  FoundShow chosen_show(QueueItem& item);
 
   const ExceptionList& exceptions_;
   Lookup& lookup_;

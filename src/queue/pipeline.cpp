@@ -35,6 +35,11 @@ bool Pipeline::dofilter(QueueItem& item) {
   return true;
 }
 
+void Pipeline::plan(QueueItem& item) {
+  item.source_stamp = parts_.files.stamp(item.path);
+  item.is_planned = true;
+}
+
 bool Pipeline::confirm(QueueItem& item) {
   if (!parts_.settings.confirm) return true;
   const FileJob job = job_of(item);
@@ -49,13 +54,17 @@ bool Pipeline::confirm(QueueItem& item) {
 bool Pipeline::fileops(QueueItem& item) {
   item.past_id = 0;
   const FileJobResult result = parts_.jobs.run(job_of(item));
+  note(item, result);
+  return result.done;
+}
+
+void Pipeline::note(QueueItem& item, const FileJobResult& result) {
   if (result.error_text) item.error_text = *result.error_text;
   if (result.dest_path) item.dest_path = *result.dest_path;
   item.done_stamp = result.stamp;
   item.is_right_already = result.is_right_already;
   item.past_id = result.past_id;
   item.source_stamp = result.source_stamp;
-  return result.done;
 }
 
 }  // namespace quorvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fileops/file_job.h"
+#include "platform/files.h"
 #include "platform/log.h"
 #include "platform/user_interface.h"
 #include "queue/queue_item.h"
@@ -17,6 +18,7 @@ class Pipeline {
     const Settings& settings;
     const FilterList& filters;
     FileJobs& jobs;
+    Files& files;
     UserInterface& ui;
     Log& log;
   };
@@ -27,11 +29,16 @@ class Pipeline {
   /// not be what the system takes it for.
   bool dofilter(QueueItem& item);
 
+  /// The operation is to wait for the user's word: what the file is now.
+  void plan(QueueItem& item);
+
   /// Whether the operation may go on: asks the user when the settings say so.
   bool confirm(QueueItem& item);
 
   /// Renames, moves or copies; error_text when that fails.
   bool fileops(QueueItem& item);
+  /// How the item's operation has ended.
+  void note(QueueItem& item, const FileJobResult& result);
 
  private:
   Parts parts_;

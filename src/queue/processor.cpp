@@ -1,6 +1,7 @@
 #include "queue/processor.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "queue/stage.h"
 
@@ -28,8 +29,10 @@ void Processor::retry_failed() {
 void Processor::take_again(const std::vector<int>& items, bool anew) {
   for (const int index : items) {
     if (!may_take_again(index)) continue;
-    queue_.at(index).look_up_anew = anew;
-    queue_.at(index).error_text.clear();
+    QueueItem& item = queue_.at(index);
+    item.look_up_anew = anew;
+    item.is_planned = false;
+    item.error_text.clear();
     set_state(index, QueueState::Inactive);
     again_.push_back(index);
   }
@@ -37,13 +40,29 @@ void Processor::take_again(const std::vector<int>& items, bool anew) {
 }
 
 bool Processor::may_take_again(int index) const {
-  return queue_.holds(index) && queue_.at(index).state < QueueState::Inactive;
+  return queue_.holds(index) && (queue_.at(index).state < QueueState::Inactive || queue_.at(index).is_planned);
+}
+
+void Processor::apply(const std::vector<int>& items) {
+  if (queue_busy_) return;
+  plans_ = items;
+  run(&Processor::carry_out_plans);
+}
+
+void Processor::give_up(const std::vector<int>& items, const std::string& reason) {
+  for (const int index : items) {
+    if (std::exchange(queue_.at(index).is_planned, false)) cancel(index, reason);
+  }
 }
 
 void Processor::process_queue() {
+  run(&Processor::run_pass);
+}
+
+void Processor::run(void (Processor::*pass)()) {
   queue_busy_ = true;
   try {
-    run_pass();
+    (this->*pass)();
   } catch (...) {
     end_pass();  // else the window could never be closed again
     throw;
@@ -68,8 +87,7 @@ void Processor::run_pass() {
       if (queue_cursor_ == 0) {
         log_.debug_log("No work to do", LogLevel::Verbose);
       } else {
-        log_.debug_log("All items processed", LogLevel::Normal);
-        if (settings_.autoclose) ui_.close();
+        finish();
       }
       return;
     }
@@ -89,6 +107,43 @@ void Processor::run_pass() {
   } else if (queue_cursor_ < queue_.count()) {
     ui_.arm_start_timer();  // for what was added after the pass was stopped
   }
+}
+
+void Processor::carry_out_plans() {
+  const History::Pass pass(history_);
+  std::vector<Batch::Entry> entries;
+  for (const int index : plans_) {
+    QueueItem& item = queue_.at(index);
+    item.past_id = 0;
+    entries.push_back({job_of(item), item.source_stamp});
+  }
+  const auto ended = [&](std::size_t entry, const FileJobResult& result, const std::string& trouble) {
+    const int index = plans_[entry];
+    QueueItem& item = queue_.at(index);
+    item.is_planned = false;
+    pipeline_.note(item, result);
+    item.is_right_already = !result.done && item.path == job_of(item).destination();
+    if (result.done) {
+      set_state(index, QueueState::Done);
+    } else {
+      fail(index, "Unable to rename/move files for: " + item.new_name, trouble);
+    }
+    return !is_ending();
+  };
+  batch_.run(entries, ended, [this](std::size_t entry) { set_state(plans_[entry], QueueState::Processing); });
+  end_pass();
+  on_pass_ended();
+  if (quit_) return ui_.close();
+  if (queue_cursor_ < queue_.count()) ui_.arm_start_timer();  // for what was added meanwhile
+  finish();
+}
+
+/// All is done that is to be done now.
+void Processor::finish() {
+  log_.debug_log("All items processed", LogLevel::Normal);
+  bool is_waited_for = queue_cursor_ < queue_.count();
+  for (int index = 1; index <= queue_.count() && !is_waited_for; ++index) is_waited_for = queue_.at(index).is_planned;
+  if (settings_.autoclose && !is_waited_for) ui_.close();
 }
 
 /// False when there is none.
@@ -116,8 +171,8 @@ void Processor::cancel_rest() {
   if (at_work_ > 0 && queue_.at(at_work_).state < QueueState::Done) rest.push_back(at_work_);
   std::ranges::sort(rest);
   for (const int index : rest) {
-    const QueueState state = queue_.at(index).state;
-    if (state >= QueueState::Inactive && state < QueueState::Done) cancel(index, stopped);
+    const QueueItem& item = queue_.at(index);
+    if (item.state >= QueueState::Inactive && item.state < QueueState::Done && !item.is_planned) cancel(index, stopped);
   }
   queue_cursor_ = std::max(queue_cursor_, stop_after_);
 }
@@ -132,7 +187,9 @@ void Processor::set_state(int index, QueueState state) {
 void Processor::fail(int index, const std::string& log_line, const std::string& error_text) {
   if (stop_after_ > 0) return cancel(index, stopped);
   if (!log_line.empty()) log_.debug_log(log_line, LogLevel::Normal);
-  queue_.at(index).error_text = error_text;
+  QueueItem& item = queue_.at(index);
+  item.error_text = error_text;
+  item.failed_in = item.state;
   set_state(index, QueueState::Failed);
 }
 
@@ -146,6 +203,7 @@ void Processor::process_item(int index) {
   at_work_ = index;
   QueueItem& item = queue_.at(index);
   item.forget_findings();
+  item.is_under_review = settings_.review;
   const Identified found = identification_->identify(item, [&](QueueState state) {
     set_state(index, state);
     // At the search a wish to quit waits, so that each item that was taken is looked for.
@@ -164,6 +222,11 @@ void Processor::process_item(int index) {
                 "Found listings, but no filter could be found to move/rename the file");
   }
 
+  if (settings_.review) {
+    pipeline_.plan(item);
+    view_.update_lv(index);
+    return;
+  }
   set_state(index, QueueState::Processing);
   if (is_ending()) return;
   if (!pipeline_.confirm(item)) {

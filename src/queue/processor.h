@@ -2,9 +2,11 @@
 
 #include <deque>
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "fileops/batch.h"
 #include "queue/identification.h"
 #include "queue/pipeline.h"
 #include "queue/queue_view.h"
@@ -12,12 +14,12 @@
 namespace quorvel {
 
 /// Drives the items of the queue through an identification and the pipeline, one after another. One bad file never ends
-/// a pass.
+/// a pass. With a review wanted, a pass only plans: what is planned waits for apply().
 class Processor {
  public:
   /// `way` is asked before each pass for the identification that the pass is to use.
   Processor(WorkQueue& queue, const Settings& settings, UserInterface& ui, Log& log, History& history,
-            std::function<Identification&()> way, Pipeline& pipeline, QueueView& view)
+            std::function<Identification&()> way, Pipeline& pipeline, Batch& batch, QueueView& view)
       : queue_(queue),
         settings_(settings),
         ui_(ui),
@@ -25,6 +27,7 @@ class Processor {
         history_(history),
         way_(std::move(way)),
         pipeline_(pipeline),
+        batch_(batch),
         view_(view) {}
 
   /// One pass: from the item after the last one taken to the end of the queue, which may grow meanwhile, or to the
@@ -34,8 +37,14 @@ class Processor {
   /// A pass from the first item on over what is not done. Does nothing while a pass runs.
   void retry_failed();
 
-  /// Those of the items that have failed or been cancelled go through the pipeline again, in a pass of their own or at
-  /// the end of the one that runs. `anew`: what is kept of the service's answers is not used for them.
+  /// Carries out, in one pass, what these items are planned for, in an order that works. Does nothing while a pass
+  /// runs.
+  void apply(const std::vector<int>& items);
+  /// Those of the items that are planned are cancelled.
+  void give_up(const std::vector<int>& items, const std::string& reason);
+
+  /// Those of the items that have failed, been cancelled or are planned go through the pipeline again, in a pass of
+  /// their own or at the end of the one that runs. `anew`: what is kept of the service's answers is not used for them.
   void take_again(const std::vector<int>& items, bool anew);
   bool may_take_again(int index) const;
 
@@ -58,7 +67,9 @@ class Processor {
   std::function<void()> on_pass_ended = [] {};
 
  private:
+  void run(void (Processor::*pass)());
   void run_pass();
+  void carry_out_plans();
   void process_item(int index);
   bool process_next_again();
   void set_state(int index, QueueState state);
@@ -67,6 +78,7 @@ class Processor {
   /// Whether the user wants to quit or has stopped the pass.
   bool is_ending() const { return quit_ || stop_after_ > 0; }
   void end_pass();
+  void finish();
   void cancel_rest();
 
   WorkQueue& queue_;
@@ -77,10 +89,12 @@ class Processor {
   const std::function<Identification&()> way_;
   Identification* identification_ = nullptr;  // of the pass that runs
   Pipeline& pipeline_;
+  Batch& batch_;
   QueueView& view_;
-  int queue_cursor_ = 0;   // the last item taken in the queue's order
-  std::deque<int> again_;  // to be taken after them
-  int at_work_ = 0;        // the item that was taken last in this pass
+  int queue_cursor_ = 0;    // the last item taken in the queue's order
+  std::deque<int> again_;   // to be taken after them
+  std::vector<int> plans_;  // to be carried out
+  int at_work_ = 0;         // the item that was taken last in this pass
   bool queue_busy_ = false;
   bool retry_mode_ = false;
   bool quit_ = false;

@@ -40,8 +40,14 @@ struct QueueItem {
   bool look_up_anew = false;      // what is kept of the service's answers is not to be used
   bool lost_characters = false;   // of the names that the service gave
   bool is_right_already = false;  // it has failed because there was nothing to do
-  std::string search_name;        // detected in the name, perhaps replaced by an exception
-  std::string show_name;          // as the listings service gives it
+  bool is_unclear = false;        // more than one show may be meant
+  // In a review: it was taken for one; its operation waits for the user's word; the user's word, once there is one.
+  bool is_under_review = false;
+  bool is_planned = false;
+  std::optional<bool> is_chosen;
+  std::optional<Reading> corrected;  // the numbers that the user says the file has
+  std::string search_name;           // detected in the name, perhaps replaced by an exception
+  std::string show_name;             // as the listings service gives it
   std::int32_t show_id = 0;
   std::string show_url;  // in double quotes, as the service gives it
   std::string episode_title;
@@ -52,11 +58,12 @@ struct QueueItem {
   // taking a move back as if it had been a copy would delete the only file.
   std::int32_t action = 0;
   bool confirmed = false;
-  std::optional<FileStamp> source_stamp;  // of the source before the operation
-  std::optional<FileStamp> done_stamp;    // of the file that the operation has left at the destination
-  std::int64_t past_id = 0;               // of that operation in the history
-  std::string error_text;                 // why it failed or was cancelled; lines end in CR LF
-  std::string episode_url;                // in double quotes, as the service gives it
+  std::optional<FileStamp> source_stamp;        // of the source before the operation
+  std::optional<FileStamp> done_stamp;          // of the file that the operation has left at the destination
+  std::int64_t past_id = 0;                     // of that operation in the history
+  QueueState failed_in = QueueState::Inactive;  // how far it had got when it failed
+  std::string error_text;                       // why it failed or was cancelled; lines end in CR LF
+  std::string episode_url;                      // in double quotes, as the service gives it
 
   /// Before it is taken, perhaps not for the first time.
   void forget_findings() {
@@ -68,6 +75,10 @@ struct QueueItem {
     listings_told.reset();
     lost_characters = false;
     is_right_already = false;
+    is_unclear = false;
+    is_under_review = false;
+    is_planned = false;
+    is_chosen.reset();
   }
 
   /// What the item was found to be, for the log.

@@ -54,6 +54,10 @@ bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) 
       if (!filters.holds(item.filter_index)) return false;
       status = operation_text(item.action);
     }
+    if (item.is_planned) {
+      row.new_name = remextension(item.new_name);
+      status = "To Review";
+    }
     if (status != nullptr) row.status = status;
   }
   row.select = true;

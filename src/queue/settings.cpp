@@ -24,7 +24,7 @@ const std::array<TextSetting, 1> text_settings = {{
     {"types", &Settings::types, 3, "extensions of the files to take, such as \"avi;mkv\""},
 }};
 
-const std::array<NumberSetting, 10> number_settings = {{
+const std::array<NumberSetting, 11> number_settings = {{
     number<&Settings::context>("context", 0, 1, 2, NumberSetting::MeanOn, "2: entries in the file manager's menus"),
     number<&Settings::confirm>("confirm", 0, 0, 1, NumberSetting::MeanOn, "1: ask before each file operation"),
     number<&Settings::nocache>("nocache", 0, 0, 1, NumberSetting::MeanOn, "1: ask the service anew for everything"),
@@ -34,6 +34,8 @@ const std::array<NumberSetting, 10> number_settings = {{
     number<&Settings::verify>("verify", 0, 0, 1, NumberSetting::MeanOn, "1: compare what is moved to another drive"),
     number<&Settings::exact>("exact", 0, 0, 1, NumberSetting::MeanOn, "1: exact names"),
     number<&Settings::strict>("strict", 0, 0, 1, NumberSetting::MeanOn, "1: what may be read otherwise fails"),
+    number<&Settings::review>("review", 0, 0, 1, NumberSetting::MeanOn,
+                              "1: the window shows everything before it is done"),
     number<&Settings::history>("history", 730, 730, 730, NumberSetting::Stay, "days for which undo is remembered"),
 }};
 

@@ -23,6 +23,7 @@ struct Settings {
   bool autoclose = false;  // end the program when the queue has been processed
   bool exact = false;      // identify episodes in the exact way
   bool strict = false;     // what the classic way and the reader read differently fails
+  bool review = false;     // what a pass would do is looked at before it is done
   bool verify = false;     // read back what is moved to another drive before its source goes
   int history = 730;       // days for which what was done to files is remembered
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
@@ -58,7 +59,7 @@ struct NumberSetting {
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
 extern const std::array<TextSetting, 1> text_settings;
-extern const std::array<NumberSetting, 10> number_settings;
+extern const std::array<NumberSetting, 11> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];

@@ -36,17 +36,18 @@ Session::Session(Ports ports, Places places)
       history(ports.files, ports.clock, log, settings.work_dir),
       jobs(ports.shell, ports.files, journal, history, settings.verify, log),
       past_undo(history, jobs, ports.files, log),
+      batch(jobs, ports.files),
       view(queue, filters, ports.ui),
       answers(ports.files, log, settings.work_dir),
       catalogue(ports.web, answers, pace, ports.clock, ports.ui, log, this->places.api_base),
       lookup(catalogue, answers),
       classic(settings, log, {exceptions, search, listings}),
       exact(settings, exceptions, lookup, log),
-      pipeline({settings, filters, jobs, ports.ui, log}),
+      pipeline({settings, filters, jobs, ports.files, ports.ui, log}),
       processor(
           queue, settings, ports.ui, log, history,
           [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },
-          pipeline, view),
+          pipeline, batch, view),
       intake(queue, settings, ports.files, ports.ui, log, [this] { return processor.queue_busy(); }),
       undo(queue, jobs, history, log, view) {}
 

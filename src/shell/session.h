@@ -4,6 +4,7 @@
 #include <string>
 
 #include "catalogue/lookup.h"
+#include "fileops/batch.h"
 #include "fileops/past_undo.h"
 #include "history/history.h"
 #include "history/journal.h"
@@ -105,6 +106,7 @@ class Session {
   History history;
   FileJobs jobs;
   PastUndo past_undo;
+  Batch batch;
   QueueView view;
   AnswerStore answers;
   CatalogueService catalogue;

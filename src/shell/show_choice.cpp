@@ -16,7 +16,7 @@ ShowChoice::Name ShowChoice::name_of(const Session& session, int item) {
 bool ShowChoice::is_possible(const Session& session, int item) {
   if (!session.settings.exact || !session.processor.may_take_again(item)) return false;
   const Reading reading = read_name(session.queue.at(item).path);
-  return reading.names_episode() && !reading.show.empty();
+  return (reading.names_episode() || session.queue.at(item).corrected) && !reading.show.empty();
 }
 
 ShowChoice::ShowChoice(Session& session, int item) : session_(session), filename_(session.queue.at(item).filename) {

@@ -1,0 +1,117 @@
+#include "review/sheet.h"
+
+#include <gtest/gtest.h>
+
+#include "review/changes.h"
+#include "session_fixture.h"
+
+namespace quorvel::testing {
+namespace {
+
+struct Review : ::testing::Test, TestSession {
+  Review() {
+    start();
+    session.settings.review = true;
+  }
+  ReviewSheet sheet{{session.settings, session.queue, session.processor, session.batch, session.view}};
+
+  void take(const std::vector<std::string>& names) {
+    for (const std::string& name : names) add(name);
+    session.processor.process_queue();
+    sheet.refresh();
+  }
+  /// "item mark", those that are ticked with a "*", groups after "#".
+  std::string rows(ReviewSheet::Filter filter = ReviewSheet::Filter::All) const {
+    std::string text;
+    for (const ReviewSheet::Group& group : sheet.groups()) {
+      text += "#" + group.read_as + "=" + group.found + " ";
+      for (const int item : group.items) {
+        if (!sheet.shows(item, filter)) continue;
+        text += std::to_string(item) + (sheet.is_ticked(item) ? "* " : " ") + sheet.mark_text(item) + " ";
+      }
+    }
+    return text;
+  }
+  std::string states() {
+    std::string text;
+    for (int i = 1; i <= session.queue.count(); ++i) text += std::to_string(static_cast<int>(item(i).state)) + " ";
+    return text;
+  }
+};
+
+TEST_F(Review, NothingHappensBeforeApplyAndThenExactlyWhatIsTicked) {
+  const std::string pilot = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
+  write("in/The Harbour Lights - 1x03 - A Lantern for Maud.avi", "in the way");
+  // 6 and 7 want one name.
+  take({"harbour lights 1x01.mkv", pilot, "tomorrow.street.1x01.mkv", "harbour.lights.1x03.avi",
+        "nobody.knows.1x01.mkv", "the.harbour.lights.1x04.mkv", "The Harbour Lights 104.mkv",
+        "the.harbour.lights.1x99.mkv", "no numbers.mkv"});
+  EXPECT_EQ(rows(),
+            "#harbour lights=The Harbour Lights 1* Ready 4 Target exists #the harbour lights=The Harbour Lights 2 "
+            "Already right 6 Two files, one name 7 Two files, one name 8 Episode unknown #tomorrow street=Tomorrow "
+            "Street 3* Ready "
+            "#nobody knows= 5 Show unknown #= 9 Episode unknown ");
+  EXPECT_EQ(sheet.heading(), "9 files, 2 ready, 1 already right, 2 need a decision, 4 problems");
+  EXPECT_EQ(ui.rows[0], "harbour lights 1x01|The Harbour Lights - 1x01 - Slack Water|To Review");
+  EXPECT_TRUE(exists("in/harbour lights 1x01.mkv"));
+  EXPECT_EQ(ui.closed, 0);
+  session.processor.stop();
+  session.processor.retry_failed();
+  sheet.refresh();
+  EXPECT_EQ(sheet.ticked(), 2) << "a retry leaves what is planned";
+
+  sheet.tick({6}, true);
+  EXPECT_EQ(sheet.mark(6), Mark::Ready);
+  sheet.tick({7}, true);
+  EXPECT_EQ(sheet.mark(6), Mark::TwoForOneName) << sheet.reason(6);
+  sheet.tick({1, 2, 6}, false);
+  EXPECT_EQ(rows(ReviewSheet::Filter::Decisions).find("7*"), std::string::npos);
+  EXPECT_EQ(sheet.ticked(), 2);
+  EXPECT_EQ(sheet.rename(4, "a/b"), "A name cannot have any of \\/:*?\"<>|");
+  EXPECT_EQ(sheet.rename(4, " mine "), "");
+  EXPECT_EQ(sheet.new_name(4) + (sheet.is_ticked(4) ? " ticked" : ""), "mine.avi ticked");
+  EXPECT_NE(sheet.correct(8, "twelve"), "");
+  EXPECT_EQ(sheet.correct(8, "1x05"), "");
+  EXPECT_EQ(sheet.new_name(8) + sheet.numbers(8), "The Harbour Lights - 1x05 - The Drowned Letter.mkv1x05");
+
+  sheet.apply();
+  EXPECT_EQ(states(), "-2 -1 6 6 -1 -2 6 6 -1 ");
+  EXPECT_TRUE(item(2).is_right_already && sheet.is_empty());
+  EXPECT_EQ(read("in/The Harbour Lights - 1x04 - Salt and Tar.mkv"), "The Harbour Lights 104.mkv");
+  EXPECT_EQ(read("in/mine.avi"), "harbour.lights.1x03.avi");
+  EXPECT_EQ(session.history.passes(1).front().undoable(), 4) << "one pass";
+}
+
+TEST_F(Review, ChainsAndCirclesAreWeighedByWhatIsTickedAndComeOutRight) {
+  const std::string one = "The Harbour Lights - 1x01 - Slack Water.mkv",
+                    two = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
+  take({one, two});
+  EXPECT_EQ(sheet.correct(1, "1x02"), "");
+  EXPECT_EQ(sheet.correct(2, "s01e01"), "");
+  EXPECT_EQ(sheet.ticked(), 2) << rows();
+  sheet.tick({2}, false);
+  EXPECT_EQ(sheet.mark(1), Mark::TargetExists);
+  sheet.tick({2}, true);
+  write("in/other.1x01.mkv", "later");
+  sheet.apply();
+  EXPECT_EQ(read("in/" + one) + read("in/" + two), two + one);
+  EXPECT_EQ(states(), "6 6 ");
+  take({"harbour.lights.1x03.mkv"});
+  write("in/harbour.lights.1x03.mkv", "changed");
+  sheet.apply();
+  EXPECT_EQ(item(3).error_text, "It has been changed or replaced since");
+  take({"harbour.lights.1x04.mkv"});
+  sheet.cancel();
+  EXPECT_EQ(states(), "6 6 -1 -2 ");
+}
+
+TEST(Changes, WordsThatTheOldNameLacksAreNew) {
+  std::string text;
+  for (const NamePart& part : changes("the.harbour.s01e02.720p.mkv", "The Harbour - 1x02 - Pilot Boat.mkv")) {
+    text += part.is_new ? "[" + part.text + "]" : part.text;
+  }
+  EXPECT_EQ(text, "The Harbour - [1x02 - Pilot Boat].mkv");
+}
+
+}  // namespace
+}  // namespace quorvel::testing
