@@ -381,5 +381,7 @@ class Round:
         for top in tops:
             if keep:
                 # A folder of a file system that goes away when the program ends, perhaps.
-                shutil.copytree(top, os.path.join(keep, os.path.basename(os.path.dirname(top))), symlinks=True)
+                # Sockets cannot be copied.
+                shutil.copytree(top, os.path.join(keep, os.path.basename(os.path.dirname(top))), symlinks=True,
+                                ignore=shutil.ignore_patterns("*.socket"))
             shutil.rmtree(top)

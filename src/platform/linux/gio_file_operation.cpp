@@ -284,7 +284,8 @@ int move_across(const FileOperationRequest& request, FinalName& name, const Copy
   // a name that nobody knows, so that nobody can open or replace the file between that and its end.
   const std::string aside = request.source_aside();
   int error = exclusive_rename::rename(source, aside);
-  if (error == ENOENT) return 0;  // somebody else has removed it, and the copy is the last one
+  // Then somebody else has removed it, and the copy is the last one; unless the drive only says so.
+  if (error == ENOENT && copying.check_source() != 0) return 0;
   if (error == 0) {
     error = copying.check_renamed(aside);
     if (error == 0 && unlink(aside.c_str()) != 0) error = errno;
