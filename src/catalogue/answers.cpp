@@ -3,7 +3,7 @@
 #include <simdjson.h>
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <utility>
 
 #include "text/cut.h"
@@ -38,14 +38,15 @@ std::optional<int> number_at(const dom::element& object, std::string_view path) 
   return static_cast<int>(number);
 }
 
-std::optional<Date> date_of(const std::string& text) {
+/// "2011-04-18".
+std::optional<Date> date_of(std::string_view text) {
+  if (text.size() != 10 || text[4] != '-' || text[7] != '-') return {};
   Date date;
-  int end = 0;
-  // NOLINTNEXTLINE(cert-err34-c): the length is checked, and no number of it can be too large
-  if (text.size() != 10 || std::sscanf(text.c_str(), "%4d-%2d-%2d%n", &date.year, &date.month, &date.day, &end) != 3) {
-    return {};
-  }
-  return end == 10 ? std::optional(date) : std::nullopt;
+  const auto read = [&](std::size_t from, std::size_t size, int& number) {
+    const char* const end = text.data() + from + size;
+    return std::from_chars(text.data() + from, end, number).ptr == end && number >= 0;
+  };
+  return read(0, 4, date.year) && read(5, 2, date.month) && read(8, 2, date.day) ? std::optional(date) : std::nullopt;
 }
 
 std::optional<CatalogueShow> show_in(const dom::element& object) {

@@ -67,8 +67,9 @@ bool Journal::is_to_another_device(const Entry& entry) const {
 }
 
 void Journal::begin(const FileOperationRequest& request, const std::optional<FileStamp>& source) {
-  entries_.push_back({request.operation, request.source, request.destination, request.temporary,
-                      !files_.exists(request.destination), source});
+  // Nobody gives a file a new name before he has seen that it is free.
+  const bool is_new = request.operation == FileOperationRequest::Rename || !files_.exists(request.destination);
+  entries_.push_back({request.operation, request.source, request.destination, request.temporary, is_new, source});
   if (!files_.are_real() || has_failed_) return;
   // Where all happens within a few calls, a power cut in between is not worth the wait for the disk each time.
   const bool takes_long = request.operation == FileOperationRequest::Copy ||

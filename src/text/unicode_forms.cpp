@@ -5,6 +5,9 @@
 #include <cstdlib>
 #include <memory>
 
+#include "text/case.h"
+#include "text/characters.h"
+
 namespace quorvel {
 namespace {
 
@@ -21,10 +24,12 @@ std::string mapped(std::string_view text, int options) {
 }  // namespace
 
 std::string composed(std::string_view text) {
+  if (is_ascii(text)) return std::string(text);
   return mapped(text, UTF8PROC_STABLE | UTF8PROC_COMPOSE);
 }
 
 std::string folded(std::string_view text) {
+  if (is_ascii(text)) return lower_case(text);
   return mapped(text, UTF8PROC_STABLE | UTF8PROC_DECOMPOSE | UTF8PROC_COMPAT | UTF8PROC_CASEFOLD | UTF8PROC_STRIPMARK |
                           UTF8PROC_IGNORE);
 }

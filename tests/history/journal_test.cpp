@@ -44,7 +44,7 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   begin(Request::Rename, "two"), fs::create_hard_link(path_of(folder + "two"), path_of(folder + "new two"));
   begin(Request::Move, "both"), write_file(folder + "new both", "both");
   begin(Request::Copy, "copied"), write_file(folder + "new copied", "copied");
-  begin(Request::Rename, "earlier");
+  begin(Request::Copy, "earlier");
   // At the end of a move to another drive.
   const auto begin_far = [&](const std::string& name) {
     write_file(folder + ".quorvel-" + name, name);

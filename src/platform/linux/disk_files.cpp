@@ -76,7 +76,7 @@ class LockedFile : public HeldFile {
  public:
   explicit LockedFile(std::string path)
       : path_(std::move(path)),
-        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
+        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
 
   bool lock() {
     struct stat found {};
@@ -96,7 +96,7 @@ class LockedFile : public HeldFile {
 
   bool write(const std::string& bytes, bool durably) override {
     // Mostly it is empty, and is to be emptied next.
-    if (!is_empty_ && (ftruncate(file_.get(), 0) != 0 || lseek(file_.get(), 0, SEEK_SET) != 0)) return false;
+    if (!is_empty_ && ftruncate(file_.get(), 0) != 0) return false;
     is_empty_ = bytes.empty();
     if (!write_all(file_.get(), bytes)) return false;
     return !durably || (fsync(file_.get()) == 0 && sync_folder(parent_folder(path_)) == 0);
@@ -107,7 +107,7 @@ class LockedFile : public HeldFile {
  private:
   const std::string path_;
   const Descriptor file_;
-  bool is_empty_ = false;  // and written from its start on next
+  bool is_empty_ = false;
 };
 
 }  // namespace
@@ -115,11 +115,8 @@ class LockedFile : public HeldFile {
 Files::Kind DiskFiles::kind(const std::string& path) const {
   struct stat found {};
   if (holds_nul(path)) return Kind::Missing;
-  if (::stat(path.c_str(), &found) != 0) {
-    const int error = errno;
-    const bool is_dangling = error == ENOENT && lstat(path.c_str(), &found) == 0;
-    return is_missing(error, path) && !is_dangling ? Kind::Missing : Kind::Other;
-  }
+  if (lstat(path.c_str(), &found) != 0) return is_missing(errno, path) ? Kind::Missing : Kind::Other;
+  if (S_ISLNK(found.st_mode) && ::stat(path.c_str(), &found) != 0) return Kind::Other;
   if (S_ISREG(found.st_mode)) return Kind::File;
   return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
 }
