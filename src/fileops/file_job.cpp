@@ -1,6 +1,7 @@
 #include "fileops/file_job.h"
 
 #include <string_view>
+#include <utility>
 
 #include "naming/file_names.h"
 #include "platform/temporary_name.h"
@@ -105,7 +106,7 @@ FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t
     PastOperation& past;
     ~Ending() {
       if (past.outcome == PastOperation::UnderWay) past.outcome = PastOperation::Failed;
-      jobs.history_.end(past);
+      jobs.history_.end(std::move(past));
       jobs.journal_.end();
     }
   } ending{*this, past};

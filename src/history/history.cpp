@@ -122,11 +122,12 @@ void History::begin(PastOperation& operation, const std::string& owner) {
   }
 }
 
-void History::end(const PastOperation& operation) {
+void History::end(PastOperation operation) {
   write_end();
-  end_ = operation;
   // What others can see at once does not wait: that an operation is undone.
-  if (pass_ == nullptr || operation.undoes != 0) write_end();
+  const bool waits = pass_ != nullptr && operation.undoes == 0;
+  end_ = std::move(operation);
+  if (!waits) write_end();
 }
 
 void History::write_end() {

@@ -82,7 +82,7 @@ class History {
   void begin(PastOperation& operation, const std::string& owner);
   /// It has ended, as its outcome, its stamp and its reason say. That is written with the next beginning, or at the end
   /// of the pass: until then it counts as under way.
-  void end(const PastOperation& operation);
+  void end(PastOperation operation);
 
   /// The last passes in which anything was done or tried, the latest first.
   std::vector<PastPass> passes(int count);

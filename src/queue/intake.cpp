@@ -24,13 +24,15 @@ bool Intake::add_to_queue(const std::string& path, bool start) {
 
 IntakeResult Intake::take(const std::string& given, bool start) {
   // Where names may hold quotes, a path that exists exactly as given is taken exactly as given.
-  const std::string path = files_.exists(given) ? given : without_quotes(given);
+  Files::Kind kind = files_.kind(given);
+  const std::string path = kind == Files::Kind::Missing ? without_quotes(given) : given;
+  if (path != given) kind = files_.kind(path);
   IntakeResult result;
   if (length(path) <= 2) {
     result.refusal = Refusal::TooShort;
     return result;
   }
-  switch (files_.kind(path)) {
+  switch (kind) {
     case Files::Kind::Missing:
       result.refusal = Refusal::Missing;
       break;
