@@ -35,7 +35,7 @@ bool fills_group(const Name& name, std::size_t i) {
 /// "2014-32-45" is neither a date nor an episode.
 bool is_impossible_date(const Name& name, std::size_t month) {
   const Token &token = name.at(month), &next = name.at(month + 1);
-  return month > 0 && is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == next.gap &&
+  return is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == next.gap &&
          (token.gap == Dash || token.gap == Dot) && token.size() == 2 && next.size() == 2;
 }
 
@@ -62,7 +62,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
   const bool month = is_year(before) && token.gap == Dash && before.gap != Dash && token.size() == 2;  // "2019-07"
-  if (month || is_impossible_date(name, i) || (i > 1 && is_impossible_date(name, i - 1))) return false;
+  if (month || is_impossible_date(name, i) || is_impossible_date(name, i - 1)) return false;
   return !(before.is(VolumeWord | ExtraWord | FilmWord) && !token.follows(Dash)) &&
          !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
          !(before.is(PartWord | MonthName) && !token.follows(Dash | Open)) && !next.is(OfWord);
@@ -98,14 +98,14 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
 
 /// Whether a number can be a season and an episode in one: "102", "1013".
 bool can_split(const Token& token) {
-  return token.size() >= 3 && token.number >= 100 && token.number % 100 != 0;
+  return token.number > 100 && token.number % 100 != 0;
 }
 
 /// `last` is what follows it.
 int score(const Name& name, std::size_t i, std::size_t last, bool in_season, bool of_the_scene) {
   const Token& token = name.at(i);
   const Token& next = name.at(last);
-  if (token.is_glued() && i > 0) {
+  if (token.is_glued()) {
     const Token& before = name.at(i - 1);  // scripts without blanks end in the number
     const bool padded = token.size() == 2 && name.written(token).front() == '0' &&
                         (before.size() > 2 || (in_season && !before.is(SeasonLetter)));
@@ -116,7 +116,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season, boo
   const bool wide = token.size() >= 2;
   int value = within;
   // "Part 2 - 100 Days"
-  const bool of_title = i > 1 && name.at(i - 2).is(PartWord) && next.gap == Blank && next.is_word() && !next.technical;
+  const bool of_title = name.at(i - 2).is(PartWord) && next.gap == Blank && next.is_word() && !next.technical;
   if (of_title && !starts_with_group(name)) return none;
   if (token.follows(Open) && fills_group(name, i)) {
     const bool square = name.groups[static_cast<std::size_t>(token.group)].square;
@@ -149,7 +149,7 @@ bool is_of_the_scene(const Name& name) {
   bool recorded = false, blanks = false;
   for (std::size_t i = 0; i < name.count(); ++i) {
     const Token& token = name.at(i);
-    if (i > 0 && token.gap == Dot && !token.technical && !name.at(i - 1).technical) return true;
+    if (token.gap == Dot && !token.technical && !name.at(i - 1).technical) return true;
     blanks = blanks || token.follows(Blank);
     recorded = recorded || (token.technical && token.group < 0 && token.is(Source) && !token.is(Weak));
   }

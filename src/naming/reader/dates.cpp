@@ -23,10 +23,9 @@ bool is_short(const Token& token) {
 bool is_free(const Name& name, std::size_t first, std::size_t last) {
   const Token& before = name.at(first);
   const bool has_year = is_year(before) || before.size() == 8;
-  const bool behind_word = first > 0 && has_year && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
+  const bool behind_word = has_year && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
   const bool time = name.is_word(last, "t") && name.at(last + 1).is_number() && name.at(last + 1).is_glued();
-  return (first == 0 || !before.is_glued() || behind_word) &&
-         (name.at(last).is_end() || time || !name.at(last).is_glued());
+  return (!before.is_glued() || behind_word) && (name.at(last).is_end() || time || !name.at(last).is_glued());
 }
 
 std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
@@ -64,7 +63,7 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
 std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   if (!token.is_number() || token.technical || !is_free(name, i, i + 1)) return {};
-  if (i > 0 && name.at(i - 1).is_number() && name.at(i - 1).size() == 8) return {};
+  if (name.at(i - 1).is_number() && name.at(i - 1).size() == 8) return {};
   const int number = token.number;
   const Token& time = name.at(i + 1);
   if (time.is_number() && time.size() == 6) return {};  // "20230415_101112": cameras name their films so

@@ -37,7 +37,7 @@ bool is_weak(const Name& name, std::size_t i) {
 
 bool is_total(const Name& name, std::size_t i) {
   const Token& behind = name.at(i + 2);
-  return (i > 0 && name.at(i).is_glued() && name.lowered(name.at(i - 1)).ends_with("全")) ||
+  return (name.at(i).is_glued() && name.lowered(name.at(i - 1)).ends_with("全")) ||
          (name.at(i + 1).is(CounterWord) && behind.is_glued() && name.lowered(behind).starts_with("全"));
 }
 
@@ -51,7 +51,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   if (token.is(SeasonWord) && !next.is_end() && is_value(next, next.follows(Blank | Dot)) &&
       (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
       (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && !next.follows_spaced_dash()) {
-    const bool counted_behind = !is_ascii(name.lowered(token)) && i > 0 && name.at(i - 1).is_number();
+    const bool counted_behind = !is_ascii(name.lowered(token)) && name.at(i - 1).is_number();
     if (!counted_behind) return Mark{i, i + 2, next.number, is_weak(name, i)};
   }
   // The number in front of the word.
@@ -98,7 +98,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
     return {};
   const Token& word = name.at(at + 1);
-  if (is_total(name, at) || (at > 0 && name.at(at - 1).is(OfWord) && name.at(at).is_glued())) return {};
+  if (is_total(name, at) || (name.at(at - 1).is(OfWord) && name.at(at).is_glued())) return {};
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
   if (counted && !word.is(SeasonWord)) return Mark{i, at + 1, number.number};
   const bool ordinal = word.is_glued() && word.is(OrdinalEnd);
@@ -119,7 +119,7 @@ std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
   const Token& episode = name.at(i + 2);
   if (!season.is_number() || season.technical) return {};
   // "grp-sr1x02"
-  const bool behind_word = i > 0 && season.is_glued();
+  const bool behind_word = season.is_glued();
   if (behind_word && (!name.at(i - 1).is_word() || episode.size() != 2)) return {};
   if (season.size() > 2 && !is_year(season)) return {};
   const bool glued = name.at(i + 1).is_glued();
@@ -174,16 +174,12 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     if (crossed && crossed->number == *season) return More{crossed->last, name.at(crossed->last - 1).number, range};
   }
   const Token& next = name.at(at + 1);
-  if (season && token.is_number() && token.number == *season && next.is(EpisodeLetter) && next.is_glued()) {
-    const std::optional<Mark> episode = episode_at(name, at + 1);  // "S1E23-1E24"
-    if (episode) return More{episode->last, episode->number, range};
-  }
-  if (joined && token.is(PartWord) && next.is_number() && i > 1 && name.at(i - 2).is(PartWord))
+  if (joined && token.is(PartWord) && next.is_number() && name.at(i - 2).is(PartWord))
     return More{at + 2, next.number, range};
   if (next.is_number() && !next.technical && next.size() <= 5) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
     // "S02E31 - Ep. 55" has a title, "Ep31 - Ep55" has not.
-    const bool said = i > 1 && name.at(i - 2).is(EpisodeWord);
+    const bool said = name.at(i - 2).is(EpisodeWord);
     const bool again = said && next.is_glued() && token.size() <= 3;
     const bool word =
         token.is(EpisodeWord) && !token.is(CounterWord) &&
@@ -211,7 +207,7 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     return More{at + 1, token.number, true};
   }
   if (behind.is_number() && is_year(name.at(at + 2)) && behind.gap == name.at(at + 2).gap) return {};  // a date
-  const bool said = i > 1 && name.at(i - 2).is(EpisodeWord) && token.number == last + 1;  // "Episode 5 - 6"
+  const bool said = name.at(i - 2).is(EpisodeWord) && token.number == last + 1;  // "Episode 5 - 6"
   if ((gap & ~(Blank | Dot)) == Dash && gap != Dash && (token.size() > 1 || said) && token.size() == before.size()) {
     const bool near = token.number - last <= longest_with_title;  // "Ep05 - 10 - 9 - 8"
     if ((behind.follows(Dash) && near) || behind.is_end() || behind.technical || behind.follows(Open | Close))

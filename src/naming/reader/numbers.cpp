@@ -73,7 +73,7 @@ bool leading_in_season(const Search& search, std::size_t i, Numbers& numbers) {
 
 /// "- 03 - Episode 5", "- 03 - 2 of 2": what follows a number between dashes is its title.
 bool is_title_of_number(const Name& name, std::size_t i) {
-  return i > 1 && name.at(i).follows_spaced_dash() && name.at(i - 1).is_number() && !name.at(i - 1).technical &&
+  return name.at(i).follows_spaced_dash() && name.at(i - 1).is_number() && !name.at(i - 1).technical &&
          name.at(i - 1).follows_spaced_dash() && name.at(i - 1).size() >= 2 && !is_year(name.at(i - 1));
 }
 
@@ -84,12 +84,10 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   const Token &number = name.at(i), &all = name.at(i + 2);
   if (is_title_of_number(name, i)) return false;
   const bool digits = number.is_number() && all.is_number();
-  const bool words = number.is(NumberWord) && all.is(NumberWord) && number.size() > 2 && all.size() > 2;
+  const bool words = number.is(NumberWord) && all.is(NumberWord);
   if ((!digits && !words) || !name.at(i + 1).is(OfWord) || number.number > all.number) return false;
-  if ((digits && (number.size() > 3 || all.size() > 3)) ||
-      (i > 0 && name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1)))
-    return false;
-  if (i > 0 && name.at(i - 1).is(PartWord)) --i;  // "Part 2 of 3"
+  if ((digits && all.size() > 3) || (name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1))) return false;
+  if (name.at(i - 1).is(PartWord)) --i;  // "Part 2 of 3"
   const std::size_t last = i + (name.at(i).is(PartWord) ? 4 : 3);
   const bool is_series = all.number > most_parts || starts_with_group(name);
   if (is_series) return set(search, numbers, i, last, search.season(), number.number, true);
@@ -102,8 +100,7 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
 bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const std::optional<Mark> episode = episode_at(name, i);
-  if (!episode || is_title_of_number(name, i) || (name.at(i).is(EpisodeLetter) && name.at(i).is_glued() && i > 0))
-    return false;
+  if (!episode || is_title_of_number(name, i) || (name.at(i).is(EpisodeLetter) && name.at(i).is_glued())) return false;
   if (one_of_many(search, episode->last - 1, numbers)) {
     numbers.first = i;
     return true;
@@ -137,11 +134,11 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
 bool part(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token& number = name.at(i + 1);
-  if (!name.at(i).is(PartWord) || number.is_end() || number.technical || number.size() > 9) return false;
+  if (!name.at(i).is(PartWord) || number.technical) return false;
   if ((!number.is_number() && !number.is(NumberWord)) || number.number == 0 || number.number > 99) return false;
   if ((number.gap & ~(Blank | Dot | Dash)) != 0 || !name.stands_alone(i + 1)) return false;
-  if (i < search.last_year) return false;                          // a film's
-  const Token& before_it = name.at(i > 0 ? i - 1 : name.count());  // "Show 03 Part 2"
+  if (i < search.last_year) return false;   // a film's
+  const Token& before_it = name.at(i - 1);  // "Show 03 Part 2"
   const bool behind_number =
       before_it.is_number() && !before_it.technical && !before_it.is_glued() && !is_year(before_it);
   if (behind_number && (name.written(before_it).front() == '0' || starts_with_group(name))) return false;
@@ -220,8 +217,7 @@ Numbers find_numbers(const Name& name, const Surroundings& surroundings) {
   for (const Rule rule : rules) {
     for (std::size_t i = name.named; i < name.count(); ++i) {
       if (!rule(search, i, numbers)) continue;
-      numbers.special =
-          numbers.special || numbers.season == 0 || (numbers.first > 0 && name.at(numbers.first - 1).is(SpecialWord));
+      numbers.special = numbers.special || numbers.season == 0 || name.at(numbers.first - 1).is(SpecialWord);
       absolute_behind(name, numbers);
       if (is_half(name, numbers.last)) numbers.certain = false;
       return numbers;

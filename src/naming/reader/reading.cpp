@@ -122,7 +122,7 @@ std::string reversed(std::string_view text) {
 /// "vkm.p027.20E10S.wohS": what only makes sense when read from the end.
 bool is_backward(const Name& name) {
   for (std::size_t i = 0; i + 3 < name.count(); ++i) {
-    const bool forward = i > 0 && name.is_word(i - 1, "s");  // "S01E02S01E03"
+    const bool forward = name.is_word(i - 1, "s");  // "S01E02S01E03"
     if (!forward && name.at(i).is_number() && name.at(i + 1).is(EpisodeLetter) && name.at(i + 1).is_glued() &&
         name.at(i + 2).is_number() && name.at(i + 2).is_glued() && name.is_word(i + 3, "s") &&
         name.at(i + 3).is_glued()) {
@@ -215,6 +215,7 @@ bool abbreviates(std::string_view show, std::string_view whole) {
 /// "11.22.63/11.22.63.102.avi".
 std::size_t repeated(const Folder& folder, const Name& file) {
   if (const std::optional<DateMark> day = find_date(folder.name); day && day->certain) return 0;
+  if (is_year(folder.name.at(0)) && folder.name.count() == 1) return 0;  // "2011/2011-04-18"
   std::size_t i = 0;
   for (; i < folder.name.count(); ++i) {
     const Token& token = folder.name.at(i);

@@ -23,8 +23,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
       name.at(i + 1).follows(Blank | Dot) && name.at(i + 3).follows(Blank | Dot)) {  // "S 01 E 02"
     return set(search, numbers, i, i + 4, name.at(i + 1).number, name.at(i + 3).number, true);
   }
-  if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.at(i + 1).size() <= 2 &&
-      name.at(i + 2).is(EpisodeWord)) {
+  if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.at(i + 2).is(EpisodeWord)) {
     const std::optional<Mark> episode = episode_at(name, i + 2);  // "S 1 - Ep 02"
     if (episode) return set(search, numbers, i, episode->last, name.at(i + 1).number, episode->number, true);
   }
@@ -50,8 +49,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
   // "S01F02" is German, "T1C2" Spanish.
   const bool letters =
       (name.is_word(i, "s") && name.is_word(next, "f")) || (name.is_word(i, "t") && name.is_word(next, "c"));
-  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number() && name.at(next + 1).is_glued() &&
-      name.at(next + 1).size() <= 3) {
+  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number() && name.at(next + 1).is_glued()) {
     return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
   }
   if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
@@ -61,7 +59,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
 bool glued_to_the_show(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token& season = name.at(i);
-  if (i == 0 || !season.is_number() || !season.is_glued() || season.size() > 2) return false;
+  if (!season.is_number() || !season.is_glued() || season.size() > 2) return false;
   const Token& before = name.at(i - 1);
   if (!before.is_word() || !name.lowered(before).ends_with('s')) return false;
   const std::optional<Mark> episode = episode_at(name, i + 1);
@@ -91,7 +89,7 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const Token &season = name.at(i), &episode = name.at(i + 1), &next = name.at(i + 2);
   if (season.follows(Other) || search.around.season.value_or(season.number) != season.number) return false;  // "$9.99"
   // "Season 2/2.05 Title"
-  const bool in_season = i == 0 && season.is_number() && search.around.season == season.number && season.size() <= 2;
+  const bool in_season = i == 0 && season.is_number() && search.around.season == season.number;
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
     return set(search, numbers, 0, 2, season.number, episode.number, true);
   // "Season 1/1_05 Title"
@@ -113,21 +111,19 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   const bool short_season = season.is_number() && !season.technical && season.size() <= 2;
   // "Episode #1.5"
   if (short_season && season.follows(Hash) && episode.is_number() && episode.gap == Dot && episode.size() <= 2)
-    return set(search, numbers, i > 0 && name.at(i - 1).is(EpisodeWord) ? i - 1 : i, i + 2, season.number,
-               episode.number, true);
+    return set(search, numbers, name.at(i - 1).is(EpisodeWord) ? i - 1 : i, i + 2, season.number, episode.number, true);
   // "Show 1.02 Title", where dots do not stand for blanks.
   if (short_season && (i == 0 || season.gap == Blank) && episode.is_number() && !episode.technical &&
-      episode.gap == Dot && episode.size() == 2 && name.stands_alone(i + 1) && (next.follows(Blank) || next.is_end())) {
+      episode.gap == Dot && episode.size() == 2 && (next.follows(Blank) || next.is_end())) {
     return set(search, numbers, i, i + 2, season.number, episode.number, false);
   }
-  const bool dashed = i > 0 && season.is_number() && season.size() == 1 && season.follows_spaced_dash() &&
-                      episode.is_number() && episode.size() == 2 && episode.follows_spaced_dash() &&
-                      next.follows_spaced_dash() && !next.is_end();
+  const bool dashed = season.is_number() && season.size() == 1 && season.follows_spaced_dash() && episode.is_number() &&
+                      episode.size() == 2 && episode.follows_spaced_dash() && next.follows_spaced_dash() &&
+                      !next.is_end();
   if (dashed && !starts_with_group(name)) return set(search, numbers, i, i + 2, season.number, episode.number, false);
   if (!season.is_number() || season.technical || season.size() > 2 || !season.follows(Dash | Open)) return false;
   if (!episode.is_number() || episode.technical || episode.gap != Dot || episode.size() != 2) return false;
-  if (starts_with_group(name) || (!next.follows(Dash | Close) && !next.is_end()) || !name.stands_alone(i + 1))
-    return false;
+  if (starts_with_group(name) || (!next.follows(Dash | Close) && !next.is_end())) return false;
   return set(search, numbers, i, i + 2, season.number, episode.number, false);
 }
 
@@ -205,9 +201,8 @@ bool run_together(const Search& search, std::size_t i, Numbers& numbers) {
     return true;
   }
   const bool padded = number.size() == 1 && next.size() == 2 && name.written(next).front() == '0';
-  const bool starts = i == 0 || !number.is_glued();
   const bool fits = search.around.season.value_or(number.number) == number.number;
-  if (padded && next.is_number() && next.gap == Dash && starts && fits && !starts_with_group(name)) {
+  if (padded && next.is_number() && next.gap == Dash && !number.is_glued() && fits && !starts_with_group(name)) {
     return set(search, numbers, i, i + 2, number.number, next.number, search.around.season.has_value());
   }
   if (i > 0 || number.size() != 2 || next.gap != Dash || !next.is_number() || next.technical || next.size() != 2)

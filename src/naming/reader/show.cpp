@@ -310,7 +310,7 @@ std::string group_name(const Name& name) {
   }
   const Token& last = name.at(name.count() - 1);
   std::size_t first = name.count() - 1;
-  while (first > 0 && name.at(first).is_glued()) --first;
+  while (name.at(first).is_glued()) --first;
   if (last.group >= 0 || name.at(first).gap != Dash || !name.at(first - 1).technical) return {};
   return std::string(name.text.substr(name.at(first).begin, last.end - name.at(first).begin));
 }

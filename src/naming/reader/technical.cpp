@@ -92,8 +92,8 @@ Found find_in_chunk(const Name& name, std::size_t i, std::size_t end) {
     const std::uint32_t whole = count > 1 ? find_word(name.lowered(i, end)).kinds : token.kinds;
     if ((whole & technical_kinds) != 0 && (whole & Weak) == 0) return {count, whole};
   }
-  if (name.is_word(i, "v") && token.is_glued() && i > 0 && name.at(i - 1).is_number() && next.is_number() &&
-      next.is_glued() && next.size() == 1) {
+  if (name.is_word(i, "v") && token.is_glued() && name.at(i - 1).is_number() && next.is_number() && next.is_glued() &&
+      next.size() == 1) {
     return {2, EndWord};  // "12v2": a second version
   }
   const Found number = number_with_unit(name, i, count);
@@ -128,11 +128,11 @@ Found find_pair(const Name& name, std::size_t i) {
   if (token.is_number() && next.is_number() && next.gap == Other && is_picture(token.number, next.number)) {
     return {2, Resolution};  // "1280*720"
   }
-  const bool unglued = i == 0 || !token.is_glued() || name.at(i - 1).is(Sound);
+  const bool unglued = !token.is_glued() || name.at(i - 1).is(Sound);
   if (token.is_number() && token.size() == 1 && unglued && is_glued_by(next, Dot) && next.is_number() &&
       next.size() == 1 && next.number <= 1) {
     // The loudspeakers; a show may be called "2.0", so only beside other such words.
-    const bool after_sound = i > 0 && (name.at(i - 1).technical || name.at(i - 1).is(Sound | Codec));
+    const bool after_sound = name.at(i - 1).technical || name.at(i - 1).is(Sound | Codec);
     const bool before_technical = name.at(i + 2).is(technical_kinds) && !name.at(i + 2).is(Weak);
     if (after_sound || before_technical || name.is_word(i + 2, "ch"))
       return {name.is_word(i + 2, "ch") ? 3U : 2U, Sound};

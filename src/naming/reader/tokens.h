@@ -12,7 +12,7 @@
 /// A name taken apart: words, numbers, what stands between them, and the brackets around them.
 namespace quorvel::reader {
 
-/// What stands between two tokens; several at once where several stand there. Nothing: the tokens are glued together.
+/// What stands in front of a token; several at once where several stand there. Nothing: it is glued to the one before.
 enum Gap : std::uint16_t {
   Blank = 1,  // also "_"
   Dot = 2,
@@ -24,6 +24,7 @@ enum Gap : std::uint16_t {
   Tilde = 128,
   Hash = 256,
   Other = 512,
+  Start = 1024,  // the first token
 };
 
 struct Token {
@@ -69,7 +70,7 @@ struct Name {
   std::size_t named = 0;  // tokens at the start that are the show's name, as the folder has it
 
   std::size_t count() const { return tokens.size() - 1; }
-  /// The token, or past the last one the end: it has no kinds, and its gap is what ends the name.
+  /// The token, or before the first and past the last one the end: it has no kinds, and its gap is what ends the name.
   const Token& at(std::size_t i) const { return tokens[std::min(i, tokens.size() - 1)]; }
   std::string_view written(const Token& token) const { return text.substr(token.begin, token.size()); }
   std::string_view lowered(const Token& token) const {
@@ -93,7 +94,7 @@ struct Name {
   std::size_t add_counter(std::size_t at);
   std::size_t add_word(std::size_t at);
 
-  std::uint16_t gap_ = 0;
+  std::uint16_t gap_ = Start;
   int open_ = -1, depth_ = 0;
 };
 
