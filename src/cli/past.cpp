@@ -45,10 +45,11 @@ bool undo_pass(Session& session, std::optional<int> wanted, Terminal& terminal) 
     return false;
   }
   const int wanted_count = pass->undoable();
-  int undone = 0;
+  int undone = 0, refused = 0;
   for (const PastUndo::Outcome& outcome :
        session.past_undo.undo(pass->operations, [] { return console::interrupts() == 0; })) {
     if (!outcome.trouble.empty()) {
+      ++refused;
       terminal.error_line("Not undone: " + outcome.trouble);
     } else {
       ++undone;
@@ -57,6 +58,11 @@ bool undo_pass(Session& session, std::optional<int> wanted, Terminal& terminal) 
   }
   terminal.error_line(summary(*pass, session.ports.clock) + ": " + std::to_string(undone) + " of " +
                       std::to_string(wanted_count) + " undone");
+  const std::int64_t before = !wanted && refused > 0 ? session.history.last_undoable_pass(id) : 0;
+  if (before != 0) {
+    // It would be taken for the last one again.
+    terminal.error_line("To leave that and undo the pass before: --undo " + std::to_string(before));
+  }
   return undone == wanted_count && undone > 0;
 }
 

@@ -49,7 +49,7 @@ std::vector<PastUndo::Outcome> PastUndo::undo(std::vector<PastOperation> operati
 }
 
 PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
-  Outcome outcome{operation, operation.new_path, operation.old_path, {}};
+  Outcome outcome{.operation = operation, .from = operation.new_path, .to = operation.old_path, .trouble = {}};
   try {
     FileJobResult result;
     if (operation.deed == Deed::Trashed) {
@@ -70,6 +70,8 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       result = jobs_.undo(job_between(operation.old_path, operation.new_path, action, operation));
     }
     if (!result.done) throw Failure(outcome.from + ": " + result.error_text.value_or("the file was gone"));
+    outcome.by = result.past_id;
+    outcome.stamp = result.stamp;
   } catch (const Failure& failure) {
     outcome.trouble = failure.what();
   }

@@ -18,8 +18,10 @@ class PastUndo {
  public:
   struct Outcome {
     PastOperation operation;
-    std::string from, to;  // the file's path before and after; no `to` for what goes to the trash
-    std::string trouble;   // why it was not taken back; empty when it was
+    std::string from, to;                 // the file's path before and after; no `to` for what goes to the trash
+    std::string trouble;                  // why it was not taken back; empty when it was
+    std::int64_t by = 0;                  // the operation that has taken it back
+    std::optional<FileStamp> stamp = {};  // of the file since
   };
 
   PastUndo(History& history, FileJobs& jobs, Files& files, Log& log)

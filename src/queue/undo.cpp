@@ -1,6 +1,7 @@
 #include "queue/undo.h"
 
 #include <algorithm>
+#include <map>
 
 #include "queue/stage.h"
 #include "rules/action.h"
@@ -48,11 +49,28 @@ void Undo::take_back(int index) {
   }
 }
 
-void Undo::show_undone(const std::set<std::int64_t>& operations) {
+void Undo::show_undone(const std::vector<PastUndo::Outcome>& outcomes) {
+  std::map<std::int64_t, const PastUndo::Outcome*> undone, redone;
+  for (const PastUndo::Outcome& outcome : outcomes) {
+    if (!outcome.trouble.empty()) continue;
+    undone[outcome.operation.id] = redone[outcome.operation.undoes] = &outcome;
+  }
   for (int index = 1; index <= queue_.count(); ++index) {
     const QueueItem& item = queue_.at(index);
-    if (item.state == QueueState::Done && operations.contains(item.past_id)) set_undone(index);
+    if (item.past_id == 0) continue;
+    if (item.state != QueueState::Cancelled && undone.contains(item.past_id)) set_undone(index);
+    const auto found = redone.find(item.past_id);
+    if (found != redone.end() && job_of(item).destination() == found->second->to) set_redone(index, *found->second);
   }
+}
+
+void Undo::set_redone(int index, const PastUndo::Outcome& outcome) {
+  QueueItem& item = queue_.at(index);
+  item.state = QueueState::Done;
+  item.error_text.clear();
+  item.past_id = outcome.by;
+  item.done_stamp = outcome.stamp;
+  view_.update_lv(index);
 }
 
 void Undo::set_undone(int index) {

@@ -2,11 +2,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "fileops/file_job.h"
+#include "fileops/past_undo.h"
 #include "queue/queue_view.h"
 #include "queue/work_queue.h"
 
@@ -35,13 +34,15 @@ class Undo {
   /// index; false ends it.
   void run(std::vector<int> items, const std::function<bool(int)>& goes_on = {});
 
-  /// Operations of the history were taken back in another way: shows it where an item's is among them.
-  void show_undone(const std::set<std::int64_t>& operations);
+  /// These operations of the history were tried to be taken back: shows it in the items whose operations they were, or
+  /// whose operations they had taken back.
+  void show_undone(const std::vector<PastUndo::Outcome>& outcomes);
 
  private:
   void take_back(int index);
   bool undofileops(QueueItem& item);
   void set_undone(int index);
+  void set_redone(int index, const PastUndo::Outcome& outcome);
 
   WorkQueue& queue_;
   FileJobs& jobs_;

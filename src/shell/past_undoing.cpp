@@ -1,7 +1,6 @@
 #include "shell/past_undoing.h"
 
 #include <algorithm>
-#include <set>
 
 #include "shell/past_text.h"
 
@@ -17,20 +16,19 @@ PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operatio
   }
   Result result{.wanted = static_cast<int>(now.size())};
   int place = 0;
-  std::set<std::int64_t> undone;
-  for (const PastUndo::Outcome& outcome :
-       session_.past_undo.undo(now, [&] { return goes_on(++place, result.wanted); })) {
+  const std::vector<PastUndo::Outcome> outcomes =
+      session_.past_undo.undo(now, [&] { return goes_on(++place, result.wanted); });
+  for (const PastUndo::Outcome& outcome : outcomes) {
     const std::int64_t id = outcome.operation.id;
     if (outcome.trouble.empty()) {
       ++result.undone;
       refusals_.erase(id);
-      undone.insert(id);
     } else {
       ++result.refused;
       refusals_[id] = outcome.trouble;
     }
   }
-  session_.undo.show_undone(undone);
+  session_.undo.show_undone(outcomes);
   return result;
 }
 

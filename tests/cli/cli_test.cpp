@@ -81,6 +81,8 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
                 path + ": not queued: already queued\n1 done, 0 failed, 0 cancelled\n");
   EXPECT_EQ(service.requests().size(), 2u) << "the second run finds everything in its caches";
   EXPECT_EQ(run({"gone.avi"}), 1);
+  write_file(folder / ("in/" + good + "3 - A Lantern for Maud.mkv"), "edited since");
+  EXPECT_TRUE(run({"--undo"}) == 1 && error.ends_with("To leave that and undo the pass before: --undo 3\n")) << error;
 
   add({"The.Harbour.Lights.S01E01.mkv"});
   std::filesystem::remove_all(path_of(data_folder_of(folder / "home")));

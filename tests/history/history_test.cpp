@@ -84,6 +84,10 @@ TEST_F(PastTest, APassOfWhichAllWasRefusedDoesNotKeepTheOnesBeforeFromBeingUndon
   files->remove(in("the.harbour.lights.1x02.mkv"));
   EXPECT_EQ(text_of(undo_last()), "1 undone") << "what was refused is tried again at last";
   EXPECT_FALSE(undoing.last_pass());
+  for (const QueueState state : {QueueState::Done, QueueState::Cancelled, QueueState::Done}) {
+    undoing.undo(session.history.passes(1)[0].operations, [](int, int) { return true; });
+    EXPECT_EQ(item(2).state, state) << "each time the last undoing is undone";
+  }
 }
 
 /// Nothing goes to the trash, so that nothing is left there.
