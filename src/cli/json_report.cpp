@@ -49,13 +49,13 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
       .line();
 }
 
-std::string json_of(const std::map<QueueState, int>& count, int right_already, bool is_dry_run) {
+std::string json_of(const PassResult& result, int left, bool is_dry_run) {
   JsonObject summary;
-  for (const QueueState state : {QueueState::Done, QueueState::Failed, QueueState::Cancelled, QueueState::Inactive}) {
-    const auto found = count.find(state);
-    summary.number(state_word(state, is_dry_run), found == count.end() ? 0 : found->second);
-  }
-  summary.number("right already", right_already);
+  summary.number(state_word(QueueState::Done, is_dry_run), result.done())
+      .number("failed", result.failed)
+      .number("cancelled", result.cancelled)
+      .number("not processed", left)
+      .number("right already", result.right_already);
   return JsonObject().object("summary", summary).line();
 }
 

@@ -1,7 +1,5 @@
 #include "cli/run.h"
 
-#include <map>
-
 #include "cli/apply.h"
 #include "cli/dry_run.h"
 #include "cli/json_report.h"
@@ -14,6 +12,7 @@
 #include "platform/console.h"
 #include "platform/native.h"
 #include "platform/system.h"
+#include "shell/pass_result.h"
 #include "shell/session.h"
 #include "shell/version.h"
 #include "text/cut.h"
@@ -95,31 +94,28 @@ bool queue_paths(Session& session, const std::vector<std::string>& paths, Termin
 
 /// Reports why items failed and how many did. Returns whether all are done.
 bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& terminal) {
-  std::map<QueueState, int> count;
-  int lossy = 0, right_already = 0;
+  PassResult result;
   for (int i = 1; i <= queue.count(); ++i) {
     const QueueItem& item = queue.at(i);
-    const bool ended = item.state == QueueState::Done || item.state < QueueState::Inactive;
-    ++count[ended ? item.state : QueueState::Inactive];
-    if (item.is_right_already) ++right_already;
-    if (item.state == QueueState::Done && item.lost_characters) ++lossy;
-    if (item.state == QueueState::Done || !ended) continue;
+    if (!has_ended(item.state)) continue;
+    result.add(item);
+    if (item.state == QueueState::Done) continue;
     std::string why = item.error_text.empty() ? "the file was gone" : item.error_text;
     replace_all(why, "\r\n", "; ");
     terminal.error_line(item.path + ": " + why);
   }
-  count[QueueState::Failed] -= right_already;
-  if (options.json) terminal.out_line(json_of(count, right_already, options.dry_run));
-  const int left = count[QueueState::Inactive];
-  terminal.error_line(std::to_string(count[QueueState::Done]) + " done, " + std::to_string(count[QueueState::Failed]) +
-                      " failed, " + std::to_string(count[QueueState::Cancelled]) + " cancelled" +
-                      (right_already == 0 ? "" : ", " + std::to_string(right_already) + " right already") +
-                      (left == 0 ? "" : ", " + std::to_string(left) + " not processed"));
-  if (lossy > 0) {
-    terminal.error_line(some(lossy, "name") + (lossy == 1 ? " has" : " have") +
+  const int left = queue.count() - result.all();
+  if (options.json) terminal.out_line(json_of(result, left, options.dry_run));
+  terminal.error_line(
+      std::to_string(result.done()) + " done, " + std::to_string(result.failed) + " failed, " +
+      std::to_string(result.cancelled) + " cancelled" +
+      (result.right_already == 0 ? "" : ", " + std::to_string(result.right_already) + " right already") +
+      (left == 0 ? "" : ", " + std::to_string(left) + " not processed"));
+  if (result.lossy > 0) {
+    terminal.error_line(some(result.lossy, "name") + (result.lossy == 1 ? " has" : " have") +
                         " lost characters that the service gave; --exact keeps them");
   }
-  return queue.count() > 0 && count[QueueState::Done] + right_already == queue.count();
+  return queue.count() > 0 && result.done() + result.right_already == queue.count();
 }
 
 int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
@@ -177,6 +173,7 @@ int run(const Options& options) {
   }
   RunStore store(*key_values, options.dry_run);
   store.replace(options.settings);
+  store.replace({{"autoclose", 0U}});                     // there is no window
   if (options.dry_run) store.replace({{"confirm", 0U}});  // nothing is done that would need a word
 
   Places places{.application_data = {}, .program = program_folder(), .work_dir = {}, .api_base = listings_address()};

@@ -138,12 +138,36 @@ void Processor::carry_out_plans() {
   finish();
 }
 
-/// All is done that is to be done now.
+/// All is done that is to be done now. What the user has not seen would be gone with the window.
 void Processor::finish() {
   log_.debug_log("All items processed", LogLevel::Normal);
-  bool is_waited_for = queue_cursor_ < queue_.count();
-  for (int index = 1; index <= queue_.count() && !is_waited_for; ++index) is_waited_for = queue_.at(index).is_planned;
-  if (settings_.autoclose && !is_waited_for) ui_.close();
+  if (!settings_.autoclose || queue_cursor_ < queue_.count()) return;
+  const int count = need_user();
+  if (count == 0) return ui_.close();
+  log_.debug_log(
+      "The window stays open, for " + std::to_string(count) + (count == 1 ? " file needs" : " files need") + " you",
+      LogLevel::Normal);
+}
+
+int Processor::need_user() const {
+  int count = 0;
+  for (int index = 1; index <= queue_.count(); ++index) count += needs_user(queue_.at(index)) ? 1 : 0;
+  return count;
+}
+
+int Processor::left() const {
+  if (!queue_busy_) return 0;
+  if (!plans_.empty()) {
+    return static_cast<int>(std::ranges::count_if(plans_, [this](int index) { return queue_.at(index).is_planned; }));
+  }
+  const auto state = [this](int index) { return queue_.at(index).state; };
+  auto count = static_cast<int>(again_.size());
+  if (at_work_ > 0 && !has_ended(state(at_work_))) ++count;
+  if (!retry_mode_) return count + std::max(queue_.count() - queue_cursor_, 0);
+  for (int index = queue_cursor_ + 1; index <= queue_.count(); ++index) {
+    if (state(index) < QueueState::Scanning) ++count;
+  }
+  return count;
 }
 
 /// False when there is none.
@@ -162,17 +186,18 @@ void Processor::end_pass() {
   queue_busy_ = false;
   stop_after_ = 0;
   at_work_ = 0;
+  plans_.clear();
 }
 
 void Processor::cancel_rest() {
   std::vector<int> rest(again_.begin(), again_.end());
   again_.clear();
   for (int index = std::max(queue_cursor_, 1); index <= stop_after_; ++index) rest.push_back(index);
-  if (at_work_ > 0 && queue_.at(at_work_).state < QueueState::Done) rest.push_back(at_work_);
+  if (at_work_ > 0) rest.push_back(at_work_);
   std::ranges::sort(rest);
   for (const int index : rest) {
     const QueueItem& item = queue_.at(index);
-    if (item.state >= QueueState::Inactive && item.state < QueueState::Done && !item.is_planned) cancel(index, stopped);
+    if (!has_ended(item.state) && !item.is_planned) cancel(index, stopped);
   }
   queue_cursor_ = std::max(queue_cursor_, stop_after_);
 }
@@ -180,7 +205,7 @@ void Processor::cancel_rest() {
 void Processor::set_state(int index, QueueState state) {
   queue_.at(index).state = state;
   view_.update_lv(index);
-  if (state == QueueState::Done || state < QueueState::Inactive) on_ended(queue_.at(index));
+  if (has_ended(state)) on_ended(queue_.at(index));
 }
 
 /// What fails after the user has stopped it has been cancelled.
@@ -189,7 +214,7 @@ void Processor::fail(int index, const std::string& log_line, const std::string& 
   if (!log_line.empty()) log_.debug_log(log_line, LogLevel::Normal);
   QueueItem& item = queue_.at(index);
   item.error_text = error_text;
-  item.failed_in = item.state;
+  item.failed_at = item.state;
   set_state(index, QueueState::Failed);
 }
 

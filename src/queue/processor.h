@@ -61,6 +61,12 @@ class Processor {
 
   bool queue_busy() const { return queue_busy_; }
 
+  /// How many items the pass that runs has still to take or is at.
+  int left() const;
+
+  /// How many of all items need the user. While there are any, the program does not end by itself.
+  int need_user() const;
+
   /// Called when an item has ended, well or not.
   std::function<void(const QueueItem&)> on_ended = [](const QueueItem&) {};
   /// Called at a pass's end, before the program ends because of it.

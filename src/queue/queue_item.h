@@ -24,11 +24,17 @@ enum class QueueState : std::int32_t {
   Done = 6,
 };
 
+/// Whether an item is neither waiting nor being worked on.
+constexpr bool has_ended(QueueState state) {
+  return state == QueueState::Done || state < QueueState::Inactive;
+}
+
 /// One file that the user wants renamed.
 struct QueueItem {
   QueueState state = QueueState::Inactive;
-  std::string path;      // of the source, in full, as it was added
-  std::string filename;  // its last component
+  QueueState failed_at = QueueState::Inactive;  // how far it had got when it failed last
+  std::string path;                             // of the source, in full, as it was added
+  std::string filename;                         // its last component
   std::int32_t episode = 0;
   std::int32_t season = 0;
   std::vector<int> more_episodes;   // of the same season, when the file holds several
@@ -58,12 +64,11 @@ struct QueueItem {
   // taking a move back as if it had been a copy would delete the only file.
   std::int32_t action = 0;
   bool confirmed = false;
-  std::optional<FileStamp> source_stamp;        // of the source before the operation
-  std::optional<FileStamp> done_stamp;          // of the file that the operation has left at the destination
-  std::int64_t past_id = 0;                     // of that operation in the history
-  QueueState failed_in = QueueState::Inactive;  // how far it had got when it failed
-  std::string error_text;                       // why it failed or was cancelled; lines end in CR LF
-  std::string episode_url;                      // in double quotes, as the service gives it
+  std::optional<FileStamp> source_stamp;  // of the source before the operation
+  std::optional<FileStamp> done_stamp;    // of the file that the operation has left at the destination
+  std::int64_t past_id = 0;               // of that operation in the history
+  std::string error_text;                 // why it failed or was cancelled; lines end in CR LF
+  std::string episode_url;                // in double quotes, as the service gives it
 
   /// Before it is taken, perhaps not for the first time.
   void forget_findings() {
@@ -84,6 +89,13 @@ struct QueueItem {
   /// What the item was found to be, for the log.
   std::string episode_text() const { return show_name + " " + std::to_string(season) + "x" + std::to_string(episode); }
 };
+
+/// Whether a person should do something about the item, or look at it at least.
+inline bool needs_user(const QueueItem& item) {
+  return item.state == QueueState::Done
+             ? !item.doubts.empty()
+             : (item.state == QueueState::Failed && !item.is_right_already) || item.is_planned;
+}
 
 /// The file operation that the item's fields describe.
 inline FileJob job_of(const QueueItem& item) {

@@ -79,7 +79,7 @@ void ReviewSheet::collect() {
     const bool has_failed = item.is_under_review && item.state == QueueState::Failed;
     if (!item.is_planned && !has_failed) continue;
     rows_[index];
-    const bool is_read = item.is_planned || item.failed_in > QueueState::Scanning;
+    const bool is_read = item.is_planned || item.failed_at > QueueState::Scanning;
     const std::string key = !is_read       ? ""
                             : item.reading ? Lookup::choice_key(item.search_name, *item.reading)
                                            : item.search_name;
@@ -93,7 +93,7 @@ void ReviewSheet::collect() {
     }
     Group& group = groups_[place->second];
     group.items.push_back(index);
-    const bool is_found = item.is_planned || item.failed_in > QueueState::Searching;
+    const bool is_found = item.is_planned || item.failed_at > QueueState::Searching;
     if (group.found.empty() && is_found) group.found = item.match.empty() ? item.show_name : item.match;
   }
 }
@@ -183,8 +183,8 @@ Mark ReviewSheet::mark_of_planned(int item, Batch::Trouble::Kind trouble) const 
 Mark ReviewSheet::mark_of_failed(int item) const {
   const QueueItem& each = parts_.queue.at(item);
   if (each.is_unclear) return Mark::ShowUnclear;
-  if (each.failed_in == QueueState::Searching) return Mark::ShowUnknown;
-  return each.failed_in < QueueState::CheckingFilters ? Mark::EpisodeUnknown : Mark::Unfit;
+  if (each.failed_at == QueueState::Searching) return Mark::ShowUnknown;
+  return each.failed_at < QueueState::CheckingFilters ? Mark::EpisodeUnknown : Mark::Unfit;
 }
 
 bool ReviewSheet::shows(int item, Filter filter) const {
@@ -223,7 +223,7 @@ std::string ReviewSheet::numbers(int item) const {
   const QueueItem& each = parts_.queue.at(item);
   if (!each.is_planned && each.corrected) return numbers_of(*each.corrected);
   if (!each.is_planned && each.reading) return numbers_of(*each.reading);
-  if (!each.is_planned && each.failed_in <= QueueState::Scanning) return {};
+  if (!each.is_planned && each.failed_at <= QueueState::Scanning) return {};
   std::vector<int> episodes{each.episode};
   episodes.insert(episodes.end(), each.more_episodes.begin(), each.more_episodes.end());
   return in_season(each.season, episodes);

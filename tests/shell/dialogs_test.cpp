@@ -4,6 +4,8 @@
 
 #include "naming/file_names.h"
 #include "session_fixture.h"
+#include "shell/item_help.h"
+#include "shell/pass_result.h"
 #include "shell/show_choice.h"
 
 namespace quorvel::testing {
@@ -111,6 +113,52 @@ TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
   EXPECT_FALSE(again.place_of_earlier_choice());
   again.search("part time");
   EXPECT_EQ(again.place_of_earlier_choice(), 1U);
+}
+
+TEST(AfterAPass, ItIsToldWhatCameOutAndWhatHelpsAndTheProgramEndsOnlyWhenNothingNeedsTheUser) {
+  TestSession at;
+  at.start();
+  at.session.settings.autoclose = true;
+  Processor& processor = at.session.processor;
+  const std::string right = "The Harbour Lights - 1x01 - Slack Water.avi";
+  PassResult result;
+  std::string left, told;
+  processor.on_ended = [&](const QueueItem& item) {
+    result.add(item);
+    left += std::to_string(processor.left()) + " ";
+    told = result.text();
+  };
+  for (const char* const name :
+       {right.c_str(), "The.Harbour.Lights.S01E02E03.mkv", "holiday.avi", "x.y.s01e01.avi",
+        "the.harbour.lights.s09e09.avi", "the harbour lights 1x01.avi", "night.train.1x02.avi"}) {
+    at.add(name);
+  }
+  processor.process_queue();
+  EXPECT_EQ(left, "6 5 4 3 2 1 0 ");
+  EXPECT_EQ(told, "2 renamed, 1 of them uncertain, 1 already right, 4 need you");
+  EXPECT_TRUE(result.needs_user() && result.all() == 7 && at.ui.closed == 0);
+  EXPECT_TRUE(at.logged("The window stays open, for 5 files need you")) << at.log();
+
+  using enum Remedy;
+  const std::string show = "Unable to find show on tvmaze.com\nSearched for: x y",
+                    doubt = "Look at this: " + at.item(2).doubts.at(0);
+  const auto help = [&](int item) { return help_for(at.session, item); };
+  EXPECT_EQ(help(1), (ItemHelp{"The file has its name and its place already.", {OpenFolder}}));
+  EXPECT_EQ(help(2), (ItemHelp{doubt, {Undo, OpenFolder}}));
+  EXPECT_EQ(help(3), (ItemHelp{"Unable to find filename filter", {Retry, OpenFolder}}));
+  EXPECT_EQ(help(4), (ItemHelp{show, {AddException, Retry, OpenFolder}}));
+  EXPECT_EQ(help(6).remedies, (std::vector{Retry, OpenFolder}));
+  EXPECT_EQ(help(7), ItemHelp());
+  at.session.settings.exact = true;
+  EXPECT_EQ(help(5).remedies, (std::vector{ChooseShow, AddException, Retry}));
+  at.item(7).done_stamp->size = 0;  // as if the file had been changed since
+  at.session.undo.run(7);
+  EXPECT_EQ(help(7).remedies, std::vector{OpenFolder});
+
+  for (int i = 2; i <= 7; ++i) at.item(i).state = QueueState::Cancelled;
+  at.session.settings.exact = false, at.add("night.train.1x01.avi");
+  processor.process_queue();
+  EXPECT_EQ(at.ui.closed, 1) << "what is right already needs nobody";
 }
 
 }  // namespace
