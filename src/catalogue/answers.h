@@ -22,6 +22,7 @@ struct CatalogueEpisode {
   std::optional<int> number;  // none of specials
   std::string title, url;
   std::optional<Date> date;
+  int absolute = 0;  // counted over all seasons, where the whole list is known; 0 of specials
 };
 
 // Each throws Failure when the text is no such answer. What a show or an episode lacks is left empty; one without an id

@@ -259,8 +259,12 @@ const Lookup::List& Lookup::list(int show_id, bool with_specials, bool again) {
   List list;
   list.told = answer.fetched;
   if (!answer.text.empty()) list.all = episodes_of(answer.text);
+  int count = 0;
   for (std::size_t i = 0; i < list.all.size(); ++i) {
-    if (list.all[i].number) list.numbered.try_emplace({list.all[i].season, *list.all[i].number}, i);
+    CatalogueEpisode& each = list.all[i];
+    if (!each.number) continue;
+    if (each.season > 0) each.absolute = ++count;
+    list.numbered.try_emplace({each.season, *each.number}, i);
   }
   return lists_[request] = std::move(list);
 }
@@ -327,14 +331,15 @@ FoundEpisodes Lookup::in_list(const CatalogueShow& show, const Reading& reading,
     found.push_back(on_date(known, reading));
   } else {
     for (const int number : reading.absolute) {
-      int count = 0;
-      const auto at = std::ranges::find_if(
-          known.all, [&](const CatalogueEpisode& each) { return each.number && each.season > 0 && ++count == number; });
-      if (at == known.all.end()) throw missing("episode " + std::to_string(number));
+      const auto at = std::ranges::find(known.all, number, &CatalogueEpisode::absolute);
+      if (number <= 0 || at == known.all.end()) throw missing("episode " + std::to_string(number));
       found.push_back(*at);
     }
   }
-  return {std::move(found), known.told, reading};
+  const auto behind = known.numbered.lower_bound({found.front().season + 1, 0});
+  const int last_episode = behind == known.numbered.begin() ? 0 : std::prev(behind)->first.second;
+  const int last_season = known.numbered.empty() ? 0 : known.numbered.rbegin()->first.first;
+  return {std::move(found), known.told, reading, {}, last_season, last_episode};
 }
 
 /// By its title where the name tells one, by the date, or else as the one of that number in the list.

@@ -26,6 +26,8 @@ struct FoundEpisodes {
   std::chrono::sys_seconds told;
   Reading as;                    // what the name says when it means these
   std::string other_title = {};  // of what it may mean as well
+  // What the show's last season, and the last episode of the season of these, are numbered.
+  int last_season = 0, last_episode = 0;
 };
 
 /// No show clearly fits a name, and these may be meant.

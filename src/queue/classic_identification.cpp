@@ -29,10 +29,12 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
   }
 
   log_.debug_log("Found filename filter for: " + item.filename, LogLevel::Verbose);
+  const Reading reading = read_name(item.path);
+  item.facts = facts_in(reading);
   if (item.corrected) {
     item.season = item.corrected->season.value_or(0);
     item.episode = item.corrected->episodes.front();
-  } else if (!is_trusted(item)) {
+  } else if (!is_trusted(item, reading)) {
     return {Identified::Failed, {}, item.doubts.front()};
   }
   if (!reached(QueueState::Searching)) return {Identified::Interrupted};
@@ -78,8 +80,7 @@ bool ClassicIdentification::reads_show(QueueItem& item) {
   return !item.search_name.empty();
 }
 
-bool ClassicIdentification::is_trusted(QueueItem& item) {
-  const Reading reading = read_name(item.path);
+bool ClassicIdentification::is_trusted(QueueItem& item, const Reading& reading) {
   if (!reading.certain || !reading.has_numbers()) return true;
   const bool is_same = reading.season == item.season && reading.episodes == std::vector<int>{item.episode};
   // Where a name only counts, or tells its number without a season, the patterns have made a season of it.

@@ -33,7 +33,7 @@ class ClassicIdentification : public Identification {
   bool reads_show(QueueItem& item);
   /// What the reader is sure of and the patterns have read otherwise, as a doubt of the item. False when such an item
   /// is to fail.
-  bool is_trusted(QueueItem& item);
+  bool is_trusted(QueueItem& item, const Reading& reading);
   /// search_name as the first exception for it says.
   void checkex(QueueItem& item);
   /// show_name, show_id and show_url.

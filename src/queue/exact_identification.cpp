@@ -74,6 +74,20 @@ Identified ExactIdentification::identify(QueueItem& item, const Reached& reached
   return {};
 }
 
+/// Where the service knows more than the name, it counts.
+NameFacts ExactIdentification::facts_of(const FoundEpisodes& found) const {
+  const CatalogueEpisode& first = found.episodes.front();
+  NameFacts facts = facts_in(found.as);
+  if (show_.year > 0) facts.year = std::to_string(show_.year);
+  if (!show_.country.empty()) facts.country = exact_name(show_.country);
+  if (first.date) facts.date = date_text(*first.date);
+  if (first.absolute > 0) facts.absolute = std::to_string(first.absolute);
+  const auto digits = [](int number) { return std::max(2, static_cast<int>(std::to_string(number).size())); };
+  facts.season_digits = digits(found.last_season);
+  facts.episode_digits = digits(found.last_episode);
+  return facts;
+}
+
 bool ExactIdentification::read(QueueItem& item) {
   item.reading = read_name(item.path);
   if (item.corrected) put_numbers(*item.corrected, *item.reading);
@@ -132,6 +146,7 @@ bool ExactIdentification::find_episodes(QueueItem& item) {
     item.more_episodes.push_back(episodes[i].number.value_or(is_special ? reading.episodes[i] : 0));
   }
   item.episode_title = exact_name(joined_titles(episodes));
+  item.facts = facts_of(found);
   item.episode_url = quoted(first.url);
   if (item.episode_title.empty()) {
     log_.debug_log("The episode has no title that a file can have", LogLevel::Normal);

@@ -40,6 +40,7 @@ class ExactIdentification : public Identification {
   bool find_show(QueueItem& item);
   bool find_episodes(QueueItem& item);
 
+  NameFacts facts_of(const FoundEpisodes& found) const;
   FoundShow chosen_show(QueueItem& item);
 
   const ExceptionList& exceptions_;

@@ -34,6 +34,9 @@ class Identification {
   virtual Identified identify(QueueItem& item, const Reached& reached) = 0;
 
  protected:
+  /// What the name says that a new name can hold as well.
+  static NameFacts facts_in(const Reading& reading);
+
   /// Notes what a person should look at. False when such items are to fail.
   bool may_go_on_with(QueueItem& item, const std::string& doubt) {
     item.doubts.push_back(doubt);

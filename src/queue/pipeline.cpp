@@ -13,7 +13,9 @@ bool Pipeline::dofilter(QueueItem& item) {
   const std::optional<int> rule = parts_.filters.first_fitting(extension, item.show_name);
   if (!rule) return false;
   const AFilter& filter = parts_.filters.at(*rule);
-  const MaskValues values{item.show_name, item.season, item.episode, item.episode_title, item.more_episodes};
+  MaskValues values{item.show_name, item.season, item.episode, item.episode_title, item.more_episodes, item.facts};
+  if (item.show_id > 0) values.facts.id = std::to_string(item.show_id);
+  values.facts.old_name = remextension(item.filename);
   std::string folder;
   if (filter.action < MoveAndRename) {
     folder = getpath(item.path, 0);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fileops/file_job.h"
+#include "naming/mask.h"
 #include "naming/reader/reading.h"
 
 namespace quorvel {
@@ -57,6 +58,7 @@ struct QueueItem {
   std::int32_t show_id = 0;
   std::string show_url;  // in double quotes, as the service gives it
   std::string episode_title;
+  NameFacts facts;  // for the new name
   std::string new_name;
   std::string dest_path;          // ends in a separator
   std::int32_t filter_index = 0;  // of the rule that fits
@@ -77,6 +79,7 @@ struct QueueItem {
     doubts.clear();
     reading.reset();
     more_episodes.clear();
+    facts = {};
     listings_told.reset();
     lost_characters = false;
     is_right_already = false;

@@ -55,9 +55,25 @@ TEST(FileNames, AreTakenApartAtTheLastSeparator) {
 TEST(Masks, ReplaceTheirTokensInOrder) {
   const MaskValues values{"Show", 1, 5, "Pilot"};
   EXPECT_EQ(expand_name("[show] - [s]x[ee] - [title].avi", values), "Show - 1x05 - Pilot.avi");
-  EXPECT_EQ(expand_name("[s] [ss] [e] [ee] [S] [show]", {"[title]", 0, 123, "x"}), "0 00 123 123 [S] [title]");
+  EXPECT_EQ(expand_name("[s] [ss] [e] [ee] [SS] [show]", {"[title]", 0, 123, "x"}), "0 00 123 123 [SS] [title]");
   EXPECT_EQ(expand_name("S[ss]E[ee] e[e] [s]x[ee]", {"", 1, 2, "", {3, 4}}), "S01E02-E03-E04 e2-e3-e4 1x02-03-04");
   EXPECT_EQ(expand_folder("D:\\TV\\[show]\\Season [s] [ee][title]", values), "D:\\TV\\Show\\Season 1 [ee][title]");
+}
+
+TEST(Masks, WhatIsInBracesIsThereWhenItsTokensHaveAValue) {
+  MaskValues known{"Show", 2, 3, "Title", {4, 5}};
+  NameFacts& facts = known.facts;
+  facts.year = "2010", facts.id = "7", facts.old_name = "old [id]", facts.episode_digits = 3;
+  facts.date = facts.named_date = "2011-04-18";
+  MaskValues numbers = known, nothing{"Show", 0, 0, "Title"};
+  numbers.facts.named_date.clear();
+  const std::string mask = "[show]{ ([year])} -{ [dated]| s[ss]e[ee-]} - [title]{ [[group]]}";
+  EXPECT_EQ(expand_name(mask, known), "Show (2010) - 2011-04-18 - Title");
+  EXPECT_EQ(expand_name(mask, numbers), "Show (2010) - s02e03-e05 - Title");
+  EXPECT_EQ(expand_name(mask, nothing), "Show - - Title");
+  EXPECT_EQ(expand_name("S[S]E[ee+] [E] [ee+] [old][year]", numbers), "S02E03E04E05 003-004-005 03-04-05 old [id]2010");
+  EXPECT_EQ(expand_name("{[show]} {a|b} } {{tvmaze-[id]}} {[id]/}", known), "{Show} {a|b} } {tvmaze-7} {7/}");
+  EXPECT_EQ(expand_folder("/tv/{[group]}/[show]{ ([year])}/{[ee-]|x}[ee]", known), "/tv/Show (2010)/[ee-][ee]");
 }
 
 TEST(ExactNames, KeepAllThatAFileSystemCanHold) {
