@@ -220,6 +220,7 @@ void Processor::fail(int index, const std::string& log_line, const std::string& 
 
 void Processor::cancel(int index, const std::string& error_text) {
   queue_.at(index).error_text = error_text;
+  queue_.at(index).is_under_review = false;
   set_state(index, QueueState::Cancelled);
 }
 
@@ -227,8 +228,10 @@ void Processor::cancel(int index, const std::string& error_text) {
 void Processor::process_item(int index) {
   at_work_ = index;
   QueueItem& item = queue_.at(index);
+  // What the user looks at is not done behind his back, whatever the setting says by now.
+  const bool is_under_review = item.is_under_review || settings_.review;
   item.forget_findings();
-  item.is_under_review = settings_.review;
+  item.is_under_review = is_under_review;
   const Identified found = identification_->identify(item, [&](QueueState state) {
     set_state(index, state);
     // At the search a wish to quit waits, so that each item that was taken is looked for.
@@ -247,7 +250,7 @@ void Processor::process_item(int index) {
                 "Found listings, but no filter could be found to move/rename the file");
   }
 
-  if (settings_.review) {
+  if (item.is_under_review) {
     pipeline_.plan(item);
     view_.update_lv(index);
     return;

@@ -37,6 +37,7 @@ const MarkFacts& facts_of(Mark mark) {
   return marks.at(static_cast<std::size_t>(mark));
 }
 
+constexpr const char* enter_numbers = "Enter season and episode as in \"2x05\".";
 constexpr const char* forbidden = "\\/:*?\"<>|";
 
 std::string counted(int count, const char* one, const char* several) {
@@ -86,6 +87,7 @@ void ReviewSheet::collect() {
     const auto [place, is_new] = places.try_emplace(key, groups_.size());
     if (is_new) {
       Group& group = groups_.emplace_back();
+      group.key = key;
       if (is_read) group.read_as = item.reading ? show_text(*item.reading) : item.search_name;
       if (item.reading && is_read && item.reading->show != item.search_name) {
         group.read_as += ", searched for as \"" + item.search_name + "\"";
@@ -219,6 +221,11 @@ std::string ReviewSheet::folder(int item) const {
   return parts_.queue.at(item).is_planned ? parts_.queue.at(item).dest_path : "";
 }
 
+bool ReviewSheet::moves(int item) const {
+  const QueueItem& each = parts_.queue.at(item);
+  return each.is_planned && each.dest_path != with_separator(getpath(each.path, 0));
+}
+
 std::string ReviewSheet::numbers(int item) const {
   const QueueItem& each = parts_.queue.at(item);
   if (!each.is_planned && each.corrected) return numbers_of(*each.corrected);
@@ -291,19 +298,31 @@ std::string ReviewSheet::rename(int item, const std::string& name) {
   return {};
 }
 
-std::string ReviewSheet::correct(int item, const std::string& numbers) {
-  QueueItem& each = parts_.queue.at(item);
+/// What the user's numbers say, or a sentence that says why they cannot be used.
+std::variant<Reading, std::string> ReviewSheet::read_numbers(const std::string& numbers) const {
   const std::string text(trim(numbers));
-  if (text.find_first_of(forbidden) != std::string::npos) return "Enter season and episode as in \"2x05\".";
+  if (text.find_first_of(forbidden) != std::string::npos) return std::string(enter_numbers);
   const std::string show = "Show";
   const Reading reading = read_name(show + " " + text);
   if (reading.show != show || !reading.has_numbers() || !reading.certain) {
-    return "Enter season and episode as in \"2x05\".";
+    return std::string(enter_numbers);
   }
   if (!parts_.settings.exact && (!reading.season || reading.episodes.size() != 1)) {
-    return "Enter one season and one episode, as in \"2x05\"; more needs exact names.";
+    return std::string("Enter one season and one episode, as in \"2x05\"; more needs exact names.");
   }
-  each.corrected = reading;
+  return reading;
+}
+
+std::string ReviewSheet::refusal_of(const std::string& numbers) const {
+  const auto read = read_numbers(numbers);
+  const auto* const refusal = std::get_if<std::string>(&read);
+  return refusal != nullptr ? *refusal : "";
+}
+
+std::string ReviewSheet::correct(int item, const std::string& numbers) {
+  const auto read = read_numbers(numbers);
+  if (const auto* const refusal = std::get_if<std::string>(&read)) return *refusal;
+  parts_.queue.at(item).corrected = std::get<Reading>(read);
   parts_.processor.take_again({item}, false);
   refresh();
   return {};

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "fileops/batch.h"
@@ -45,6 +46,7 @@ class ReviewSheet {
 
   /// Items whose names say the same show.
   struct Group {
+    std::string key;         // no other one's, and its own for good
     std::string read_as;     // the show as it was read, or what an exception puts in its place
     std::string found;       // the show that was found for it; empty where none was
     std::vector<int> items;  // in the queue's order
@@ -61,6 +63,7 @@ class ReviewSheet {
   /// Whether any operation waits for the user's word.
   bool is_waiting() const;
 
+  bool holds(int item) const { return rows_.contains(item); }
   const std::vector<Group>& groups() const { return groups_; }
   bool shows(int item, Filter filter) const;
 
@@ -79,6 +82,8 @@ class ReviewSheet {
   std::string numbers(int item) const;
   /// Where the file goes; empty where that is not known.
   std::string folder(int item) const;
+  /// Whether that is another one than where it is.
+  bool moves(int item) const;
 
   /// "12 files, 11 ready, 1 needs a decision".
   std::string heading() const;
@@ -99,6 +104,8 @@ class ReviewSheet {
   /// The file has these numbers: "2x05", "S02E05", and with exact names "2x05-06", a date and an absolute number. It is
   /// looked up again.
   std::string correct(int item, const std::string& numbers);
+  /// What correct() would refuse these numbers with.
+  std::string refusal_of(const std::string& numbers) const;
 
   /// Does what is ticked, and cancels the rest. Files change while it runs, and events run.
   void apply();
@@ -113,6 +120,7 @@ class ReviewSheet {
     bool is_related = false;  // its mark may depend on what else is ticked
   };
 
+  std::variant<Reading, std::string> read_numbers(const std::string& numbers) const;
   void collect();
   void weigh_all();
   void weigh(const std::vector<int>& items);

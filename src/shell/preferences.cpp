@@ -121,6 +121,11 @@ void turn_exact_names(Session& session, bool on) {
   session.settings_store.write_number("exact", on ? 1 : 0);
 }
 
+void turn_review_first(Session& session, bool on) {
+  session.settings.review = on;
+  session.settings_store.write_number("review", on ? 1 : 0);
+}
+
 std::string lost_characters_notice(const Session& session, int count) {
   if (count == 0 || session.settings.exact || is_switched_off(session.settings_store, lost_characters_message))
     return {};

@@ -16,8 +16,9 @@ void load_preferences(Session& session);
 /// for some.
 bool apply_preferences(Session& session, Settings wanted);
 
-/// Turns exact names on or off, and stores nothing else.
+/// Each turns one setting on or off, and stores nothing else.
 void turn_exact_names(Session& session, bool on);
+void turn_review_first(Session& session, bool on);
 
 /// What to tell after a pass in which this many names lost characters that exact names would have kept; empty when
 /// there is nothing to tell, or the user does not want to hear of it.

@@ -1,8 +1,6 @@
 #include "ui/empty_hint.h"
 
 #include <wx/settings.h>
-#include <wx/sizer.h>
-#include <wx/stattext.h>
 
 #include <utility>
 
@@ -10,20 +8,21 @@
 
 namespace quorvel::ui {
 
-EmptyHint::EmptyHint(wxWindow* parent, std::function<void(bool)> turn_exact_names)
+EmptyHint::EmptyHint(wxWindow* parent, Turn turn_exact_names, Turn turn_review_first)
     // A window of its own, over the list's: the list paints its whole area.
     : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxBORDER_NONE | wxTAB_TRAVERSAL, "hint") {
-  auto* const what_to_do = new wxStaticText(this, wxID_ANY, "Drop files or folders here");
-  exact_names_ = new wxCheckBox(this, wxID_ANY, "&Exact Names", wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator,
-                                "exact_names");
-  auto* const meaning = new wxStaticText(
-      this, wxID_ANY, "Names files just as TVmaze does, and leaves a file alone rather than guess what it is.");
-  exact_names_->SetToolTip(meaning->GetLabel());  // which screen readers read out with it
-  exact_names_->Bind(wxEVT_CHECKBOX,
-                     [turn = std::move(turn_exact_names)](const wxCommandEvent& event) { turn(event.IsChecked()); });
-  const auto colour = [this, what_to_do, meaning] {
+  auto* const sizer = new wxBoxSizer(wxVERTICAL);
+  texts_ = {new wxStaticText(this, wxID_ANY, "Drop files or folders here")};
+  sizer->Add(texts_.front(), wxSizerFlags().CenterHorizontal());
+  exact_names_ = add_choice(*sizer, "&Exact Names", "exact_names",
+                            "Names files just as TVmaze does, and leaves a file alone rather than guess what it is.",
+                            std::move(turn_exact_names));
+  review_first_ = add_choice(*sizer, "&Review First", "review_first",
+                             "Shows all new names first, for you to correct and to apply. Until then no file changes.",
+                             std::move(turn_review_first));
+  const auto colour = [this] {
     SetBackgroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_LISTBOX));
-    for (wxStaticText* const text : {what_to_do, meaning}) {
+    for (wxStaticText* const text : texts_) {
       text->SetForegroundColour(wxSystemSettings::GetColour(wxSYS_COLOUR_GRAYTEXT));
     }
   };
@@ -32,12 +31,19 @@ EmptyHint::EmptyHint(wxWindow* parent, std::function<void(bool)> turn_exact_name
     event.Skip();
     colour();
   });
-  auto* const sizer = new wxBoxSizer(wxVERTICAL);
-  sizer->Add(what_to_do, wxSizerFlags().CenterHorizontal().Border(wxBOTTOM, scaled(*this, 24)));
-  sizer->Add(exact_names_, wxSizerFlags().CenterHorizontal().Border(wxBOTTOM, scaled(*this, 4)));
-  sizer->Add(meaning, wxSizerFlags().CenterHorizontal());
   SetSizerAndFit(sizer);
   Raise();
+}
+
+wxCheckBox* EmptyHint::add_choice(wxSizer& sizer, const char* label, const char* name, const char* meaning, Turn turn) {
+  auto* const box =
+      new wxCheckBox(this, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
+  box->SetToolTip(meaning);  // which screen readers read out with it
+  box->Bind(wxEVT_CHECKBOX, [turn = std::move(turn)](const wxCommandEvent& event) { turn(event.IsChecked()); });
+  texts_.push_back(new wxStaticText(this, wxID_ANY, meaning));
+  sizer.Add(box, wxSizerFlags().CenterHorizontal().Border(wxTOP, scaled(*this, 24)));
+  sizer.Add(texts_.back(), wxSizerFlags().CenterHorizontal().Border(wxTOP, scaled(*this, 4)));
+  return box;
 }
 
 }  // namespace quorvel::ui

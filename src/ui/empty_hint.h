@@ -2,22 +2,32 @@
 
 #include <wx/checkbox.h>
 #include <wx/panel.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
 
 #include <functional>
+#include <vector>
 
 namespace quorvel::ui {
 
-/// What lies over the queue's list while there is nothing in it: what to do, and the choice of the way in which it is
-/// done.
+/// What lies over the queue's list while there is nothing in it: what to do, and in which way that is to be done.
 class EmptyHint : public wxPanel {
  public:
-  /// `turn_exact_names` is called when the user ticks or clears the box.
-  EmptyHint(wxWindow* parent, std::function<void(bool)> turn_exact_names);
+  using Turn = std::function<void(bool)>;
 
-  void show_exact_names(bool on) { exact_names_->SetValue(on); }
+  /// Each is called when the user ticks or clears its box.
+  EmptyHint(wxWindow* parent, Turn turn_exact_names, Turn turn_review_first);
+
+  void show(bool exact_names, bool review_first) {
+    exact_names_->SetValue(exact_names);
+    review_first_->SetValue(review_first);
+  }
 
  private:
-  wxCheckBox* exact_names_;
+  wxCheckBox* add_choice(wxSizer& sizer, const char* label, const char* name, const char* meaning, Turn turn);
+
+  wxCheckBox *exact_names_ = nullptr, *review_first_ = nullptr;
+  std::vector<wxStaticText*> texts_;
 };
 
 }  // namespace quorvel::ui

@@ -13,6 +13,7 @@
 
 #include "platform/native.h"
 #include "shell/dialogs.h"
+#include "shell/preferences.h"
 #include "shell/version.h"
 #include "text/restored.h"
 #include "ui/desktop.h"
@@ -112,10 +113,10 @@ void MainFrame::build() {
   panel->Hide();  // else each part is laid out as it comes, in a space that is not yet the right one
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
   queue_page_ =
-      new QueuePage(TabStrip1_, menus_.mnuList3,
+      new QueuePage(TabStrip1_, menus_.mnuList3, menus_.mnuList6,
                     {*session_, *launcher_, stack_,
                      [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); },
-                     [this] { return stopped_; }, [this] { stop(); }});
+                     [this] { return stopped_; }, [this] { stop(); }, [this] { show_settings(); }});
   TabStrip1_->AddPage(queue_page_, "File Queue");
   TabStrip1_->AddPage(filter_page_ = build_filter_page(), "Filter List");
   TabStrip1_->AddPage(exception_page_ = build_exception_page(), "Exceptions");
@@ -129,6 +130,7 @@ void MainFrame::build() {
   set_spoken_name(*List3_, "Log");
   panel->Show();
   fix_size(*this, window_size);
+  show_settings();
   queue_page_->list().SetFocus();
 }
 
@@ -188,6 +190,10 @@ void MainFrame::bind_commands() {
   on(mnuExit, [this] { Close(); });
   on(mnuExit2, [this] { Close(); });
   on(mnuPrefs, [this] { show_preferences(); });
+  on(mnuReview, [this] {
+    turn_review_first(*session_, !session_->settings.review);
+    show_settings();
+  });
   on(mnuHistory, [this] { queue_page_->show_history(); });
   on(mnuUndoPass, [this] {
     TabStrip1_->SetSelection(0);  // where the outcome is told
@@ -204,11 +210,16 @@ void MainFrame::bind_commands() {
   on(mnuAddFilter2, [this] { edit_filter(0); });
   on(mnuInfo, [this] { queue_page_->show_info(); });
   on(mnuUndo, [this] { queue_page_->undo(); });
-  on(mnuSpecify, [this] { add_exception(queue_page_->menu_item()); });
+  on(mnuSpecify, [this] {
+    if (add_exception(queue_page_->menu_item())) queue_page_->exception_added();
+  });
   on(mnuChoose, [this] { queue_page_->choose_show(); });
   on(mnuLookUp, [this] { queue_page_->look_up_again(); });
   on(mnuRetryThis, [this] { queue_page_->retry(); });
   on(mnuFolder, [this] { queue_page_->open_folders(); });
+  on(mnuEditName, [this] { queue_page_->review().edit_name(); });
+  on(mnuReviewAgain, [this] { queue_page_->review().look_up_again(); });
+  on(mnuEditNumbers, [this] { queue_page_->review().edit_numbers(); });
   on(mnuRetry, [this] { run({}, [this] { session_->processor.retry_failed(); }); });
   on(mnuAddEx, [this] { add_exception(0); });
   on(mnuRemEx, [this] { exception_page_->remove(); });
@@ -223,6 +234,7 @@ void MainFrame::bind_commands() {
 void MainFrame::update_row(int index, const RowUpdate& update) {
   queue_page_->list().update_row(index, update);
   work_.row = index;
+  queue_page_->review().changed();
 }
 
 void MainFrame::process_events() {
@@ -346,15 +358,24 @@ void MainFrame::edit_filter(int index) {
   if (stack_.show_modal(dialog) == wxID_OK) filter_page_->list().select(index > 0 ? index : session_->filters.count());
 }
 
-void MainFrame::add_exception(int item) {
+/// False when the user has thought better of it.
+bool MainFrame::add_exception(int item) {
   ExceptionDialog dialog(dialog_parent(), *session_);
   dialog.setQID(item);
-  if (stack_.show_modal(dialog) == wxID_OK) exception_page_->list().select(session_->exceptions.count());
+  if (stack_.show_modal(dialog) != wxID_OK) return false;
+  exception_page_->list().select(session_->exceptions.count());
+  return true;
 }
 
 void MainFrame::show_preferences() {
   PreferencesDialog dialog(dialog_parent(), *session_, keep_temp_);
   stack_.show_modal(dialog);
+  show_settings();
+}
+
+/// Wherever they are seen.
+void MainFrame::show_settings() {
+  GetMenuBar()->Check(mnuReview, session_->settings.review);
   queue_page_->show_settings();
 }
 

@@ -92,9 +92,10 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
   void on_start_timer();
   void on_add_file();
   void edit_filter(int index);
-  void add_exception(int item);
+  bool add_exception(int item);
   void show_about();
   void show_preferences();
+  void show_settings();
 
   Session* session_ = nullptr;
   Launcher* launcher_ = nullptr;

@@ -10,11 +10,14 @@ namespace {
 struct Item {
   int command;
   const char* text = "";
+  wxItemKind kind = wxITEM_NORMAL;
 };
 constexpr Item separator{wxID_SEPARATOR};
 
 void fill(wxMenu& menu, std::initializer_list<Item> items) {
-  for (const Item& item : items) menu.Append(item.command, to_wx(item.text));
+  for (const Item& item : items) {
+    menu.Append(item.command, to_wx(item.text), wxString(), item.kind);
+  }
 }
 
 }  // namespace
@@ -28,6 +31,7 @@ wxMenuBar* menu_bar() {
   };
   add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, {mnuStop, "&Stop\tEsc"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
   add("&Options", {{mnuPrefs, "&Preferences"},
+                   {mnuReview, "&Review First\tCtrl+R", wxITEM_CHECK},
                    separator,
                    {mnuHistory, "&History\u2026\tCtrl+H"},
                    {mnuUndoPass, "&Undo Last Pass\tCtrl+Z"}});
@@ -61,6 +65,15 @@ ListMenus::ListMenus() {
                   separator,
                   {mnuRetry, "&Retry Failed"}});
   fill(mnuList4, {{mnuAddEx, "&Add Exception"}, {mnuRemEx, "&Remove Exception\tDel"}});
+  fill(mnuList6, {{mnuEditName, "Edit &Name\tF2"},
+                  {mnuEditNumbers, "Correct &Episode\tShift+F2"},
+                  separator,
+                  {mnuChoose, "&Choose Show\u2026"},
+                  {mnuSpecify, "Add E&xception\u2026"},
+                  {mnuReviewAgain, "&Look Up Again"},
+                  separator,
+                  {mnuInfo, "Show &Info"},
+                  {mnuFolder, "Open &Folder"}});
   fill(mnuList5, {{mnuAddEx2, "&Add Exception"}});
 }
 

@@ -12,6 +12,7 @@ enum MenuCommand {
   mnuStop,
   mnuExit,
   mnuPrefs,
+  mnuReview,
   mnuHistory,
   mnuUndoPass,
   mnuHelpGuide,
@@ -32,6 +33,9 @@ enum MenuCommand {
   mnuRetryThis,
   mnuFolder,
   mnuRetry,
+  mnuEditName,
+  mnuEditNumbers,
+  mnuReviewAgain,
   mnuAddEx,
   mnuRemEx,
   mnuAddEx2,
@@ -51,6 +55,7 @@ struct ListMenus {
   wxMenu mnuList3;  // on a queue item
   wxMenu mnuList4;  // on an exception
   wxMenu mnuList5;  // on the exception list's empty area
+  wxMenu mnuList6;  // on a row of the review
 };
 
 }  // namespace quorvel::ui

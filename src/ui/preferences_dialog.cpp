@@ -20,15 +20,16 @@ constexpr int max_days = 32767;  // what is stored is no larger
 struct Box {
   const char *setting, *label, *name;
 };
-constexpr std::array<Box, 9> boxes = {{{"autoclose", "Close &when done", "Check6"},
-                                       {"logging", "&Verbose Logging", "Check5"},
-                                       {"confirm", "Confirm &File Operations", "Check2"},
-                                       {"exact", "&Exact Names", "Check8"},
-                                       {"strict", "Fail What Ma&y Be Read Otherwise", "Check9"},
-                                       {"verify", "&Read Back What Is Moved to Another Drive", "Check7"},
-                                       {"nocache", "&Disable Cache", "Check3"},
-                                       {"noutf8", "Disable &UTF-8 Decoding", "Check4"},
-                                       {"context", "Add To Context &Menu for Folders && Video Files", "Check1"}}};
+constexpr std::array<Box, 10> boxes = {{{"autoclose", "Close &when done", "Check6"},
+                                        {"logging", "&Verbose Logging", "Check5"},
+                                        {"confirm", "Confirm &File Operations", "Check2"},
+                                        {"review", "Rev&iew First", "Check10"},
+                                        {"exact", "&Exact Names", "Check8"},
+                                        {"strict", "Fail What Ma&y Be Read Otherwise", "Check9"},
+                                        {"verify", "&Read Back What Is Moved to Another Drive", "Check7"},
+                                        {"nocache", "&Disable Cache", "Check3"},
+                                        {"noutf8", "Disable &UTF-8 Decoding", "Check4"},
+                                        {"context", "Add To Context &Menu for Folders && Video Files", "Check1"}}};
 
 const NumberSetting& setting_of(const Box& box) {
   return *std::find_if(number_settings.begin(), number_settings.end(),

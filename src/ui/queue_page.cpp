@@ -27,19 +27,28 @@ constexpr std::size_t max_folders = 10;  // that are opened at once
 
 }  // namespace
 
-QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, Window window)
+QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window window)
     : wxPanel(parent),
       window_(std::move(window)),
       menu_(menu),
       list_(new QueueList(this)),
-      hint_(new EmptyHint(list_, [this](bool on) { turn_exact_names(window_.session, on); })),
+      hint_(new EmptyHint(
+          list_, [this](bool on) { turn_exact_names(window_.session, on); },
+          [this](bool on) {
+            turn_review_first(window_.session, on);
+            window_.show_settings();
+          })),
       bar_(new MessageBar(this, *list_)),
+      strip_(new ReviewStrip(this, [this] { show_review(true); })),
+      review_(make_review(review_menu)),
       past_undoing_(window_.session) {
   list_->set_hint(*hint_);
   show_settings();
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(list_, wxSizerFlags(1).Expand().Border());
   sizer->Add(bar_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  sizer->Add(strip_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  sizer->Add(review_, wxSizerFlags(1).Expand().Border());
   SetSizer(sizer);
   list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     event.Skip();
@@ -67,11 +76,40 @@ QueuePage::~QueuePage() {
 }
 
 void QueuePage::show_settings() {
-  hint_->show_exact_names(window_.session.settings.exact);
+  hint_->show(window_.session.settings.exact, window_.session.settings.review);
+  review_->update();
   if (window_.session.settings.exact) bar_->close();
 }
 
+ReviewPage* QueuePage::make_review(wxMenu& menu) {
+  return new ReviewPage(
+      this,
+      {window_.session, menu, [this](const std::function<void()>& action) { window_.run({}, action); }, window_.stop,
+       [this] { return is_undoing_; },
+       [this](wxMenu& over, const wxPoint& at) { window_.stack.pop_up(*review_, over, at); },
+       [this](const std::string& question) { return ask(question, "Cancel Review", "&Cancel Review", "&Go Back"); },
+       [this](const std::vector<int>& items) { items_ = items; }, [this](bool on) { show_review(on); },
+       [this](const std::string& heading) { strip_->tell(review_->IsShown() ? "" : heading); }});
+}
+
+/// The review in the list's place, or the list again.
+void QueuePage::show_review(bool on) {
+  if (on == review_->IsShown()) return;
+  const bool has_focus = IsDescendant(FindFocus());
+  list_->Show(!on);
+  review_->Show(on);
+  review_->shown(on);
+  strip_->tell(on || !review_->has_work() ? "" : review_->heading());
+  Layout();
+  if (has_focus) on ? review_->focus() : list_->SetFocus();
+}
+
+void QueuePage::exception_added() {
+  if (review_->IsShown()) retry();
+}
+
 void QueuePage::on_pass_ended() {
+  review_->pass_ended();
   Session& session = window_.session;
   const std::string notice = lost_characters_notice(session, std::exchange(lost_characters_, 0));
   if (notice.empty()) return;
@@ -200,10 +238,9 @@ void QueuePage::show_history() {
   window_.stack.show_modal(dialog);
 }
 
-bool QueuePage::ask_to_undo(const std::string& question) {
-  wxGenericMessageDialog dialog(window_.stack.dialog_parent(*this), to_wx(question), "Undo Last Pass",
-                                wxYES_NO | wxICON_QUESTION);
-  dialog.SetYesNoLabels("&Undo", "&Cancel");
+bool QueuePage::ask(const std::string& question, const char* title, const char* yes, const char* no) {
+  wxGenericMessageDialog dialog(window_.stack.dialog_parent(*this), to_wx(question), title, wxYES_NO | wxICON_QUESTION);
+  dialog.SetYesNoLabels(yes, no);
   return window_.stack.show_modal(dialog) == wxID_YES;
 }
 
@@ -218,7 +255,9 @@ void QueuePage::undo_last_pass() {
   const std::optional<PastPass> pass = past_undoing_.last_pass();
   if (!pass) return bar_->show("There is nothing to undo.", {});
   // Events run while the question is open.
-  if (pass->undoable() > 1 && (!ask_to_undo(undo_question(*pass, session.ports.clock)) || is_hindered())) return;
+  if (pass->undoable() > 1 &&
+      (!ask(undo_question(*pass, session.ports.clock), "Undo Last Pass", "&Undo", "&Cancel") || is_hindered()))
+    return;
   PastUndoing::Result result;
   run_undoing({0, true},
               [&] { result = past_undoing_.undo(pass->operations, [this](int, int) { return goes_on(); }); });

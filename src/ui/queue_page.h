@@ -15,6 +15,8 @@
 #include "ui/empty_hint.h"
 #include "ui/lists.h"
 #include "ui/message_bar.h"
+#include "ui/review_page.h"
+#include "ui/review_strip.h"
 
 namespace quorvel::ui {
 
@@ -35,13 +37,15 @@ class QueuePage : public wxPanel {
     std::function<void(const Work&, const std::function<void()>&)> run;
     std::function<bool()> is_stopped;  // by the user, since that began
     std::function<void()> stop;
+    std::function<void()> show_settings;  // everywhere, when the page has changed them
   };
 
-  /// `menu` pops up over an item.
-  QueuePage(wxWindow* parent, wxMenu& menu, Window window);
+  /// `menu` pops up over an item, `review_menu` over one under review.
+  QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window window);
   ~QueuePage() override;
 
   QueueList& list() { return *list_; }
+  ReviewPage& review() { return *review_; }
 
   /// After the settings have been changed elsewhere.
   void show_settings();
@@ -58,6 +62,8 @@ class QueuePage : public wxPanel {
   void look_up_again();
   void retry();
   void open_folders();
+  /// An exception has been added for one of them.
+  void exception_added();
 
   // The history's.
 
@@ -67,18 +73,22 @@ class QueuePage : public wxPanel {
  private:
   void on_menu(const wxContextMenuEvent& event);
   void on_pass_ended();
+  ReviewPage* make_review(wxMenu& menu);
+  void show_review(bool on);
   void take_again(bool anew);
   void open_menu(const wxPoint& at);
   std::string hindrance() const;
   bool goes_on() const;
   void run_undoing(const Work& work, const std::function<void()>& action);
-  bool ask_to_undo(const std::string& question);
+  bool ask(const std::string& question, const char* title, const char* yes, const char* no);
 
   const Window window_;
   wxMenu& menu_;
   QueueList* list_;
   EmptyHint* hint_;
   MessageBar* bar_;
+  ReviewStrip* strip_;
+  ReviewPage* review_;
   std::vector<int> items_;
   bool is_undoing_ = false;
   PastUndoing past_undoing_;

@@ -49,7 +49,7 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   EXPECT_EQ(
       all,
       "File: Add File|Stop|-|Exit\n"
-      "Options: Preferences|-|History\u2026|Undo Last Pass\n"
+      "Options: Preferences|Review First|-|History\u2026|Undo Last Pass\n"
       "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
       "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Add Filter;Edit Filter|Remove "
       "Filter|-|Add Filter\n"
@@ -224,7 +224,8 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   on_dialog([](wxDialog& dialog) {
     EXPECT_EQ(
         shown(dialog),
-        "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Exact Names|o Fail What May Be "
+        "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Review First|o Exact Names|o "
+        "Fail What May Be "
         "Read Otherwise|o Read Back What Is Moved to Another Drive|o Disable Cache|o Disable UTF-8 Decoding|o Add "
         "To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|Days to Keep "
         "the History:|OK|Cancel|");
@@ -238,7 +239,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   EXPECT_TRUE(key_values.texts["types"] == "mov" && logged("Keep temp on") == 1);
   std::string seen;
   const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5",
-                               "Check6", "Check7", "Check8", "Check9"};
+                               "Check6", "Check7", "Check8", "Check9", "Check10"};
   for (const char* const wanted : boxes) {
     on_dialog([&, wanted](wxDialog& dialog) {
       for (const char* const box : boxes) {
@@ -255,7 +256,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   }
   EXPECT_EQ(seen,
             "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose Check6, "
-            "verify Check7, exact Check8, strict ");
+            "verify Check7, exact Check8, strict Check9, review ");
 }
 
 TEST_F(TestWindow, AShowIsChosenForTheFilesOfItsNameAndTheyAreLookedUpAgain) {

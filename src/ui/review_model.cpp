@@ -1,0 +1,265 @@
+#include "ui/review_model.h"
+
+#include <algorithm>
+
+#include "naming/file_names.h"
+#include "platform/user_interface.h"
+#include "review/changes.h"
+#include "ui/text.h"
+
+namespace quorvel::ui {
+namespace {
+
+wxString escaped(wxString text) {
+  text.Replace("&", "&amp;");
+  text.Replace("<", "&lt;");
+  text.Replace(">", "&gt;");
+  return text;
+}
+
+/// What the old name lacks is bold, which is seen in every theme.
+wxString marked_changes(const std::string& old_name, const std::string& new_name) {
+  wxString markup;
+  for (const NamePart& part : changes(old_name, new_name)) {
+    const wxString text = escaped(to_wx(part.text));
+    markup += part.is_new ? "<b>" + text + "</b>" : text;
+  }
+  return markup;
+}
+
+wxString counted(std::size_t count) {
+  return std::to_string(count) + (count == 1 ? " file" : " files");
+}
+
+}  // namespace
+
+// What is shown.
+
+bool ReviewModel::update(ReviewSheet::Filter filter) {
+  const Tree tree = wanted(filter);
+  const bool goes_on = extends(tree);
+  goes_on ? append(tree) : replace(tree);
+  if (goes_on) tell_changes();
+  return goes_on;
+}
+
+ReviewModel::Tree ReviewModel::wanted(ReviewSheet::Filter filter) {
+  Tree tree;
+  for (const ReviewSheet::Group& group : sheet_.groups()) {
+    Nodes files;
+    for (const int item : group.items) {
+      if (!sheet_.shows(item, filter)) continue;
+      Node& file = file_nodes_[item];
+      file.item = item;
+      files.push_back(&file);
+    }
+    if (files.empty()) continue;
+    Node& node = group_nodes_[group.key];
+    node.read_as = group.read_as;
+    node.found = group.found;
+    tree.emplace_back(&node, std::move(files));
+  }
+  return tree;
+}
+
+/// Whether what is shown is a beginning of it, in each group and as a whole.
+bool ReviewModel::extends(const Tree& tree) const {
+  if (shown_.children.empty() || shown_.children.size() > tree.size()) return false;
+  for (std::size_t i = 0; i < shown_.children.size(); ++i) {
+    const auto& [group, files] = tree[i];
+    const Nodes& known = group->children;
+    if (shown_.children[i] != group || known.size() > files.size()) return false;
+    if (!std::equal(known.begin(), known.end(), files.begin())) return false;
+  }
+  return true;
+}
+
+void ReviewModel::append(const Tree& tree) {
+  for (std::size_t i = 0; i < tree.size(); ++i) {
+    const auto& [group, files] = tree[i];
+    if (i >= shown_.children.size()) {
+      group->children.clear();
+      shown_.children.push_back(group);
+      ItemAdded(wxDataViewItem(), row_of(group));
+    }
+    for (std::size_t at = group->children.size(); at < files.size(); ++at) {
+      files[at]->group = group;
+      files[at]->looks = looks_of(*files[at]);
+      group->children.push_back(files[at]);
+      ItemAdded(row_of(group), row_of(files[at]));
+    }
+  }
+}
+
+void ReviewModel::replace(const Tree& tree) {
+  for (Node* const group : shown_.children) group->children.clear();
+  shown_.children.clear();
+  for (const auto& [group, files] : tree) {
+    shown_.children.push_back(group);
+    group->children = files;
+    for (Node* const file : files) {
+      file->group = group;
+      file->looks = looks_of(*file);
+    }
+    group->looks = looks_of(*group);
+  }
+  Cleared();
+}
+
+void ReviewModel::tell_changes() {
+  wxDataViewItemArray changed;
+  const auto look_at = [&](Node* node) {
+    std::string looks = looks_of(*node);
+    if (looks == node->looks) return;
+    node->looks = std::move(looks);
+    changed.push_back(row_of(node));
+  };
+  for (Node* const group : shown_.children) {
+    look_at(group);
+    for (Node* const file : group->children) look_at(file);
+  }
+  if (!changed.empty()) ItemsChanged(changed);
+}
+
+std::string ReviewModel::looks_of(const Node& node) const {
+  constexpr char separator = '\n';
+  if (node.item == 0) {
+    const std::vector<int> items = tickable(node);
+    return node.read_as + separator + node.found + separator + std::to_string(ticked(items)) + separator +
+           std::to_string(items.size());
+  }
+  if (!sheet_.holds(node.item)) return {};
+  return sheet_.new_name(node.item) + separator + sheet_.folder(node.item) + separator + sheet_.numbers(node.item) +
+         separator + sheet_.mark_text(node.item) + (sheet_.is_ticked(node.item) ? "x" : "o");
+}
+
+bool ReviewModel::moves_files() const {
+  const auto moves = [this](const Node* file) { return sheet_.holds(file->item) && sheet_.moves(file->item); };
+  return std::ranges::any_of(shown_.children,
+                             [&](const Node* group) { return std::ranges::any_of(group->children, moves); });
+}
+
+// Rows.
+
+wxDataViewItemArray ReviewModel::items_of(const Nodes& nodes) {
+  wxDataViewItemArray items;
+  for (Node* const node : nodes) items.push_back(row_of(node));
+  return items;
+}
+
+wxDataViewItem ReviewModel::row_of(int item) const {
+  const auto at = file_nodes_.find(item);
+  if (at == file_nodes_.end() || at->second.group == nullptr) return {};
+  const Nodes& shown = at->second.group->children;
+  const auto found = std::ranges::find(shown, &at->second);
+  return found == shown.end() ? wxDataViewItem() : row_of(*found);
+}
+
+std::vector<int> ReviewModel::files_of(const wxDataViewItem& row) {
+  if (const int item = item_of(row); item > 0) return {item};
+  std::vector<int> items;
+  for (const Node* const file : node_of(row).children) items.push_back(file->item);
+  return items;
+}
+
+std::vector<int> ReviewModel::tickable(const Node& node) const {
+  std::vector<int> items;
+  for (const Node* const file : node.children) {
+    if (sheet_.holds(file->item) && sheet_.may_tick(file->item)) items.push_back(file->item);
+  }
+  return items;
+}
+
+int ReviewModel::ticked(const std::vector<int>& items) const {
+  return static_cast<int>(std::ranges::count_if(items, [this](int item) { return sheet_.is_ticked(item); }));
+}
+
+// What the control asks for.
+
+wxString ReviewModel::GetColumnType(unsigned column) const {
+  return column == Tick ? "bool" : column == Status ? "wxDataViewIconText" : "string";
+}
+
+void ReviewModel::GetValue(wxVariant& value, const wxDataViewItem& row, unsigned column) const {
+  const Node& node = node_of(row);
+  const bool is_there = node.item == 0 || sheet_.holds(node.item);
+  if (column == Tick) {
+    const std::vector<int> items = node.item == 0 ? tickable(node) : std::vector<int>{};
+    value = node.item == 0 ? !items.empty() && ticked(items) == static_cast<int>(items.size())
+                           : is_there && sheet_.is_ticked(node.item);
+    return;
+  }
+  const wxString cell = node.item == 0 ? group_text(node, column) : is_there ? text(node.item, column) : wxString();
+  if (column != Status) {
+    value = cell;
+    return;
+  }
+  wxDataViewIconText marked(cell);
+  if (node.item > 0 && is_there) marked.SetBitmapBundle(icon(node.item));
+  value << marked;
+}
+
+bool ReviewModel::SetValue(const wxVariant& value, const wxDataViewItem& row, unsigned column) {
+  if (column != Tick) return false;
+  on_tick(files_of(row), value.GetBool());
+  return true;
+}
+
+wxString ReviewModel::group_text(const Node& node, unsigned column) const {
+  if (column == OldName) return node.read_as.empty() ? wxString("No show in the name") : to_wx(node.read_as);
+  if (column == NewName) {
+    return escaped(node.read_as.empty() || !node.found.empty() ? to_wx(node.found) : wxString("No show found"));
+  }
+  if (column != Status) return {};
+  const std::vector<int> items = tickable(node);
+  const int count = ticked(items);
+  return count == static_cast<int>(node.children.size())
+             ? counted(node.children.size())
+             : std::to_string(count) + " of " + counted(node.children.size());
+}
+
+wxString ReviewModel::text(int item, unsigned column) const {
+  switch (column) {
+    case OldName:
+      return to_wx(sheet_.old_name(item));
+    case NewName:
+      return marked_changes(sheet_.old_name(item), sheet_.new_name(item));
+    case Numbers:
+      return to_wx(sheet_.numbers(item));
+    case Folder:
+      return to_wx(sheet_.folder(item));
+    default:
+      return to_wx(sheet_.mark_text(item));
+  }
+}
+
+const wxBitmapBundle& ReviewModel::icon(int item) const {
+  const Need need = need_of(sheet_.mark(item));
+  const RowUpdate::Icon icon = need == Need::Nothing    ? RowUpdate::DoneIcon
+                               : need == Need::Decision ? RowUpdate::LookIcon
+                                                        : RowUpdate::FailedIcon;
+  return icons_[static_cast<std::size_t>(icon - RowUpdate::DoneIcon)];
+}
+
+bool ReviewModel::GetAttr(const wxDataViewItem& row, unsigned column, wxDataViewItemAttr& attributes) const {
+  if (item_of(row) > 0 || column == NewName) return false;
+  attributes.SetBold(true);
+  return true;
+}
+
+bool ReviewModel::IsEnabled(const wxDataViewItem& row, unsigned column) const {
+  if (column != Tick) return true;
+  const Node& node = node_of(row);
+  return node.item == 0 ? !tickable(node).empty() : sheet_.holds(node.item) && sheet_.may_tick(node.item);
+}
+
+wxDataViewItem ReviewModel::GetParent(const wxDataViewItem& row) const {
+  return row.IsOk() && node_of(row).group != nullptr ? row_of(node_of(row).group) : wxDataViewItem();
+}
+
+unsigned ReviewModel::GetChildren(const wxDataViewItem& row, wxDataViewItemArray& children) const {
+  children = items_of(row.IsOk() ? node_of(row).children : shown_.children);
+  return static_cast<unsigned>(children.size());
+}
+
+}  // namespace quorvel::ui
