@@ -39,7 +39,7 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window
             window_.show_settings();
           })),
       bar_(new MessageBar(this, *list_)),
-      strip_(new ReviewStrip(this, [this] { show_review(true); })),
+      review_strip_(new ReviewStrip(this, [this] { show_review(true); })),
       review_(make_review(review_menu)),
       past_undoing_(window_.session) {
   list_->set_hint(*hint_);
@@ -47,7 +47,7 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(list_, wxSizerFlags(1).Expand().Border());
   sizer->Add(bar_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
-  sizer->Add(strip_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  sizer->Add(review_strip_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   sizer->Add(review_, wxSizerFlags(1).Expand().Border());
   SetSizer(sizer);
   list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
@@ -89,7 +89,7 @@ ReviewPage* QueuePage::make_review(wxMenu& menu) {
        [this](wxMenu& over, const wxPoint& at) { window_.stack.pop_up(*review_, over, at); },
        [this](const std::string& question) { return ask(question, "Cancel Review", "&Cancel Review", "&Go Back"); },
        [this](const std::vector<int>& items) { items_ = items; }, [this](bool on) { show_review(on); },
-       [this](const std::string& heading) { strip_->tell(review_->IsShown() ? "" : heading); }});
+       [this](const std::string& heading) { review_strip_->tell(review_->IsShown() ? "" : heading); }});
 }
 
 /// The review in the list's place, or the list again.
@@ -99,7 +99,7 @@ void QueuePage::show_review(bool on) {
   list_->Show(!on);
   review_->Show(on);
   review_->shown(on);
-  strip_->tell(on || !review_->has_work() ? "" : review_->heading());
+  review_strip_->tell(on || !review_->has_work() ? "" : review_->heading());
   Layout();
   if (has_focus) on ? review_->focus() : list_->SetFocus();
 }

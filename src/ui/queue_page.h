@@ -87,7 +87,7 @@ class QueuePage : public wxPanel {
   QueueList* list_;
   EmptyHint* hint_;
   MessageBar* bar_;
-  ReviewStrip* strip_;
+  ReviewStrip* review_strip_;
   ReviewPage* review_;
   std::vector<int> items_;
   bool is_undoing_ = false;

@@ -81,6 +81,8 @@ wxSizer* ReviewPage::buttons() {
   });
   button(*row, "Ca&ncel", [this] { cancel(); });
   apply_ = button(*row, "&Apply", [this] { apply(); });
+  exception_->SetName("review_exception");
+  apply_->SetName("review_apply");
   return row;
 }
 
@@ -151,12 +153,8 @@ bool ReviewPage::is_looking_up() const {
 std::string ReviewPage::heading() const {
   std::string text = sheet_.heading();
   if (!is_looking_up()) return text;
-  int left = 0;
-  for (int index = 1; index <= window_.session.queue.count(); ++index) {
-    const QueueItem& item = window_.session.queue.at(index);
-    if (item.state >= QueueState::Inactive && item.state < QueueState::Done && !item.is_planned) ++left;
-  }
-  return text + ". Looking up " + std::to_string(std::max(left, 1)) + (sheet_.is_empty() ? "\u2026" : " more\u2026");
+  const int left = std::max(window_.session.processor.left(), 1);
+  return text + ". Looking up " + std::to_string(left) + (sheet_.is_empty() ? "\u2026" : " more\u2026");
 }
 
 void ReviewPage::update() {
