@@ -1,6 +1,7 @@
 #include "naming/reader/show.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "naming/reader/bare_numbers.h"
 #include "naming/reader/dates.h"
@@ -35,35 +36,39 @@ bool is_all_numbers(const Name& name, Span span) {
 /// The words as people write them: what stands in for blanks becomes blanks, and brackets that say nothing of the show
 /// are left out.
 std::string words_of(const Name& name, Span span, bool keep_brackets) {
-  std::string text;
+  std::string text, between;
   if (span.empty()) return text;
   const std::string_view raw =
       name.text.substr(name.at(span.first).begin, name.at(span.last - 1).end - name.at(span.first).begin);
   const bool spaces = raw.find(' ') != std::string_view::npos;
   const bool dashes_are_blanks =
       name.text.find_first_of(" ._") == std::string_view::npos && !is_all_numbers(name, span);
+  std::size_t end = 0;  // of what has been read
   for (std::size_t i = span.first; i < span.last; ++i) {
     const Token& token = name.at(i);
     const Group* const group = group_of(name, i);
     if (group != nullptr && (group->technical || (group->square && !keep_brackets)) && group->first > span.first) {
-      i = std::max(group->last, i + 1) - 1;
+      between += name.text.substr(end, group->begin - end);
+      end = group->end;
+      i = group->last - 1;
       continue;
     }
-    if (!text.empty() && i > span.first) {
-      const Token& before = name.at(i - 1);
-      std::string between(name.text.substr(before.end, token.begin - before.end));
+    if (!text.empty()) {
+      between += name.text.substr(end, token.begin - end);
+      if (between.empty() && !token.is_glued()) between = ' ';
       const bool one_dot = between == ".";
-      const bool acronym = one_dot && before.size() == 1 && token.size() == 1;
+      const bool acronym = one_dot && name.at(i - 1).size() == 1 && token.size() == 1;
       const bool figures = one_dot && is_all_numbers(name, span);
       for (char& byte : between) {
         const bool stands_for_blank =
             byte == '_' || (byte == '.' && !acronym && !figures && !spaces) || (byte == '-' && dashes_are_blanks);
         if (stands_for_blank) byte = ' ';
       }
-      text += between;
+      text += std::exchange(between, {});
     }
     if (text.empty() && group != nullptr && !group->square && group->first == i && group->last < span.last) text += '(';
     text += name.written(token);
+    end = token.end;
   }
   // "What If...?"
   const std::string_view rest = name.text.substr(name.at(span.last - 1).end);
@@ -73,15 +78,12 @@ std::string words_of(const Name& name, Span span, bool keep_brackets) {
   return text;
 }
 
-/// Blanks joined, and what brackets and dashes left at the ends removed.
+/// Blanks joined, and an open bracket closed.
 std::string tidy(const std::string& text) {
   std::string result;
   for (const char byte : text) {
     if (byte == ' ' && (result.empty() || result.back() == ' ')) continue;
     result += byte;
-  }
-  while (!result.empty() && std::string_view(" -,([{~+").find(result.back()) != std::string_view::npos) {
-    result.pop_back();
   }
   const std::size_t open = result.rfind('(');
   if (open != std::string::npos && result.find(')', open) == std::string::npos) result += ')';
@@ -90,7 +92,7 @@ std::string tidy(const std::string& text) {
 
 /// Takes year and country off the end of the show's tokens.
 void take_year_and_country(const Name& name, Span& span, Reading& reading) {
-  for (int i = 0; i < 3 && span.last > span.first + 1; ++i) {
+  while (span.last > span.first + 1) {
     const Token& token = name.at(span.last - 1);
     const Group* const group = group_of(name, span.last - 1);
     const bool alone = group != nullptr && group->last == span.last && group->first > span.first;
@@ -188,13 +190,11 @@ Span latin_part(const Name& name, Span span) {
 /// "[Group][Show][12]": with nothing outside brackets, the show stands in the last but the first of them.
 Span in_brackets(const Name& name, std::size_t last) {
   Span found;
-  bool first = true;
   for (const Group& group : name.groups) {
     if (group.last > last || group.first >= last) break;
     if (group.outer >= 0 || group.first == group.last || group.technical) continue;
     const Span inside{group.first, group.last};
-    if (first || found.first == 0 || (!is_latin(name, found) && is_latin(name, inside))) found = inside;
-    first = false;
+    if (found.first == 0 || (!is_latin(name, found) && is_latin(name, inside))) found = inside;
   }
   return found;
 }
@@ -253,7 +253,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
     }
   }
   for (const Group* group = nullptr; !span.empty() && (group = group_of(name, span.last - 1)) != nullptr &&
-                                     group->technical && group->first > span.first && group->last == span.last;) {
+                                     group->technical && group->last == span.last;) {
     span.last = group->first;
   }
   // "Show 313-315 S16E03-05": the numbers count over all seasons.
@@ -311,7 +311,8 @@ std::string group_name(const Name& name) {
   const Token& last = name.at(name.count() - 1);
   std::size_t first = name.count() - 1;
   while (name.at(first).is_glued()) --first;
-  if (last.group >= 0 || name.at(first).gap != Dash || !name.at(first - 1).technical) return {};
+  if (last.group >= 0 || name.at(first).technical || name.at(first).gap != Dash || !name.at(first - 1).technical)
+    return {};
   return std::string(name.text.substr(name.at(first).begin, last.end - name.at(first).begin));
 }
 
