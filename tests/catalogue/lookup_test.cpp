@@ -94,14 +94,15 @@ TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTr
   search("nachtzug", {show_json(7, "Night Train", 2011, "DE"), show_json(8, "Nacht und Zug", 2001, "DE")});
   search("brighter", {show_json(9, "Righter", 2011, "US")});
   web.bodies["/shows/7/akas"] = R"([{"name":"Ночной поезд"},{"name":"Nachtzug","country":null}])";
-  episodes(6, R"({"season":1,"number":1,"name":"Leaving"})");
+  episodes(6, R"({"season":1,"number":1,"name":"Leaving &amp; &quot;Left&quot;"})");
   episodes(
       7, R"({"season":1,"number":1,"name":"A"},{"season":1,"number":2,"name":"B"},{"season":2,"number":1,"name":"C"})");
   episodes(9, R"({"season":1,"number":1,"name":"A"})");
-  EXPECT_EQ(found("Moon.Base.1999.S01E01.mkv"), "6:Leaving");
+  EXPECT_EQ(found("Moon.Base.1999.S01E01.mkv"), "6:Leaving & \"Left\"");
   EXPECT_EQ(found("Nachtzug.S01E02.mkv"), "7:B");
   EXPECT_EQ(lookup.show("Nachtzug (DE)", read_name("Night.S01E02.mkv")).why, "by its other name \"Nachtzug\"");
   EXPECT_EQ(found("Nachtzug 201.mkv"), "7:C") << "there are no 201 episodes";
+  EXPECT_EQ(found("Nachtzug 901.mkv"), "The listings of Night Train have no episode 901, and no season 9, episode 1");
   EXPECT_TRUE(lookup.show("Brighter", read_name("Brighter.S01E01.mkv")).is_alike);
   Reading reading = read_name("Nachtzug.S01E02.mkv");
   reading.other = OtherNumbers{.season = {}, .episodes = {}, .absolute = {3}, .date = {}};

@@ -173,6 +173,9 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
                      "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[],"
                      "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0,"
                      "\"right already\":0}}\n");
+  EXPECT_TRUE(run({"--apply", "../plan", "-n", "--json", "-w../work"}) == 0 &&
+              out == expected + ",\"action\":\"rename\",\"reason\":null}\n")
+      << out;
   EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 0);
   EXPECT_EQ(contents(folder / ("in/" + name)), both);
   EXPECT_EQ(run({"--undo", "-w../work"}), 0);
@@ -235,6 +238,11 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"x", "--set"}, "The option --set lacks its value" + usage},
       {{"--show", "0", "x"}, "--show wants the number of a show, not \"0\"" + usage},
       {{"--undo", "1x"}, "--undo wants the number of a pass, not \"1x\"" + usage},
+      {{"--history", "--undo"}, "--history and --undo do not go together" + usage},
+      {{"--undo", "1", "2"}, "Only one number is wanted, not \"2\" as well" + usage},
+      {{"--apply", "plan", "x"}, "--apply takes its files from the plan, not \"x\"" + usage},
+      {{"-q"}, "There is no option -q" + usage},
+      {{"--set", "confirm=no", "x"}, "--set confirm wants a whole number, not \"no\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
       {{"--set", "confirm=32768", "x"}, "--set confirm wants a number from 0 to 32767" + usage},

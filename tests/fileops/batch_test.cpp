@@ -84,8 +84,9 @@ TEST_F(BatchTest, ACircleThatCannotBeClosedIsTakenBack) {
 
 TEST(PlanFile, SaysWhichLineCannotBeUnderstood) {
   const std::string root = absolute_path("/");
-  std::string path;
+  std::string path, other;
   quorvel::append_json(path, root + "a.mkv");
+  quorvel::append_json(other, absolute_path("/x/b.mkv"));
   const std::string good = R"({"state":"planned","path":)" + path + R"(,"new_path":)" + path;
   const std::pair<std::string, std::string> rows[] = {
       {R"({"state":"failed"})"
@@ -97,6 +98,8 @@ TEST(PlanFile, SaysWhichLineCannotBeUnderstood) {
       {R"({"state":"planned","path":"a","new_path":"b"})", "Line 1 of the plan: \"a\" is not a full path"},
       {R"({"state":"planned"})", "Line 1 of the plan: \"path\" or \"new_path\" is missing"},
       {good + R"(,"action":"burn"})", "Line 1 of the plan: \"burn\" is no action"},
+      {R"({"state":"planned","path":)" + path + R"(,"new_path":)" + other + R"(,"action":"rename"})",
+       "Line 1 of the plan: \"" + absolute_path("/x/b.mkv") + "\" is in another folder"},
       {good + R"(,"action":"move","stamp":"7"})", "Line 1 of the plan: \"7\" is no stamp"}};
   for (const auto& [text, expected] : rows) {
     try {

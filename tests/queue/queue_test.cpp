@@ -113,8 +113,8 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
         R"j([{"season":1,"number":1,"name":"Pilot (1)","url":"https://x/e"},{"season":1,"number":2,"name":"Pilot (2)"}])j";
   }
   session.settings.types += ";ogm";
-  for (const char* name :
-       {"Part.Time.2010.S01E01E02.mkv", "Part.Time.S01E01.mkv", "part.time.2015.1x02.ogm", "Holiday.mkv"}) {
+  for (const char* name : {"Part.Time.2010.S01E01E02.mkv", "Part.Time.S01E01.mkv", "part.time.2015.1x02.ogm",
+                           "Holiday.mkv", "part.time.2010.1x2.start.mkv"}) {
     add(name);
   }
   processor.process_queue();
@@ -125,12 +125,15 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
             "More than one show fits: Part Time (2010, tvmaze:8), Part Time (2015, tvmaze:9)");
   EXPECT_TRUE(exists("in/Part Time - 1x02 - Pilot (2).ogm"));
   EXPECT_EQ(item(4).error_text, "Unable to find an episode in the name");
+  EXPECT_TRUE(
+      item(5).error_text.ends_with("The name can be read in more than one way; as this it would be \"Pilot (2)\""))
+      << item(5).error_text;
   EXPECT_EQ(service.requests().size(), 0u) << "the classic way is not asked";
   session.exceptions.append({"part time", "tvmaze:8", false});
   web.bodies["/shows/8"] = R"({"id":8,"name":"Part Time"})";
   add("Part.Time.S01E01.avi");
   processor.process_queue();
-  EXPECT_EQ(item(5).new_name, "Part Time - 1x01 - Pilot (1).avi");
+  EXPECT_EQ(item(6).new_name, "Part Time - 1x01 - Pilot (1).avi");
 }
 
 TEST_F(Queue, WhatTheReaderIsSureOfAndThePatternsReadOtherwiseIsTold) {

@@ -6,6 +6,8 @@
 #include "session_fixture.h"
 #include "shell/item_help.h"
 #include "shell/pass_result.h"
+#include "shell/past_text.h"
+#include "shell/preferences.h"
 #include "shell/show_choice.h"
 
 namespace quorvel::testing {
@@ -54,6 +56,41 @@ TEST(Dialogs, CutALineAfterWhatFits) {
   EXPECT_EQ(fitted("12345\u00E9\u00E9\u00E9", 10, measure), "12345...");
   EXPECT_EQ(message_lines("one#two##"), "one\ntwo\n\n");
   EXPECT_EQ(fitted("12", 1, measure), "...");
+}
+
+TEST(Dialogs, SayWhatCannotBeOpenedAndOfferWhatIsNotSwitchedOff) {
+  TestSession at;
+  at.start();
+  at.desktop.launches = false;
+  open_page(at.desktop, at.ui, "https://x");
+  for (const char* const folder : {"in", "gone"}) open_folder(at.desktop, at.ui, *at.files, at.folder / folder);
+  EXPECT_EQ(at.ui.messages, (std::vector<std::string>{
+                                "Unable to open page: There is no program to open https://x with",
+                                "Unable to open folder: There is no program to open " + at.folder / "in" + " with",
+                                "Unable to open folder: The folder " + at.folder / "gone" + " is not there any more"}));
+  const auto notices = [&] { return lost_characters_notice(at.session, 0) + lost_characters_notice(at.session, 1); };
+  EXPECT_EQ(notices() + lost_characters_notice(at.session, 2).substr(0, 12),
+            "1 name has lost characters.\nExact names keep them.2 names have");
+  turn_exact_names(at.session, true);
+  EXPECT_TRUE(notices().empty() && at.key_values.numbers["exact"] == 1);
+  turn_exact_names(at.session, false);
+  switch_off(at.session.settings_store, lost_characters_message);
+  EXPECT_TRUE(notices().empty() && at.key_values.numbers["exact"] == 0);
+}
+
+TEST(Dialogs, AskBeforeAPassIsUndone) {
+  const TestPorts at;
+  PastPass pass;
+  pass.time = std::chrono::floor<std::chrono::seconds>(at.clock.utc());
+  for (const Deed deed : {Deed::Renamed, Deed::SetAside, Deed::Moved, Deed::Moved, Deed::Copied, Deed::Trashed}) {
+    PastOperation& operation = pass.operations.emplace_back();
+    operation.deed = deed, operation.outcome = PastOperation::Done;
+  }
+  pass.operations.emplace_back();  // which was never done
+  const std::string today = undo_question(pass, at.clock);
+  EXPECT_TRUE(today.starts_with("Undo 1 renaming, 2 moves, 1 copy and 1 removal of ") && today.size() == 56) << today;
+  pass.time = {};
+  EXPECT_TRUE(undo_question(pass, at.clock).ends_with(" of 1970-01-01 00:00?"));
 }
 
 TEST(Dialogs, AddExceptionsWithBothNames) {

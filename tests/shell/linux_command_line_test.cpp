@@ -34,6 +34,8 @@ TEST(CommandLine, TellsSwitchesFromPaths) {
   EXPECT_EQ(parse_command_line({"/x/uninstall", "y/startup"}, *copy.files, true),
             (CommandLine{true, true, {"/x/uninstall y/startup"}}));
   EXPECT_EQ(parse_command_line({c}, *copy.files, true), (CommandLine{false, false, {c}})) << "it exists";
+  const auto answer = [&](const char* option) { return answer_to(parse_command_line({option}, *copy.files, false)); };
+  EXPECT_TRUE(answer("--version") == "quorvel 3.4.0\n" && answer("--help")->starts_with("Usage: ") && !answer("x"));
   copy.desktop.others = 1;
   EXPECT_EQ(copy.run({b, "/startup", "a.1x01.mkv"}), StartResult::Ended);
   EXPECT_EQ(copy.happened(), (Texts{"wait 100", "send QV|PI|C=" + b, "send QV|PI|C=" + a}));

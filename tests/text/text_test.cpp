@@ -4,6 +4,7 @@
 #include "text/characters.h"
 #include "text/code_page.h"
 #include "text/failure.h"
+#include "text/json_text.h"
 #include "text/numbers.h"
 #include "text/title.h"
 #include "text/wildcard.h"
@@ -31,6 +32,10 @@ TEST(Numbers, AreWholeOrRefused) {
     EXPECT_THROW(to_number(text), Failure) << text;
   EXPECT_EQ(leading_number(" 301 Moved") + leading_number("abc"), 301);
   EXPECT_EQ(leading_number("99999999999999999999"), 1'000'000);
+}
+
+TEST(Json, HoldsEveryText) {
+  EXPECT_EQ(JsonObject().texts("a", {"\x1F\"", "b"}).texts("c", {}).line(), R"({"a":["\u001f\"","b"],"c":[]})");
 }
 
 TEST(Wildcards, DescribeTheWholeSubject) {

@@ -33,9 +33,8 @@ bool is_codec(std::string_view word, int number) {
 
 /// Units that a number stands glued to.
 std::uint32_t unit(std::string_view word, int number) {
-  if ((word == "p" || word == "i" || word == "ip" || word == "pp") && is_lines(number)) return Resolution;
+  if (word == "p" && is_lines(number)) return Resolution;
   if (word == "月新番" || word == "月番") return Site;
-  if (word == "k" && (number == 2 || number == 4 || number == 8)) return Resolution;
   constexpr std::array<std::string_view, 17> units = {"bit", "bits", "fps", "hz", "khz", "kbps", "kbit", "mbps", "mb",
                                                       "gb",  "mib",  "gib", "kb", "ch",  "chs",  "mbit", "audio"};
   const auto* const found = std::find(units.begin(), units.end(), word);
@@ -201,14 +200,12 @@ void mark_technical(Name& name) {
   }
   for (std::size_t i = 0; i < name.count();) {
     const std::size_t end = name.chunk_end(i);
-    bool first = true;
     while (i < end) {
       Found found = find_in_chunk(name, i, end);
-      if (first && found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Site};
+      if (found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Site};
       if (i + 1 == end || found.count == 0) {
         if (const Found pair = find_pair(name, i); pair.count > 0) found = pair;
       }
-      first = false;
       if (found.count > 0) {
         mark(name, i, i + found.count, found.kinds);
         // "AAC2.0", "DD5.1": the second half of the number.

@@ -59,7 +59,7 @@ constexpr Row rows[] = {
     {"and und et y e и og och en", AndWord},
     {"to bis à a al по", ToWord},
     {"us uk usa au nz ca ie gb in za de fr jp nl se dk no fi ru kr it es be tr br mx", Country},
-    {"4k 8k uhd fhd qhd 2160p 1080p 1080i 720p 576p 576i 480p 480i hi10 hi10p hi8 10bit 8bit", Resolution},
+    {"2k 4k 8k uhd fhd qhd 2160p 1080p 1080i 720p 576p 576i 480p 480i", Resolution},
     {"hd sd hq lq ultrahd", Resolution | Weak},
     {"hdtv pdtv dsr dsrip dvdrip dvd dvd5 dvd9 dvdr dvdscr dvdraw bluray blu-ray bdrip brrip bdremux remux webrip "
      "webdl "
@@ -71,7 +71,8 @@ constexpr Row rows[] = {
     {"amzn nflx dsnp hmax hulu atvp pcok crav stan pmtp amazonhd netflixhd", Source},
     {"cr nf ip itv abc cbs nbc cw adn vrv funi hidive bilibili baha b-global bglobal amazon netflix cc", Source | Weak},
     {"x264 x265 h264 h265 h266 hevc avc xvid divx av1 vp9 vp8 mpeg mpeg2 mpeg4 vc1 vc-1 wmv divx6 xvidhd avchd "
-     "h.264 h.265 x.264 hi444 hi444pp yuv444p10 yuv420p10 10bits 8bits ma10p main10p rv10 rv9 rmvb nvenc x264-hi10p "
+     "h.264 h.265 x.264 hi444 hi444pp yuv444p10 yuv420p10 10bits 8bits ma10p main10p hi10 hi10p hi8 10bit 8bit rv10 "
+     "rv9 rmvb nvenc x264-hi10p "
      "realvideo mp4 mkv avi m4v",
      Codec},
     {"x h ma main av", Codec | Weak},
