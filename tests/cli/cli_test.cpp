@@ -102,6 +102,8 @@ TEST_F(Cli, ADryRunShowsWhatTheRunAfterItDoes) {
   const std::string rule = "\t" + folder.path() + "/out-[s]./\t[title]";
   write_file(folder / "work/filters.dat", "2\tTrue\tmp4\t" + rule + std::string(250, 'x') + "\tAny\t1\t0\r\n" +
                                               "2\tTrue\t\t*" + rule + "\tAny\t0\t1\r\n");
+  files->create_folder(folder / "work/cache");
+  write_file(folder / "work/cache/old.qc", "of an older version");
   const auto before = everything_in(folder.path());
   EXPECT_EQ(run({"-n", "--set=confirm=1", "-w../work", "--set=types=ts;avi;mp4", first, second, "./" + third, fourth}),
             1);

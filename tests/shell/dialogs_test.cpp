@@ -128,7 +128,8 @@ TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
   }
   EXPECT_EQ(possible, "--------12-4--");
   ShowChoice choice(at.session, 1);
-  EXPECT_EQ(choice.others() + choice.name(), "The choice is also for 2 other files of this show.part time");
+  EXPECT_EQ(choice.read_as() + choice.others() + choice.name(),
+            "\"part time\", season 1, episode 1The choice is also for 2 other files of this show.part time");
   EXPECT_EQ(choice.search(" "), "Enter the name of a show.");
   at.web.refusals = {0};
   EXPECT_EQ(choice.search("part of"), "The search has failed. No connection to the service.");
@@ -150,6 +151,8 @@ TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
   EXPECT_FALSE(again.place_of_earlier_choice());
   again.search("part time");
   EXPECT_EQ(again.place_of_earlier_choice(), 1U);
+  again.forget();
+  EXPECT_EQ(again.earlier_choice() + ShowChoice(at.session, 1).earlier_choice(), "");
 }
 
 TEST(AfterAPass, ItIsToldWhatCameOutAndWhatHelpsAndTheProgramEndsOnlyWhenNothingNeedsTheUser) {

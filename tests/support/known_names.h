@@ -17,6 +17,7 @@ struct KnownName {
 
 /// The lines of a file, each an object with `name`, `show`, and what is known of `season`, `episodes`, `absolute`,
 /// `date`, `year`, `country`, `part`, `special`, `certain`, `other`, `resolution`, `source`, `group`, `episode_title`.
+/// A text "?" does not matter.
 /// Throws Failure with the line that is no such object.
 std::vector<KnownName> known_names(const std::string& path);
 

@@ -38,6 +38,8 @@ struct Reading {
   bool certain = false;                                  // no other reading of the numbers is likely
   std::optional<OtherNumbers> other;  // where one is, and only one: what to try when these do not fit
 
+  bool operator==(const Reading&) const = default;
+
   /// Whether there is anything to look an episode up by.
   bool names_episode() const { return has_numbers() || (special && !episode_title.empty()); }
   bool has_numbers() const { return !episodes.empty() || !absolute.empty() || date.has_value(); }
