@@ -7,7 +7,11 @@
 #include <limits>
 #include <string_view>
 
+#include "naming/file_names.h"
+#include "platform/native.h"
 #include "queue/settings.h"
+#include "rules/presets.h"
+#include "shell/plan_file.h"
 #include "shell/version.h"
 #include "text/characters.h"
 #include "text/failure.h"
@@ -36,6 +40,9 @@ constexpr const char* help_end =
       --show ID         the show of all paths, by its number at TVmaze; with --exact
       --choose          ask which show is meant where none clearly fits, and remember it; with --exact
       --forget          forget the shows that were chosen for the names of these files; with --exact
+      --to FOLDER       instead of your rules, one for all files: they go below FOLDER
+      --preset NAME     with the folders and the names that a media server wants: jellyfin, plex or kodi
+      --action ACTION   what is done with them: rename, move or copy; with --to they are moved unless this says else
       --json            an object a line for each item that has ended, and one with a summary
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
@@ -113,6 +120,31 @@ void take_pass_number(Options& options) {
   (options.undo ? options.pass : options.history) = number;
 }
 
+/// What the user says of the one rule that a run is to have.
+struct WantedRule {
+  std::optional<std::string> folder, preset, action;
+};
+
+/// Empty when nothing is said.
+std::optional<AFilter> rule_of(const WantedRule& wanted) {
+  if (!wanted.folder && !wanted.preset && !wanted.action) return {};
+  const Preset* const preset = wanted.preset ? preset_named(*wanted.preset) : nullptr;
+  if (wanted.preset && preset == nullptr) {
+    refuse("--preset knows jellyfin, plex and kodi, not \"" + *wanted.preset + "\"");
+  }
+  const int action = wanted.action ? action_named(*wanted.action) : MoveAndRename;
+  if (action == 0) refuse("--action knows rename, move and copy, not \"" + *wanted.action + "\"");
+  const std::string mask(preset != nullptr ? preset->mask : default_mask);
+  if (action == Rename) {
+    if (wanted.folder) refuse("--action rename leaves files in their folders, so --to is not for it");
+    return rule_for_all(action, "", mask);
+  }
+  if (!wanted.folder || wanted.folder->empty()) refuse("--to FOLDER is wanted as well: where the files go");
+  std::string folder = with_separator(absolute_path(*wanted.folder));
+  if (preset != nullptr) folder += preset->folder;
+  return rule_for_all(action, folder, mask);
+}
+
 std::variant<Options, Ending> parse(int argc, char** argv) {
   enum LongOnly {
     Set = 256,
@@ -124,12 +156,15 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
     ShowId,
     Choose,
     Forget,
+    To,
+    PresetName,
+    ActionName,
     Apply,
     History,
     Undo,
     Version
   };
-  static constexpr std::array<option, 18> known = {{{"verbose", no_argument, nullptr, 'v'},
+  static constexpr std::array<option, 21> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                     {"dry-run", no_argument, nullptr, 'n'},
                                                     {"work-dir", required_argument, nullptr, 'w'},
                                                     {"set", required_argument, nullptr, Set},
@@ -141,6 +176,9 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"show", required_argument, nullptr, ShowId},
                                                     {"choose", no_argument, nullptr, Choose},
                                                     {"forget", no_argument, nullptr, Forget},
+                                                    {"to", required_argument, nullptr, To},
+                                                    {"preset", required_argument, nullptr, PresetName},
+                                                    {"action", required_argument, nullptr, ActionName},
                                                     {"apply", required_argument, nullptr, Apply},
                                                     {"history", no_argument, nullptr, History},
                                                     {"undo", no_argument, nullptr, Undo},
@@ -148,6 +186,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"version", no_argument, nullptr, Version},
                                                     {nullptr, 0, nullptr, 0}}};
   Options options;
+  WantedRule wanted;
   bool verbose = false;
   opterr = 0;
   for (int found; (found = getopt_long(argc, argv, ":vnw:h", known.data(), nullptr)) != -1;) {
@@ -187,6 +226,15 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         (found == Choose ? options.choose : options.forget) = true;
         options.settings.emplace_back("exact", 1U);
         break;
+      case To:
+        wanted.folder = optarg;
+        break;
+      case PresetName:
+        wanted.preset = optarg;
+        break;
+      case ActionName:
+        wanted.action = optarg;
+        break;
       case Apply:
         options.plan = optarg;
         break;
@@ -207,6 +255,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                           : "There is no option " + given);
     }
   }
+  options.rule = rule_of(wanted);
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
   if (options.plan) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/key_value_store.h"
+#include "rules/filters.h"
 
 namespace quorvel::cli {
 
@@ -17,6 +18,7 @@ struct Options {
   std::vector<std::string> paths;
   bool read = false;  // only tell what the paths say
   bool json = false;
+  std::optional<AFilter> rule;      // in place of the user's
   std::optional<int> show_id;       // of all paths
   bool choose = false;              // ask which show is meant
   bool forget = false;              // what was chosen before

@@ -145,6 +145,7 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
     return all_done;
   }
   session.start();
+  if (options.rule) session.filters.use_only(*options.rule);
   session.settings.review = false;  // --dry-run and --apply are for that here
   const bool all_queued = queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();

@@ -46,6 +46,18 @@ std::string with_native_separators(std::string path, char separator) {
   return path;
 }
 
+bool is_full_path(std::string_view folder, char separator) {
+  const auto is_separator = [&](std::size_t at) {
+    return folder.size() > at && (folder[at] == separator || folder[at] == '/');
+  };
+  const bool has_drive = separator == '\\' && folder.size() > 1 && folder[1] == ':' && is_separator(2);
+  return is_separator(0) || has_drive || folder == "~" || (folder.starts_with('~') && is_separator(1));
+}
+
+std::string with_home(const std::string& folder) {
+  return folder.starts_with('~') && is_full_path(folder) ? native::home_folder() + folder.substr(1) : folder;
+}
+
 std::string with_separator(std::string path, char separator) {
   if (!path.ends_with(separator)) path += separator;
   return path;

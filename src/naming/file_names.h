@@ -27,6 +27,12 @@ std::string getpath(std::string_view path, int levels, char separator = native::
 /// The path, with "\" in place of every "/" where that is the separator: both separate there.
 std::string with_native_separators(std::string path, char separator = native::separator);
 
+/// Whether the folder is named from the root, the drive or the home folder ("~") on.
+bool is_full_path(std::string_view folder, char separator = native::separator);
+
+/// The folder, with the home folder in place of a "~" at its start.
+std::string with_home(const std::string& folder);
+
 /// The path, with a separator at its end.
 std::string with_separator(std::string path, char separator = native::separator);
 

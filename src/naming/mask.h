@@ -11,7 +11,7 @@ namespace quorvel {
 struct NameFacts {
   std::string year, country, id;                // of the show
   std::string date;                             // of the broadcast: "2011-04-18"
-  std::string named_date;                       // the same, where the file's name goes by it
+  std::string named_date, named_year;           // of it, where the file's name goes by it
   std::string absolute;                         // counted over all seasons
   std::string resolution, source, group, part;  // as the file's name says them
   std::string old_name;                         // without its extension
@@ -32,11 +32,12 @@ struct MaskValues {
 /// `mask` with [show], [s], [ss], [e], [ee] and [title] replaced, in this order. Several episodes are all named by [e]
 /// and [ee]: "02-E03" behind an "E" or "e", "02-03" elsewhere.
 ///
-/// Before these, the tokens that a name need not have a value for: [year], [country], [id], [date], [dated], [abs],
-/// [resolution], [source], [group], [part], [old]; [S] and [E], which are as long as the longest of their kind; [ee-]
-/// and [ee+], which name the first and the last of several episodes, or each of them: "02-E04", "02E03E04". A part in
-/// braces that holds one of these, and no separator, is there only when all of them in it have a value; behind a "|" in
-/// it stands what else is there. Other braces are letters. [ee-] and [ee+] have no value where there is no number.
+/// Before these, the tokens that a name need not have a value for: [year], [country], [id], [date], [dated],
+/// [dated-year], [abs], [resolution], [source], [group], [part], [old]; [S] and [E], which are as long as the longest
+/// of their kind; [ee-] and [ee+], which name the first and the last of several episodes, or each of them: "02-E04",
+/// "02E03E04". A part in braces that holds one of these, and no separator, is there only when all of them in it have a
+/// value; behind a "|" in it stands what else is there. Other braces are letters. [ee-] and [ee+] have no value where
+/// there is no number.
 std::string expand_name(std::string_view mask, const MaskValues& values);
 
 /// `path` with [show], [s], [ss], [S] and the other tokens of braces replaced; those of episodes and titles mean

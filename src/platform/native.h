@@ -45,6 +45,9 @@ std::vector<std::string> split_command_line(const std::string& text);
 /// so that a name may hold the signs.
 std::vector<std::string> files_of_pattern(const std::string& pattern);
 
+/// The user's home folder, without a separator at its end; empty where there is none.
+std::string home_folder();
+
 /// Where the help is, from the program's folder on.
 extern const std::string_view help_file;
 

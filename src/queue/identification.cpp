@@ -9,7 +9,10 @@ NameFacts Identification::facts_in(const Reading& reading) {
   NameFacts facts;
   if (reading.year) facts.year = std::to_string(*reading.year);
   facts.country = exact_name(reading.country);
-  if (reading.date) facts.date = facts.named_date = date_text(*reading.date);
+  if (reading.date) {
+    facts.date = facts.named_date = date_text(*reading.date);
+    facts.named_year = std::to_string(reading.date->year);
+  }
   if (!reading.absolute.empty()) facts.absolute = std::to_string(reading.absolute.front());
   facts.resolution = exact_name(reading.resolution);
   facts.source = exact_name(reading.source);

@@ -20,7 +20,10 @@ bool Pipeline::dofilter(QueueItem& item) {
   if (filter.action < MoveAndRename) {
     folder = getpath(item.path, 0);
   } else {
-    const std::string path = with_native_separators(filter.path);
+    const std::string path = with_native_separators(with_home(filter.path));
+    if (!path.empty() && !is_full_path(path)) {
+      throw Failure("The rule's folder \"" + filter.path + "\" begins neither at the root or a drive nor with \"~\"");
+    }
     if (const auto trouble = mask_trouble(path, values, expand_folder)) throw Failure("The folder " + *trouble);
     folder = without_ends(expand_folder(path, values));
     if (folder.empty()) throw Failure("The rule has no folder to put files into");

@@ -34,6 +34,9 @@ class EntryList {
 
   void append(Entry entry) { entries_.push_back(std::move(entry)); }
 
+  /// The only one, for this run: the file stays what it is.
+  void use_only(Entry entry) { entries_.assign(1, std::move(entry)); }
+
   /// Puts an entry in place of the one at `index`, or last for 0, on disk too, and shows the list. False, and nothing
   /// changed, when the file cannot be written.
   bool store(int index, Entry entry) {

@@ -43,7 +43,7 @@ struct FilterFormat {
 class FilterList : private EntryList<AFilter, FilterFormat> {
  public:
   using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::exchange, EntryList::holds,
-      EntryList::store;
+      EntryList::store, EntryList::use_only;
 
   bool loadfilters() { return load(); }
   bool savefilters() { return save(); }

@@ -76,7 +76,8 @@ RuleWizard::Texts RuleWizard::texts() const {
 }
 
 bool RuleWizard::has_path() const {
-  if (form.action == Rename || length(form.path) > max_incomplete_path) return true;
+  const bool is_complete = length(form.path) > max_incomplete_path || form.path == "~";
+  if (form.action == Rename || (is_complete && is_full_path(form.path))) return true;
   ui_.show_message(0, "Path not valid", "You must enter a complete path", MessageIcon::Warning);
   return false;
 }

@@ -193,6 +193,19 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   EXPECT_TRUE(files->exists(folder / ("in/" + good + "4 - Salt and Tar.mkv")));
 }
 
+TEST_F(Cli, MediaServersGetTheirFoldersAndNames) {
+  files->create_folder(folder / "tv");
+  add({"The.Harbour.Lights.S01E02-E04.mkv", "The.Daily.Brief.2019.01.08.mkv"});
+  EXPECT_EQ(run({"--exact", "--preset", "plex", "--to", "../tv", "-w../work", folder / "in"}), 0) << error;
+  EXPECT_EQ(
+      contents(folder / "tv/The Harbour Lights (2015)/Season 01/The Harbour Lights (2015) - s01e02-e04 - The Pilot "
+                        "Boat & A Lantern for Maud & Salt and Tar.mkv"),
+      "The.Harbour.Lights.S01E02-E04.mkv");
+  EXPECT_TRUE(files->exists(folder /
+                            "tv/Daily Brief (2019)/Season 2019/Daily Brief (2019) - 2019-01-08 - Tuesday Edition.mkv"));
+  EXPECT_FALSE(files->exists(folder / "work/filters.dat"));
+}
+
 TEST_F(Cli, AsksWhichShowIsMeantRemembersItAndTellsOfLostCharacters) {
   add({"Part.Time.S01E01.mkv"});
   service.answer_with([](const std::string& request) {
@@ -244,6 +257,9 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"--undo", "1", "2"}, "Only one number is wanted, not \"2\" as well" + usage},
       {{"--apply", "plan", "x"}, "--apply takes its files from the plan, not \"x\"" + usage},
       {{"-q"}, "There is no option -q" + usage},
+      {{"--preset", "vcr", "x"}, "--preset knows jellyfin, plex and kodi, not \"vcr\"" + usage},
+      {{"--preset", "plex", "x"}, "--to FOLDER is wanted as well: where the files go" + usage},
+      {{"--action", "burn", "x"}, "--action knows rename, move and copy, not \"burn\"" + usage},
       {{"--set", "confirm=no", "x"}, "--set confirm wants a whole number, not \"no\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},

@@ -52,6 +52,15 @@ TEST(FileNames, AreTakenApartAtTheLastSeparator) {
   EXPECT_EQ(getpath("/a.avi", 0, '/') + getpath("a.avi", 0, '/') + getpath("/a.avi", 1, '/'), "/");
 }
 
+TEST(Names, FoldersAreFullPathsFromTheRootTheDriveOrTheHomeFolderOn) {
+  for (const char* const path : {"/tv", "~", "~/tv", "C:\\tv", "c:/", "\\\\server\\share"}) {
+    EXPECT_TRUE(is_full_path(path, '\\')) << path;
+  }
+  for (const char* const path : {"", "tv", "C:", "C:tv", "~anna/tv"}) EXPECT_FALSE(is_full_path(path, '\\')) << path;
+  EXPECT_FALSE(is_full_path("C:/tv", '/') || is_full_path("\\tv", '/'));
+  EXPECT_EQ(with_home("~anna") + with_home("~"), "~anna" + native::home_folder());
+}
+
 TEST(Masks, ReplaceTheirTokensInOrder) {
   const MaskValues values{"Show", 1, 5, "Pilot"};
   EXPECT_EQ(expand_name("[show] - [s]x[ee] - [title].avi", values), "Show - 1x05 - Pilot.avi");

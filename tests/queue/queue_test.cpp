@@ -178,7 +178,10 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
     return "The file operation failed. " + std::string(native::system_name) + " reports error " + std::to_string(code) +
            ": " + native::error_words(code);
   };
-  const std::string there = folder / "target/", nowhere = std::string("relative") + native::separator;
+  const std::string there = folder / "target/", separator(1, native::separator),
+                    nowhere = separator + "no such folder" + separator,
+                    relative = "The rule's folder \"tv" + separator +
+                               "\" begins neither at the root or a drive nor with \"~\"";
   const struct {
     std::string name, error_text, log_line;
     int action = Rename;
@@ -201,6 +204,8 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
        "File operation failed (" + std::to_string(facts::too_long) + ")", MoveAndRename, there, std::string(300, 'x')},
       {"the.harbour.lights.s01e02.avi", failed(facts::nowhere),
        "File operation failed (" + std::to_string(facts::nowhere) + ")", MoveAndRename, nowhere},
+      {"the.harbour.lights.s01e04.avi", relative, "Error checking filters: " + relative, MoveAndRename,
+       "tv" + separator},
       {lights_file, failed(facts::taken), "File operation failed (" + std::to_string(facts::taken) + ")", CopyAndRename,
        there}};
   const std::string taken[] = {"in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv",

@@ -25,9 +25,15 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
     int action;
     char go;
     const char* path;
-  } moves[] = {{Rename, '>', ""},          {Rename, '>', ""},           {Rename, '<', ""},
-               {MoveAndRename, '>', ""},   {MoveAndRename, '>', "D:"},  {CopyAndRename, '<', ""},
-               {CopyAndRename, '>', ""},   {CopyAndRename, '>', "/tv"}, {CopyAndRename, '<', "D:"},
+  } moves[] = {{Rename, '>', ""},
+               {Rename, '>', ""},
+               {Rename, '<', ""},
+               {MoveAndRename, '>', ""},
+               {MoveAndRename, '>', "films"},
+               {CopyAndRename, '<', ""},
+               {CopyAndRename, '>', ""},
+               {CopyAndRename, '>', "/tv"},
+               {CopyAndRename, '<', "D:"},
                {CopyAndRename, '>', "/tv"}};
   for (const auto& [action, go, path] : moves) {
     wizard.form.action = action, wizard.form.path = path;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "rules/presets.h"
 #include "session_fixture.h"
 
 namespace quorvel::testing {
@@ -91,6 +92,32 @@ TEST_F(Rules, EveryCharacterComesBackAndWhatIsNoneIsNotWritten) {
   exceptions.loadefilters();
   EXPECT_EQ(exceptions.at(1).detectedName, "\u00EF\u00BB\u00BFx");
   EXPECT_FALSE(exists("data/Quorvel/filters.dat.bak"));
+}
+
+TEST(Presets, FitWhatEachServerWants) {
+  MaskValues one{"Show", 1, 2, "Title"}, several{"Show", 1, 2, "Title", {3, 4}}, special{"Show", 0, 0, "Special"};
+  MaskValues dated{"Show", 3, 7, "Title"};
+  one.facts.year = several.facts.year = special.facts.year = "2010";
+  dated.facts.named_date = "2011-11-15", dated.facts.named_year = "2011";
+  const std::string names[] = {
+      "jellyfin: Show (2010)/Season 01/Show S01E02 - Title|"
+      "Show (2010)/Season 01/Show S01E02-E04 - Title|Show (2010)/Season 00/Show - Special|"
+      "Show/Season 03/Show S03E07 - Title|",
+      "plex: Show (2010)/Season 01/Show (2010) - s01e02 - Title|"
+      "Show (2010)/Season 01/Show (2010) - s01e02-e04 - Title|"
+      "Show (2010)/Season 00/Show (2010) - Special|"
+      "Show/Season 2011/Show - 2011-11-15 - Title|",
+      "kodi: Show (2010)/Season 01/Show S01E02 - Title|"
+      "Show (2010)/Season 01/Show S01E02E03E04 - Title|Show (2010)/Season 00/Show - Special|"
+      "Show/Season 03/Show - 2011-11-15 - Title|"};
+  for (std::size_t i = 0; i < std::size(presets); ++i) {
+    std::string text(presets[i].name);
+    text += ": ";
+    for (const MaskValues& values : {one, several, special, dated}) {
+      text += expand_folder(presets[i].folder, values) + "/" + expand_name(presets[i].mask, values) + "|";
+    }
+    EXPECT_EQ(text, names[i]);
+  }
 }
 
 TEST_F(Rules, ExceptionsReplaceOnceAndIgnoreCase) {

@@ -1,14 +1,13 @@
 #include "platform/linux/folders.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <vector>
 
 #include "platform/linux/descriptor.h"
+#include "platform/native.h"
 #include "platform/temporary_name.h"
 
 namespace quorvel {
@@ -21,20 +20,6 @@ std::optional<std::string> folder_from(const char* variable) {
   std::string folder = value;
   folder.erase(folder.find_last_not_of('/') + 1);
   return folder;
-}
-
-/// As the password database has it; the root folder for users it does not know, as containers have them.
-std::string home_of_user() {
-  std::vector<char> texts(1024);
-  passwd entry{};
-  passwd* found = nullptr;
-  while (getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found) == ERANGE) texts.resize(texts.size() * 2);
-  return found != nullptr ? found->pw_dir : "";
-}
-
-std::string home() {
-  const std::optional<std::string> named = folder_from("HOME");
-  return named ? *named : home_of_user();
 }
 
 }  // namespace
@@ -82,11 +67,11 @@ bool create_folders(Files& files, const std::string& path) {
 namespace standard_folders {
 
 std::string settings() {
-  return folder_from("XDG_CONFIG_HOME").value_or(home() + "/.config");
+  return folder_from("XDG_CONFIG_HOME").value_or(native::home_folder() + "/.config");
 }
 
 std::string application_data() {
-  return folder_from("XDG_DATA_HOME").value_or(home() + "/.local/share");
+  return folder_from("XDG_DATA_HOME").value_or(native::home_folder() + "/.local/share");
 }
 
 std::optional<std::string> runtime() {

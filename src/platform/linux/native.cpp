@@ -1,7 +1,11 @@
 #include "platform/native.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -23,6 +27,22 @@ const bool command_line_is_one_text = false;
 
 // Here the current folder is wherever the user stands, and a "filters.dat" in it is somebody else's.
 const bool uninstall_clears_current_folder = false;
+
+/// The environment's, or else as the password database has it; the root folder for users it does not know, as
+/// containers have them.
+std::string home_folder() {
+  const char* const named = std::getenv("HOME");
+  std::string folder = named != nullptr && *named == '/' ? named : "";
+  if (folder.empty()) {
+    std::vector<char> texts(1024);
+    passwd entry{};
+    passwd* found = nullptr;
+    while (getpwuid_r(geteuid(), &entry, texts.data(), texts.size(), &found) == ERANGE) texts.resize(texts.size() * 2);
+    folder = found != nullptr ? found->pw_dir : "";
+  }
+  folder.erase(folder.find_last_not_of('/') + 1);
+  return folder;
+}
 
 bool is_too_long(const std::string& name) {
   return name.size() > NAME_MAX;

@@ -63,6 +63,13 @@ const std::string_view help_file = "quorvel help.chm";
 const bool command_line_is_one_text = true;
 const bool uninstall_clears_current_folder = true;
 
+std::string home_folder() {
+  const wchar_t* const named = _wgetenv(L"USERPROFILE");
+  std::string folder = named == nullptr ? "" : to_utf8(named);
+  folder.erase(folder.find_last_not_of('\\') + 1);
+  return folder;
+}
+
 bool is_too_long(const std::string& name) {
   constexpr std::size_t longest = 255;
   const std::optional<std::wstring> wide = to_utf16(name);

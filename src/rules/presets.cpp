@@ -1,0 +1,34 @@
+#include "rules/presets.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "naming/file_names.h"
+
+namespace quorvel {
+
+// What the servers' own documentation says, as of 2026: seasons have folders with two digits, "Season 00" for specials.
+// A special without a number goes by its title. Of several episodes Kodi wants each, the others the first and the last.
+// Jellyfin says nothing of dates, so there everything goes by its number.
+const Preset presets[3] = {
+    {"jellyfin", "Jellyfin", "[show]{ ([year])}/Season [ss]", "[show]{ S[ss]E[ee-]} - [title]"},
+    {"plex", "Plex", "[show]{ ([year])}/Season {[dated-year]|[ss]}",
+     "[show]{ ([year])}{ - [dated]| - s[ss]e[ee-]} - [title]"},
+    {"kodi", "Kodi", "[show]{ ([year])}/Season [ss]", "[show]{ - [dated]| S[ss]E[ee+]} - [title]"},
+};
+
+const Preset* preset_named(std::string_view name) {
+  const auto* const found = std::ranges::find(presets, name, &Preset::name);
+  return found == std::end(presets) ? nullptr : found;
+}
+
+AFilter rule_for_all(int action, std::string folder, std::string mask) {
+  AFilter rule = FilterFormat::defaults().front();
+  rule.action = action;
+  rule.path = folder.empty() ? std::move(folder) : with_separator(with_native_separators(std::move(folder)));
+  rule.mask = std::move(mask);
+  return rule;
+}
+
+}  // namespace quorvel
