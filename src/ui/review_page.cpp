@@ -62,7 +62,7 @@ wxSizer* ReviewPage::top_row() {
     if (tree_->editor().commit()) show_rows();
   });
   row->Add(filter_, wxSizerFlags().CenterVertical().Border(wxLEFT));
-  button(*row, "Show Li&st", [this] {
+  button(*row, wxLEFT, "Show Li&st", [this] {
     if (tree_->editor().commit()) window_.show(false);
   });
   return row;
@@ -70,26 +70,27 @@ wxSizer* ReviewPage::top_row() {
 
 wxSizer* ReviewPage::buttons() {
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
-  choose_ = button(*row, "&Choose Show\u2026", [this] { send(mnuChoose); });
-  exception_ = button(*row, "Add E&xception\u2026", [this] { send(mnuSpecify); });
-  look_up_ = button(*row, "&Look Up Again", [this] { look_up_again(); });
-  folder_ = button(*row, "Open Fol&der", [this] { send(mnuFolder); });
+  choose_ = button(*row, wxRIGHT, "&Choose Show\u2026", [this] { send(mnuChoose); });
+  exception_ = button(*row, wxRIGHT, "Add E&xception\u2026", [this] { send(mnuSpecify); });
+  look_up_ = button(*row, wxRIGHT, "&Look Up Again", [this] { look_up_again(); });
+  folder_ = button(*row, wxRIGHT, "Open Fol&der", [this] { send(mnuFolder); });
   row->AddStretchSpacer();
-  all_ready_ = button(*row, "Select All &Ready", [this] {
+  all_ready_ = button(*row, wxLEFT, "Select All &Ready", [this] {
     sheet_.tick_all_ready();
     show_rows();
   });
-  button(*row, "Ca&ncel", [this] { cancel(); });
-  apply_ = button(*row, "&Apply", [this] { apply(); });
+  button(*row, wxLEFT, "Ca&ncel", [this] { cancel(); });
+  apply_ = button(*row, wxLEFT, "&Apply", [this] { apply(); });
+  choose_->SetName("review_choose");
   exception_->SetName("review_exception");
   apply_->SetName("review_apply");
   return row;
 }
 
-wxButton* ReviewPage::button(wxSizer& row, const char* label, const std::function<void()>& press) {
+wxButton* ReviewPage::button(wxSizer& row, int side, const char* label, const std::function<void()>& press) {
   auto* const made = new wxButton(this, wxID_ANY, to_wx(label));
   made->Bind(wxEVT_BUTTON, [press](wxCommandEvent&) { press(); });
-  row.Add(made, wxSizerFlags().CenterVertical().Border(row.IsEmpty() ? 0 : wxLEFT, scaled(*this, 5)));
+  row.Add(made, wxSizerFlags().CenterVertical().Border(side, scaled(*this, 5)));
   return made;
 }
 
@@ -188,14 +189,17 @@ void ReviewPage::on_select() {
   if (const std::string text = details(); from_wx(details_->GetValue()) != text) details_->ChangeValue(to_wx(text));
 }
 
+/// In full, for names are long.
 std::string ReviewPage::tip(int item) const {
   if (!sheet_.holds(item)) return {};
-  std::string text = sheet_.old_name(item);
-  if (const std::string name = sheet_.new_name(item); !name.empty())
+  std::string text = sheet_.reason(item);
+  replace_all(text, "\r\n", "\n");
+  if (!text.empty()) text += "\n";
+  text += sheet_.old_name(item);
+  if (const std::string name = sheet_.new_name(item); !name.empty()) {
     text.append("\n").append(sheet_.folder(item)).append(name);
-  std::string reason = sheet_.reason(item);
-  replace_all(reason, "\r\n", "\n");
-  return reason.empty() ? text : text + "\n" + reason;
+  }
+  return text;
 }
 
 std::string ReviewPage::details() const {

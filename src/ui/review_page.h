@@ -68,7 +68,7 @@ class ReviewPage : public wxPanel {
  private:
   wxSizer* top_row();
   wxSizer* buttons();
-  wxButton* button(wxSizer& row, const char* label, const std::function<void()>& press);
+  wxButton* button(wxSizer& row, int side, const char* label, const std::function<void()>& press);
   void send(int command);
   void refresh();
   void show_rows();

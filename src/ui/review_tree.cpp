@@ -2,6 +2,7 @@
 
 #include <wx/settings.h>
 #include <wx/sizer.h>
+#include <wx/utils.h>
 
 #include <algorithm>
 #include <array>
@@ -98,8 +99,9 @@ void ReviewTree::add_columns() {
 
 void ReviewTree::lay_out() {
   if (columns_are_set_) return;  // from now on they are the user's
+  const auto shown = [this](unsigned column) { return !control_->GetColumn(column)->IsHidden(); };
   int names = GetClientSize().x - wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, this) - scaled(*this, 4);
-  for (const Looks& column : columns) names -= scaled(*this, column.width);
+  for (unsigned i = 0; i < columns.size(); ++i) names -= shown(i) ? scaled(*this, columns[i].width) : 0;
   if (names < scaled(*this, 100)) return;
   columns_are_set_ = true;
   for (unsigned i = 0; i < columns.size(); ++i) {
@@ -128,11 +130,8 @@ void ReviewTree::show_folders(bool on) {
   wxDataViewColumn* const folders = control_->GetColumn(ReviewModel::Folder);
   if (folders->IsHidden() != on) return;
   folders->SetHidden(!on);
-  for (const int names : {ReviewModel::OldName, ReviewModel::NewName}) {
-    wxDataViewColumn* const column = control_->GetColumn(static_cast<unsigned>(names));
-    const int half = folders->GetWidth() / 2;
-    column->SetWidth(std::max(column->GetWidth() + (on ? -half : half), half));
-  }
+  columns_are_set_ = false;
+  lay_out();
 }
 
 /// The control has forgotten what was open, what was selected and how far it was scrolled.
@@ -148,10 +147,9 @@ void ReviewTree::rebuild(const wxDataViewItem& top) {
   };
   wxDataViewItemArray rows;
   std::ranges::copy_if(chosen_, std::back_inserter(rows), is_there);
-  if (!rows.empty()) {
-    control_->SetCurrentItem(rows.front());
-    control_->SetSelections(rows);
-  }
+  if (rows.empty()) rows.push_back(groups.front());  // where the keyboard begins
+  control_->SetCurrentItem(rows.front());
+  control_->SetSelections(rows);
   control_->EnsureVisible(groups.back());
   control_->EnsureVisible(top.IsOk() && is_there(top) ? top : groups.front());
 }
@@ -260,8 +258,8 @@ void ReviewTree::on_motion(wxMouseEvent& event) {
   event.Skip();
   wxDataViewItem row;
   wxDataViewColumn* column = nullptr;
-  control_->HitTest(control_->ScreenToClient(control_->GetMainWindow()->ClientToScreen(event.GetPosition())), row,
-                    column);
+  // The event's own place leaves out the header on some systems.
+  control_->HitTest(ScreenToClient(wxGetMousePosition()), row, column);
   const int item = ReviewModel::item_of(row);
   if (std::exchange(tipped_, item) == item) return;
   const std::string tip = item > 0 ? actions_.tip(item) : std::string();

@@ -156,4 +156,34 @@ TEST_F(ReviewWindow, ItIsSeenWhileThePassGoesOnAndAppliesNothingBeforeThat) {
   EXPECT_TRUE(exists("in/" + first) && exists("in/" + second));
 }
 
+TEST_F(ReviewWindow, AShowIsChosenForAllFilesOfAGroupWhereverTheKeyboardIs) {
+  key_values.numbers["exact"] = 1;
+  web.knows_part_time();
+  start_review({"part.time.s01e01.avi", "part.time.s01e02.avi"});
+  run_pass();
+  wait_until([&] { return is_shown(); });
+  EXPECT_EQ(text("heading"), "2 files, 0 ready, 2 need a decision");
+  EXPECT_FALSE(find(*frame, "review_exception").IsShown() || find(*frame, "review_apply").IsEnabled());
+  std::string menu;
+  frame->stack().show_menu = [&](wxWindow&, wxMenu& shown, const wxPoint&) {
+    for (const wxMenuItem* const item : shown.GetMenuItems()) {
+      if (item->IsEnabled() && !item->IsSeparator()) menu += from_wx(item->GetItemLabelText()) + "|";
+    }
+  };
+  wxUIActionSimulator keyboard;
+  tree().control().SetFocus();
+  keyboard.Char(WXK_HOME);  // the group
+  wait_until([&] { return details() == "2 files"; });
+  keyboard.Char(WXK_F10, wxMOD_SHIFT);
+  wait_until([&] { return !menu.empty(); });
+  EXPECT_EQ(menu, "Choose Show\u2026|Add Exception\u2026|Look Up Again|Open Folder|");
+  on_dialog([&](wxDialog& dialog) {
+    auto& shows = find<ui::RowList>(dialog, "shows");
+    wait_until([&] { return shows.count() == 2; });
+    shows.select(1), press(dialog, "Choose");
+  });
+  press(*frame, "review_choose");
+  EXPECT_TRUE(text("heading") == "2 files, 2 ready" && text("review_apply") == "&Apply 2") << sheet();
+}
+
 }  // namespace quorvel::testing
