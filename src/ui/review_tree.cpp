@@ -178,7 +178,10 @@ void ReviewTree::select(const std::vector<int>& items) {
   for (const int item : items) {
     if (const wxDataViewItem row = model_->row_of(item); row.IsOk()) rows.push_back(row);
   }
-  if (rows.empty()) return;
+  if (!rows.empty()) choose(rows);
+}
+
+void ReviewTree::choose(const wxDataViewItemArray& rows) {
   control_->EnsureVisible(rows.front());
   control_->SetCurrentItem(rows.front());
   control_->SetSelections(rows);
@@ -236,10 +239,22 @@ void ReviewTree::on_key(wxKeyEvent& event) {
   if (key == WXK_F2 && file > 0) {
     return actions_.edit(file, modifiers == wxMOD_SHIFT ? ReviewModel::Numbers : ReviewModel::NewName);
   }
+  if ((key == WXK_LEFT || key == WXK_RIGHT) && modifiers == wxMOD_NONE) return open_group(key == WXK_RIGHT);
   if (key == WXK_SPACE && modifiers == wxMOD_NONE) return tick_selected();
   // Else the toolkit searches, for what is no text in any column that it knows.
   if (modifiers == wxMOD_NONE && key > WXK_SPACE && key < WXK_DELETE && wxIsalnum(key)) return;
   event.Skip();
+}
+
+/// Opens or closes the group that the keyboard is in; systems differ in the keys for that.
+void ReviewTree::open_group(bool on) {
+  const wxDataViewItem row = control_->GetCurrentItem();
+  if (!row.IsOk()) return;
+  if (ReviewModel::item_of(row) == 0) return on ? control_->Expand(row) : control_->Collapse(row);
+  if (on) return;
+  wxDataViewItemArray group;
+  group.push_back(model_->GetParent(row));
+  choose(group);
 }
 
 void ReviewTree::tick_selected() {

@@ -59,6 +59,8 @@ class ReviewTree : public wxPanel {
   void on_key(wxKeyEvent& event);
   void on_motion(wxMouseEvent& event);
   void tick_selected();
+  void open_group(bool on);
+  void choose(const wxDataViewItemArray& rows);
   wxRect area_of_editor() const;
 
   const Actions actions_;
