@@ -130,7 +130,7 @@ std::string lost_characters_notice(const Session& session, int count) {
   if (count == 0 || session.settings.exact || is_switched_off(session.settings_store, lost_characters_message))
     return {};
   const std::string names = count == 1 ? "1 name has" : std::to_string(count) + " names have";
-  return names + " lost characters.\nExact names keep them.";
+  return names + " lost characters. Exact names keep them.";
 }
 
 void remove_menu_entries(Session& session) {

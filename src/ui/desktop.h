@@ -15,6 +15,7 @@ class TrayIcon {
  public:
   struct Actions {
     std::function<void()> toggle;         // a double-click
+    std::function<void()> show;           // a click on what notify() has shown
     std::function<wxMenu*()> menu;        // a right click: a new menu, or null for none
     std::function<void(wxMenu&)> pop_up;  // shows that menu and comes back, where the toolkit does not do it itself
   };
@@ -28,6 +29,12 @@ class TrayIcon {
 
   /// Whether there is a tray and it has taken the icon.
   bool is_in() const;
+
+  void set_tip(const std::string& tip);
+
+  /// Shows a text in the desktop's way, in place of the one before. Does not wait for the desktop, and does nothing
+  /// where that has no way.
+  void notify(const std::string& title, const std::string& text);
 
  private:
   class Icon;
@@ -43,6 +50,9 @@ void bring_to_front(wxFrame& window);
 
 /// What screen readers call a control that has no label.
 void set_spoken_name(wxWindow& control, const char* name);
+
+/// Has screen readers say a text that has come up in the control.
+void announce(wxWindow& control, const std::string& text);
 
 /// What fits the names of files of this type, in capitals too, where files are picked.
 std::string file_pattern(const std::string& type);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "text/failure.h"
+#include "text/restored.h"
 #include "ui/desktop.h"
 #include "ui/icons.h"
 #include "ui/size.h"
@@ -42,6 +43,10 @@ void RowList::select(int row) {
   if (last < 1) return;
   scroll_to(last);
   mark(last);
+}
+
+void RowList::scroll_to_selected() {
+  if (const std::vector<int> rows = selection(); rows.size() == 1) scroll_to(rows.front());
 }
 
 void RowList::select_all(const std::vector<int>& rows) {
@@ -132,8 +137,13 @@ void QueueList::show_changes() {
   }
   set_count(static_cast<int>(rows_.size()));
   if (hint_ != nullptr && hint_->IsShown()) hint_->Hide();
-  const int show = std::exchange(row_to_show_, 0), select = std::exchange(row_to_select_, 0);
+  follow(std::exchange(row_to_show_, 0), std::exchange(row_to_select_, 0));
+  on_change();
+}
+
+void QueueList::follow(int show, int select) {
   if (selection().size() > 1) return;  // the user is about to do something with these rows
+  const Restored<bool> following(is_following_, true);
   if (show > 0) scroll_to(show);
   if (select > 0 && select != selected()) mark(select);
 }

@@ -27,6 +27,8 @@ class RowList : public wxPanel {
   virtual wxString cell(int row, int column) const = 0;
   /// 0 for the first one.
   virtual int icon(int /*row*/) const { return 0; }
+  /// What is shown while the pointer rests on the row; empty for nothing.
+  virtual std::string tip(int /*row*/) const { return {}; }
 
   /// The rows that are selected, from the top.
   std::vector<int> selection() const;
@@ -34,6 +36,8 @@ class RowList : public wxPanel {
   int selected() const;
   /// The row alone, or the last one when there are fewer, and scrolls to it; does nothing with an empty list.
   void select(int row);
+  /// Scrolls to the row when just one is selected.
+  void scroll_to_selected();
   /// These rows, where there are so many, and no others.
   void select_all(const std::vector<int>& rows);
   /// Of the row, in this window; empty when it is out of sight.
@@ -46,6 +50,8 @@ class RowList : public wxPanel {
   std::function<void(int)> on_activate = [](int) {};
   /// Called when another row, or none, is selected; perhaps also when nothing has changed.
   std::function<void()> on_select = [] {};
+  /// Called when the rows have more or less room than before.
+  std::function<void()> on_room = [] {};
 
  protected:
   RowList(wxWindow* parent, const Looks& looks);
@@ -87,6 +93,14 @@ class QueueList : public RowList {
 
   wxString cell(int row, int column) const override;
   int icon(int row) const override { return this->row(row).icon - RowUpdate::DoneIcon; }
+  std::string tip(int row) const override { return tip_of(row); }
+
+  /// Gives what tip() does.
+  std::function<std::string(int)> tip_of = [](int) { return std::string(); };
+  /// Called when changes have been shown.
+  std::function<void()> on_change = [] {};
+  /// Whether the row that is being selected is one that has changed, and not the user's choice.
+  bool is_following() const { return is_following_; }
 
   // Changes are seen as soon as events run.
 
@@ -114,10 +128,11 @@ class QueueList : public RowList {
   void show_changes_later();
   void changed_later(int index);
   void show_changes();
+  void follow(int show, int select);
 
   std::vector<Row> rows_;
   wxWindow* hint_ = nullptr;
-  bool changes_wait_ = false;
+  bool changes_wait_ = false, is_following_ = false;
   std::vector<int> changed_rows_;
   int row_to_show_ = 0, row_to_select_ = 0;  // 0 for none
 };

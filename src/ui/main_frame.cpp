@@ -68,8 +68,8 @@ void MainFrame::attach(Session& session, Launcher& launcher, std::function<void(
   session_ = &session;
   launcher_ = &launcher;
   commands_.emplace(session, launcher);
-  life_.attach({[this] { return may_close(); }, [this] { stop(); }, [this] { return Timer1_.IsRunning(); },
-                std::move(on_unload)});
+  life_.attach(
+      {[this] { return may_close(); }, [this] { stop(); }, [this] { return stays_open(); }, std::move(on_unload)});
   session.log.on_line = [this](const std::string& line, bool cleared) {
     if (cleared) List3_->Clear();
     List3_->AppendAndEnsureVisible(to_wx(line));
@@ -114,7 +114,7 @@ void MainFrame::build() {
   TabStrip1_ = new wxNotebook(panel, wxID_ANY, wxDefaultPosition, wxDefaultSize, 0, "TabStrip1");
   queue_page_ =
       new QueuePage(TabStrip1_, menus_.mnuList3, menus_.mnuList6,
-                    {*session_, *launcher_, stack_,
+                    {*session_, *launcher_, stack_, life_,
                      [this](const QueuePage::Work& work, const std::function<void()>& action) { run(work, action); },
                      [this] { return stopped_; }, [this] { stop(); }, [this] { show_settings(); }});
   TabStrip1_->AddPage(queue_page_, "File Queue");
@@ -328,6 +328,12 @@ void MainFrame::stop() {
 bool MainFrame::may_close() {
   if (session_->processor.is_quitting()) stop();
   return session_->processor.may_close();
+}
+
+/// A pass is due, or what the last one has left must be seen: the window does not close by itself.
+bool MainFrame::stays_open() const {
+  const Processor& processor = session_->processor;
+  return Timer1_.IsRunning() || (!processor.is_quitting() && processor.need_user() > 0);
 }
 
 void MainFrame::on_start_timer() {

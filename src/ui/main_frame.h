@@ -88,6 +88,7 @@ class MainFrame : public wxFrame, public UserInterface, public MainWindow {
 
   void run(const QueuePage::Work& work, const std::function<void()>& action);
   bool may_close();
+  bool stays_open() const;
   void stop();
   void on_start_timer();
   void on_add_file();

@@ -1,55 +1,111 @@
 #include "ui/message_bar.h"
 
 #include <wx/button.h>
+#include <wx/textwrapper.h>
+#include <wx/wupdlock.h>
 
+#include "ui/desktop.h"
 #include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
+namespace {
 
-MessageBar::MessageBar(wxWindow* parent, wxWindow& neighbour)
-    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxBORDER_THEME, "message_bar"),
+constexpr int gap = 6;
+constexpr int max_lines = 4;
+
+/// A text in lines of a width, the last one with dots where it has more of them than are shown.
+class Lines : public wxTextWrapper {
+ public:
+  Lines(wxWindow& window, const wxString& text, int width) { Wrap(&window, text, width); }
+  const wxString& text() const { return text_; }
+
+ private:
+  void OnOutputLine(const wxString& line) override {
+    if (++count_ <= max_lines) text_ += line;
+  }
+  void OnNewLine() override {
+    if (count_ < max_lines) text_ += "\n";
+    if (count_ == max_lines) text_ += L"\u2026";
+  }
+
+  wxString text_;
+  int count_ = 0;
+};
+
+}  // namespace
+
+MessageBar::MessageBar(wxWindow* parent, wxWindow& neighbour, wxWindow& before, const char* name)
+    : wxPanel(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxTAB_TRAVERSAL | wxBORDER_THEME, name),
       neighbour_(neighbour),
-      text_(new wxStaticText(this, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_ELLIPSIZE_END)),
+      before_(before),
+      text_(new wxStaticText(this, wxID_ANY, "")),
       buttons_(new wxBoxSizer(wxHORIZONTAL)) {
   auto* const sizer = new wxBoxSizer(wxHORIZONTAL);
-  const wxSizerFlags part = wxSizerFlags().CenterVertical().Border(wxALL, scaled(*this, 6));
-  sizer->Add(text_, wxSizerFlags(part).Proportion(1));
-  sizer->Add(buttons_, part);
+  sizer->Add(text_);
+  sizer->Add(buttons_);
   SetSizer(sizer);
   Hide();
   Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
     if (event.GetKeyCode() != WXK_ESCAPE) return event.Skip();
-    close();
+    dismiss();
   });
 }
 
 void MessageBar::add(const Button& button) {
   auto* const made = new wxButton(this, wxID_ANY, to_wx(button.label));
-  made->Bind(wxEVT_BUTTON, [this, press = button.press](wxCommandEvent&) {
-    close();
+  made->Bind(wxEVT_BUTTON, [this, press = button.press, closes = button.closes](wxCommandEvent&) {
+    if (closes) close();
     CallAfter(press);  // which may show something else, and take this button away
   });
-  buttons_->Add(made, wxSizerFlags().Border(wxLEFT, scaled(*this, 4)));
+  buttons_->Add(made, wxSizerFlags().Border(wxLEFT, scaled(*this, gap)));
+}
+
+void MessageBar::arrange(const wxString& text) {
+  const int border = scaled(*this, gap), buttons = buttons_->CalcMin().x;
+  const int width = GetParent()->GetClientSize().x - 2 * wxSizerFlags::GetDefaultBorder() - 4 * border;
+  const int beside = width - buttons - border;
+  const bool fits = text_->GetTextExtent(text).x <= beside;
+  text_->SetLabelText(fits ? text : Lines(*text_, text, width).text());
+  text_->SetToolTip(text);
+
+  auto& sizer = *static_cast<wxBoxSizer*>(GetSizer());
+  sizer.Detach(text_);
+  sizer.Detach(buttons_);
+  sizer.SetOrientation(fits ? wxHORIZONTAL : wxVERTICAL);
+  sizer.Add(text_, (fits ? wxSizerFlags(1).CenterVertical() : wxSizerFlags().Expand()).Border(wxALL, border));
+  const wxSizerFlags flags = fits ? wxSizerFlags().CenterVertical() : wxSizerFlags().Right();
+  sizer.Add(buttons_, wxSizerFlags(flags).Border(fits ? wxALL : wxALL & ~wxTOP, border));
 }
 
 void MessageBar::show(const std::string& text, const std::vector<Button>& buttons) {
-  close();
-  text_->SetLabelText(to_wx(text));
-  text_->SetToolTip(to_wx(text));
+  const wxWindowUpdateLocker no_flicker(GetParent());
+  give_keyboard_back();
   buttons_->Clear(true);
   for (const Button& button : buttons) add(button);
-  add({"&Close", [] {}});
+  add({"&Close", [this] { on_dismissed(); }});
+  arrange(to_wx(text));
   Show();
-  MoveAfterInTabOrder(&neighbour_);  // the toolkit has left out what could not take the keyboard when it was made
+  MoveAfterInTabOrder(&before_);  // the toolkit has left out what could not take the keyboard when it was made
+  InvalidateBestSize();
   GetParent()->Layout();
+  announce(*this, text);
+}
+
+void MessageBar::give_keyboard_back() {
+  if (wxWindow* const focus = FindFocus(); focus != nullptr && IsDescendant(focus)) neighbour_.SetFocus();
 }
 
 void MessageBar::close() {
   if (!IsShown()) return;
-  if (wxWindow* const focus = FindFocus(); focus != nullptr && IsDescendant(focus)) neighbour_.SetFocus();
+  give_keyboard_back();
   Hide();
   GetParent()->Layout();
+}
+
+void MessageBar::dismiss() {
+  close();
+  on_dismissed();
 }
 
 }  // namespace quorvel::ui

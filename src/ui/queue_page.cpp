@@ -38,47 +38,60 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window
             turn_review_first(window_.session, on);
             window_.show_settings();
           })),
-      bar_(new MessageBar(this, *list_)),
+      strip_(new MessageBar(this, *list_, *list_, "item_strip")),
+      bar_(new MessageBar(this, *list_, *strip_, "message_bar")),
       review_strip_(new ReviewStrip(this, [this] { show_review(true); })),
       review_(make_review(review_menu)),
       past_undoing_(window_.session) {
+  Session& session = window_.session;
   list_->set_hint(*hint_);
-  show_settings();
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(list_, wxSizerFlags(1).Expand().Border());
-  sizer->Add(bar_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  for (MessageBar* const bar : {strip_, bar_}) {
+    sizer->Add(bar, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
+  }
   sizer->Add(review_strip_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   sizer->Add(review_, wxSizerFlags(1).Expand().Border());
   SetSizer(sizer);
-  list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
-    event.Skip();
-    // The row where the pass has ended may lie where the strip is now.
-    if (!bar_->IsShown()) return;
-    CallAfter([this] {
-      if (list_->selection().size() == 1) list_->select(list_->selected());
-    });
-  });
+  // The row where the pass has ended may lie where a strip is now.
+  list_->on_room = [this] {
+    if (strip_->IsShown() || bar_->IsShown()) list_->scroll_to_selected();
+  };
   list_->Bind(wxEVT_CONTEXT_MENU, &QueuePage::on_menu, this);
   list_->on_activate = [this](int row) {
     items_ = {row};
     show_info();
   };
-  Processor& processor = window_.session.processor;
-  processor.on_ended = [this](const QueueItem& item) {
-    if (item.state == QueueState::Done && item.lost_characters) ++lost_characters_;
+  list_->tip_of = [&session](int row) { return session.queue.holds(row) ? reason_of(session.queue.at(row)) : ""; };
+  item_strip_.emplace(session, *list_, *strip_, [this](Remedy remedy, int item) { apply(remedy, item); });
+  report_.emplace(
+      session, *bar_, window_.life,
+      PassReport::Actions{[this, &session](std::int64_t operation) {
+                            const std::optional<PastOperation> past = session.history.operation(operation);
+                            undo_pass([&] { return past ? session.history.pass(past->pass) : std::nullopt; });
+                          },
+                          [this] { give(mnuRetry); },
+                          [this, &session] {
+                            turn_exact_names(session, true);
+                            show_settings();
+                          },
+                          [this] { return review_->has_work() ? review_->heading() : ""; }});
+  list_->on_change = [this] {
+    report_->show_progress();
+    item_strip_->look();
   };
-  processor.on_pass_ended = [this] { on_pass_ended(); };
-}
-
-QueuePage::~QueuePage() {
-  window_.session.processor.on_ended = [](const QueueItem&) {};
-  window_.session.processor.on_pass_ended = [] {};
+  report_->on_pass_ended = [this] {
+    review_->pass_ended();
+    CallAfter([this] { item_strip_->look(); });
+  };
+  show_settings();
 }
 
 void QueuePage::show_settings() {
   hint_->show(window_.session.settings.exact, window_.session.settings.review);
   review_->update();
   if (window_.session.settings.exact) bar_->close();
+  item_strip_->look();
 }
 
 ReviewPage* QueuePage::make_review(wxMenu& menu) {
@@ -94,6 +107,7 @@ ReviewPage* QueuePage::make_review(wxMenu& menu) {
 
 /// The review in the list's place, or the list again.
 void QueuePage::show_review(bool on) {
+  if (!review_->has_work()) report_->forget();
   if (on == review_->IsShown()) return;
   const bool has_focus = IsDescendant(FindFocus());
   list_->Show(!on);
@@ -101,6 +115,7 @@ void QueuePage::show_review(bool on) {
   review_->shown(on);
   review_strip_->tell(on || !review_->has_work() ? "" : review_->heading());
   Layout();
+  item_strip_->look();
   if (has_focus) on ? review_->focus() : list_->SetFocus();
 }
 
@@ -108,18 +123,15 @@ void QueuePage::exception_added() {
   if (review_->IsShown()) retry();
 }
 
-void QueuePage::on_pass_ended() {
-  review_->pass_ended();
-  Session& session = window_.session;
-  const std::string notice = lost_characters_notice(session, std::exchange(lost_characters_, 0));
-  if (notice.empty()) return;
-  const auto turn_on = [this] {
-    turn_exact_names(window_.session, true);
-    show_settings();
-  };
-  bar_->show(notice, {{"&Use Exact Names", turn_on}, {"&Don't Show Again", [&session] {
-                                                        switch_off(session.settings_store, lost_characters_message);
-                                                      }}});
+void QueuePage::give(int command) {
+  wxCommandEvent event(wxEVT_MENU, command);
+  ProcessWindowEvent(event);
+}
+
+void QueuePage::apply(Remedy remedy, int item) {
+  items_ = {item};
+  static constexpr int commands[] = {mnuChoose, mnuSpecify, mnuRetryThis, mnuUndo, mnuFolder};  // as Remedy has them
+  give(commands[static_cast<int>(remedy)]);
 }
 
 void QueuePage::on_menu(const wxContextMenuEvent& event) {
@@ -245,6 +257,10 @@ bool QueuePage::ask(const std::string& question, const char* title, const char* 
 }
 
 void QueuePage::undo_last_pass() {
+  undo_pass([this] { return past_undoing_.last_pass(); });
+}
+
+void QueuePage::undo_pass(const std::function<std::optional<PastPass>()>& find) {
   Session& session = window_.session;
   const auto is_hindered = [&] {
     const std::string reason = hindrance();
@@ -252,8 +268,8 @@ void QueuePage::undo_last_pass() {
     return !reason.empty();
   };
   if (is_hindered()) return;
-  const std::optional<PastPass> pass = past_undoing_.last_pass();
-  if (!pass) return bar_->show("There is nothing to undo.", {});
+  const std::optional<PastPass> pass = find();
+  if (!pass || pass->undoable() == 0) return bar_->show("There is nothing to undo.", {});
   // Events run while the question is open.
   if (pass->undoable() > 1 &&
       (!ask(undo_question(*pass, session.ports.clock), "Undo Last Pass", "&Undo", "&Cancel") || is_hindered()))

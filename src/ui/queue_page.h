@@ -13,15 +13,17 @@
 #include "shell/show_choice.h"
 #include "ui/call_stack.h"
 #include "ui/empty_hint.h"
+#include "ui/item_strip.h"
 #include "ui/lists.h"
 #include "ui/message_bar.h"
+#include "ui/pass_report.h"
 #include "ui/review_page.h"
 #include "ui/review_strip.h"
 
 namespace quorvel::ui {
 
 /// The tab of the file queue: its list, what lies over that while it is empty, the menu over an item and what is done
-/// from there, and the strip that tells what is to be said about a pass.
+/// from there, and the strips that tell what is to be said about a row and about a pass.
 class QueuePage : public wxPanel {
  public:
   /// What moves files and can be stopped; its progress is shown in this row.
@@ -34,6 +36,7 @@ class QueuePage : public wxPanel {
     Session& session;
     Launcher& launcher;
     CallStack& stack;
+    WindowLife& life;
     std::function<void(const Work&, const std::function<void()>&)> run;
     std::function<bool()> is_stopped;  // by the user, since that began
     std::function<void()> stop;
@@ -42,7 +45,6 @@ class QueuePage : public wxPanel {
 
   /// `menu` pops up over an item, `review_menu` over one under review.
   QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window window);
-  ~QueuePage() override;
 
   QueueList& list() { return *list_; }
   ReviewPage& review() { return *review_; }
@@ -72,28 +74,31 @@ class QueuePage : public wxPanel {
 
  private:
   void on_menu(const wxContextMenuEvent& event);
-  void on_pass_ended();
   ReviewPage* make_review(wxMenu& menu);
   void show_review(bool on);
+  void give(int command);
+  void apply(Remedy remedy, int item);
   void take_again(bool anew);
   void open_menu(const wxPoint& at);
   std::string hindrance() const;
   bool goes_on() const;
   void run_undoing(const Work& work, const std::function<void()>& action);
   bool ask(const std::string& question, const char* title, const char* yes, const char* no);
+  void undo_pass(const std::function<std::optional<PastPass>()>& find);
 
   const Window window_;
   wxMenu& menu_;
   QueueList* list_;
   EmptyHint* hint_;
-  MessageBar* bar_;
+  MessageBar *strip_, *bar_;
   ReviewStrip* review_strip_;
   ReviewPage* review_;
   std::vector<int> items_;
   bool is_undoing_ = false;
   PastUndoing past_undoing_;
   const ShowChoice* choice_ = nullptr;  // while its dialog is open
-  int lost_characters_ = 0;             // names that lost some in the pass
+  std::optional<ItemStrip> item_strip_;
+  std::optional<PassReport> report_;
 };
 
 }  // namespace quorvel::ui

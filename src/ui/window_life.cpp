@@ -2,8 +2,10 @@
 
 #include <wx/app.h>
 
+#include <algorithm>
 #include <utility>
 
+#include "shell/version.h"
 #include "ui/menus.h"
 
 namespace quorvel::ui {
@@ -64,7 +66,8 @@ void WindowLife::on_iconize(wxIconizeEvent& event) {
 
 void WindowLife::add_tray_icon(const std::string& tip) {
   remove_tray_icon();
-  const TrayIcon::Actions actions{[this] { toggle_from_tray(); }, [this] { return open_tray_menu(); },
+  const TrayIcon::Actions actions{[this] { toggle_from_tray(); }, [this] { restore(); },
+                                  [this] { return open_tray_menu(); },
                                   [this](wxMenu& menu) { stack_.pop_up(frame_, menu, wxDefaultPosition); }};
   tray_icon_ = std::make_unique<TrayIcon>(frame_, tip, actions);
 }
@@ -83,6 +86,23 @@ wxMenu* WindowLife::open_tray_menu() {
   if (!tray_clicks_count_ || stack_.has_dialog()) return nullptr;
   if (!minimised_) frame_.Raise();
   return tray_menu(minimised_ ? "&Show" : "&Hide").release();
+}
+
+void WindowLife::show_progress(const std::string& text) {
+  if (tray_icon_ == nullptr || std::exchange(progress_, text) == text) return;
+  tray_icon_->set_tip(application_title + (text.empty() ? "" : ": " + text));
+}
+
+bool WindowLife::is_in_front() const {
+  const auto is_active = [](const wxWindow* window) {
+    const auto* const top = dynamic_cast<const wxTopLevelWindow*>(window);
+    return top != nullptr && const_cast<wxTopLevelWindow*>(top)->IsActive();
+  };
+  return frame_.IsShown() && !frame_.IsIconized() && std::ranges::any_of(wxTopLevelWindows, is_active);
+}
+
+void WindowLife::notify(const std::string& text) {
+  if (tray_icon_ != nullptr && !is_in_front()) tray_icon_->notify(application_title, text);
 }
 
 // The end.
@@ -125,7 +145,7 @@ void WindowLife::begin_unload() {
 void WindowLife::stack_is_empty() {
   if (unloading_) {
     frame_.CallAfter([this] { finish_unload(); });
-  } else if (std::exchange(close_when_empty_, false) && !hooks_.pass_is_due()) {
+  } else if (std::exchange(close_when_empty_, false) && !hooks_.stays_open()) {
     frame_.Close();  // else something came in meanwhile: the pass over it will ask again
   }
 }

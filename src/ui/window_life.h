@@ -17,10 +17,10 @@ namespace quorvel::ui {
 class WindowLife {
  public:
   struct Hooks {
-    std::function<bool()> may_close;    // false when a pass is running, which then ends at its next stage
-    std::function<void()> stop;         // a transfer or a copy is abandoned
-    std::function<bool()> pass_is_due;  // whether one will start by itself
-    std::function<void()> on_unload;    // called once, when the window really goes away
+    std::function<bool()> may_close;   // false when a pass is running, which then ends at its next stage
+    std::function<void()> stop;        // a transfer or a copy is abandoned
+    std::function<bool()> stays_open;  // when it was to close by itself
+    std::function<void()> on_unload;   // called once, when the window really goes away
   };
 
   WindowLife(wxFrame& frame, CallStack& stack);
@@ -41,6 +41,14 @@ class WindowLife {
   /// From now on clicks on the icon count, while no dialog is open.
   void accept_tray_clicks() { tray_clicks_count_ = true; }
   void toggle_from_tray();
+  /// Shows over the icon how far something is; with an empty text, only the program's name.
+  void show_progress(const std::string& text);
+  const std::string& progress() const { return progress_; }
+
+  /// Whether the window, or a dialog over it, is what the user works with.
+  bool is_in_front() const;
+  /// Tells something on the desktop, unless the window is in front; a click there brings it up.
+  void notify(const std::string& text);
   /// The menu of the tray icon, to be deleted by whoever shows it; null while clicks there do not count.
   wxMenu* open_tray_menu();
 
@@ -67,7 +75,8 @@ class WindowLife {
   CallStack& stack_;
   Hooks hooks_{[] { return true; }, [] {}, [] { return false; }, [] {}};
   std::unique_ptr<TrayIcon> tray_icon_;
-  wxTimer tray_watch_;  // while the window is minimised
+  std::string progress_;  // over it
+  wxTimer tray_watch_;    // while the window is minimised
   bool tray_clicks_count_ = false;
   bool minimised_ = false;
   bool close_when_empty_ = false;

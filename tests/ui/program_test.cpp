@@ -86,6 +86,82 @@ TEST_F(TestWindow, ScreenReadersAreToldWhatIsInTheLists) {
   g_test_dbus_stop(bus);
 }
 
+/// The desktop's service for messages, on a bus of its own; it keeps them.
+class MessageService {
+ public:
+  std::string shown;
+
+  MessageService() {
+    g_test_dbus_up(bus_);
+    set_variable("DISPLAY", gdk_display_get_name(gdk_display_get_default()));  // which that has taken away
+    connection_ =
+        g_dbus_connection_new_for_address_sync(g_test_dbus_get_bus_address(bus_),
+                                               GDBusConnectionFlags(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                                    G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+                                               nullptr, nullptr, nullptr);
+    g_autoptr(GDBusNodeInfo) node = g_dbus_node_info_new_for_xml(
+        "<node><interface name='org.freedesktop.Notifications'><method name='Notify'>"
+        "<arg type='s' direction='in'/><arg type='u' direction='in'/><arg type='s' direction='in'/>"
+        "<arg type='s' direction='in'/><arg type='s' direction='in'/><arg type='as' direction='in'/>"
+        "<arg type='a{sv}' direction='in'/><arg type='i' direction='in'/><arg type='u' direction='out'/>"
+        "</method></interface></node>",
+        nullptr);
+    static const GDBusInterfaceVTable calls = {on_call, nullptr, nullptr, {}};
+    g_dbus_connection_register_object(connection_, path, node->interfaces[0], &calls, this, nullptr, nullptr);
+    g_variant_unref(g_dbus_connection_call_sync(connection_, "org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                                                "RequestName", g_variant_new("(su)", name, 0), nullptr,
+                                                G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
+  }
+  ~MessageService() {
+    g_object_unref(connection_);
+    g_test_dbus_stop(bus_);
+    g_object_unref(bus_);
+  }
+  void click() {
+    for (const char* const signal : {"ActivationToken", "ActionInvoked"}) {
+      g_dbus_connection_emit_signal(connection_, nullptr, path, name, signal, g_variant_new("(us)", 7, "default"),
+                                    nullptr);
+    }
+  }
+
+ private:
+  static constexpr const char *name = "org.freedesktop.Notifications", *path = "/org/freedesktop/Notifications";
+
+  static void on_call(GDBusConnection*, const gchar*, const gchar*, const gchar*, const gchar*, GVariant* parameters,
+                      GDBusMethodInvocation* call, gpointer data) {
+    const gchar *title = nullptr, *text = nullptr;
+    guint32 replaced = 0;
+    g_variant_get(parameters, "(&su&s&s&sasa{sv}i)", nullptr, &replaced, nullptr, &title, &text, nullptr, nullptr,
+                  nullptr);
+    static_cast<MessageService*>(data)->shown += std::to_string(replaced) + " " + title + ": " + text + ";";
+    g_dbus_method_invocation_return_value(call, g_variant_new("(u)", 7));
+  }
+
+  const Variable display_{"DISPLAY", Variable::get("DISPLAY")}, address_{"DBUS_SESSION_BUS_ADDRESS", ""};
+  GTestDBus* const bus_ = g_test_dbus_new(G_TEST_DBUS_NONE);
+  GDBusConnection* connection_ = nullptr;
+};
+
+TEST_F(TestWindow, WhatComesOfAPassIsToldOnTheDesktopUnlessTheWindowIsInFrontAndAClickBringsItUp) {
+  MessageService service;
+  start();
+  frame->life().lives_in_tray = [] { return true; };
+  std::string seen;
+  for (const char* const name : {"harbour.lights.s01e01.avi", "harbour.lights.s01e02.avi", "holiday.avi"}) {
+    drop({file(name)});
+    wait_until([&] { return has_ended(session->queue.at(session->queue.count()).state); });
+    if (!frame->IsShown()) wait_until([&] { return !service.shown.empty(); });
+    seen += std::exchange(service.shown, {});
+    frame->minimise();
+    wait_until([&] { return !frame->IsShown() && !frame->life().is_in_front(); });
+  }
+  EXPECT_EQ(seen, "0 Quorvel: 1 renamed;7 Quorvel: 1 needs you;");
+  service.click();
+  wait_until([&] { return frame->IsShown() && frame->IsActive(); });
+  frame->unload();
+  wait_for_the_end();
+}
+
 TEST_F(TestWindow, ATrayThatComesLaterTakesTheWindowAndADoubleClickOnTheIconCountsOnce) {
   start();
   frame->minimise();

@@ -109,8 +109,9 @@ TEST_F(TestWindow, ExactNamesAreTurnedOnInTheEmptyQueueInThePreferencesAndWhereN
     tick(*frame, "exact_names", false);
   }
   const std::string told =
-      "2 names have lost characters.\nExact names keep them.|Use Exact Names|Don't Show Again|Close| ";
-  EXPECT_EQ(seen, "1xx 0oo " + told + "0oo " + told + "1xx " + told + "0oo  0oo ");
+      "2 renamed. 2 names have lost characters. Exact names keep them.|Undo All 2|Use Exact Names|Don't Show "
+      "Again|Close| ";
+  EXPECT_EQ(seen, "1xx 0oo " + told + "0oo " + told + "1xx " + told + "0oo 2 renamed.|Undo All 2|Close| 0oo ");
 }
 
 TEST_F(TestWindow, RulesMoveWithTheirSelectionAndStopAtTheEnds) {

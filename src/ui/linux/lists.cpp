@@ -57,6 +57,16 @@ gboolean is_other(GtkTreeModel* model, gint, const gchar* typed, GtkTreeIter* it
   return !lower_case(from_wx(static_cast<RowList*>(list)->cell(row, 0))).starts_with(lower_case(typed));
 }
 
+gboolean show_tip(GtkWidget* tree, gint x, gint y, gboolean by_key, GtkTooltip* tip, gpointer list) {
+  GtkTreePath* path = nullptr;
+  if (!gtk_tree_view_get_tooltip_context(GTK_TREE_VIEW(tree), &x, &y, by_key, nullptr, &path, nullptr)) return FALSE;
+  const std::string text = static_cast<RowList*>(list)->tip(gtk_tree_path_get_indices(path)[0] + 1);
+  gtk_tooltip_set_text(tip, to_wx(text).utf8_str());
+  gtk_tree_view_set_tooltip_row(GTK_TREE_VIEW(tree), tip, path);
+  gtk_tree_path_free(path);
+  return text.empty() ? FALSE : TRUE;
+}
+
 /// The toolkit would select the first row whenever it gives a list the keyboard, and the next key could remove it.
 gboolean may_select(GtkTreeSelection*, GtkTreeModel*, GtkTreePath*, gboolean is_selected, gpointer gets_keyboard) {
   return is_selected != FALSE || !*static_cast<bool*>(gets_keyboard);
@@ -76,6 +86,7 @@ class RowList::Control : public wxDataViewCtrl {
   Control(RowList& owner, const Looks& looks)
       : wxDataViewCtrl(&owner, wxID_ANY, wxDefaultPosition, owner.GetSize(),
                        looks.several ? wxDV_MULTIPLE : wxDV_SINGLE),
+        owner_(owner),
         rows_(new Rows(owner, looks.icons)) {
     AssociateModel(rows_.get());
     for (unsigned i = 0; i < looks.titles.size(); ++i) {
@@ -91,6 +102,9 @@ class RowList::Control : public wxDataViewCtrl {
     g_signal_connect_after(tree(), "grab-focus", G_CALLBACK(clear), &gets_keyboard_);
     gtk_tree_view_set_search_column(tree(), 0);
     gtk_tree_view_set_search_equal_func(tree(), is_other, &owner, nullptr);
+    gtk_widget_set_has_tooltip(GTK_WIDGET(tree()), TRUE);
+    g_signal_connect(tree(), "query-tooltip", G_CALLBACK(show_tip), &owner);
+    g_signal_connect_after(tree(), "size-allocate", G_CALLBACK(on_allocate), this);
     Bind(wxEVT_KEY_DOWN, [&owner](wxKeyEvent& event) {
       const int key = event.GetKeyCode();
       if (owner.selected() > 0 || (key != WXK_UP && key != WXK_DOWN)) return event.Skip();
@@ -112,8 +126,16 @@ class RowList::Control : public wxDataViewCtrl {
   wxDataViewItem item(int row) const { return rows_->GetItem(static_cast<unsigned>(row) - 1); }
 
  private:
+  /// Only now does scrolling lead where it should.
+  static void on_allocate(GtkWidget*, GtkAllocation* area, gpointer data) {
+    auto& self = *static_cast<Control*>(data);
+    if (std::exchange(self.height_, area->height) != area->height) self.CallAfter([&self] { self.owner_.on_room(); });
+  }
+
+  RowList& owner_;
   const wxObjectDataPtr<Rows> rows_;
   bool gets_keyboard_ = false;
+  int height_ = 0;
 };
 
 wxWindow* RowList::make_control(const Looks& looks) {

@@ -12,6 +12,7 @@
 #include "platform/windows/wide.h"
 #include "shell/version.h"
 #include "ui/icons.h"
+#include "ui/text.h"
 
 namespace quorvel::ui {
 namespace {
@@ -50,6 +51,24 @@ class TrayIcon::Icon : public std::enable_shared_from_this<Icon> {
 
   bool is_in() const { return is_in_; }
 
+  void set_tip(const std::string& tip) {
+    tip_ = tip;
+    NOTIFYICONDATAA record = this->record();
+    Shell_NotifyIconA(NIM_MODIFY, &record);
+  }
+
+  void notify(const std::string& title, const std::string& text) {
+    NOTIFYICONDATAW record{};
+    record.cbSize = sizeof record;
+    record.hWnd = window_;
+    record.uID = icon_id;
+    record.uFlags = NIF_INFO;
+    record.dwInfoFlags = NIIF_RESPECT_QUIET_TIME;
+    to_utf16_or_marks(title).copy(record.szInfoTitle, std::size(record.szInfoTitle) - 1);
+    to_utf16_or_marks(text).copy(record.szInfo, std::size(record.szInfo) - 1);
+    Shell_NotifyIconW(NIM_MODIFY, &record);
+  }
+
  private:
   static constexpr UINT icon_id = 1;
   static constexpr UINT callback_message = WM_MOUSEMOVE;
@@ -75,6 +94,7 @@ class TrayIcon::Icon : public std::enable_shared_from_this<Icon> {
   void on_mouse(LPARAM event) {
     if (event == WM_LBUTTONDBLCLK) actions_.toggle();
     if (event == WM_RBUTTONUP) pop_up();
+    if (event == NIN_BALLOONUSERCLICK) actions_.show();
   }
 
   void pop_up() {
@@ -100,7 +120,7 @@ class TrayIcon::Icon : public std::enable_shared_from_this<Icon> {
 
   const HWND window_;
   const wxIcon icon_;
-  const std::string tip_;
+  std::string tip_;
   const Actions actions_;
   bool is_in_ = false;
 };
@@ -112,6 +132,14 @@ TrayIcon::~TrayIcon() = default;
 
 bool TrayIcon::is_in() const {
   return icon_->is_in();
+}
+
+void TrayIcon::set_tip(const std::string& tip) {
+  icon_->set_tip(tip);
+}
+
+void TrayIcon::notify(const std::string& title, const std::string& text) {
+  icon_->notify(title, text);
 }
 
 void tell(const std::string& text) {
@@ -130,6 +158,11 @@ void bring_to_front(wxFrame& window) {
 
 void set_spoken_name(wxWindow& control, const char* name) {
   control.SetLabel(name);  // lists do not show theirs
+}
+
+void announce(wxWindow& control, const std::string& text) {
+  control.SetLabel(to_wx(text));
+  NotifyWinEvent(EVENT_SYSTEM_ALERT, GetHwndOf(&control), OBJID_CLIENT, CHILDID_SELF);
 }
 
 std::string file_pattern(const std::string& type) {

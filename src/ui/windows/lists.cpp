@@ -1,7 +1,15 @@
 #include "ui/lists.h"
 
 #include <wx/listctrl.h>
+#include <wx/msw/private.h>
 #include <wx/wupdlock.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <string>
+
+#include "ui/text.h"
 
 namespace quorvel::ui {
 namespace {
@@ -19,6 +27,7 @@ class RowList::Control : public wxListCtrl {
                    wxLC_REPORT | wxLC_VIRTUAL | wxCLIP_SIBLINGS | (looks.several ? 0 : wxLC_SINGLE_SEL)),
         owner_(owner) {
     for (const char* const title : looks.titles) AppendColumn(title);
+    ListView_SetExtendedListViewStyleEx(GetHwndOf(this), LVS_EX_INFOTIP, LVS_EX_INFOTIP);
     if (!looks.icons.empty()) SetSmallImages(looks.icons);
     Bind(wxEVT_LIST_ITEM_ACTIVATED,
          [this](const wxListEvent& event) { owner_.on_activate(static_cast<int>(event.GetIndex()) + 1); });
@@ -26,6 +35,10 @@ class RowList::Control : public wxListCtrl {
     for (const auto& event : {wxEVT_LIST_ITEM_SELECTED, wxEVT_LIST_ITEM_DESELECTED, wxEVT_LIST_ITEM_FOCUSED}) {
       Bind(event, [this](const wxListEvent&) { owner_.on_select(); });
     }
+    Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
+      event.Skip();
+      CallAfter([this] { owner_.on_room(); });
+    });
     if (!looks.several) return;
     Bind(wxEVT_KEY_DOWN, [this](wxKeyEvent& event) {
       if (event.GetKeyCode() != 'A' || event.GetModifiers() != wxMOD_CONTROL) return event.Skip();
@@ -34,6 +47,15 @@ class RowList::Control : public wxListCtrl {
   }
 
  private:
+  bool MSWOnNotify(int control, WXLPARAM param, WXLPARAM* result) override {
+    auto& tip = *reinterpret_cast<NMLVGETINFOTIPW*>(param);
+    const std::string text = tip.hdr.code == LVN_GETINFOTIPW ? owner_.tip(tip.iItem + 1) : "";
+    if (text.empty()) return wxListCtrl::MSWOnNotify(control, param, result);
+    std::wstring shown = to_wx(text).ToStdWstring();
+    shown.resize(std::min(shown.size(), static_cast<std::size_t>(tip.cchTextMax) - 1));
+    std::ranges::copy(shown + L'\0', tip.pszText);
+    return true;
+  }
   wxString OnGetItemText(long row, long column) const override {
     return owner_.cell(static_cast<int>(row) + 1, static_cast<int>(column));
   }
