@@ -70,7 +70,7 @@ TEST(Dialogs, SayWhatCannotBeOpenedAndOfferWhatIsNotSwitchedOff) {
                                 "Unable to open folder: The folder " + at.folder / "gone" + " is not there any more"}));
   const auto notices = [&] { return lost_characters_notice(at.session, 0) + lost_characters_notice(at.session, 1); };
   EXPECT_EQ(notices() + lost_characters_notice(at.session, 2).substr(0, 12),
-            "1 name has lost characters.\nExact names keep them.2 names have");
+            "1 name has lost characters. Exact names keep them.2 names have");
   turn_exact_names(at.session, true);
   EXPECT_TRUE(notices().empty() && at.key_values.numbers["exact"] == 1);
   turn_exact_names(at.session, false);
