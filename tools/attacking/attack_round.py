@@ -21,6 +21,7 @@ CHANGES = ["renameat2", "linkat", "rename", "unlink", "fsync", "mkdir", "open", 
 # Nothing of these is to be waited for.
 QUIET = ["kill", "fault", "fault", "pause", "signal", "descriptors", "limits", "two copies", "writer", "writer", "full",
          "read-only", "dry run", "hostile service", "take back", "take back", "plan"]
+IN_WINDOW = ["window", "undo", "review", "review"]
 
 
 class Round:
@@ -302,11 +303,30 @@ class Round:
         self.count("files undone", max(0, before - sum(os.path.exists(each.new_path) for each in moved)))
         self.end_window(window, 0)
 
-    def start_window(self, closes):
+    def review(self):
+        """What is planned is applied as soon as it can be, and taken back or not."""
+        def done():
+            return sum(bool(each.new_path) and os.path.exists(each.new_path) for each in self.tracked)
+        before = done()
+        window = self.start_window(True, True)
+        for _ in range(12):
+            wait_until(lambda: window.poll() is not None, 0.3)
+            if window.poll() is not None:
+                break
+            self.bench.display.focus()
+            self.bench.display.press("ctrl+Return")
+        self.count("files applied", max(0, done() - before))
+        if self.rng.random() < 0.5:
+            self.bench.display.press("ctrl+z")
+            wait_until(lambda: window.poll() is not None, 0.3)
+            self.bench.display.press("alt+u")
+        self.end_window(window, 1)
+
+    def start_window(self, closes, reviews=False):
         settings = os.path.join(self.home, ".config/Quorvel")
         os.makedirs(settings, exist_ok=True)
         with open(settings + "/settings.ini", "w", encoding="utf-8") as file:
-            file.write(f"[Settings]\nautoclose={int(closes)}\n")
+            file.write(f"[Settings]\nautoclose={int(closes)}\nreview={int(reviews)}\n")
         faults = self.strike(self.rng.choice(["signal 9", "fail 5", "fail 28", "full", "pause 30000"]))
         return self.start(program=self.bench.window, **(faults if self.rng.random() < 0.5 else {}),
                           **self.bench.display.environment())
@@ -343,7 +363,7 @@ class Round:
     def run(self):
         """Raises Loss; the files are then as they were found."""
         for _ in range(self.rng.randint(1, 3)):
-            act = self.rng.choice(["window", "undo"] if self.bench.window and self.rng.random() < 0.03 else QUIET)
+            act = self.rng.choice(IN_WINDOW if self.bench.window and self.rng.random() < 0.04 else QUIET)
             self.tell(f"* {act}")
             self.count(act)
             getattr(self, act.replace(" ", "_").replace("-", "_"))()
