@@ -1,7 +1,11 @@
 #include "ui/desktop.h"
 
+#include <wx/access.h>
+#include <wx/choice.h>
+#include <wx/dataview.h>
 #include <wx/msw/private.h>
 #include <wx/settings.h>
+#include <wx/textctrl.h>
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -16,6 +20,20 @@
 
 namespace quorvel::ui {
 namespace {
+
+/// Tells screen readers a name in place of the control's text, and all else as the system does.
+class Named : public wxAccessible {
+ public:
+  Named(wxWindow& control, const char* name) : wxAccessible(&control), name_(name) {}
+  wxAccStatus GetName(int child, wxString* name) override {
+    if (child != wxACC_SELF) return wxACC_NOT_IMPLEMENTED;
+    *name = name_;
+    return wxACC_OK;
+  }
+
+ private:
+  const wxString name_;
+};
 
 /// The toolkit's own dialogs are of the same class, but it knows them.
 BOOL CALLBACK cancel(HWND window, LPARAM found) {
@@ -157,7 +175,13 @@ void bring_to_front(wxFrame& window) {
 }
 
 void set_spoken_name(wxWindow& control, const char* name) {
-  control.SetLabel(name);  // lists do not show theirs
+  if (dynamic_cast<wxDataViewCtrl*>(&control) != nullptr) {
+    control.SetName(name);  // which the toolkit tells
+  } else if (dynamic_cast<wxTextCtrl*>(&control) != nullptr || dynamic_cast<wxChoice*>(&control) != nullptr) {
+    control.SetAccessible(new Named(control, name));
+  } else {
+    control.SetLabel(name);  // lists do not show theirs
+  }
 }
 
 void announce(wxWindow& control, const std::string& text) {
