@@ -1,6 +1,9 @@
 // What only Windows sends to a window.
 #include <wx/msw/private.h>
 
+// After the system's, which it needs.
+#include <shellapi.h>
+
 #include "test_window.h"
 
 namespace quorvel::testing {
@@ -15,6 +18,10 @@ TEST_F(TestWindow, TheTrayIconAnswersClicksAndTheUpdatersMessageClosesDialogsThe
     frame->stack().show_menu = [&](wxWindow&, wxMenu& menu, const wxPoint&) { seen += captions(menu); };
     for (const LPARAM click : {WM_RBUTTONUP, WM_LBUTTONUP}) SendMessageW(window, WM_MOUSEMOVE, 1, click);
     EXPECT_EQ(seen, "Hide|-|Exit");
+    frame->Hide();
+    frame->life().notify("1 renamed");
+    SendMessageW(window, WM_MOUSEMOVE, 1, NIN_BALLOONUSERCLICK);
+    EXPECT_TRUE(frame->IsShown());
     on_dialog([&](wxDialog&) {  // as the updater does it
       char text[] = "QV|UD|";
       COPYDATASTRUCT record{3, sizeof text, text};

@@ -21,7 +21,7 @@ bool has_bus() {
 }  // namespace
 
 struct Notifications::Bus {
-  std::function<void(const std::string&)> on_click;
+  std::function<void(const std::string&)> clicked;
   GCancellable* const cancellable = g_cancellable_new();
   GDBusConnection* connection = nullptr;
   guint subscription = 0;
@@ -79,11 +79,11 @@ void Notifications::Bus::on_signal(GDBusConnection*, const gchar*, const gchar*,
   g_variant_get(parameters, "(u&s)", &number, &text);
   if (number != bus.shown) return;
   if (g_str_equal(name, "ActivationToken")) bus.token = text;
-  if (g_str_equal(name, "ActionInvoked")) bus.on_click(std::exchange(bus.token, {}));
+  if (g_str_equal(name, "ActionInvoked")) bus.clicked(std::exchange(bus.token, {}));
 }
 
 Notifications::Notifications(std::function<void(const std::string&)> on_click)
-    : bus_(new Bus{.on_click = std::move(on_click), .token = {}, .waiting = {}}) {
+    : bus_(new Bus{.clicked = std::move(on_click), .token = {}, .waiting = {}}) {
   if (has_bus()) g_bus_get(G_BUS_TYPE_SESSION, bus_->cancellable, Bus::on_connected, bus_.get());
 }
 
