@@ -159,6 +159,12 @@ TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot") << "what is known from earlier will do";
   EXPECT_EQ(web.requests.size(), 7u);
   web.bodies["/search/shows?q=broken"] = "[{";
+  web.refusals = {0};
+  web.before_answer = [this] {  // a dialog is open for longer than the connection lasts
+    ui.on_events = [this] { clock.wait(std::chrono::minutes(5)); };
+    web.on_wait();
+    ui.on_events = [] {};
+  };
   EXPECT_TRUE(found("Broken.S01E01.mkv").starts_with("The listings service's answer cannot be understood"));
 }
 

@@ -9,7 +9,7 @@ namespace {
 bool same(const testing::KnownName& known, const Reading& read) {
   Reading meaning = known.meaning;
   meaning.show = known.show.value_or("?");
-  for (std::string Reading::* const text :
+  for (std::string Reading::*const text :
        {&Reading::show, &Reading::resolution, &Reading::source, &Reading::group, &Reading::episode_title}) {
     if (meaning.*text == "?") meaning.*text = read.*text;  // it does not matter
   }

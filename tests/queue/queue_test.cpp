@@ -125,9 +125,7 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
             "More than one show fits: Part Time (2010, tvmaze:8), Part Time (2015, tvmaze:9)");
   EXPECT_TRUE(exists("in/Part Time - 1x02 - Pilot (2).ogm"));
   EXPECT_EQ(item(4).error_text, "Unable to find an episode in the name");
-  EXPECT_TRUE(
-      item(5).error_text.ends_with("The name can be read in more than one way; as this it would be \"Pilot (2)\""))
-      << item(5).error_text;
+  EXPECT_NE(item(5).error_text.find("more than one way; as this it would be \"Pilot (2)\""), std::string::npos);
   EXPECT_EQ(service.requests().size(), 0u) << "the classic way is not asked";
   session.exceptions.append({"part time", "tvmaze:8", false});
   web.bodies["/shows/8"] = R"({"id":8,"name":"Part Time"})";

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "naming/reader/reading_text.h"
 #include "text/characters.h"
 #include "text/failure.h"
 #include "text/numbers.h"
@@ -132,20 +133,8 @@ bool same_show(const KnownName& known, const Reading& reading) {
 }
 
 std::string described(const std::string& show, const Reading& reading) {
-  std::string text = "\"" + show + "\"";
-  const auto add = [&text](const char* word, const std::vector<int>& numbers) {
-    if (numbers.empty()) return;
-    text += word;
-    for (const int number : numbers) text += " " + std::to_string(number);
-  };
-  if (reading.season) text += " season " + std::to_string(*reading.season);
-  add(" episodes", reading.episodes);
-  add(" absolute", reading.absolute);
-  if (reading.date) {
-    text += " " + std::to_string(reading.date->year) + "-" + std::to_string(reading.date->month) + "-" +
-            std::to_string(reading.date->day);
-  }
-  return text + (reading.certain ? " certain" : "");
+  return "\"" + show + "\" " + number_text(reading) + (reading.certain ? " certain |" : " |") + reading.resolution +
+         "|" + reading.source + "|" + reading.group + "|" + reading.episode_title;
 }
 
 }  // namespace quorvel::testing

@@ -26,7 +26,7 @@ bool same_numbers(const KnownName& known, const Reading& reading);
 /// Whether the show is right without regard to case, marks, blanks, and a year or country in it.
 bool same_show(const KnownName& known, const Reading& reading);
 
-/// For people: the numbers, and the show in front.
+/// For people: the show, the numbers, and what else is compared.
 std::string described(const std::string& show, const Reading& reading);
 
 }  // namespace quorvel::testing

@@ -24,6 +24,7 @@ TEST(Text, EveryByteOfItSurvives) {
   EXPECT_TRUE(fits_code_page(from_code_page(all)) && !fits_code_page("Ж"));
   EXPECT_EQ(from_code_page("\x80\x9F\xE9"), "€Ÿé");
   EXPECT_EQ(to_code_page("aЖ日caf\xFF"), "a??caf\xFF") << "a stray byte of a file name stands for itself";
+  EXPECT_EQ(JsonObject().texts("a", {"\x1F\"", "b"}).texts("c", {}).line(), R"({"a":["\u001f\"","b"],"c":[]})");
 }
 
 TEST(Numbers, AreWholeOrRefused) {
@@ -32,10 +33,6 @@ TEST(Numbers, AreWholeOrRefused) {
     EXPECT_THROW(to_number(text), Failure) << text;
   EXPECT_EQ(leading_number(" 301 Moved") + leading_number("abc"), 301);
   EXPECT_EQ(leading_number("99999999999999999999"), 1'000'000);
-}
-
-TEST(Json, HoldsEveryText) {
-  EXPECT_EQ(JsonObject().texts("a", {"\x1F\"", "b"}).texts("c", {}).line(), R"({"a":["\u001f\"","b"],"c":[]})");
 }
 
 TEST(Wildcards, DescribeTheWholeSubject) {

@@ -1,6 +1,7 @@
 #include "naming/reader/marks.h"
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 
 #include "naming/reader/dates.h"
 #include "text/characters.h"
@@ -26,13 +27,8 @@ bool is_value(const Token& token, bool words) {
 }  // namespace
 
 bool is_weak(const Name& name, std::size_t i) {
-  constexpr std::array<std::string_view, 9> weak = {"series", "serie", "série", "séries", "se",
-                                                    "book",   "livre", "buch",  "libro"};
-  const std::string_view word = name.lowered(name.at(i));
-  for (const std::string_view each : weak) {
-    if (word == each) return true;
-  }
-  return false;
+  constexpr std::string_view weak[] = {"series", "serie", "série", "séries", "se", "book", "livre", "buch", "libro"};
+  return std::ranges::find(weak, name.lowered(name.at(i))) != std::end(weak);
 }
 
 bool is_total(const Name& name, std::size_t i) {
@@ -82,7 +78,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   const Token& next = name.at(i + 1);
   if (token.is(EpisodeLetter) && next.is_number() && next.is_glued() && next.size() <= 5 && !next.technical) {
-    return Mark{i, i + 2, next.number, true};
+    return Mark{i, i + 2, next.number};
   }
   if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 5 &&
       (next.is_number() || (next.is(NumberWord) && token.size() > 3 && next.size() > 1)) &&

@@ -1,7 +1,7 @@
 #include "naming/reader/technical.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 
 namespace quorvel::reader {
 namespace {
@@ -35,10 +35,11 @@ bool is_codec(std::string_view word, int number) {
 std::uint32_t unit(std::string_view word, int number) {
   if (word == "p" && is_lines(number)) return Resolution;
   if (word == "月新番" || word == "月番") return Site;
-  constexpr std::array<std::string_view, 17> units = {"bit", "bits", "fps", "hz", "khz", "kbps", "kbit", "mbps", "mb",
-                                                      "gb",  "mib",  "gib", "kb", "ch",  "chs",  "mbit", "audio"};
-  const auto* const found = std::find(units.begin(), units.end(), word);
-  return found == units.end() ? 0U : word.starts_with("ch") || word.starts_with("k") ? Sound : Codec;
+  constexpr std::string_view units[] = {"bit", "bits", "fps", "hz", "khz", "kbps", "kbit", "mbps", "mb",
+                                        "gb",  "mib",  "gib", "kb", "ch",  "chs",  "mbit", "audio"};
+  return std::ranges::find(units, word) == std::end(units) ? 0U
+         : word.starts_with("ch") || word.starts_with("k") ? Sound
+                                                           : Codec;
 }
 
 /// The chunk that starts at `i`: what its tokens say together, and how many of them do.
@@ -144,12 +145,12 @@ Found find_pair(const Name& name, std::size_t i) {
 }
 
 bool has_top_level_domain(const Name& name, std::size_t i) {
-  constexpr std::array<std::string_view, 24> domains = {"com", "org",  "net", "info", "ru", "to",  "me", "tv",
-                                                        "eu",  "se",   "es",  "cc",   "ws", "biz", "io", "co",
-                                                        "fr",  "club", "xyz", "pl",   "in", "nu",  "pt", "hu"};
+  constexpr std::string_view domains[] = {"com", "org",  "net", "info", "ru", "to",  "me", "tv",
+                                          "eu",  "se",   "es",  "cc",   "ws", "biz", "io", "co",
+                                          "fr",  "club", "xyz", "pl",   "in", "nu",  "pt", "hu"};
   const Token& token = name.at(i);
   return token.is_word() && is_glued_by(token, Dot) &&
-         std::find(domains.begin(), domains.end(), name.lowered(token)) != domains.end();
+         std::ranges::find(domains, name.lowered(token)) != std::end(domains);
 }
 
 /// A site's name from `first`: "www.site.com", or within brackets of its own also "site.com". Its size; 0 for none.
@@ -203,9 +204,7 @@ void mark_technical(Name& name) {
     while (i < end) {
       Found found = find_in_chunk(name, i, end);
       if (found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Site};
-      if (i + 1 == end || found.count == 0) {
-        if (const Found pair = find_pair(name, i); pair.count > 0) found = pair;
-      }
+      if (const Found pair = find_pair(name, i); pair.count > 0) found = pair;
       if (found.count > 0) {
         mark(name, i, i + found.count, found.kinds);
         // "AAC2.0", "DD5.1": the second half of the number.
