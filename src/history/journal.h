@@ -25,8 +25,8 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
   ~Journal();
 
-  /// Writes down what is about to happen; `source` is the stamp of the request's source. Where that cannot be done, which
-  /// is told once, it happens all the same: nothing is lost without the journal, it only stays behind.
+  /// Writes down what is about to happen; `source` is the stamp of the request's source. Where that cannot be done,
+  /// which is told once, it happens all the same: nothing is lost without the journal, it only stays behind.
   void begin(const FileOperationRequest& request, const std::optional<FileStamp>& source);
 
   /// It has ended, well or not.
@@ -45,7 +45,7 @@ class Journal {
   struct Entry {
     int operation = 0;
     std::string source, destination, temporary;
-    bool is_new = false;  // nothing was at the destination
+    bool is_new = false;                  // nothing was at the destination
     std::optional<FileStamp> stamp = {};  // of the source: its size and its time
   };
 
