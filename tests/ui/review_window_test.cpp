@@ -80,7 +80,7 @@ TEST_F(ReviewWindow, NamesAndEpisodesAreCorrectedInPlaceAndTickedFilesAppliedAnd
   EXPECT_EQ(find<wxTextCtrl>(*frame, "cell_text").GetValue(), "A?");
   type_into_cell("A");
   wait_until([&] { return sheet().find("|<b>A</b>.avi|1x01|Ready;") != std::string::npos; });
-  wait_until([&] { return tree().control().HasFocus(); });
+  wait_until([&] { return tree().control().IsDescendant(wxWindow::FindFocus()); });
 
   tree().select({3});
   keyboard.Char(WXK_F2, wxMOD_SHIFT);
@@ -178,13 +178,16 @@ TEST_F(ReviewWindow, AShowIsChosenForAllFilesOfAGroupWhereverTheKeyboardIs) {
   wait_until([&] { return tree().selected_file() == 1; });
   keyboard.Char(WXK_LEFT);
   wait_until([&] { return details() == "2 files"; });
-  keyboard.Char(WXK_F10, wxMOD_SHIFT);
-  wait_until([&] { return !menu.empty(); });
+  wxContextMenuEvent key(wxEVT_CONTEXT_MENU);  // as from the Menu key
+  tree().control().ProcessWindowEvent(key);
   EXPECT_EQ(menu, "Choose Show\u2026|Add Exception\u2026|Look Up Again|Open Folder|");
   on_dialog([&](wxDialog& dialog) {
     auto& shows = find<ui::RowList>(dialog, "shows");
-    wait_until([&] { return shows.count() == 2; });
-    shows.select(1), shows.on_activate(1);
+    wait_until([&] { return dialog.IsActive() && shows.count() == 2; });
+    shows.SetFocus();
+    keyboard.Char(WXK_DOWN);
+    wait_until([&] { return shows.selected() == 1; });
+    keyboard.Char(WXK_RETURN);
   });
   press(*frame, "review_choose");
   EXPECT_TRUE(text("heading") == "2 files, 2 ready" && text("review_apply") == "&Apply 2") << sheet();
