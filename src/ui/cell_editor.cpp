@@ -33,6 +33,7 @@ CellEditor::CellEditor(wxWindow* parent, wxWindow& neighbour)
 void CellEditor::open(const wxRect& area, const std::string& text, const char* spoken_name,
                       std::function<bool(const std::string&)> accept) {
   accept_ = std::move(accept);
+  original_ = text;
   set_spoken_name(*text_, spoken_name);
   text_->ChangeValue(to_wx(text));
   move(area);
@@ -69,6 +70,11 @@ void CellEditor::close() {
 
 void CellEditor::on_key(wxKeyEvent& event) {
   if (event.GetKeyCode() == WXK_ESCAPE) return close();
+  if (event.GetKeyCode() == 'Z' && event.GetModifiers() == wxMOD_CONTROL) {
+    // What was typed is meant, and not what the window's menu would undo.
+    text_->ChangeValue(to_wx(original_));
+    return text_->SelectAll();
+  }
   if (event.GetKeyCode() == WXK_TAB && !commit()) return;
   event.Skip();
 }

@@ -32,6 +32,7 @@ class CellEditor : public wxPanel {
   wxWindow& neighbour_;
   wxTextCtrl* text_;
   std::function<bool(const std::string&)> accept_;
+  std::string original_;
   bool is_committing_ = false;
 };
 

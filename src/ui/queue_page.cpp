@@ -47,11 +47,12 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window
   list_->set_hint(*hint_);
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->Add(list_, wxSizerFlags(1).Expand().Border());
+  sizer->Add(review_, wxSizerFlags(1).Expand().Border());
+  review_->MoveAfterInTabOrder(list_);
   for (MessageBar* const bar : {strip_, bar_}) {
     sizer->Add(bar, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
   }
   sizer->Add(review_strip_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM));
-  sizer->Add(review_, wxSizerFlags(1).Expand().Border());
   SetSizer(sizer);
   // The row where the pass has ended may lie where a strip is now.
   list_->on_room = [this] {

@@ -240,10 +240,18 @@ void ReviewTree::on_key(wxKeyEvent& event) {
     return actions_.edit(file, modifiers == wxMOD_SHIFT ? ReviewModel::Numbers : ReviewModel::NewName);
   }
   if ((key == WXK_LEFT || key == WXK_RIGHT) && modifiers == wxMOD_NONE) return open_group(key == WXK_RIGHT);
+  if (key == 'A' && modifiers == wxMOD_CONTROL) return select_all();
   if (key == WXK_SPACE && modifiers == wxMOD_NONE) return tick_selected();
   // Else the toolkit searches, for what is no text in any column that it knows.
   if (modifiers == wxMOD_NONE && key > WXK_SPACE && key < WXK_DELETE && wxIsalnum(key)) return;
   event.Skip();
+}
+
+/// The groups stand for all that is in them.
+void ReviewTree::select_all() {
+  control_->SetSelections(model_->groups());
+  chosen_ = selected_rows();
+  actions_.on_select();
 }
 
 /// Opens or closes the group that the keyboard is in; systems differ in the keys for that.

@@ -58,6 +58,7 @@ class ReviewTree : public wxPanel {
   void on_context_menu(const wxContextMenuEvent& event);
   void on_key(wxKeyEvent& event);
   void on_motion(wxMouseEvent& event);
+  void select_all();
   void tick_selected();
   void open_group(bool on);
   void choose(const wxDataViewItemArray& rows);

@@ -78,6 +78,8 @@ TEST_F(ReviewWindow, NamesAndEpisodesAreCorrectedInPlaceAndTickedFilesAppliedAnd
   wait_until([&] { return details().starts_with("A name cannot have any of"); });
   session->processor.on_pass_ended();  // what happens meanwhile leaves the box as it is
   EXPECT_EQ(find<wxTextCtrl>(*frame, "cell_text").GetValue(), "A?");
+  type(find(*frame, "cell_text"), 'Z', true);
+  EXPECT_EQ(find<wxTextCtrl>(*frame, "cell_text").GetValue() + ".avi", slack_water);
   type_into_cell("A");
   wait_until([&] { return sheet().find("|<b>A</b>.avi|1x01|Ready;") != std::string::npos; });
   wait_until([&] { return tree().control().IsDescendant(wxWindow::FindFocus()); });
