@@ -16,8 +16,11 @@ namespace {
 /// Real files, of which the operation of that number fails.
 struct FailingShell : FileOperation {
   const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
-  int calls = 0, fails_at = 0;
-  int perform(const FileOperationRequest& request) override { return ++calls == fails_at ? 5 : real->perform(request); }
+  int calls = 0, fails_at = 0, flags = 0;  // of the last one
+  int perform(const FileOperationRequest& request) override {
+    flags = request.flags;
+    return ++calls == fails_at ? 5 : real->perform(request);
+  }
 };
 
 struct BatchTest : ::testing::Test, TestPorts {
@@ -71,6 +74,17 @@ TEST_F(BatchTest, FilesGetEachOthersNamesAndNothingIsLostOverIt) {
        "1: It is in the plan twice; 2: The new filename is the same as the old filename; b=b c=a "},
       {"old", "old>new gone>x", "0: It has been changed or replaced since; 1: It is not there any more; old=old "}};
   for (const auto& [names, plan, expected] : rows) EXPECT_EQ(after(names, plan), expected) << plan;
+}
+
+TEST_F(BatchTest, WhatIsMovedIsReadBackWhereTheUserWantsThat) {
+  for (const auto& [verify, action] : {std::pair(true, MoveAndRename), {false, MoveAndRename}, {true, CopyAndRename}}) {
+    session.settings.verify = verify;
+    write("in/a", "a");
+    Batch(session.jobs, *files).run({{job("a", "b" + std::to_string(failing.calls), action)}}, [](auto...) {
+      return true;
+    });
+    EXPECT_EQ((failing.flags & FileOperationRequest::Verify) != 0, verify && action == MoveAndRename);
+  }
 }
 
 TEST_F(BatchTest, ACircleThatCannotBeClosedIsTakenBack) {
