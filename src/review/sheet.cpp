@@ -338,9 +338,9 @@ std::vector<int> ReviewSheet::leave() {
 void ReviewSheet::apply() {
   std::vector<int> rest = leave();
   const auto is_left = [this](int item) { return !is_ticked(item) && mark(item) != Mark::RightAlready; };
-  const auto left = std::ranges::stable_partition(rest, is_left);
-  const std::vector<int> items(left.begin(), left.end());
-  rest.erase(left.begin(), left.end());
+  const auto first = std::stable_partition(rest.begin(), rest.end(), is_left);
+  const std::vector<int> items(first, rest.end());
+  rest.erase(first, rest.end());
   std::ranges::sort(rest);
   parts_.processor.give_up(rest, "Not chosen in the review");
   parts_.processor.apply(items);

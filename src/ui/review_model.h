@@ -18,7 +18,7 @@ class ReviewModel : public wxDataViewModel {
   enum Column : std::uint8_t { Tick, OldName, NewName, Numbers, Folder, Status };
 
   /// `icons` are those of the queue list's rows.
-  ReviewModel(const ReviewSheet& sheet, wxVector<wxBitmapBundle> icons) : sheet_(sheet), icons_(std::move(icons)) {}
+  ReviewModel(const ReviewSheet& sheet, const wxVector<wxBitmapBundle>& icons) : sheet_(sheet), icons_(icons) {}
 
   /// Called when the user ticks or clears the box of some items.
   std::function<void(const std::vector<int>& items, bool on)> on_tick = [](const std::vector<int>&, bool) {};

@@ -19,6 +19,7 @@ class ReviewWindow : public TestWindow {
     key_values.numbers["review"] = 1;
     start();
     std::vector<std::string> paths;
+    paths.reserve(names.size());
     for (const std::string& name : names) paths.push_back(file(name));
     drop(paths);
   }
