@@ -204,7 +204,9 @@ std::string ReviewSheet::reason(int item) const {
   const QueueItem& each = parts_.queue.at(item);
   if (!each.is_planned) return each.error_text;
   std::string text = rows_.at(item).trouble;
-  for (const std::string& doubt : each.doubts) text += (text.empty() ? "" : "\r\n") + doubt;
+  const auto add = [&text](const std::string& line) { text += (text.empty() ? "" : "\r\n") + line; };
+  for (const std::string& doubt : each.doubts) add(doubt);
+  if (each.lost_characters) add("The new name lacks characters that the service gave. Exact names keep them.");
   return text;
 }
 

@@ -93,7 +93,9 @@ void MessageBar::show(const std::string& text, const std::vector<Button>& button
 }
 
 void MessageBar::give_keyboard_back() {
-  if (wxWindow* const focus = FindFocus(); focus != nullptr && IsDescendant(focus)) neighbour_.SetFocus();
+  if (wxWindow* const focus = FindFocus(); focus != nullptr && IsDescendant(focus)) {
+    neighbour_.IsShown() ? neighbour_.SetFocus() : static_cast<void>(Navigate(wxNavigationKeyEvent::IsForward));
+  }
 }
 
 void MessageBar::close() {

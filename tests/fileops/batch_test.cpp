@@ -74,6 +74,13 @@ TEST_F(BatchTest, FilesGetEachOthersNamesAndNothingIsLostOverIt) {
        "1: It is in the plan twice; 2: The new filename is the same as the old filename; b=b c=a "},
       {"old", "old>new gone>x", "0: It has been changed or replaced since; 1: It is not there any more; old=old "}};
   for (const auto& [names, plan, expected] : rows) EXPECT_EQ(after(names, plan), expected) << plan;
+  write("in/b", "b");
+  session.batch.run({{job("b", std::string("x\0y", 3), Rename)}},
+                    [](std::size_t, const FileJobResult& result, const std::string& trouble) {
+                      EXPECT_TRUE(!result.done && trouble == "the name \"x...\" holds a NUL character") << trouble;
+                      return true;
+                    });
+  EXPECT_TRUE(exists("in/b") && !exists("in/x"));
 }
 
 TEST_F(BatchTest, WhatIsMovedIsReadBackWhereTheUserWantsThat) {

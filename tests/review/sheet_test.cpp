@@ -101,6 +101,9 @@ TEST_F(Review, ChainsAndCirclesAreWeighedByWhatIsTickedAndComeOutRight) {
   sheet.apply();
   EXPECT_EQ(item(3).error_text, "It has been changed or replaced since");
   take({"harbour.lights.1x04.mkv"});
+  EXPECT_EQ(sheet.reason(4), "");
+  item(4).lost_characters = true;
+  EXPECT_NE(sheet.reason(4), "");
   sheet.cancel();
   EXPECT_EQ(states(), "6 6 -1 -2 ");
 }
