@@ -338,12 +338,10 @@ std::vector<int> ReviewSheet::leave() {
 }
 
 void ReviewSheet::apply() {
-  std::vector<int> rest = leave();
-  const auto is_left = [this](int item) { return !is_ticked(item) && mark(item) != Mark::RightAlready; };
-  const auto first = std::stable_partition(rest.begin(), rest.end(), is_left);
-  const std::vector<int> items(first, rest.end());
-  rest.erase(first, rest.end());
-  std::ranges::sort(rest);
+  std::vector<int> items, rest;
+  for (const int item : leave()) {
+    (is_ticked(item) || mark(item) == Mark::RightAlready ? items : rest).push_back(item);
+  }
   parts_.processor.give_up(rest, "Not chosen in the review");
   parts_.processor.apply(items);
   refresh();

@@ -82,8 +82,8 @@ void Notifications::Bus::on_signal(GDBusConnection*, const gchar*, const gchar*,
   if (g_str_equal(name, "ActionInvoked")) bus.clicked(std::exchange(bus.token, {}));
 }
 
-Notifications::Notifications(std::function<void(const std::string&)> on_click)
-    : bus_(new Bus{.clicked = std::move(on_click), .token = {}, .waiting = {}}) {
+Notifications::Notifications(std::function<void(const std::string&)> on_click) : bus_(std::make_unique<Bus>()) {
+  bus_->clicked = std::move(on_click);
   if (has_bus()) g_bus_get(G_BUS_TYPE_SESSION, bus_->cancellable, Bus::on_connected, bus_.get());
 }
 
