@@ -131,11 +131,12 @@ void Processor::carry_out_plans() {
     return !is_ending();
   };
   batch_.run(entries, ended, [this](std::size_t entry) { set_state(plans_[entry], QueueState::Processing); });
+  const bool was_stopped = stop_after_ > 0;
   end_pass();
   on_pass_ended();
   if (quit_) return ui_.close();
   if (queue_cursor_ < queue_.count()) ui_.arm_start_timer();  // for what was added meanwhile
-  finish();
+  if (!was_stopped) finish();
 }
 
 /// All is done that is to be done now. What the user has not seen would be gone with the window.
