@@ -3,6 +3,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "cli/json_report.h"
 #include "platform/console.h"
 #include "platform/system.h"
 #include "shell/plan_file.h"
@@ -40,9 +41,11 @@ bool apply_plan(Session& session, const std::string& file, bool json, Terminal& 
                                                      : "planned")
                             .text("new_path", job.destination())
                             .text("action", action_word(job.action))
+                            .objects("companions", companions_of(job.companions))
                             .text("reason", trouble)
                             .line());
     } else if (is_done && is_real) {
+      for (const FileJob& each : job.companions) terminal.out_line(each.path + " -> " + each.destination());
       terminal.out_line(job.path + " -> " + job.destination());
     }
     if (!is_done) terminal.error_line(job.path + ": " + trouble);

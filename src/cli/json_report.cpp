@@ -21,6 +21,18 @@ const char* state_word(QueueState state, bool is_dry_run) {
   }
 }
 
+}  // namespace
+
+std::vector<JsonObject> companions_of(const std::vector<FileJob>& companions) {
+  std::vector<JsonObject> list;
+  for (const FileJob& each : companions) {
+    list.push_back(JsonObject().text("path", each.path).text("new_path", each.destination()));
+  }
+  return list;
+}
+
+namespace {
+
 std::optional<int> positive(int number) {
   return number > 0 ? std::optional(number) : std::nullopt;
 }
@@ -38,6 +50,7 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
       .text("state", item.is_right_already ? "right already" : state_word(item.state, is_dry_run))
       .text("new_path", item.new_name.empty() ? "" : item.dest_path + item.new_name)
       .text("action", item.new_name.empty() ? "" : action_word(item.action))
+      .objects("companions", companions_of(item.companions))
       .text("show", item.show_name)
       .number("show_id", positive(item.show_id))
       .number("season", episodes.empty() ? std::nullopt : std::optional<int>(item.season))

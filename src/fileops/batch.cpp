@@ -21,6 +21,13 @@ std::string key_of(const std::string& path) {
   return lower_case(path);
 }
 
+/// The job's own file and those that go along with it.
+template <typename Use>
+void for_each_file(const FileJob& job, Use use) {
+  use(job);
+  for (const FileJob& companion : job.companions) use(companion);
+}
+
 bool takes_source(const FileJob& job) {
   return job.action == Rename || job.action == MoveAndRename;
 }
@@ -35,27 +42,29 @@ class Batch::Plan {
     waits_for_.assign(entries.size(), none);
     std::map<std::string, std::size_t> sources, targets;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-      const auto& [job, stamp] = entries[i];
       look_at(i);
-      if (!sources.try_emplace(key_of(job.path), i).second) {
-        troubles_[i] = {Trouble::InTwice, "It is in the plan twice"};
-      }
-      const auto [first, is_new] = targets.try_emplace(key_of(job.destination()), i);
-      if (!is_new) {
+      for_each_file(entries[i].job, [&](const FileJob& job) {
+        if (!sources.try_emplace(key_of(job.path), i).second) {
+          troubles_[i] = {Trouble::InTwice,
+                          is_companion(job, i) ? job.path + " is in the plan twice" : "It is in the plan twice"};
+        }
+        const auto [first, is_new] = targets.try_emplace(key_of(job.destination()), i);
+        if (is_new) return;
         const Trouble twice{Trouble::TwoForOneName, "Two files would be " + job.destination()};
         if (is_well(i)) troubles_[i] = twice;
         if (is_well(first->second)) troubles_[first->second] = twice;
-      }
+      });
     }
     for (std::size_t i = 0; i < entries.size(); ++i) {
-      const FileJob& job = entries[i].job;
-      if (!is_well(i) || !files.exists(job.destination())) continue;
-      const auto holder = sources.find(key_of(job.destination()));
-      if (holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job)) {
-        waits_for_[i] = holder->second;
-      } else {
-        refuse_taken(i);
-      }
+      if (!is_well(i)) continue;
+      for_each_file(entries[i].job, [&](const FileJob& job) {
+        if (!files.exists(job.destination())) return;
+        const auto holder = sources.find(key_of(job.destination()));
+        const bool is_left =
+            holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job);
+        const bool waits = is_left && (waits_for_[i] == none || waits_for_[i] == holder->second);
+        waits ? void(waits_for_[i] = holder->second) : refuse_taken(i, job);
+      });
     }
     refuse_who_waits_in_vain();
   }
@@ -75,16 +84,22 @@ class Batch::Plan {
     } else if (key_of(job.path) == key_of(job.destination())) {
       troubles_[entry] = {Trouble::SameName, "The new filename is the same as the old filename"};
     }
+    for (const FileJob& companion : job.companions) {
+      if (!is_well(entry) || files_.exists(companion.path)) continue;
+      troubles_[entry] = {Trouble::Missing, companion.path + " cannot go along: it is not there any more"};
+    }
   }
-  void refuse_taken(std::size_t entry) {
-    troubles_[entry] = {Trouble::Taken, entries_[entry].job.destination() + " is there already"};
+  bool is_companion(const FileJob& job, std::size_t entry) const { return &job != &entries_[entry].job; }
+  void refuse_taken(std::size_t entry, const FileJob& job) {
+    const std::string taken = job.destination() + " is there already";
+    troubles_[entry] = {Trouble::Taken, is_companion(job, entry) ? job.path + " cannot go along: " + taken : taken};
   }
   void refuse_who_waits_in_vain() {
     for (bool changed = true; changed;) {
       changed = false;
       for (std::size_t i = 0; i < entries_.size(); ++i) {
         if (!is_well(i) || waits_for_[i] == none || is_well(waits_for_[i])) continue;
-        refuse_taken(i);
+        refuse_taken(i, entries_[i].job);
         changed = true;
       }
     }
@@ -152,19 +167,36 @@ void Batch::run_chain(const std::vector<Entry>& entries, const Chain& chain, con
   }
 }
 
+namespace {
+
+/// Two steps in place of one: the file and its companions get names that nobody wants, and from these their own.
+std::pair<FileJob, FileJob> in_two_steps(const FileJob& job) {
+  const std::string name = "swapping-" + random_letters();
+  FileJob parking = job, finishing = job;
+  const std::string extension = getextension(job.filename);
+  parking.new_name = name + (extension == job.filename ? "" : "." + extension);
+  for (std::size_t i = 0; i < job.companions.size(); ++i) {
+    parking.companions[i].new_name = name + "-" + std::to_string(i) + "." + getextension(job.companions[i].filename);
+  }
+  const auto part = [](FileJob& first, FileJob& second) {
+    first.dest_path = getpath(first.path, 0);
+    first.action = Rename;
+    first.sets_aside = true;
+    second.path = first.destination();
+    second.filename = first.new_name;
+  };
+  part(parking, finishing);
+  for (std::size_t i = 0; i < job.companions.size(); ++i) part(parking.companions[i], finishing.companions[i]);
+  return {parking, finishing};
+}
+
+}  // namespace
+
 /// The last one's file gets a name that nobody wants until its own is free.
 void Batch::run_circle(const std::vector<Entry>& entries, const Chain& circle, const Begin& begins, const End& end) {
   for (const std::size_t entry : circle) begins(entry);
   const std::size_t parked = circle.back();
-  FileJob parking = entries[parked].job, finishing = parking;
-  const std::string extension = getextension(parking.filename);
-  parking.dest_path = getpath(parking.path, 0);
-  parking.new_name = "swapping-" + random_letters() + (extension == parking.filename ? "" : "." + extension);
-  parking.action = Rename;
-  parking.sets_aside = true;
-  finishing.path = parking.destination();
-  finishing.filename = parking.new_name;
-
+  const auto [parking, finishing] = in_two_steps(entries[parked].job);
   std::vector<FileJob> steps{parking};
   for (const std::size_t entry : circle) steps.push_back(entry == parked ? finishing : entries[entry].job);
   std::vector<FileJobResult> results;
@@ -177,10 +209,7 @@ void Batch::run_circle(const std::vector<Entry>& entries, const Chain& circle, c
   if (!trouble.empty()) {
     results.pop_back();
     while (!results.empty()) {
-      FileJob step = steps[results.size() - 1];
-      step.done_stamp = results.back().stamp;
-      step.past_id = results.back().past_id;
-      if (results.back().dest_path) step.dest_path = *results.back().dest_path;
+      const FileJob step = as_done(steps[results.size() - 1], results.back());
       try {
         if (!jobs_.undo(step).done) break;
       } catch (const Failure&) {

@@ -36,7 +36,15 @@ Deed deed_of(int operation) {
 
 }  // namespace
 
-FileJobResult FileJobs::run(const FileJob& job) {
+FileJob as_done(FileJob job, const FileJobResult& result) {
+  job.done_stamp = result.stamp;
+  job.past_id = result.past_id;
+  if (result.dest_path) job.dest_path = *result.dest_path;
+  job.companions = result.companions;
+  return job;
+}
+
+FileJobResult FileJobs::run_alone(const FileJob& job) {
   refuse_nul(job);
   if (!files_.exists(job.path)) {
     log_.debug_log("File rename failed. Source file not found", LogLevel::Verbose);
@@ -129,7 +137,7 @@ FileJobResult FileJobs::result_of(int code) {
                      std::to_string(code) + ": " + native::error_words(code)};
 }
 
-FileJobResult FileJobs::undo(const FileJob& job) {
+FileJobResult FileJobs::undo_alone(const FileJob& job) {
   refuse_nul(job);
   const std::string current = job.destination();
   if (!files_.exists(current)) {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "history/history.h"
 #include "history/journal.h"
@@ -25,6 +26,7 @@ struct FileJob {
   std::optional<FileStamp> done_stamp = {};  // of the destination after the job was done
   std::int64_t past_id = 0;                  // of the operation in the history that did it, or that it takes back
   bool sets_aside = false;                   // the new name is only for a moment
+  std::vector<FileJob> companions = {};      // what belongs to the file and goes along, as one with it
 
   std::string destination() const { return dest_path + new_name; }
 };
@@ -38,7 +40,11 @@ struct FileJobResult {
   std::int64_t past_id = 0;                    // in the history; 0 when nothing was begun
   std::optional<FileStamp> source_stamp = {};  // of the source before, when anything was begun
   std::optional<std::string> dest_path = {};   // the destination folder as it was made for a move or a copy, when done
+  std::vector<FileJob> companions = {};        // as they were done, when done
 };
+
+/// The job, as it is to be taken back.
+FileJob as_done(FileJob job, const FileJobResult& result);
 
 class FileJobs {
  public:
@@ -48,13 +54,15 @@ class FileJobs {
 
   /// Carries the job out. Nothing has changed when it fails, but for folders made for the destination. Throws Failure
   /// when a name holds a NUL, as undo() does, and when the action is unknown. With a `past_id` it takes the undoing of
-  /// that number back.
+  /// that number back. With companions: all of them go or none, and they go first, so that what was cut off in the
+  /// middle can be run again.
   FileJobResult run(const FileJob& job);
 
   /// Brings back what run() has changed: a renamed or moved file returns to its old path, whose folder is made when it
   /// is missing, a copy goes to the trash.
   /// Where there is no trash, a copy is deleted only while its source is there with the same size and time of change.
-  /// Throws Failure when the file at the destination is not the one that `done_stamp` describes.
+  /// Throws Failure when the file at the destination is not the one that `done_stamp` describes. Companions are looked
+  /// at before anything is touched; one that is gone by then holds up nothing.
   FileJobResult undo(const FileJob& job);
 
   /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
@@ -64,6 +72,12 @@ class FileJobs {
   std::string make_tree(std::string folder, char separator = native::separator);
 
  private:
+  FileJobResult run_alone(const FileJob& job);
+  FileJobResult undo_alone(const FileJob& job);
+  FileJobResult run_together(const FileJob& job);
+  FileJobResult undo_together(const FileJob& job);
+  std::optional<std::string> trouble_of(const std::vector<FileJob>& companions) const;
+  std::string take_back(std::vector<FileJob> done);
   FileJobResult carry_out(const FileJob& job);
   FileJobResult rename(const FileJob& job);
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);

@@ -1,6 +1,8 @@
 #include "fileops/past_undo.h"
 
 #include <algorithm>
+#include <functional>
+#include <span>
 
 #include "naming/file_names.h"
 #include "rules/action.h"
@@ -36,16 +38,57 @@ std::vector<PastUndo::Outcome> PastUndo::undo(std::vector<PastOperation> operati
                                               const std::function<bool()>& goes_on) {
   const History::Pass pass(history_);
   std::ranges::sort(operations, std::greater(), &PastOperation::id);
+  std::erase_if(operations, [](const PastOperation& each) { return !each.is_undoable(); });
   std::vector<Outcome> outcomes;
-  for (const PastOperation& operation : operations) {
-    if (!operation.is_undoable()) continue;
+  for (auto first = operations.begin(), end = first; first != operations.end(); first = end) {
+    const auto is_other = [&](const PastOperation& each) {
+      return each.group != first->group || each.pass != first->pass;
+    };
+    end = first->group == 0 ? first + 1 : std::find_if(first, operations.end(), is_other);
     if (goes_on && !goes_on()) break;
-    outcomes.push_back(undo_one(operation));
-    if (!outcomes.back().trouble.empty()) {
-      log_.debug_log("Unable to undo: " + outcomes.back().trouble, LogLevel::Normal);
+    for (auto other = first + 1; goes_on && other != end; ++other) goes_on();
+    for (Outcome& outcome : undo_group({first, end})) {
+      if (!outcome.trouble.empty()) log_.debug_log("Unable to undo: " + outcome.trouble, LogLevel::Normal);
+      outcomes.push_back(std::move(outcome));
     }
   }
   return outcomes;
+}
+
+/// All are looked at before the first is touched. What was the companion of another file may be gone by now; any other
+/// trouble holds up all of them.
+std::vector<PastUndo::Outcome> PastUndo::undo_group(std::vector<PastOperation> group) {
+  if (group.size() == 1) return {undo_one(group.front())};
+  std::ranges::stable_sort(group, std::greater(), &PastOperation::leads);
+  std::string trouble;
+  for (const PastOperation& each : group) {
+    if (!each.leads && each.deed != Deed::Trashed && !files_.exists(each.new_path)) continue;
+    if (trouble.empty()) trouble = trouble_of(each);
+  }
+  std::vector<Outcome> outcomes;
+  History::Group as_one(history_);
+  for (const PastOperation& each : group) {
+    as_one.leads(each.leads);
+    if (trouble.empty()) {
+      outcomes.push_back(undo_one(each));
+      if (each.leads) trouble = outcomes.back().trouble;
+    } else {
+      outcomes.push_back({.operation = each, .from = each.new_path, .to = each.old_path, .trouble = trouble});
+    }
+  }
+  return outcomes;
+}
+
+std::string PastUndo::trouble_of(const PastOperation& operation) const {
+  if (operation.deed == Deed::Trashed) return {};
+  if (!files_.exists(operation.new_path)) return operation.new_path + " is not there any more";
+  if (operation.deed != Deed::Copied && files_.exists(operation.old_path)) {
+    return operation.old_path + " is there already";
+  }
+  const std::optional<FileStamp> now = files_.stamp(operation.new_path);
+  return operation.stamp && now && !has_stamp(now, operation.stamp)
+             ? operation.new_path + " has been changed or replaced since"
+             : "";
 }
 
 PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
@@ -64,8 +107,7 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       result = jobs_.run(job_between(outcome.from, outcome.to, CopyAndRename, operation));
     } else {
       if (operation.deed == Deed::Copied) outcome.to.clear();
-      if (!files_.exists(outcome.from)) throw Failure(outcome.from + " is not there any more");
-      if (!outcome.to.empty() && files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
+      if (const std::string trouble = trouble_of(operation); !trouble.empty()) throw Failure(trouble);
       const int action = operation.deed == Deed::SetAside ? int{Rename} : static_cast<int>(operation.deed);
       result = jobs_.undo(job_between(operation.old_path, operation.new_path, action, operation));
     }
@@ -83,9 +125,31 @@ bool PastUndo::is_dead(const std::string& owner, const std::string& work_dir) {
 }
 
 void PastUndo::settle(const std::string& work_dir) {
-  for (auto& [operation, owner] : history_.under_way()) {
-    if (!is_dead(owner, work_dir)) continue;
-    operation.outcome == PastOperation::Done ? bring_back(operation) : settle_one(std::move(operation));
+  std::vector<std::pair<PastOperation, std::string>> cut_off = history_.under_way();
+  std::erase_if(cut_off, [&](const auto& each) { return !is_dead(each.second, work_dir); });
+  const auto is_under_way = [](const auto& each) { return each.first.outcome != PastOperation::Done; };
+  const auto aside = std::ranges::stable_partition(cut_off, is_under_way);
+  const std::span last(cut_off.begin(), aside.begin());
+  for (const auto& [operation, owner] : last) settle_one(operation);
+  for (const auto& [operation, owner] : aside) bring_back(operation);
+  for (const auto& [operation, owner] : last) settle_group(operation);
+}
+
+/// Companions that have gone before a file which has not come after them are brought back.
+void PastUndo::settle_group(const PastOperation& last) {
+  const std::optional<PastPass> pass = last.group == 0 ? std::nullopt : history_.pass(last.pass);
+  if (!pass || pass->is_undoing) return;
+  std::vector<PastOperation> group = pass->operations;
+  std::erase_if(group, [&](const PastOperation& each) { return each.group != last.group; });
+  const auto is_or_may_be_done = [](const PastOperation& each) {
+    return each.outcome == PastOperation::UnderWay || (each.leads && each.is_undoable());
+  };
+  if (std::ranges::any_of(group, is_or_may_be_done)) return;
+  for (const Outcome& outcome : undo(std::move(group))) {
+    if (!outcome.trouble.empty()) continue;
+    log_.debug_log("A run was cut off before the file that it belongs to was done, so " + outcome.operation.old_path +
+                       " is where it was",
+                   LogLevel::Normal);
   }
 }
 

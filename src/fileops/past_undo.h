@@ -28,7 +28,8 @@ class PastUndo {
       : history_(history), jobs_(jobs), files_(files), log_(log) {}
 
   /// Takes them back, the last one first. Each only when the file is the one that the operation has left, and when
-  /// nothing stands where it came from; the others stay as they are. `goes_on` is called before each; false ends it.
+  /// nothing stands where it came from; the others stay as they are. Those of a
+  /// group go together: all that are still there or none. `goes_on` is called before each; false ends it.
   std::vector<Outcome> undo(std::vector<PastOperation> operations, const std::function<bool()>& goes_on = {});
 
   /// Settles what was under way when a process died, by what is there now, and tells it. What lies on a drive that is
@@ -36,10 +37,14 @@ class PastUndo {
   void settle(const std::string& work_dir);
 
  private:
+  /// Why it cannot be taken back.
+  std::string trouble_of(const PastOperation& operation) const;
   Outcome undo_one(const PastOperation& operation);
+  std::vector<Outcome> undo_group(std::vector<PastOperation> group);
   bool is_dead(const std::string& owner, const std::string& work_dir);
   void bring_back(const PastOperation& aside);
   void settle_one(PastOperation operation);
+  void settle_group(const PastOperation& last);
 
   History& history_;
   FileJobs& jobs_;

@@ -7,13 +7,13 @@
 namespace quorvel {
 namespace {
 
-/// An operation's number is its pass's times this, and its own in the pass: so the operations of a pass stand side by
-/// side, and each costs one page of the file.
-constexpr std::int64_t per_pass = 1'000'000;
+/// The operations of a pass stand side by side, so each costs one page of the file.
+constexpr std::int64_t per_pass = PastOperation::per_pass;
 
 enum Statement : std::size_t {
   BeginPass,
   Begin,
+  JoinGroup,
   End,
   MarkUndone,
   LastPasses,
@@ -23,10 +23,12 @@ enum Statement : std::size_t {
   StillUnderWay,
   ForgetOperations,
   ForgetPasses,
+  ForgetGroups,
 };
 
-#define QUORVEL_COLUMNS \
-  "id, time, deed, old_path, new_path, device, file, size, modified, undoes, outcome, undone, reason"
+#define QUORVEL_COLUMNS                                                                                 \
+  "id, time, deed, old_path, new_path, device, file, size, modified, undoes, outcome, undone, reason, " \
+  "coalesce((SELECT part FROM groups WHERE groups.id = operations.id), 0)"
 
 // An undoing that was itself undone leaves no trace in what it had undone: what came of that is an operation of its
 // own.
@@ -35,12 +37,15 @@ constexpr std::array statements = {
     "INSERT INTO passes (time, is_undoing) VALUES (?1, coalesce((SELECT NOT is_undoing FROM passes WHERE id = ?2), 0))",
     "INSERT INTO operations (id, time, deed, old_path, new_path, device, file, size, modified, undoes, owner) "
     "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11)",
+    // The number of its group, below zero for the one that leads it.
+    "INSERT OR REPLACE INTO groups (id, part) VALUES (?1, ?2)",
     "UPDATE operations SET outcome = ?2, device = ?3, file = ?4, size = ?5, modified = ?6, reason = ?7 WHERE id = ?1",
     "UPDATE operations SET undone = 1 WHERE id = (SELECT undoes FROM operations WHERE id = ?1)",
     "SELECT id, time, is_undoing FROM passes ORDER BY id DESC LIMIT ?1",
     "SELECT id, time, is_undoing FROM passes WHERE id = ?1",
     "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
-    "SELECT id FROM operations WHERE id < ?1 AND outcome = 1 AND NOT undone AND NOT "
+    "SELECT id FROM operations WHERE id < ?1 AND outcome = 1 AND NOT undone AND undoes / 1000000 <> id / 1000000 AND "
+    "NOT "
     "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
     "SELECT " QUORVEL_COLUMNS
     ", owner FROM operations WHERE outcome = 0 OR (deed = 8 AND outcome = 1 AND NOT undone) ORDER BY id",
@@ -48,18 +53,20 @@ constexpr std::array statements = {
     "DELETE FROM passes WHERE time < ?1 AND NOT EXISTS "
     "(SELECT 1 FROM operations WHERE operations.id >= passes.id * 1000000 AND operations.id < (passes.id + 1) * "
     "1000000)",
+    "DELETE FROM groups WHERE id < (SELECT min(id) FROM operations)",
 };
 #undef QUORVEL_COLUMNS
 
 constexpr SharedDatabase::Contents contents = {
     "history.db",
-    1,
-    "CREATE TABLE passes (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, is_undoing INTEGER NOT NULL);"
-    "CREATE TABLE operations (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, deed INTEGER NOT NULL,"
+    2,
+    "CREATE TABLE IF NOT EXISTS passes (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, is_undoing INTEGER NOT NULL);"
+    "CREATE TABLE IF NOT EXISTS operations (id INTEGER PRIMARY KEY, time INTEGER NOT NULL, deed INTEGER NOT NULL,"
     " old_path BLOB NOT NULL, new_path BLOB NOT NULL, device INTEGER, file INTEGER, size INTEGER, modified INTEGER,"
     " undoes INTEGER NOT NULL, outcome INTEGER NOT NULL DEFAULT 0, undone INTEGER NOT NULL DEFAULT 0, reason BLOB,"
     " owner BLOB NOT NULL);"
-    "PRAGMA user_version = 1;",
+    "CREATE TABLE IF NOT EXISTS groups (id INTEGER PRIMARY KEY, part INTEGER NOT NULL);"
+    "PRAGMA user_version = 2;",
     statements,
     "What is done to files is kept for this run alone, and can be undone in it alone",
     1024};
@@ -109,6 +116,12 @@ void History::begin(PastOperation& operation, const std::string& owner) {
   if (pass.id_ == 0) pass.id_ = database_.perform(BeginPass, {now(), operation.undoes / per_pass});
   operation.pass = pass.id_;
   operation.id = pass.id_ * per_pass + ++pass.count_;
+  if (group_ != nullptr) {
+    if (group_->id_ == 0) group_->id_ = operation.id;
+    operation.group = group_->id_;
+    operation.leads = group_->leads_;
+    database_.perform(JoinGroup, {operation.id, operation.leads ? -operation.group : operation.group});
+  }
   const std::optional<FileStamp>& stamp = operation.stamp;
   const SharedDatabase::Call begun = {
       Begin,
@@ -159,6 +172,9 @@ PastOperation History::operation_in(const SharedDatabase::Row& row) {
   operation.outcome = static_cast<PastOperation::Outcome>(row.number(10));
   operation.undone = row.number(11) != 0;
   operation.reason = row.bytes(12);
+  const std::int64_t part = row.number(13);
+  operation.group = part < 0 ? -part : part;
+  operation.leads = part < 0;
   return operation;
 }
 
@@ -193,6 +209,16 @@ std::optional<PastOperation> History::operation(std::int64_t id) {
   return operation;
 }
 
+std::vector<PastOperation> History::group_of(const PastOperation& operation) {
+  if (operation.group == 0) return {operation};
+  std::optional<PastPass> found = pass(operation.pass);
+  if (!found) return {operation};
+  std::erase_if(found->operations, [&](const PastOperation& each) {
+    return each.id != operation.id && (each.group != operation.group || !each.is_undoable());
+  });
+  return std::move(found->operations);
+}
+
 std::int64_t History::last_undoable_pass(std::int64_t before) {
   write_end();
   std::int64_t id = 0;
@@ -205,7 +231,7 @@ std::vector<std::pair<PastOperation, std::string>> History::under_way() {
   write_end();
   std::vector<std::pair<PastOperation, std::string>> found;
   database_.perform(StillUnderWay, {},
-                    [&](const SharedDatabase::Row& row) { found.emplace_back(operation_in(row), row.bytes(13)); });
+                    [&](const SharedDatabase::Row& row) { found.emplace_back(operation_in(row), row.bytes(14)); });
   return found;
 }
 
@@ -214,6 +240,7 @@ void History::forget_before(std::chrono::sys_seconds time) {
   const std::int64_t limit = time.time_since_epoch().count();
   database_.perform(ForgetOperations, {limit});
   database_.perform(ForgetPasses, {limit});
+  database_.perform(ForgetGroups, {});
 }
 
 }  // namespace quorvel

@@ -27,12 +27,16 @@ struct PastOperation {
   std::string old_path, new_path;  // in full; no new one of what went to the trash
   std::optional<FileStamp> stamp;  // of the file at its new path once it is done, at its old one before
   std::int64_t undoes = 0;         // the operation that this one took back; 0 when it did not
+  std::int64_t group = 0;          // of those that are one for the user: the number of its first; 0 for one alone
+  bool leads = false;              // its group, to which the others belong
   Outcome outcome = UnderWay;
   bool undone = false;  // since
   std::string reason;   // why it failed
 
-  /// Whether it was done and is still so.
-  bool is_undoable() const { return outcome == Done && !undone; }
+  static constexpr std::int64_t per_pass = 1'000'000;  // what a pass's number is times in those of its operations
+
+  /// Whether it was done and is still so. What a pass itself has taken back never was, for the user.
+  bool is_undoable() const { return outcome == Done && !undone && (undoes == 0 || undoes / per_pass != pass); }
 };
 
 /// The operations of one pass, or of one undoing, in their order.
@@ -77,6 +81,25 @@ class History {
     int count_ = 0;  // of its operations
   };
 
+  /// As long as it lives, what happens is one for the user: files that belong to another one, and then that one.
+  class Group {
+   public:
+    explicit Group(History& history) : history_(history), outer_(history.group_) { history.group_ = this; }
+    ~Group() { history_.group_ = outer_; }
+    Group(const Group&) = delete;
+    Group& operator=(const Group&) = delete;
+
+    /// Whether what comes next is the one that the others belong to.
+    void leads(bool leads) { leads_ = leads; }
+
+   private:
+    friend History;
+    History& history_;
+    Group* const outer_;
+    std::int64_t id_ = 0;
+    bool leads_ = false;
+  };
+
   /// The operation, of which deed, paths, stamp and what it undoes count, is about to begin, in the pass that was begun
   /// last. `owner` is a name that no other process has at the time. Sets its id.
   void begin(PastOperation& operation, const std::string& owner);
@@ -88,6 +111,8 @@ class History {
   std::vector<PastPass> passes(int count);
   std::optional<PastPass> pass(std::int64_t id);
   std::optional<PastOperation> operation(std::int64_t id);
+  /// The operation, with the others of its group in its pass that can be undone.
+  std::vector<PastOperation> group_of(const PastOperation& operation);
   /// The last pass, of those before that number, with something that can be undone, which is no undoing itself; 0 when
   /// there is none.
   std::int64_t last_undoable_pass(std::int64_t before = max_pass);
@@ -110,6 +135,7 @@ class History {
   const std::string& work_dir_;
   SharedDatabase database_;
   Pass* pass_ = nullptr;              // the innermost
+  Group* group_ = nullptr;            // the innermost
   std::optional<PastOperation> end_;  // not written yet
 };
 

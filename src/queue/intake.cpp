@@ -55,7 +55,8 @@ IntakeResult Intake::take_folder(const std::string& path) {
   const std::string base = with_separator(path);
   const FolderScan scan = scan_folder(files_, base);
   for (const std::string& relative : scan.files) {
-    const Refusal refusal = is_listed(relative) ? take(base + relative, true).refusal : Refusal::TypeNotListed;
+    const Refusal refusal =
+        is_listed(settings_, relative) ? take(base + relative, true).refusal : Refusal::TypeNotListed;
     ++(refusal == Refusal::None ? result.queued : result.left_out);
     if (refusal != Refusal::Missing) continue;
     log_.debug_log("The file " + base + relative + " cannot be reached, so it is left out", LogLevel::Normal);
@@ -73,18 +74,13 @@ IntakeResult Intake::take_folder(const std::string& path) {
 
 Refusal Intake::take_file(const std::string& path, bool start) {
   if (queue_.holds_path(path)) return Refusal::AlreadyQueued;
-  if (!is_listed(path)) return Refusal::TypeNotListed;
+  if (!is_listed(settings_, path)) return Refusal::TypeNotListed;
   if (lower_case(path).find("sample") != std::string::npos) return Refusal::Sample;
   std::string filename = getfname(path);
   const std::string shown = remextension(filename);  // a listed extension means that there is one
   ui_.add_row(queue_.append(path, std::move(filename)), shown);
   if (start && !is_busy_()) ui_.arm_start_timer();
   return Refusal::None;
-}
-
-/// Part of a listed extension is enough, such as "mp" of "mp4".
-bool Intake::is_listed(const std::string& name) const {
-  return lower_case(settings_.types).find(getextension(name)) != std::string::npos;
 }
 
 }  // namespace quorvel

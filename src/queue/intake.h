@@ -41,7 +41,6 @@ class Intake {
  private:
   IntakeResult take_folder(const std::string& path);
   Refusal take_file(const std::string& path, bool start);
-  bool is_listed(const std::string& name) const;
 
   WorkQueue& queue_;
   const Settings& settings_;

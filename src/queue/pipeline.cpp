@@ -37,6 +37,7 @@ bool Pipeline::dofilter(QueueItem& item) {
   item.dest_path = with_separator(folder);
   item.filter_index = *rule;
   item.action = filter.action;
+  item.companions = parts_.companions.of(job_of(item));
   return true;
 }
 
@@ -69,6 +70,7 @@ void Pipeline::note(QueueItem& item, const FileJobResult& result) {
   item.done_stamp = result.stamp;
   item.is_right_already = result.is_right_already;
   item.past_id = result.past_id;
+  if (result.done) item.companions = result.companions;
   item.source_stamp = result.source_stamp;
 }
 

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "platform/log.h"
 #include "platform/user_interface.h"
+#include "queue/companions.h"
 #include "queue/queue_item.h"
 #include "queue/settings.h"
 #include "rules/filters.h"
@@ -17,6 +18,7 @@ class Pipeline {
   struct Parts {
     const Settings& settings;
     const FilterList& filters;
+    Companions& companions;
     FileJobs& jobs;
     Files& files;
     UserInterface& ui;
@@ -25,8 +27,10 @@ class Pipeline {
 
   explicit Pipeline(Parts parts) : parts_(parts) {}
 
-  /// filter_index, action, new_name and dest_path. Throws Failure when a rule fits but its folder or the new name would
-  /// not be what the system takes it for.
+  void begin_pass() { parts_.companions.begin_pass(); }
+
+  /// filter_index, action, new_name, dest_path and companions. Throws Failure when a rule fits but its folder or the
+  /// new name would not be what the system takes it for.
   bool dofilter(QueueItem& item);
 
   /// The operation is to wait for the user's word: what the file is now.

@@ -79,6 +79,7 @@ void Processor::run_pass() {
   const History::Pass pass(history_);
   identification_ = &way_();
   identification_->begin_pass();
+  pipeline_.begin_pass();
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
       if (process_next_again()) continue;

@@ -69,6 +69,7 @@ struct QueueItem {
   std::optional<FileStamp> source_stamp;  // of the source before the operation
   std::optional<FileStamp> done_stamp;    // of the file that the operation has left at the destination
   std::int64_t past_id = 0;               // of that operation in the history
+  std::vector<FileJob> companions;        // what goes along, or went
   std::string error_text;                 // why it failed or was cancelled; lines end in CR LF
   std::string episode_url;                // in double quotes, as the service gives it
 
@@ -80,6 +81,7 @@ struct QueueItem {
     reading.reset();
     more_episodes.clear();
     facts = {};
+    companions.clear();
     listings_told.reset();
     lost_characters = false;
     is_right_already = false;
@@ -102,7 +104,14 @@ inline bool needs_user(const QueueItem& item) {
 
 /// The file operation that the item's fields describe.
 inline FileJob job_of(const QueueItem& item) {
-  return {item.path, item.filename, item.new_name, item.dest_path, item.action, item.done_stamp, item.past_id};
+  return {.path = item.path,
+          .filename = item.filename,
+          .new_name = item.new_name,
+          .dest_path = item.dest_path,
+          .action = item.action,
+          .done_stamp = item.done_stamp,
+          .past_id = item.past_id,
+          .companions = item.companions};
 }
 
 }  // namespace quorvel

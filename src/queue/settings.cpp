@@ -1,5 +1,8 @@
 #include "queue/settings.h"
 
+#include "naming/file_names.h"
+#include "text/case.h"
+
 namespace quorvel {
 namespace {
 
@@ -20,8 +23,9 @@ constexpr NumberSetting number(std::string_view name, int missing, int off, int 
 
 }  // namespace
 
-const std::array<TextSetting, 1> text_settings = {{
+const std::array<TextSetting, 2> text_settings = {{
     {"types", &Settings::types, 3, "extensions of the files to take, such as \"avi;mkv\""},
+    {"companions", &Settings::companions, 0, "endings of what goes with them, such as \"srt;nfo\""},
 }};
 
 const std::array<NumberSetting, 11> number_settings = {{
@@ -38,6 +42,10 @@ const std::array<NumberSetting, 11> number_settings = {{
                               "1: the window shows everything before it is done"),
     number<&Settings::history>("history", 730, 730, 730, NumberSetting::Stay, "days for which undo is remembered"),
 }};
+
+bool is_listed(const Settings& settings, std::string_view name) {
+  return lower_case(settings.types).find(getextension(name)) != std::string::npos;
+}
 
 void NumberSetting::read(Settings& settings, int stored) const {
   const bool known = stored == off || stored == on || (others == Stay && stored != 0);

@@ -15,6 +15,7 @@ struct Settings {
   enum ContextState { NotInstalled = 0, TurnedOff = 1, Installed = 2 };
 
   std::string types = "avi;mkv;mpg;mp4";  // accepted extensions without dots, separated by ";"
+  std::string companions;                 // what goes with a file that carries its name: endings as in types
   ContextState context = NotInstalled;    // the entries in the file manager's context menu
   bool confirm = false;                   // ask before each file operation
   bool nocache = false;
@@ -58,10 +59,13 @@ struct NumberSetting {
 
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
-extern const std::array<TextSetting, 1> text_settings;
+extern const std::array<TextSetting, 2> text_settings;
 extern const std::array<NumberSetting, 11> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];
+
+/// Whether files of that name's extension are taken. Part of a listed one is enough, such as "mp" of "mp4".
+bool is_listed(const Settings& settings, std::string_view name);
 
 }  // namespace quorvel

@@ -60,7 +60,14 @@ void Undo::show_undone(const std::vector<PastUndo::Outcome>& outcomes) {
     if (item.past_id == 0) continue;
     if (item.state != QueueState::Cancelled && undone.contains(item.past_id)) set_undone(index);
     const auto found = redone.find(item.past_id);
-    if (found != redone.end() && job_of(item).destination() == found->second->to) set_redone(index, *found->second);
+    if (found == redone.end() || job_of(item).destination() != found->second->to) continue;
+    for (FileJob& companion : queue_.at(index).companions) {
+      const auto along = redone.find(companion.past_id);
+      if (along == redone.end()) continue;
+      companion.past_id = along->second->by;
+      companion.done_stamp = along->second->stamp;
+    }
+    set_redone(index, *found->second);
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <utility>
 
 #include "catalogue/lookup.h"
@@ -117,18 +118,19 @@ bool ReviewSheet::is_waiting() const {
 /// Those that have or want a name which another one has or wants.
 void ReviewSheet::relate(const std::vector<int>& planned) {
   std::map<std::string, int> uses;
-  const auto keys = [this](int item) {
-    const FileJob job = job_of(parts_.queue.at(item));
-    return std::pair(lower_case(job.path), lower_case(job.destination()));
+  const auto names_of = [this](int item) {
+    std::set<std::string> names;
+    FileJob job = job_of(parts_.queue.at(item));
+    job.companions.push_back(job);
+    for (const FileJob& each : job.companions) names.insert({lower_case(each.path), lower_case(each.destination())});
+    return names;
   };
   for (const int item : planned) {
-    const auto [path, destination] = keys(item);
-    ++uses[path];
-    if (destination != path) ++uses[destination];
+    for (const std::string& name : names_of(item)) ++uses[name];
   }
   for (const int item : planned) {
-    const auto [path, destination] = keys(item);
-    rows_[item].is_related = uses[path] > 1 || uses[destination] > 1;
+    rows_[item].is_related =
+        std::ranges::any_of(names_of(item), [&](const std::string& name) { return uses[name] > 1; });
   }
 }
 
@@ -293,6 +295,9 @@ std::string ReviewSheet::rename(int item, const std::string& name) {
   if (const auto trouble = name_trouble(new_name)) return "The new name " + *trouble;
   if (new_name == each.new_name) return {};
   const bool was_ready = mark(item) == Mark::Ready;
+  for (FileJob& companion : each.companions) {
+    companion.new_name = renamed_with(companion.new_name, each.new_name, new_name);
+  }
   each.new_name = new_name;
   if (!was_ready) each.is_chosen.reset();
   weigh_all();

@@ -33,6 +33,10 @@ std::string remarks(const QueueItem& item, const Clock& clock) {
     add(std::string(read_as) + show_text(*item.reading) + ", " + number_text(*item.reading) +
         (item.reading->certain ? "" : " (not certain)"));
   }
+  if (item.state == QueueState::Done && !item.companions.empty()) {
+    const std::size_t count = item.companions.size();
+    add(count == 1 ? "1 companion went along" : std::to_string(count) + " companions went along");
+  }
   if (!item.match.empty()) add("Match: " + item.match);
   if (item.listings_told) add("Listings " + age_text(*item.listings_told, clock));
   for (const std::string& doubt : item.doubts) {

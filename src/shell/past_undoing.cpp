@@ -9,11 +9,15 @@ namespace quorvel {
 PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operations,
                                       const std::function<bool(int place, int count)>& goes_on) {
   // Another copy of the program may have been at it since they were read.
-  std::vector<PastOperation> now;
+  std::map<std::int64_t, PastOperation> current;
   for (const PastOperation& operation : operations) {
+    if (current.contains(operation.id)) continue;
     const std::optional<PastOperation> found = session_.history.operation(operation.id);
-    if (found && found->is_undoable()) now.push_back(*found);
+    if (!found || !found->is_undoable()) continue;
+    for (PastOperation& each : session_.history.group_of(*found)) current.try_emplace(each.id, std::move(each));
   }
+  std::vector<PastOperation> now;
+  for (const auto& [id, operation] : current) now.push_back(operation);
   Result result{.wanted = static_cast<int>(now.size())};
   int place = 0;
   const std::vector<PastUndo::Outcome> outcomes =

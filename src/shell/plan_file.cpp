@@ -23,28 +23,43 @@ std::string text_at(const simdjson::dom::element& object, const char* key) {
   return object[key].get(text) == simdjson::SUCCESS ? std::string(text) : std::string();
 }
 
-/// Empty for a line that plans nothing.
-std::optional<Batch::Entry> entry_of(const simdjson::dom::element& object) {
-  if (text_at(object, "state") != "planned") return {};
-  Batch::Entry entry;
-  FileJob& job = entry.job;
-  const std::string new_path = text_at(object, "new_path"), action = text_at(object, "action"),
-                    stamp = text_at(object, "stamp");
-  job.path = text_at(object, "path");
-  for (const std::string& path : {job.path, new_path}) {
+/// The job between "path" and "new_path".
+FileJob job_of(const simdjson::dom::element& object, int action) {
+  const std::string old_path = text_at(object, "path"), new_path = text_at(object, "new_path");
+  for (const std::string& path : {old_path, new_path}) {
     if (path.empty()) throw Failure("\"path\" or \"new_path\" is missing");
     if (path != absolute_path(path)) throw Failure("\"" + path + "\" is not a full path");
   }
-  job.filename = getfname(job.path);
-  job.new_name = getfname(new_path);
-  job.dest_path = getpath(new_path, 0);
-  job.action = action_named(action);
+  FileJob job{old_path, getfname(old_path), getfname(new_path), getpath(new_path, 0), action};
   if (job.new_name.empty() || job.dest_path.empty()) throw Failure("\"" + new_path + "\" names no file");
+  return job;
+}
+
+bool stays_in_folder(const FileJob& job) {
+  return job.dest_path == getpath(job.path, 0);
+}
+
+/// Empty for a line that plans nothing.
+std::optional<Batch::Entry> entry_of(const simdjson::dom::element& object) {
+  if (text_at(object, "state") != "planned") return {};
+  const std::string action = text_at(object, "action"), stamp = text_at(object, "stamp");
+  Batch::Entry entry{job_of(object, action_named(action))};
+  FileJob& job = entry.job;
   if (job.action == 0) throw Failure("\"" + action + "\" is no action");
-  if (job.action == Rename && job.dest_path != getpath(job.path, 0)) {
-    throw Failure("\"" + new_path + "\" is in another folder, so the action must be \"move\" or \"copy\"");
+  if (job.action == Rename && !stays_in_folder(job)) {
+    throw Failure("\"" + job.destination() + "\" is in another folder, so the action must be \"move\" or \"copy\"");
   }
   if (!stamp.empty() && !(entry.stamp = stamp_in(stamp))) throw Failure("\"" + stamp + "\" is no stamp");
+  const auto companions = object["companions"];
+  if (companions.error() == simdjson::NO_SUCH_FIELD || companions.is_null()) return entry;
+  simdjson::dom::array list;
+  if (companions.get(list) != simdjson::SUCCESS) throw Failure("\"companions\" is no list");
+  for (const simdjson::dom::element each : list) {
+    FileJob companion = job_of(each, job.action);
+    // One from a folder of its own comes to the file that is only renamed.
+    if (job.action == Rename && !stays_in_folder(companion)) companion.action = MoveAndRename;
+    job.companions.push_back(std::move(companion));
+  }
   return entry;
 }
 

@@ -43,7 +43,8 @@ Session::Session(Ports ports, Places places)
       lookup(catalogue, answers),
       classic(settings, log, {exceptions, search, listings}),
       exact(settings, exceptions, lookup, log),
-      pipeline({settings, filters, jobs, ports.files, ports.ui, log}),
+      companions(settings, queue, ports.files),
+      pipeline({settings, filters, companions, jobs, ports.files, ports.ui, log}),
       processor(
           queue, settings, ports.ui, log, history,
           [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },

@@ -113,6 +113,7 @@ class Session {
   Lookup lookup;
   ClassicIdentification classic;
   ExactIdentification exact;
+  Companions companions;
   Pipeline pipeline;
   Processor processor;
   Intake intake;

@@ -59,6 +59,13 @@ JsonObject& JsonObject::texts(std::string_view key, const std::vector<std::strin
   return *this;
 }
 
+JsonObject& JsonObject::objects(std::string_view key, const std::vector<JsonObject>& value) {
+  std::string list;
+  for (const JsonObject& each : value) list.append(list.empty() ? "" : ",").append(each.line());
+  begin(key) += "[" + list + "]";
+  return *this;
+}
+
 JsonObject& JsonObject::object(std::string_view key, const JsonObject& value) {
   begin(key) += value.line();
   return *this;

@@ -20,6 +20,7 @@ class JsonObject {
   JsonObject& flag(std::string_view key, bool value);
   /// A list of texts, which may be empty.
   JsonObject& texts(std::string_view key, const std::vector<std::string>& value);
+  JsonObject& objects(std::string_view key, const std::vector<JsonObject>& value);
   JsonObject& object(std::string_view key, const JsonObject& value);
 
   std::string line() const { return json_ + "}"; }

@@ -171,12 +171,13 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   write_file(folder / "plan", out);
   out = std::regex_replace(out, std::regex(R"("stamp":"\d+ \d+")"), R"("stamp":"")");
   EXPECT_EQ(out, expected +
-                     ",\"action\":\"rename\",\"show\":\"The Harbour Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
+                     ",\"action\":\"rename\",\"companions\":[],\"show\":\"The Harbour "
+                     "Lights\",\"show_id\":101,\"season\":1,\"episodes\":"
                      "[2,3],\"title\":\"The Pilot Boat & A Lantern for Maud\",\"reason\":null,\"doubts\":[],"
                      "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0,"
                      "\"right already\":0}}\n");
   EXPECT_TRUE(run({"--apply", "../plan", "-n", "--json", "-w../work"}) == 0 &&
-              out == expected + ",\"action\":\"rename\",\"reason\":null}\n");
+              out == expected + ",\"action\":\"rename\",\"companions\":[],\"reason\":null}\n");
   EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 0);
   EXPECT_EQ(contents(folder / ("in/" + name)), both);
   EXPECT_EQ(run({"--undo", "-w../work"}), 0);

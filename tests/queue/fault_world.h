@@ -53,8 +53,10 @@ inline const std::string taken_name = "The Harbour Lights - 1x03 - A Lantern for
 /// exception and a setting are saved, the files are worked on, and what was done is undone.
 struct World {
   int action;
+  bool has_companion = false;  // the first episode, its subtitles
   const TemporaryFolder here{}, home{facts::other_device}, there{facts::other_device};
-  std::string in = here / "in/", first = in + "Harbor.S01E02.mkv", second = in + "Harbor.S01E03.mkv";
+  std::string in = here / "in/", first = in + "Harbor.S01E02.mkv", second = in + "Harbor.S01E03.mkv",
+              words = in + "Harbor.S01E02.en.srt";
   std::string work = home / "work/", rules = work + "filters.dat";
   std::string target = action == Rename ? in : there / "target/";
   bool done = false, quit_requested = false;
@@ -69,6 +71,7 @@ struct World {
     for (const std::string& folder : {in, work, there.path(), target}) fs::create_directories(path_of(folder));
     write_file(first, "the first");
     write_file(second, "the second");
+    if (has_companion) write_file(words, "its words");
     write_file(target + taken_name, "there before");
     write_file(rules, old_rules);
   }
@@ -89,6 +92,7 @@ struct World {
     try {
       session.start();
       session.log.set_level(LogLevel::Verbose);
+      if (has_companion) session.settings.companions = "srt";
       session.filters.append({"new", action, true, target, std::string(default_mask), "*", Equals, "", 0, false});
       session.filters.savefilters();
       session.filters.exchange(1, 2);
@@ -128,7 +132,7 @@ struct World {
       if (!path.starts_with(home.path())) ++found[bytes];
       EXPECT_EQ(path.starts_with(home.path()), written || bytes == old_rules) << path << ": " << bytes;
     }
-    EXPECT_EQ(found.size(), 3u) << ::testing::PrintToString(found);
+    EXPECT_EQ(found.size(), has_companion ? 4u : 3u) << ::testing::PrintToString(found);
     for (const char* bytes : {"the first", "the second"}) {
       EXPECT_TRUE(found[bytes] == 1 || (action == CopyAndRename && found[bytes] == 2)) << bytes << " " << found[bytes];
     }

@@ -1,0 +1,166 @@
+#include "queue/companions.h"
+
+#include <gtest/gtest.h>
+
+#include "rules/action.h"
+#include "session_fixture.h"
+#include "shell/past_undoing.h"
+#include "text/cut.h"
+
+namespace quorvel::testing {
+namespace {
+
+/// Real files, of which the operation of that number fails.
+struct FailingShell : FileOperation {
+  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
+  int calls = 0, fails_at = 0;
+  int perform(const FileOperationRequest& request) override { return ++calls == fails_at ? 5 : real->perform(request); }
+};
+
+struct CompanionsTest : ::testing::Test, TestPorts {
+  FailingShell failing;
+  FakeUi ui{events};
+  Session session{{key_values, failing, *files, service, web, ui, clock, &desktop}, places()};
+  const std::string video = "harbour.lights.1x02.mkv", stem = "harbour.lights.1x02",
+                    done = "The Harbour Lights - 1x02 - The Pilot Boat";
+
+  CompanionsTest() {
+    session.start();
+    session.settings.companions = "srt;.ASS; nfo;jpg;idx;sub";
+    write("out/kept", "");
+  }
+  void move_to_out() {
+    session.filters.append(
+        {"out", MoveAndRename, true, folder / "out", std::string(default_mask), "*", Equals, "", 0, false});
+    session.filters.exchange(1, 2);
+  }
+  /// Makes these files, each of which holds its name, queues the videos and runs a pass.
+  void run(const std::vector<std::string>& names) {
+    for (const std::string& name : names) write("in/" + name, name);
+    session.intake.add_to_queue(folder / "in", false);
+    session.processor.process_queue();
+  }
+  /// The files below, by their paths; one that does not hold its first name has that behind it.
+  std::string all() const {
+    std::string text;
+    for (const auto& [path, bytes] : everything_in(folder.path())) {
+      const std::string below = path.substr((folder / "").size());
+      if (files->kind(path) != Files::Kind::File || !(below.starts_with("in") || below.starts_with("out"))) continue;
+      if (!below.ends_with("kept")) text += below + (below == "in/" + bytes ? "" : "=" + bytes) + "|";
+    }
+    replace_all(text, "\\", "/");
+    return text;
+  }
+  const QueueItem& item(int index) { return session.queue.at(index); }
+};
+
+TEST_F(CompanionsTest, WhatBelongsToAnEpisodeGetsItsNameAndNothingElseDoes) {
+  // Beside harbour.lights.1x02.mkv: the file, and what it becomes behind the new name; empty where it stays.
+  const std::pair<std::string, std::string> rows[] = {{stem + ".en.srt", ".en.srt"},
+                                                      {stem + ".Forced.ASS", ".Forced.ASS"},
+                                                      {"Harbour.Lights.1x02-thumb.jpg", "-thumb.jpg"},
+                                                      {stem + ".nfo", ".nfo"},
+                                                      {stem + ".2.srt", ".2.srt"},
+                                                      {stem + " (old).srt", " (old).srt"},
+                                                      {stem + ".txt", ""},
+                                                      {stem + "5.srt", ""},        // the beginning of another number
+                                                      {stem + "-03.srt", ""},      // two episodes, perhaps
+                                                      {stem + ".S01E03.srt", ""},  // another episode
+                                                      {stem + ".extra.srt", ""},   // that of the video that follows
+                                                      {stem + ".extra.mp4", ""},
+                                                      {"other.srt", ""},
+                                                      {"Subs/" + stem + ".de.srt", ".de.srt"},
+                                                      {"subtitles/" + stem + "/2_English.idx", ".en.idx"},
+                                                      {"subtitles/" + stem + "/2_English.sub", ".en.sub"},
+                                                      {"subtitles/" + stem + "/3_English.sub", ".en.2.sub"},
+                                                      {"subtitles/" + stem + "/German (SDH).srt", ".de.SDH.srt"},
+                                                      {"subtitles/other/4_French.srt", ""}};
+  std::vector<std::string> names{video};
+  std::set<std::string> expected{"in/" + done + ".mkv=" + video};
+  for (const auto& [name, addition] : rows) {
+    names.push_back(name);
+    expected.insert(addition.empty() ? "in/" + name : "in/" + done + addition + "=" + name);
+  }
+  for (const std::string& name : names) write("in/" + name, name);
+  session.intake.add_to_queue(folder / ("in/" + video), false);
+  session.processor.process_queue();
+  const std::string now = all();
+  std::set<std::string> found;
+  for (const std::string_view each : split(now, "|")) found.emplace(each);
+  found.erase("");
+  EXPECT_EQ(found, expected) << item(1).error_text;
+  session.undo.run(1);
+  for (const std::string& name : names) EXPECT_EQ(read("in/" + name), name);
+  EXPECT_EQ(session.history.passes(1)[0].operations.size(), 12u);
+
+  session.settings.companions.clear();
+  session.processor.retry_failed();
+  EXPECT_TRUE(exists("in/" + done + ".mkv") && exists("in/" + stem + ".en.srt")) << "off when empty";
+}
+
+TEST_F(CompanionsTest, AllGoOrNone) {
+  move_to_out();
+  const std::vector<std::string> names{video, stem + ".en.srt", stem + ".nfo"};
+  write("out/" + done + ".nfo", "in the way");
+  run(names);
+  const std::string untouched = "in/" + stem + ".en.srt|in/" + video + "|in/" + stem + ".nfo|";
+  EXPECT_EQ(all(), untouched + "out/" + done + ".nfo=in the way|");
+  EXPECT_EQ(item(1).error_text, folder / ("in/" + stem + ".nfo") +
+                                    " cannot go along: " + (folder / ("out/" + done + ".nfo")) + " is there already");
+  EXPECT_EQ(failing.calls, 0);
+  files->remove(folder / ("out/" + done + ".nfo"));
+  for (int at = 1; at <= 3; ++at) {
+    failing.calls = 0, failing.fails_at = at;
+    session.processor.retry_failed();
+    EXPECT_EQ(all(), untouched) << at << item(1).error_text;
+    EXPECT_EQ(session.history.last_undoable_pass(), 0) << "nothing has come of it";
+  }
+  failing.fails_at = 0;
+  session.processor.retry_failed();
+  const std::string moved = "out/" + done + ".en.srt=" + stem + ".en.srt|out/" + done + ".mkv=" + video + "|out/" +
+                            done + ".nfo=" + stem + ".nfo|";
+  EXPECT_EQ(all(), moved);
+
+  // Undone together, whichever is asked for, and done again.
+  PastUndoing undoing(session);
+  const auto undo = [&](std::size_t operation) {
+    return text_of(
+        undoing.undo({session.history.passes(1)[0].operations.at(operation)}, [](int, int) { return true; }));
+  };
+  write("out/" + done + ".nfo", "edited");
+  EXPECT_EQ(undo(2), "0 of 3 undone, 3 left alone");
+  session.undo.run(1);
+  EXPECT_EQ(all(), "out/" + done + ".en.srt=" + stem + ".en.srt|out/" + done + ".mkv=" + video + "|out/" + done +
+                       ".nfo=edited|");
+  files->remove(folder / ("out/" + done + ".nfo"));
+  EXPECT_EQ(undo(0), "2 of 3 undone, 1 left alone") << "what is gone holds nothing up";
+  EXPECT_EQ(all(), "in/" + stem + ".en.srt|in/" + video + "|");
+  EXPECT_EQ(undo(1), "2 undone") << "the undoing";
+  EXPECT_EQ(item(1).state, QueueState::Done);
+  session.undo.run(1);
+  EXPECT_EQ(all(), "in/" + stem + ".en.srt|in/" + video + "|");
+}
+
+TEST_F(CompanionsTest, WhatWasCutOffInTheMiddleIsBackAtTheNextStart) {
+  write("in/a.srt", "a.srt"), write("in/a.mkv", "a.mkv");
+  {
+    const History::Pass pass(session.history);
+    History::Group group(session.history);
+    for (const char* const name : {"srt", "mkv"}) {
+      PastOperation past;
+      past.old_path = folder / (std::string("in/a.") + name), past.new_path = folder / (std::string("in/b.") + name);
+      past.stamp = files->stamp(past.old_path);
+      group.leads(name == std::string("mkv"));
+      session.history.begin(past, "pending-dead");
+      if (past.leads) break;
+      std::filesystem::rename(path_of(past.old_path), path_of(past.new_path));
+      past.outcome = PastOperation::Done;
+      session.history.end(past);
+    }
+  }
+  session.past_undo.settle(session.settings.work_dir);
+  EXPECT_EQ(all(), "in/a.mkv|in/a.srt|");
+}
+
+}  // namespace
+}  // namespace quorvel::testing
