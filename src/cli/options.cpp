@@ -61,7 +61,7 @@ std::string help() {
   std::string text = help_start;
   const auto add = [&text](const auto& setting) {
     std::string name(setting.name);
-    name.resize(10, ' ');
+    name.resize(12, ' ');
     text.append(24, ' ').append(name).append(setting.meaning).append("\n");
   };
   std::for_each(text_settings.begin(), text_settings.end(), add);

@@ -104,11 +104,10 @@ class Companions::Search {
     }
   }
 
-  /// A folder of the video's own. Tracks that differ in nothing but their numbers are numbered from 2 on; the files of
-  /// one track stay together.
+  /// A folder of the video's own. A track whose name is taken is numbered, from 2 on; the files of one track stay
+  /// together.
   void take_all(const std::string& folder) {
     std::map<std::string, std::string> tracks;  // by their names
-    std::set<std::string> used;
     for (const auto& [key, name] : all_.folder(folder).files) {
       const std::string ending = ending_of(key);
       if (ending.empty()) continue;
@@ -116,7 +115,7 @@ class Companions::Search {
       if (!tracks.contains(track)) {
         const std::string plain = addition_of(name.substr(0, track.size()));
         std::string addition = plain;
-        for (int number = 2; !used.insert(key_of(addition)).second; ++number) {
+        for (int number = 2; used_.contains(key_of(addition)); ++number) {
           addition = plain + "." + std::to_string(number);
         }
         tracks[track] = addition;
@@ -127,6 +126,7 @@ class Companions::Search {
 
   void take(const std::string& path, const std::string& addition) {
     if (all_.queue_.holds_path(path) || all_.files_.kind(path) != Files::Kind::File) return;
+    used_.insert(key_of(stem_of(addition)));
     FileJob job{path, getfname(path), new_stem_ + addition, video_.dest_path, video_.action};
     if (const auto trouble = name_trouble(job.new_name)) throw Failure("The new name of " + path + " " + *trouble);
     if (job.action == Rename && getpath(path, 0) != job.dest_path) job.action = MoveAndRename;
@@ -178,6 +178,7 @@ class Companions::Search {
   const bool has_number_;
   std::vector<std::string> endings_;
   std::vector<FileJob> found_;
+  std::set<std::string> used_;  // additions without their endings, in small letters
 };
 
 std::vector<FileJob> Companions::of(const FileJob& video) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <set>
 #include <utility>
 
 #include "catalogue/lookup.h"
@@ -119,10 +118,15 @@ bool ReviewSheet::is_waiting() const {
 void ReviewSheet::relate(const std::vector<int>& planned) {
   std::map<std::string, int> uses;
   const auto names_of = [this](int item) {
-    std::set<std::string> names;
-    FileJob job = job_of(parts_.queue.at(item));
-    job.companions.push_back(job);
-    for (const FileJob& each : job.companions) names.insert({lower_case(each.path), lower_case(each.destination())});
+    const FileJob job = job_of(parts_.queue.at(item));
+    std::vector<std::string> names;
+    const auto add = [&names](const FileJob& each) {
+      names.push_back(lower_case(each.path));
+      names.push_back(lower_case(each.destination()));
+      if (names.back() == names.end()[-2]) names.pop_back();
+    };
+    add(job);
+    std::ranges::for_each(job.companions, add);
     return names;
   };
   for (const int item : planned) {
@@ -199,7 +203,9 @@ bool ReviewSheet::shows(int item, Filter filter) const {
 // What the user sees.
 
 std::string ReviewSheet::mark_text(int item) const {
-  return facts_of(mark(item)).text;
+  const MarkFacts& facts = facts_of(mark(item));
+  const std::size_t count = parts_.queue.at(item).companions.size();
+  return facts.text + (count == 0 || mark(item) != Mark::Ready ? "" : ", with " + std::to_string(count) + " more");
 }
 
 std::string ReviewSheet::reason(int item) const {
@@ -223,6 +229,14 @@ std::string ReviewSheet::name_to_edit(int item) const {
 
 std::string ReviewSheet::folder(int item) const {
   return parts_.queue.at(item).is_planned ? parts_.queue.at(item).dest_path : "";
+}
+
+std::string ReviewSheet::companions(int item) const {
+  std::string text;
+  for (const FileJob& each : parts_.queue.at(item).companions) {
+    text += (text.empty() ? "With " : "\nWith ") + each.filename + " as " + each.new_name;
+  }
+  return text;
 }
 
 bool ReviewSheet::moves(int item) const {
