@@ -99,7 +99,7 @@ FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoe
 }
 
 FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t undoes,
-                                 const std::function<int()>& carry_out) {
+                                 const std::function<int()>& carry_out, std::string remark) {
   PastOperation past;
   past.deed = deed;
   past.old_path = request.source;
@@ -121,7 +121,7 @@ FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t
   FileJobResult result = result_of(carry_out());
   result.past_id = past.id;
   result.source_stamp = past.stamp;
-  past.reason = result.error_text.value_or("");
+  past.reason = result.done ? std::move(remark) : result.error_text.value_or("");
   if (!result.done) return result;
   if (!request.destination.empty()) result.stamp = past.stamp = files_.stamp(request.destination);
   past.outcome = PastOperation::Done;
@@ -187,6 +187,22 @@ int FileJobs::delete_copy(const FileJob& job) {
   const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(copy);
   if (!source || !copied || source->same_file(*copied) || !copied->may_be_copy_of(*source)) return code;
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
+}
+
+FileJobResult FileJobs::tidy(const std::string& folder, const std::vector<std::string>& leftovers,
+                             std::int64_t undoes) {
+  const Request request{Request::Delete, folder, "", Request::AllowUndo | Request::NoConfirmation};
+  std::string remark;
+  for (const std::string& name : leftovers) remark += (remark.empty() ? "It held " : ", ") + name;
+  return recorded(
+      request, Deed::Tidied, undoes, [&] { return shell_.perform(request); }, remark);
+}
+
+FileJobResult FileJobs::make_again(const std::string& folder, std::int64_t undoes) {
+  return recorded({0, folder, ""}, Deed::Made, undoes, [&] {
+    make_tree(with_separator(folder));
+    return files_.kind(folder) == Files::Kind::Folder ? 0 : native::no_folder_code;
+  });
 }
 
 std::string FileJobs::make_tree(std::string folder, char separator) {

@@ -65,6 +65,11 @@ class FileJobs {
   /// at before anything is touched; one that is gone by then holds up nothing.
   FileJobResult undo(const FileJob& job);
 
+  /// Puts a folder into the trash that holds nothing but `leftovers`. With `undoes` it takes back that it was made.
+  FileJobResult tidy(const std::string& folder, const std::vector<std::string>& leftovers, std::int64_t undoes = 0);
+  /// Makes such a folder again, if it is not there; what was in it stays in the trash.
+  FileJobResult make_again(const std::string& folder, std::int64_t undoes);
+
   /// Makes the missing folders of `folder`, each of whose parts ends in a separator; a last part without one is not
   /// made, and the first two never are: a missing drive or top folder is a mistake to report, not something to create.
   /// Returns `folder` as it was made: a part that ends in dots or blanks is made without them where the drive refuses
@@ -84,7 +89,7 @@ class FileJobs {
   FileJobResult perform(FileOperationRequest request, std::int64_t undoes);
   /// With the journal and the history knowing of it.
   FileJobResult recorded(const FileOperationRequest& request, Deed deed, std::int64_t undoes,
-                         const std::function<int()>& carry_out);
+                         const std::function<int()>& carry_out, std::string remark = {});
   void refuse_another_file(const FileJob& job) const;
   FileJobResult result_of(int code);
   int delete_copy(const FileJob& job);

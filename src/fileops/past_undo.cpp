@@ -26,7 +26,10 @@ std::string what_was_done(const PastOperation& operation) {
     case Deed::Copied:
       return operation.old_path + " was copied to " + operation.new_path;
     case Deed::Trashed:
+    case Deed::Tidied:
       return operation.old_path + " was put into the " + std::string(native::trash_name);
+    case Deed::Made:
+      return operation.old_path + " was made again";
     default:
       return operation.old_path + " was renamed to " + operation.new_path;
   }
@@ -62,7 +65,7 @@ std::vector<PastUndo::Outcome> PastUndo::undo_group(std::vector<PastOperation> g
   std::ranges::stable_sort(group, std::greater(), &PastOperation::leads);
   std::string trouble;
   for (const PastOperation& each : group) {
-    if (!each.leads && each.deed != Deed::Trashed && !files_.exists(each.new_path)) continue;
+    if (!each.leads && !each.new_path.empty() && !files_.exists(each.new_path)) continue;
     if (trouble.empty()) trouble = trouble_of(each);
   }
   std::vector<Outcome> outcomes;
@@ -80,7 +83,7 @@ std::vector<PastUndo::Outcome> PastUndo::undo_group(std::vector<PastOperation> g
 }
 
 std::string PastUndo::trouble_of(const PastOperation& operation) const {
-  if (operation.deed == Deed::Trashed) return {};
+  if (operation.new_path.empty()) return {};
   if (!files_.exists(operation.new_path)) return operation.new_path + " is not there any more";
   if (operation.deed != Deed::Copied && files_.exists(operation.old_path)) {
     return operation.old_path + " is there already";
@@ -95,7 +98,11 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
   Outcome outcome{.operation = operation, .from = operation.new_path, .to = operation.old_path, .trouble = {}};
   try {
     FileJobResult result;
-    if (operation.deed == Deed::Trashed) {
+    if (operation.deed == Deed::Tidied || operation.deed == Deed::Made) {
+      result = undo_folder(operation);
+      outcome.from = operation.deed == Deed::Made ? operation.old_path : std::string(native::trash_name);
+      outcome.to = operation.deed == Deed::Made ? "" : operation.old_path;
+    } else if (operation.deed == Deed::Trashed) {
       const std::optional<PastOperation> copied = history_.operation(operation.undoes);
       if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was a copy of");
       outcome.from = copied->old_path, outcome.to = copied->new_path;
@@ -118,6 +125,23 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
     outcome.trouble = failure.what();
   }
   return outcome;
+}
+
+FileJobResult PastUndo::undo_folder(const PastOperation& operation) {
+  const std::string& folder = operation.old_path;
+  if (operation.deed == Deed::Tidied) {
+    const FileJobResult result = jobs_.make_again(folder, operation.id);
+    if (result.done && !operation.reason.empty()) {
+      log_.debug_log(
+          "What was in " + folder + " stays in the " + std::string(native::trash_name) + ". " + operation.reason,
+          LogLevel::Normal);
+    }
+    return result;
+  }
+  bool is_empty = true;
+  const bool is_read = files_.list(folder, [&](const FolderEntry&) { is_empty = false; });
+  if (!is_read || !is_empty) throw Failure(folder + " is not empty");
+  return jobs_.tidy(folder, {}, operation.id);
 }
 
 bool PastUndo::is_dead(const std::string& owner, const std::string& work_dir) {
@@ -178,7 +202,8 @@ void PastUndo::settle_one(PastOperation operation) {
   const bool has_left =
       is_copy ? left && operation.stamp && left->may_be_copy_of(*operation.stamp) : has_stamp(left, operation.stamp);
   const bool takes_source = operation.deed != Deed::Copied;
-  if (operation.deed == Deed::Trashed ? !source : has_left && (!takes_source || !source)) {
+  const bool goes = operation.deed == Deed::Trashed || operation.deed == Deed::Tidied;
+  if (goes ? !source : operation.deed == Deed::Made ? source.has_value() : has_left && (!takes_source || !source)) {
     operation.outcome = PastOperation::Done;
     if (left) operation.stamp = left;
     log_.debug_log("A run was cut off when " + what_was_done(operation) + "; that was still done", LogLevel::Normal);

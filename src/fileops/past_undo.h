@@ -40,6 +40,7 @@ class PastUndo {
   /// Why it cannot be taken back.
   std::string trouble_of(const PastOperation& operation) const;
   Outcome undo_one(const PastOperation& operation);
+  FileJobResult undo_folder(const PastOperation& operation);
   std::vector<Outcome> undo_group(std::vector<PastOperation> group);
   bool is_dead(const std::string& owner, const std::string& work_dir);
   void bring_back(const PastOperation& aside);

@@ -14,8 +14,17 @@
 
 namespace quorvel {
 
-/// What an operation does, or did. The first three are numbered as the actions of rules are.
-enum class Deed : std::uint8_t { Renamed = 1, Moved = 2, Copied = 3, SetAside = 8, Trashed = 9 };
+/// What an operation does, or did. The first three are numbered as the actions of rules are. A folder is tidied away
+/// into the trash when its last file has gone, and made again.
+enum class Deed : std::uint8_t {
+  Renamed = 1,
+  Moved = 2,
+  Copied = 3,
+  SetAside = 8,
+  Trashed = 9,
+  Tidied = 10,
+  Made = 11
+};
 
 /// One operation on a file, as the history has it.
 struct PastOperation {

@@ -58,6 +58,7 @@ IntakeResult Intake::take_folder(const std::string& path) {
     const Refusal refusal =
         is_listed(settings_, relative) ? take(base + relative, true).refusal : Refusal::TypeNotListed;
     ++(refusal == Refusal::None ? result.queued : result.left_out);
+    if (refusal == Refusal::None) queue_.at(queue_.count()).added = base;
     if (refusal != Refusal::Missing) continue;
     log_.debug_log("The file " + base + relative + " cannot be reached, so it is left out", LogLevel::Normal);
   }

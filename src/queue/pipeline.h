@@ -7,6 +7,7 @@
 #include "queue/companions.h"
 #include "queue/queue_item.h"
 #include "queue/settings.h"
+#include "queue/tidying.h"
 #include "rules/filters.h"
 
 namespace quorvel {
@@ -19,6 +20,7 @@ class Pipeline {
     const Settings& settings;
     const FilterList& filters;
     Companions& companions;
+    Tidying& tidying;
     FileJobs& jobs;
     Files& files;
     UserInterface& ui;
@@ -28,6 +30,7 @@ class Pipeline {
   explicit Pipeline(Parts parts) : parts_(parts) {}
 
   void begin_pass() { parts_.companions.begin_pass(); }
+  void end_pass() { parts_.tidying.end_pass(); }
 
   /// filter_index, action, new_name, dest_path and companions. Throws Failure when a rule fits but its folder or the
   /// new name would not be what the system takes it for.

@@ -83,6 +83,7 @@ void Processor::run_pass() {
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
       if (process_next_again()) continue;
+      pipeline_.end_pass();
       end_pass();
       on_pass_ended();
       if (queue_cursor_ == 0) {
@@ -101,6 +102,7 @@ void Processor::run_pass() {
     process_item(index);
   }
   if (!quit_) cancel_rest();  // meanwhile the user may quit
+  pipeline_.end_pass();
   end_pass();
   on_pass_ended();
   if (quit_) {
@@ -133,6 +135,7 @@ void Processor::carry_out_plans() {
   };
   batch_.run(entries, ended, [this](std::size_t entry) { set_state(plans_[entry], QueueState::Processing); });
   const bool was_stopped = stop_after_ > 0;
+  pipeline_.end_pass();
   end_pass();
   on_pass_ended();
   if (quit_) return ui_.close();

@@ -35,6 +35,7 @@ struct QueueItem {
   QueueState state = QueueState::Inactive;
   QueueState failed_at = QueueState::Inactive;  // how far it had got when it failed last
   std::string path;                             // of the source, in full, as it was added
+  std::string added;                            // the folder that it was added with; empty when it was added alone
   std::string filename;                         // its last component
   std::int32_t episode = 0;
   std::int32_t season = 0;

@@ -16,8 +16,9 @@ struct Settings {
 
   std::string types = "avi;mkv;mpg;mp4";  // accepted extensions without dots, separated by ";"
   std::string companions;                 // what goes with a file that carries its name: endings as in types
-  ContextState context = NotInstalled;    // the entries in the file manager's context menu
-  bool confirm = false;                   // ask before each file operation
+  std::string leftovers = "Thumbs.db;.DS_Store;desktop.ini";  // files that make no folder worth keeping, as wildcards
+  ContextState context = NotInstalled;                        // the entries in the file manager's context menu
+  bool confirm = false;                                       // ask before each file operation
   bool nocache = false;
   bool noutf8 = false;
   LogLevel logging = LogLevel::Normal;
@@ -25,6 +26,7 @@ struct Settings {
   bool exact = false;      // identify episodes in the exact way
   bool strict = false;     // what the classic way and the reader read differently fails
   bool review = false;     // what a pass would do is looked at before it is done
+  bool tidy = false;       // folders that the last file was moved out of go to the trash
   bool verify = false;     // read back what is moved to another drive before its source goes
   int history = 730;       // days for which what was done to files is remembered
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
@@ -59,8 +61,8 @@ struct NumberSetting {
 
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
-extern const std::array<TextSetting, 2> text_settings;
-extern const std::array<NumberSetting, 11> number_settings;
+extern const std::array<TextSetting, 3> text_settings;
+extern const std::array<NumberSetting, 12> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];

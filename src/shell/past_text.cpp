@@ -19,6 +19,10 @@ DeedWords deed_words(Deed deed) {
       return {"set aside", "set aside", "renaming", "renamings"};
     case Deed::Trashed:
       return {"trash", "removed", "removal", "removals"};
+    case Deed::Tidied:
+      return {"tidy away", "tidied away", "folder tidied away", "folders tidied away"};
+    case Deed::Made:
+      return {"make", "made again", "folder made again", "folders made again"};
     default:
       return {"rename", "renamed", "renaming", "renamings"};
   }
@@ -50,7 +54,7 @@ std::string short_time_text(const Clock& clock, std::chrono::sys_seconds time) {
 
 std::string undo_question(const PastPass& pass, const Clock& clock) {
   std::vector<std::string> parts;
-  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::Trashed}) {
+  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::Trashed, Deed::Tidied, Deed::Made}) {
     // What was only set aside for a moment is renamed right after, and counts once.
     const auto count = std::ranges::count_if(
         pass.operations, [deed](const PastOperation& each) { return each.deed == deed && each.is_undoable(); });
@@ -75,7 +79,8 @@ std::string counts_text(const PastPass& pass) {
     undone += each.undone ? 1 : 0;
   }
   std::string text;
-  static constexpr std::array words = {"renamed", "moved", "copied", "set aside", "removed", "failed", "under way"};
+  static constexpr std::array words = {"renamed",     "moved",      "copied", "set aside", "removed",
+                                       "tidied away", "made again", "failed", "under way"};
   for (const char* const word : words) {
     if (counts[word] > 0) text.append(text.empty() ? "" : ", ").append(std::to_string(counts[word]) + " " + word);
   }

@@ -44,7 +44,8 @@ Session::Session(Ports ports, Places places)
       classic(settings, log, {exceptions, search, listings}),
       exact(settings, exceptions, lookup, log),
       companions(settings, queue, ports.files),
-      pipeline({settings, filters, companions, jobs, ports.files, ports.ui, log}),
+      tidying(settings, jobs, ports.files, log),
+      pipeline({settings, filters, companions, tidying, jobs, ports.files, ports.ui, log}),
       processor(
           queue, settings, ports.ui, log, history,
           [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },

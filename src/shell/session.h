@@ -114,6 +114,7 @@ class Session {
   ClassicIdentification classic;
   ExactIdentification exact;
   Companions companions;
+  Tidying tidying;
   Pipeline pipeline;
   Processor processor;
   Intake intake;

@@ -4,6 +4,7 @@
 
 #include "rules/action.h"
 #include "session_fixture.h"
+#include "shell/past_text.h"
 #include "shell/past_undoing.h"
 #include "text/cut.h"
 
@@ -70,9 +71,9 @@ TEST_F(CompanionsTest, WhatBelongsToAnEpisodeGetsItsNameAndNothingElseDoes) {
                                                       {stem + ".extra.mp4", ""},
                                                       {"other.srt", ""},
                                                       {"Subs/" + stem + ".de.srt", ".de.srt"},
-                                                      {"subtitles/" + stem + "/2_English.idx", ".en.idx"},
-                                                      {"subtitles/" + stem + "/2_English.sub", ".en.sub"},
-                                                      {"subtitles/" + stem + "/3_English.sub", ".en.2.sub"},
+                                                      {"subtitles/" + stem + "/2_English.idx", ".en.2.idx"},
+                                                      {"subtitles/" + stem + "/2_English.sub", ".en.2.sub"},
+                                                      {"subtitles/" + stem + "/3_English.sub", ".en.3.sub"},
                                                       {"subtitles/" + stem + "/German (SDH).srt", ".de.SDH.srt"},
                                                       {"subtitles/other/4_French.srt", ""}};
   std::vector<std::string> names{video};
@@ -139,6 +140,35 @@ TEST_F(CompanionsTest, AllGoOrNone) {
   EXPECT_EQ(item(1).state, QueueState::Done);
   session.undo.run(1);
   EXPECT_EQ(all(), "in/" + stem + ".en.srt|in/" + video + "|");
+}
+
+TEST_F(CompanionsTest, AFolderThatIsNotNeededAnyMoreGoesAndComesBack) {
+  move_to_out();
+  const std::string inner = "in/a/b/Subs/" + stem + "/2_English.srt";
+  write("in/c/kept.doc", ""), write("in/a/b/Thumbs.DB", "t"), write(inner, "s");
+  write("in/c/the.harbour.lights.1x01.mkv", "1"), write("in/a/b/" + video, "2"),
+      write("in/the.harbour.lights.1x03.mkv", "3");
+  const auto move = [&](bool tidy) {
+    session.settings.tidy = tidy;
+    session.intake.add_to_queue(folder / "in", false);
+    session.processor.retry_failed();
+    EXPECT_EQ(read("out/" + done + ".en.srt") + read("out/" + done + ".mkv"), "s2");
+    return std::string(exists("in") ? "in " : "") + (exists("in/a") ? "a " : "") + (exists("in/a/b") ? "b " : "") +
+           (exists("in/c") ? "c" : "");
+  };
+  PastUndoing undoing(session);
+  const auto undo = [&] {
+    return text_of(undoing.undo(undoing.last_pass()->operations, [](int, int) { return true; }));
+  };
+  EXPECT_EQ(move(false), "in a b c");
+  EXPECT_EQ(undo(), "4 undone");
+  EXPECT_EQ(move(true), "in c");
+  EXPECT_EQ(counts_text(session.history.passes(1)[0]), "4 moved, 4 tidied away");
+  EXPECT_EQ(undo(), "8 undone");
+  EXPECT_EQ(read(inner) + read("in/a/b/" + video) + read("in/a/b/Thumbs.DB"), "s2(missing)");
+  session.filters.exchange(1, 2);
+  session.processor.retry_failed();
+  EXPECT_TRUE(exists("in/a/b/Subs/" + stem)) << "nothing is tidied after a renaming";
 }
 
 TEST_F(CompanionsTest, WhatWasCutOffInTheMiddleIsBackAtTheNextStart) {

@@ -82,13 +82,16 @@ TEST(Dialogs, AskBeforeAPassIsUndone) {
   const TestPorts at;
   PastPass pass;
   pass.time = std::chrono::floor<std::chrono::seconds>(at.clock.utc());
-  for (const Deed deed : {Deed::Renamed, Deed::SetAside, Deed::Moved, Deed::Moved, Deed::Copied, Deed::Trashed}) {
+  for (const Deed deed :
+       {Deed::Renamed, Deed::SetAside, Deed::Moved, Deed::Moved, Deed::Copied, Deed::Trashed, Deed::Tidied}) {
     PastOperation& operation = pass.operations.emplace_back();
     operation.deed = deed, operation.outcome = PastOperation::Done;
   }
   pass.operations.emplace_back();  // which was never done
   const std::string today = undo_question(pass, at.clock);
-  EXPECT_TRUE(today.starts_with("Undo 1 renaming, 2 moves, 1 copy and 1 removal of ") && today.size() == 56) << today;
+  EXPECT_TRUE(today.starts_with("Undo 1 renaming, 2 moves, 1 copy, 1 removal and 1 folder tidied away of ") &&
+              today.size() == 78)
+      << today;
   pass.time = {};
   EXPECT_TRUE(undo_question(pass, at.clock).ends_with(" of 1970-01-01 00:00?"));
 }
