@@ -67,6 +67,9 @@ extern const std::array<NumberSetting, 12> number_settings;
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];
 
+/// What usually goes with an episode: subtitles, pictures, and what media servers know of it.
+inline constexpr const char* usual_companions = "srt;ass;ssa;sub;idx;sup;vtt;smi;nfo;jpg;jpeg;png;tbn";
+
 /// Whether files of that name's extension are taken. Part of a listed one is enough, such as "mp" of "mp4".
 bool is_listed(const Settings& settings, std::string_view name);
 

@@ -20,7 +20,7 @@ constexpr int max_days = 32767;  // what is stored is no larger
 struct Box {
   const char *setting, *label, *name;
 };
-constexpr std::array<Box, 10> boxes = {{{"autoclose", "Close &when done", "Check6"},
+constexpr std::array<Box, 11> boxes = {{{"autoclose", "Close &when done", "Check6"},
                                         {"logging", "&Verbose Logging", "Check5"},
                                         {"confirm", "Confirm &File Operations", "Check2"},
                                         {"review", "Rev&iew First", "Check10"},
@@ -29,6 +29,7 @@ constexpr std::array<Box, 10> boxes = {{{"autoclose", "Close &when done", "Check
                                         {"verify", "&Read Back What Is Moved to Another Drive", "Check7"},
                                         {"nocache", "&Disable Cache", "Check3"},
                                         {"noutf8", "Disable &UTF-8 Decoding", "Check4"},
+                                        {"tidy", "&Put Emptied Folders into the Trash", "Check11"},
                                         {"context", "Add To Context &Menu for Folders && Video Files", "Check1"}}};
 
 const NumberSetting& setting_of(const Box& box) {
@@ -51,11 +52,23 @@ PreferencesDialog::PreferencesDialog(wxWindow* parent, Session& session, bool& k
 }
 
 void PreferencesDialog::lay_out() {
-  auto* const label = new wxStaticText(this, wxID_ANY, "Additional &Types:");
-  types_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, scaled(*this, wxSize(220, -1)), 0,
-                          wxDefaultValidator, "txtTypes");
-  fit_letters(*types_);
-  types_->ChangeValue(to_wx(session_.settings.types));
+  auto* const fields = new wxFlexGridSizer(2, scaled(*this, wxSize(8, 6)));
+  fields->AddGrowableCol(1);
+  const auto field = [&](const char* label, const char* name, const std::string& text) {
+    fields->Add(new wxStaticText(this, wxID_ANY, label), wxSizerFlags().CenterVertical());
+    auto* const made = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, scaled(*this, wxSize(270, -1)), 0,
+                                      wxDefaultValidator, name);
+    fit_letters(*made);
+    made->ChangeValue(to_wx(text));
+    fields->Add(made, wxSizerFlags().Expand());
+    return made;
+  };
+  types_ = field("Additional &Types:", "txtTypes", session_.settings.types);
+  companions_ = field("&Goes Along:", "txtCompanions", session_.settings.companions);
+  leftovers_ = field("&Leftovers in Folders:", "txtLeftovers", session_.settings.leftovers);
+  along_ = new wxCheckBox(this, wxID_ANY, "Ta&ke Along What Belongs to an Episode", wxDefaultPosition, wxDefaultSize, 0,
+                          wxDefaultValidator, "Check12");
+  along_->SetValue(!session_.settings.companions.empty());
   auto* const history_label = new wxStaticText(this, wxID_ANY, "Days to Keep the &History:");
   history_ = new wxSpinCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize, wxSP_ARROW_KEYS, 1, max_days,
                             session_.settings.history, "spnHistory");
@@ -64,11 +77,13 @@ void PreferencesDialog::lay_out() {
 
   auto* const box_sizer = new wxBoxSizer(wxVERTICAL);
   for (wxCheckBox* const box : boxes_) {
-    box_sizer->Add(box, wxSizerFlags().Border(wxBOTTOM, scaled(*this, 6)));
+    const wxSizerFlags line = wxSizerFlags().Border(wxBOTTOM, scaled(*this, 6));
+    if (box == box_of("tidy")) {
+      along_->MoveBeforeInTabOrder(box);
+      box_sizer->Add(along_, line);
+    }
+    box_sizer->Add(box, line);
   }
-  auto* const types = new wxBoxSizer(wxHORIZONTAL);
-  types->Add(label, wxSizerFlags().CenterVertical().Border(wxRIGHT));
-  types->Add(types_, wxSizerFlags(1));
   auto* const history = new wxBoxSizer(wxHORIZONTAL);
   history->Add(history_label, wxSizerFlags().CenterVertical().Border(wxRIGHT));
   history->Add(history_);
@@ -80,17 +95,37 @@ void PreferencesDialog::lay_out() {
   auto* const sizer = new wxBoxSizer(wxVERTICAL);
   sizer->AddSpacer(scaled(*this, 12));
   sizer->Add(box_sizer, part);
-  sizer->Add(types, part);
+  sizer->Add(fields, part);
   sizer->Add(history, part);
   sizer->Add(buttons, part);
   SetSizerAndFit(sizer);
   CentreOnParent();
   ok->SetDefault();
+  for (wxCheckBox* const box : {along_, box_of("tidy")}) box->Bind(wxEVT_CHECKBOX, &PreferencesDialog::on_fields, this);
+  show_fields();
+}
+
+wxCheckBox* PreferencesDialog::box_of(std::string_view setting) const {
+  const auto* const found = std::ranges::find(boxes, setting, &Box::setting);
+  return boxes_[static_cast<std::size_t>(found - boxes.begin())];
+}
+
+void PreferencesDialog::on_fields(wxCommandEvent&) {
+  if (along_->IsChecked() && companions_->IsEmpty()) companions_->ChangeValue(usual_companions);
+  show_fields();
+}
+
+/// What counts only with its box.
+void PreferencesDialog::show_fields() {
+  companions_->Enable(along_->IsChecked());
+  leftovers_->Enable(box_of("tidy")->IsChecked());
 }
 
 void PreferencesDialog::on_ok(wxCommandEvent&) {
   Settings wanted = session_.settings;
   wanted.types = from_wx(types_->GetValue());
+  wanted.companions = along_->IsChecked() ? from_wx(companions_->GetValue()) : "";
+  wanted.leftovers = from_wx(leftovers_->GetValue());
   wanted.history = history_->GetValue();
   for (std::size_t i = 0; i < boxes.size(); ++i) setting_of(boxes[i]).turn(wanted, boxes_[i]->IsChecked());
   if (!apply_preferences(session_, wanted)) return types_->SetFocus();

@@ -5,6 +5,8 @@
 #include <wx/spinctrl.h>
 #include <wx/textctrl.h>
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "shell/session.h"
@@ -18,6 +20,9 @@ class PreferencesDialog : public wxDialog {
 
  private:
   void lay_out();
+  wxCheckBox* box_of(std::string_view setting) const;
+  void on_fields(wxCommandEvent& event);
+  void show_fields();
   void on_ok(wxCommandEvent& event);
   void on_key(wxKeyEvent& event);
 
@@ -25,7 +30,8 @@ class PreferencesDialog : public wxDialog {
   bool& keep_temp_;
   std::vector<wxCheckBox*> boxes_;
   wxSpinCtrl* history_ = nullptr;
-  wxTextCtrl* types_;
+  wxCheckBox* along_ = nullptr;
+  wxTextCtrl *types_ = nullptr, *companions_ = nullptr, *leftovers_ = nullptr;
 };
 
 }  // namespace quorvel::ui

@@ -227,20 +227,25 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
         shown(dialog),
         "Preferences: x Close when done|o Verbose Logging|o Confirm File Operations|o Review First|o Exact Names|o "
         "Fail What May Be "
-        "Read Otherwise|o Read Back What Is Moved to Another Drive|o Disable Cache|o Disable UTF-8 Decoding|o Add "
-        "To Context Menu for Folders & Video Files|Additional Types:|[avi;mkv;mpg;mp4]|Days to Keep "
+        "Read Otherwise|o Read Back What Is Moved to Another Drive|o Disable Cache|o Disable UTF-8 Decoding|o Take "
+        "Along What Belongs to an Episode|o Put Emptied Folders into the Trash|o Add To Context Menu for Folders & "
+        "Video "
+        "Files|Additional Types:|[avi;mkv;mpg;mp4]|Goes Along:|-[]|Leftovers in "
+        "Folders:|-[Thumbs.db;.DS_Store;desktop.ini]|Days to Keep "
         "the History:|OK|Cancel|");
     set_text(dialog, "txtTypes", ".MOV;");
+    tick(dialog, "Check12", true);
     find<wxSpinCtrl>(dialog, "spnHistory").SetValue(30);
     type(dialog, 'T', true);
     press(dialog, "OK");
   });
   command(ui::mnuPrefs);
   EXPECT_EQ(key_values.numbers["history"], 30u);
+  EXPECT_TRUE(key_values.texts["companions"].starts_with("srt;ass;"));
   EXPECT_TRUE(key_values.texts["types"] == "mov" && logged("Keep temp on") == 1);
   std::string seen;
-  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4", "Check5",
-                               "Check6", "Check7", "Check8", "Check9", "Check10"};
+  const char* const boxes[] = {"Check1", "Check2", "Check3", "Check4",  "Check5", "Check6",
+                               "Check7", "Check8", "Check9", "Check10", "Check11"};
   for (const char* const wanted : boxes) {
     on_dialog([&, wanted](wxDialog& dialog) {
       for (const char* const box : boxes) {
@@ -257,7 +262,7 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
   }
   EXPECT_EQ(seen,
             "Check6, context Check1, confirm Check2, nocache Check3, noutf8 Check4, logging Check5, autoclose Check6, "
-            "verify Check7, exact Check8, strict Check9, review ");
+            "verify Check7, exact Check8, strict Check9, review Check10, tidy ");
 }
 
 TEST_F(TestWindow, AShowIsChosenForTheFilesOfItsNameAndTheyAreLookedUpAgain) {
