@@ -13,16 +13,6 @@
 namespace quorvel::testing {
 namespace {
 
-/// Real files, of which the operation of that number fails.
-struct FailingShell : FileOperation {
-  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
-  int calls = 0, fails_at = 0, flags = 0;  // of the last one
-  int perform(const FileOperationRequest& request) override {
-    flags = request.flags;
-    return ++calls == fails_at ? 5 : real->perform(request);
-  }
-};
-
 struct BatchTest : ::testing::Test, TestPorts {
   FailingShell failing;
   FakeUi ui{events};

@@ -11,13 +11,6 @@
 namespace quorvel::testing {
 namespace {
 
-/// Real files, of which the operation of that number fails.
-struct FailingShell : FileOperation {
-  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
-  int calls = 0, fails_at = 0;
-  int perform(const FileOperationRequest& request) override { return ++calls == fails_at ? 5 : real->perform(request); }
-};
-
 struct CompanionsTest : ::testing::Test, TestPorts {
   FailingShell failing;
   FakeUi ui{events};

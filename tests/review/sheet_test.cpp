@@ -4,6 +4,7 @@
 
 #include "review/changes.h"
 #include "session_fixture.h"
+#include "shell/dialogs.h"
 
 namespace quorvel::testing {
 namespace {
@@ -80,6 +81,23 @@ TEST_F(Review, NothingHappensBeforeApplyAndThenExactlyWhatIsTicked) {
   EXPECT_EQ(read("in/The Harbour Lights - 1x04 - Salt and Tar.mkv"), "The Harbour Lights 104.mkv");
   EXPECT_EQ(read("in/mine.avi"), "harbour.lights.1x03.avi");
   EXPECT_EQ(session.history.passes(1).front().undoable(), 4) << "one pass";
+}
+
+TEST_F(Review, ShowsWhatGoesAlongAndItsTroubleIsTheRows) {
+  session.settings.companions = "srt";
+  const std::string stem = "the.harbour.lights.1x01", srt = stem + ".en.srt";
+  write("in/" + srt, "words"), write("in/mine.en.srt", "in the way");
+  take({stem + ".mkv"});
+  EXPECT_EQ(sheet.mark_text(1) + "|" + sheet.companions(1),
+            "Ready, with 1 more|With " + srt + " as The Harbour Lights - 1x01 - Slack Water.en.srt");
+  EXPECT_EQ(sheet.rename(1, "mine"), "");
+  EXPECT_EQ(sheet.mark_text(1) + "|" + sheet.reason(1), "Target exists|" + (folder / ("in/" + srt)) +
+                                                            " cannot go along: " + (folder / "in/mine.en.srt") +
+                                                            " is there already");
+  EXPECT_EQ(sheet.rename(1, "yours"), "");
+  sheet.apply();
+  EXPECT_EQ(read("in/yours.en.srt") + read("in/yours.mkv"), "words" + stem + ".mkv");
+  EXPECT_NE(item_info(item(1), clock).description.find("1 companion went along"), std::string::npos);
 }
 
 TEST_F(Review, ChainsAndCirclesAreWeighedByWhatIsTickedAndComeOutRight) {

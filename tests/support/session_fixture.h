@@ -15,6 +15,16 @@
 
 namespace quorvel::testing {
 
+/// Real files, of which the operation of that number fails.
+struct FailingShell : FileOperation {
+  const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
+  int calls = 0, fails_at = 0, flags = 0;  // of the last one
+  int perform(const FileOperationRequest& request) override {
+    flags = request.flags;
+    return ++calls == fails_at ? 5 : real->perform(request);
+  }
+};
+
 /// What a session stands on: real files, fakes for what cannot be had, and the listings service behind its socket.
 struct TestPorts {
   TemporaryFolder folder;
