@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "file_tools.h"
 #include "platform/native.h"
 #include "session_fixture.h"
@@ -132,7 +134,7 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
   add("Part.Time.S01E01.avi");
   processor.process_queue();
   EXPECT_EQ(item(6).new_name, "Part Time - 1x01 - Pilot (1).avi");
-  EXPECT_EQ(std::ranges::count(web.requests, "/shows/8/episodes"), 1) << "the answer is kept";
+  EXPECT_EQ(std::count(web.requests.begin(), web.requests.end(), "/shows/8/episodes"), 1) << "the answer is kept";
 }
 
 TEST_F(Queue, WhatTheReaderIsSureOfAndThePatternsReadOtherwiseIsTold) {
