@@ -169,7 +169,7 @@ void PastUndo::settle_group(const PastOperation& last) {
     return each.outcome == PastOperation::UnderWay || (each.leads && each.is_undoable());
   };
   if (std::ranges::any_of(group, is_or_may_be_done)) return;
-  for (const Outcome& outcome : undo(std::move(group))) {
+  for (const Outcome& outcome : undo(group)) {
     if (!outcome.trouble.empty()) continue;
     log_.debug_log("A run was cut off before the file that it belongs to was done, so " + outcome.operation.old_path +
                        " is where it was",

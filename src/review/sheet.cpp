@@ -121,9 +121,9 @@ void ReviewSheet::relate(const std::vector<int>& planned) {
     const FileJob job = job_of(parts_.queue.at(item));
     std::vector<std::string> names;
     const auto add = [&names](const FileJob& each) {
-      names.push_back(lower_case(each.path));
-      names.push_back(lower_case(each.destination()));
-      if (names.back() == names.end()[-2]) names.pop_back();
+      std::string path = lower_case(each.path), destination = lower_case(each.destination());
+      if (path != destination) names.push_back(std::move(destination));
+      names.push_back(std::move(path));
     };
     add(job);
     std::ranges::for_each(job.companions, add);

@@ -38,11 +38,11 @@ struct CompanionsTest : ::testing::Test, TestPorts {
   std::string all() const {
     std::string text;
     for (const auto& [path, bytes] : everything_in(folder.path())) {
-      const std::string below = path.substr((folder / "").size());
+      std::string below = path.substr((folder / "").size());
+      replace_all(below, "\\", "/");
       if (files->kind(path) != Files::Kind::File || !(below.starts_with("in") || below.starts_with("out"))) continue;
       if (!below.ends_with("kept")) text += below + (below == "in/" + bytes ? "" : "=" + bytes) + "|";
     }
-    replace_all(text, "\\", "/");
     return text;
   }
   const QueueItem& item(int index) { return session.queue.at(index); }
