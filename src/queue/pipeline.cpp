@@ -70,10 +70,10 @@ void Pipeline::note(QueueItem& item, const FileJobResult& result) {
   item.done_stamp = result.stamp;
   item.is_right_already = result.is_right_already;
   item.past_id = result.past_id;
+  item.source_stamp = result.source_stamp;
   if (!result.done) return;
   item.companions = result.companions;
   parts_.tidying.note(item);
-  item.source_stamp = result.source_stamp;
 }
 
 }  // namespace quorvel
