@@ -25,6 +25,7 @@ const char* state_word(QueueState state, bool is_dry_run) {
 
 std::vector<JsonObject> companions_of(const std::vector<FileJob>& companions) {
   std::vector<JsonObject> list;
+  list.reserve(companions.size());
   for (const FileJob& each : companions) {
     list.push_back(JsonObject().text("path", each.path).text("new_path", each.destination()));
   }

@@ -254,6 +254,8 @@ void ReviewPage::correct(int item, const std::string& numbers) {
   edited_.insert(item);
   window_.run([&] { sheet_.correct(item, numbers); });
   refresh();
+  // While it was looked up, it had no row that could stay selected.
+  if (sheet_.holds(item) && tree_->selected_file() == 0) tree_->select({item});
 }
 
 bool ReviewPage::refused(const std::string& refusal) {
