@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <ranges>
 #include <set>
 
 #include "fileops/file_job.h"
@@ -58,22 +57,23 @@ FileJobResult FileJobs::run_together(const FileJob& job) {
     }
   } catch (...) {
     group.leads(false);
-    take_back(std::move(done));
+    take_back(done);
     throw;
   }
   group.leads(false);
   if (result.done) {
     result.companions = std::move(done);
-  } else if (const std::string left = take_back(std::move(done)); !left.empty()) {
+  } else if (const std::string left = take_back(done); !left.empty()) {
     result.error_text = result.error_text.value_or("The file was gone") + left;
   }
   return result;
 }
 
 /// What could not be taken back, as further lines of a failure's text.
-std::string FileJobs::take_back(std::vector<FileJob> done) {
+std::string FileJobs::take_back(const std::vector<FileJob>& done) {
   std::string left;
-  for (const FileJob& companion : done | std::views::reverse) {
+  for (auto each = done.rbegin(); each != done.rend(); ++each) {
+    const FileJob& companion = *each;
     std::string trouble = "it was gone";
     try {
       const FileJobResult result = undo_alone(companion);
@@ -105,7 +105,7 @@ FileJobResult FileJobs::undo_together(const FileJob& job) {
   FileJobResult result = undo_alone(job);
   group.leads(false);
   if (!result.done) return result;
-  const std::string left = take_back(std::move(companions));
+  const std::string left = take_back(companions);
   if (!left.empty()) throw Failure("The file itself is back" + left);
   return result;
 }

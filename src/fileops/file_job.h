@@ -82,7 +82,7 @@ class FileJobs {
   FileJobResult run_together(const FileJob& job);
   FileJobResult undo_together(const FileJob& job);
   std::optional<std::string> trouble_of(const std::vector<FileJob>& companions) const;
-  std::string take_back(std::vector<FileJob> done);
+  std::string take_back(const std::vector<FileJob>& done);
   FileJobResult carry_out(const FileJob& job);
   FileJobResult rename(const FileJob& job);
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);

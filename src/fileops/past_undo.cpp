@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <span>
 
 #include "naming/file_names.h"
 #include "rules/action.h"
@@ -130,7 +129,7 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
 FileJobResult PastUndo::undo_folder(const PastOperation& operation) {
   const std::string& folder = operation.old_path;
   if (operation.deed == Deed::Tidied) {
-    const FileJobResult result = jobs_.make_again(folder, operation.id);
+    FileJobResult result = jobs_.make_again(folder, operation.id);
     if (result.done && !operation.reason.empty()) {
       log_.debug_log(
           "What was in " + folder + " stays in the " + std::string(native::trash_name) + ". " + operation.reason,
@@ -152,11 +151,10 @@ void PastUndo::settle(const std::string& work_dir) {
   std::vector<std::pair<PastOperation, std::string>> cut_off = history_.under_way();
   std::erase_if(cut_off, [&](const auto& each) { return !is_dead(each.second, work_dir); });
   const auto is_under_way = [](const auto& each) { return each.first.outcome != PastOperation::Done; };
-  const auto aside = std::ranges::stable_partition(cut_off, is_under_way);
-  const std::span last(cut_off.begin(), aside.begin());
-  for (const auto& [operation, owner] : last) settle_one(operation);
-  for (const auto& [operation, owner] : aside) bring_back(operation);
-  for (const auto& [operation, owner] : last) settle_group(operation);
+  const auto aside = std::stable_partition(cut_off.begin(), cut_off.end(), is_under_way);
+  for (auto last = cut_off.begin(); last != aside; ++last) settle_one(last->first);
+  for (auto each = aside; each != cut_off.end(); ++each) bring_back(each->first);
+  for (auto last = cut_off.begin(); last != aside; ++last) settle_group(last->first);
 }
 
 /// Companions that have gone before a file which has not come after them are brought back.

@@ -17,6 +17,7 @@ PastUndoing::Result PastUndoing::undo(const std::vector<PastOperation>& operatio
     for (PastOperation& each : session_.history.group_of(*found)) current.try_emplace(each.id, std::move(each));
   }
   std::vector<PastOperation> now;
+  now.reserve(current.size());
   for (const auto& [id, operation] : current) now.push_back(operation);
   Result result{.wanted = static_cast<int>(now.size())};
   int place = 0;
