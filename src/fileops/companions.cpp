@@ -72,8 +72,8 @@ FileJobResult FileJobs::run_together(const FileJob& job) {
 /// What could not be taken back, as further lines of a failure's text.
 std::string FileJobs::take_back(const std::vector<FileJob>& done) {
   std::string left;
-  for (auto each = done.rbegin(); each != done.rend(); ++each) {
-    const FileJob& companion = *each;
+  for (std::size_t i = done.size(); i-- > 0;) {
+    const FileJob& companion = done[i];
     std::string trouble = "it was gone";
     try {
       const FileJobResult result = undo_alone(companion);
