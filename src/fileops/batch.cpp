@@ -79,7 +79,7 @@ class Batch::Plan {
     const std::optional<FileStamp> now = files_.stamp(job.path);
     if (!now) {
       troubles_[entry] = {Trouble::Missing, "It is not there any more"};
-    } else if (stamp && (now->size != stamp->size || now->modified_ns != stamp->modified_ns)) {
+    } else if (stamp && !now->same_contents(*stamp)) {
       troubles_[entry] = {Trouble::Changed, "It has been changed or replaced since"};
     } else if (key_of(job.path) == key_of(job.destination())) {
       troubles_[entry] = {Trouble::SameName, "The new filename is the same as the old filename"};

@@ -172,11 +172,9 @@ FileJobResult FileJobs::undo_alone(const FileJob& job) {
   return result;
 }
 
-/// Numbers of files are left out of account: some file systems give a file a new one now and then.
 void FileJobs::refuse_another_file(const FileJob& job) const {
   const std::optional<FileStamp> now = files_.stamp(job.destination());
-  if (!job.done_stamp || !now) return;
-  if (now->size == job.done_stamp->size && now->modified_ns == job.done_stamp->modified_ns) return;
+  if (!job.done_stamp || !now || now->same_contents(*job.done_stamp)) return;
   throw Failure(job.destination() + " has been changed or replaced since");
 }
 

@@ -15,7 +15,7 @@ FileJob job_between(const std::string& from, const std::string& to, int action, 
 }
 
 bool has_stamp(const std::optional<FileStamp>& now, const std::optional<FileStamp>& then) {
-  return now && then && now->size == then->size && now->modified_ns == then->modified_ns;
+  return now && then && now->same_contents(*then);
 }
 
 std::string what_was_done(const PastOperation& operation) {

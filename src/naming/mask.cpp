@@ -88,7 +88,9 @@ std::optional<bool> has_values(std::string_view part, const MaskValues& values) 
 }
 
 std::string with_facts(std::string text, const MaskValues& values) {
-  for (const Fact& fact : facts) replace_all(text, fact.token, masked(values.facts.*fact.value));
+  for (const Fact& fact : facts) {
+    if (text.find(fact.token) != std::string::npos) replace_all(text, fact.token, masked(values.facts.*fact.value));
+  }
   return text;
 }
 

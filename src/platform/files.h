@@ -15,9 +15,9 @@ struct FileStamp {
   std::uint64_t size = 0;        // bytes
   std::int64_t modified_ns = 0;  // since the system's epoch
   std::uint64_t links = 1;       // names that the file has; none of its state
-  bool operator==(const FileStamp& other) const {
-    return same_file(other) && size == other.size && modified_ns == other.modified_ns;
-  }
+  bool operator==(const FileStamp& other) const { return same_file(other) && same_contents(other); }
+  /// Without the file's number, of which some file systems give a file a new one now and then.
+  bool same_contents(const FileStamp& other) const { return size == other.size && modified_ns == other.modified_ns; }
   /// Whether one could be a copy of the other, made with its time, which some file systems keep only to two seconds.
   bool may_be_copy_of(const FileStamp& other) const {
     constexpr std::int64_t precision_ns = 2'000'000'000;

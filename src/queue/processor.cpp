@@ -83,9 +83,7 @@ void Processor::run_pass() {
   while (!is_ending()) {
     if (queue_cursor_ >= queue_.count()) {
       if (process_next_again()) continue;
-      pipeline_.end_pass();
-      end_pass();
-      on_pass_ended();
+      conclude();
       if (queue_cursor_ == 0) {
         log_.debug_log("No work to do", LogLevel::Verbose);
       } else {
@@ -102,9 +100,7 @@ void Processor::run_pass() {
     process_item(index);
   }
   if (!quit_) cancel_rest();  // meanwhile the user may quit
-  pipeline_.end_pass();
-  end_pass();
-  on_pass_ended();
+  conclude();
   if (quit_) {
     ui_.close();
   } else if (queue_cursor_ < queue_.count()) {
@@ -135,9 +131,7 @@ void Processor::carry_out_plans() {
   };
   batch_.run(entries, ended, [this](std::size_t entry) { set_state(plans_[entry], QueueState::Processing); });
   const bool was_stopped = stop_after_ > 0;
-  pipeline_.end_pass();
-  end_pass();
-  on_pass_ended();
+  conclude();
   if (quit_) return ui_.close();
   if (queue_cursor_ < queue_.count()) ui_.arm_start_timer();  // for what was added meanwhile
   if (!was_stopped) finish();
@@ -182,6 +176,12 @@ bool Processor::process_next_again() {
   again_.pop_front();
   if (queue_.at(index).state == QueueState::Inactive) process_item(index);
   return true;
+}
+
+void Processor::conclude() {
+  pipeline_.end_pass();
+  end_pass();
+  on_pass_ended();
 }
 
 /// The next pass goes on after the last item, even where a retry has stepped over that.

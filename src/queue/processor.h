@@ -83,6 +83,7 @@ class Processor {
   void cancel(int index, const std::string& error_text);
   /// Whether the user wants to quit or has stopped the pass.
   bool is_ending() const { return quit_ || stop_after_ > 0; }
+  void conclude();
   void end_pass();
   void finish();
   void cancel_rest();
