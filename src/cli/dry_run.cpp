@@ -75,11 +75,11 @@ int DryRun::perform(const FileOperationRequest& request) {
     return 0;
   }
   if (native::is_too_long(getfname(destination))) return native::name_too_long_code;
-  if (exists(destination)) return native::name_taken_code;
+  if (exists(destination) && (flags & FileOperationRequest::Replace) == 0) return native::name_taken_code;
   if (kind(getpath(destination, 0)) != Kind::Folder) return native::no_folder_code;
   report_(source, destination);
   set(destination, Kind::File);
-  if (operation != FileOperationRequest::Copy) set(source, Kind::Missing);
+  if (request.takes_source()) set(source, Kind::Missing);
   return 0;
 }
 

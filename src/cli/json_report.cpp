@@ -1,7 +1,7 @@
 #include "cli/json_report.h"
 
 #include "platform/stamp_text.h"
-#include "shell/plan_file.h"
+#include "rules/action.h"
 #include "text/cut.h"
 #include "text/json_text.h"
 

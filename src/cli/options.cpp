@@ -10,8 +10,8 @@
 #include "naming/file_names.h"
 #include "platform/native.h"
 #include "queue/settings.h"
+#include "rules/action.h"
 #include "rules/presets.h"
-#include "shell/plan_file.h"
 #include "shell/version.h"
 #include "text/characters.h"
 #include "text/failure.h"
@@ -42,7 +42,10 @@ constexpr const char* help_end =
       --forget          forget the shows that were chosen for the names of these files; with --exact
       --to FOLDER       instead of your rules, one for all files: they go below FOLDER
       --preset NAME     with the folders and the names that a media server wants: jellyfin, plex or kodi
-      --action ACTION   what is done with them: rename, move or copy; with --to they are moved unless this says else
+      --action ACTION   what is done with them: rename, move, copy, hardlink or symlink; with --to they are moved
+                        unless this says else
+      --existing WHAT   what is done with these where another file has the new name: skip, keep-both (with a number), or
+                        better: keep the better one by resolution and source, and put the other into the trash
       --json            an object a line for each item that has ended, and one with a summary
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
@@ -122,27 +125,34 @@ void take_pass_number(Options& options) {
 
 /// What the user says of the one rule that a run is to have.
 struct WantedRule {
-  std::optional<std::string> folder, preset, action;
+  std::optional<std::string> folder, preset, action, existing;
 };
 
 /// Empty when nothing is said.
 std::optional<AFilter> rule_of(const WantedRule& wanted) {
-  if (!wanted.folder && !wanted.preset && !wanted.action) return {};
+  if (!wanted.folder && !wanted.preset && !wanted.action) {
+    if (wanted.existing) refuse("--existing is for the rule that --to or --action makes");
+    return {};
+  }
   const Preset* const preset = wanted.preset ? preset_named(*wanted.preset) : nullptr;
   if (wanted.preset && preset == nullptr) {
     refuse("--preset knows jellyfin, plex and kodi, not \"" + *wanted.preset + "\"");
   }
   const int action = wanted.action ? action_named(*wanted.action) : MoveAndRename;
-  if (action == 0) refuse("--action knows rename, move and copy, not \"" + *wanted.action + "\"");
+  if (action == 0) refuse("--action knows rename, move, copy, hardlink and symlink, not \"" + *wanted.action + "\"");
+  const std::string existing = wanted.existing.value_or("ask");
+  if (existing != existing_word(existing_named(existing))) {
+    refuse("--existing knows ask, keep-both, skip and better, not \"" + existing + "\"");
+  }
   const std::string mask(preset != nullptr ? preset->mask : default_mask);
   if (action == Rename) {
     if (wanted.folder) refuse("--action rename leaves files in their folders, so --to is not for it");
-    return rule_for_all(action, "", mask);
+    return rule_for_all(action, "", mask, existing_named(existing));
   }
   if (!wanted.folder || wanted.folder->empty()) refuse("--to FOLDER is wanted as well: where the files go");
   std::string folder = with_separator(absolute_path(*wanted.folder));
   if (preset != nullptr) folder += preset->folder;
-  return rule_for_all(action, folder, mask);
+  return rule_for_all(action, folder, mask, existing_named(existing));
 }
 
 std::variant<Options, Ending> parse(int argc, char** argv) {
@@ -159,12 +169,13 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
     To,
     PresetName,
     ActionName,
+    ExistingName,
     Apply,
     History,
     Undo,
     Version
   };
-  static constexpr std::array<option, 21> known = {{{"verbose", no_argument, nullptr, 'v'},
+  static constexpr std::array<option, 22> known = {{{"verbose", no_argument, nullptr, 'v'},
                                                     {"dry-run", no_argument, nullptr, 'n'},
                                                     {"work-dir", required_argument, nullptr, 'w'},
                                                     {"set", required_argument, nullptr, Set},
@@ -179,6 +190,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"to", required_argument, nullptr, To},
                                                     {"preset", required_argument, nullptr, PresetName},
                                                     {"action", required_argument, nullptr, ActionName},
+                                                    {"existing", required_argument, nullptr, ExistingName},
                                                     {"apply", required_argument, nullptr, Apply},
                                                     {"history", no_argument, nullptr, History},
                                                     {"undo", no_argument, nullptr, Undo},
@@ -234,6 +246,9 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         break;
       case ActionName:
         wanted.action = optarg;
+        break;
+      case ExistingName:
+        wanted.existing = optarg;
         break;
       case Apply:
         options.plan = optarg;

@@ -28,16 +28,13 @@ void for_each_file(const FileJob& job, Use use) {
   for (const FileJob& companion : job.companions) use(companion);
 }
 
-bool takes_source(const FileJob& job) {
-  return job.action == Rename || job.action == MoveAndRename;
-}
-
 }  // namespace
 
 /// Which entries can be carried out, and which waits for which to leave its name.
 class Batch::Plan {
  public:
-  Plan(const std::vector<Entry>& entries, const Files& files) : entries_(entries), files_(files) {
+  Plan(const std::vector<Entry>& entries, const FileJobs& jobs, const Files& files)
+      : entries_(entries), jobs_(jobs), files_(files) {
     troubles_.resize(entries.size());
     waits_for_.assign(entries.size(), none);
     std::map<std::string, std::size_t> sources, targets;
@@ -61,7 +58,7 @@ class Batch::Plan {
         if (!files.exists(job.destination())) return;
         const auto holder = sources.find(key_of(job.destination()));
         const bool is_left =
-            holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job);
+            holder != sources.end() && holder->second != i && takes_source(entries[holder->second].job.action);
         const bool waits = is_left && (waits_for_[i] == none || waits_for_[i] == holder->second);
         waits ? void(waits_for_[i] = holder->second) : refuse_taken(i, job);
       });
@@ -83,6 +80,9 @@ class Batch::Plan {
       troubles_[entry] = {Trouble::Changed, "It has been changed or replaced since"};
     } else if (key_of(job.path) == key_of(job.destination())) {
       troubles_[entry] = {Trouble::SameName, "The new filename is the same as the old filename"};
+    }
+    if (is_well(entry) && is_link(job.action) && jobs_.is_done_already(job)) {
+      troubles_[entry] = {Trouble::SameName, job.destination() + " is this file already"};
     }
     for (const FileJob& companion : job.companions) {
       if (!is_well(entry) || files_.exists(companion.path)) continue;
@@ -106,17 +106,18 @@ class Batch::Plan {
   }
 
   const std::vector<Entry>& entries_;
+  const FileJobs& jobs_;
   const Files& files_;
   std::vector<Trouble> troubles_;
   std::vector<std::size_t> waits_for_;
 };
 
 std::vector<Batch::Trouble> Batch::troubles(const std::vector<Entry>& entries) const {
-  return Plan(entries, files_).troubles();
+  return Plan(entries, jobs_, files_).troubles();
 }
 
 void Batch::run(const std::vector<Entry>& entries, const Ended& ended, const Begin& begins) {
-  const Plan plan(entries, files_);
+  const Plan plan(entries, jobs_, files_);
   enum State : std::uint8_t { ToDo, Chosen, Over };
   std::vector<State> states(entries.size(), ToDo);
   bool goes_on = true;

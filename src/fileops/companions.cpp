@@ -10,14 +10,16 @@
 namespace quorvel {
 
 FileJobResult FileJobs::run(const FileJob& job) {
-  if (job.companions.empty() || job.path == job.destination() || !files_.exists(job.path)) return run_alone(job);
+  if (job.companions.empty() || is_done_already(job) || !files_.exists(job.path)) return run_alone(job);
   // What a rename is refused for needs no companion to be touched before.
-  const bool is_refused = lower_case(job.path) == lower_case(job.destination()) || files_.exists(job.destination());
+  const bool is_refused =
+      lower_case(job.path) == lower_case(job.destination()) || (!job.replaces && files_.exists(job.destination()));
   return job.action == Rename && is_refused ? run_alone(job) : run_together(job);
 }
 
 FileJobResult FileJobs::undo(const FileJob& job) {
-  return job.companions.empty() || !files_.exists(job.destination()) ? undo_alone(job) : undo_together(job);
+  const bool is_gone = !files_.exists(job.destination()) && !files_.is_link(job.destination());
+  return job.companions.empty() || is_gone ? undo_alone(job) : undo_together(job);
 }
 
 /// Why one of them cannot go along.
@@ -26,7 +28,8 @@ std::optional<std::string> FileJobs::trouble_of(const std::vector<FileJob>& comp
   for (const FileJob& companion : companions) {
     const std::string target = companion.destination();
     if (!files_.exists(companion.path)) return companion.path + " cannot go along: it is not there any more";
-    if (files_.exists(target)) return companion.path + " cannot go along: " + target + " is there already";
+    if (!companion.replaces && files_.exists(target))
+      return companion.path + " cannot go along: " + target + " is there already";
     if (!targets.insert(lower_case(target)).second) {
       return companion.path + " cannot go along: two files would be " + target;
     }
@@ -92,13 +95,13 @@ FileJobResult FileJobs::undo_together(const FileJob& job) {
   refuse_another_file(job);
   std::vector<FileJob> companions = job.companions;
   std::erase_if(companions, [this](const FileJob& each) {
-    const bool is_gone = !files_.exists(each.destination());
+    const bool is_gone = !files_.exists(each.destination()) && !files_.is_link(each.destination());
     if (is_gone) log_.debug_log(each.destination() + " is not there any more, so it is not undone", LogLevel::Normal);
     return is_gone;
   });
   for (const FileJob& each : companions) {
     refuse_another_file(each);
-    if (each.action != CopyAndRename && files_.exists(each.path)) throw Failure(each.path + " is there already");
+    if (takes_source(each.action) && files_.exists(each.path)) throw Failure(each.path + " is there already");
   }
   History::Group group(history_);
   group.leads(true);

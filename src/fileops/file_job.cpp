@@ -25,6 +25,10 @@ void refuse_nul(const FileJob& job) {
 
 Deed deed_of(int operation) {
   switch (operation) {
+    case Request::HardLink:
+      return Deed::HardLinked;
+    case Request::SymbolicLink:
+      return Deed::SymbolicLinked;
     case Request::Move:
       return Deed::Moved;
     case Request::Copy:
@@ -50,9 +54,20 @@ FileJobResult FileJobs::run_alone(const FileJob& job) {
     log_.debug_log("File rename failed. Source file not found", LogLevel::Verbose);
     return {};
   }
+  if (is_link(job.action) && is_done_already(job)) {
+    log_.debug_log(job.destination() + " leads to " + job.path + " already", LogLevel::Verbose);
+    return {.error_text = "The destination is this file already", .is_right_already = true};
+  }
   FileJobResult result = carry_out(job);
-  result.is_right_already = !result.done && job.path == job.destination();
+  result.is_right_already = !result.done && is_done_already(job);
   return result;
+}
+
+bool FileJobs::is_done_already(const FileJob& job) const {
+  if (job.path == job.destination()) return true;
+  if (!is_link(job.action)) return false;
+  const std::optional<FileStamp> source = files_.stamp(job.path), now = files_.stamp(job.destination());
+  return source && now && source->same_file(*now);
 }
 
 FileJobResult FileJobs::carry_out(const FileJob& job) {
@@ -65,8 +80,12 @@ FileJobResult FileJobs::carry_out(const FileJob& job) {
     case CopyAndRename:
       log_.debug_log("Copying " + job.path + " to " + job.destination(), LogLevel::Verbose);
       return perform_in_tree(Request::Copy, job);
+    case HardLinkAndRename:
+    case SymbolicLinkAndRename:
+      log_.debug_log("Linking " + job.destination() + " to " + job.path, LogLevel::Verbose);
+      return perform_in_tree(job.action == HardLinkAndRename ? Request::HardLink : Request::SymbolicLink, job);
     default:
-      throw Failure("the rule's action " + std::to_string(job.action) + " is none of rename, move and copy");
+      throw Failure("the rule's action " + std::to_string(job.action) + " is none of rename, move, copy and link");
   }
 }
 
@@ -76,6 +95,7 @@ FileJobResult FileJobs::rename(const FileJob& job) {
     log_.debug_log("File rename failed. New name = old name", LogLevel::Verbose);
     return {false, "The new filename is the same as the old filename"};
   }
+  if (job.replaces) return perform_in_tree(Request::Move, job);
   if (files_.exists(job.destination())) {
     log_.debug_log("File rename failed. Destination already exists", LogLevel::Verbose);
     return {false, "The destination aleady exists. File cannot be renamed"};
@@ -87,15 +107,23 @@ FileJobResult FileJobs::rename(const FileJob& job) {
 
 FileJobResult FileJobs::perform_in_tree(Request::Operation operation, const FileJob& job) {
   std::string made = make_tree(job.dest_path);
-  FileJobResult result = perform({operation, job.path, made + job.new_name, Request::AllowUndo}, job.past_id);
+  Request request{operation, job.path, made + job.new_name, Request::AllowUndo};
+  std::string remark;
+  if (job.replaces && files_.exists(request.destination)) {
+    request.flags |= Request::Replace;
+    remark = "What was " + request.destination + " is in the " + std::string(native::trash_name);
+  }
+  FileJobResult result = perform(std::move(request), job.past_id, remark);
+  if (result.done && !remark.empty()) log_.debug_log(remark, LogLevel::Normal);
   if (result.done) result.dest_path = std::move(made);
   return result;
 }
 
-FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoes) {
+FileJobResult FileJobs::perform(FileOperationRequest request, std::int64_t undoes, std::string remark) {
   if (request.operation != Request::Rename) request.temporary = getpath(request.destination, 0) + temporary_name();
   if (request.operation == Request::Move && verify_) request.flags |= Request::Verify;
-  return recorded(request, deed_of(request.operation), undoes, [&] { return shell_.perform(request); });
+  return recorded(
+      request, deed_of(request.operation), undoes, [&] { return shell_.perform(request); }, std::move(remark));
 }
 
 FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t undoes,
@@ -118,7 +146,7 @@ FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t
       jobs.journal_.end();
     }
   } ending{*this, past};
-  FileJobResult result = result_of(carry_out());
+  FileJobResult result = result_of(request, carry_out());
   result.past_id = past.id;
   result.source_stamp = past.stamp;
   past.reason = result.done ? std::move(remark) : result.error_text.value_or("");
@@ -128,9 +156,15 @@ FileJobResult FileJobs::recorded(const Request& request, Deed deed, std::int64_t
   return result;
 }
 
-FileJobResult FileJobs::result_of(int code) {
+FileJobResult FileJobs::result_of(const Request& request, int code) {
   if (code == 0) return {true};
   log_.debug_log("File operation failed (" + std::to_string(code) + ")", LogLevel::Normal);
+  const std::string_view plainly = request.makes_link() ? native::link_trouble(code) : std::string_view();
+  if (!plainly.empty()) return {false, std::string(plainly)};
+  if (code == native::name_taken_code && (request.flags & Request::Replace) != 0) {
+    return {false, request.destination + " is there already, and there is no " + std::string(native::trash_name) +
+                       " that it could go to"};
+  }
   if (code == native::being_written_code) return {false, "The file is still being written by another program"};
   if (code == native::copy_differs_code) return {false, "The copy, read back, is not what the file is"};
   return {false, std::string("The file operation failed. ").append(native::system_name) + " reports error " +
@@ -140,6 +174,7 @@ FileJobResult FileJobs::result_of(int code) {
 FileJobResult FileJobs::undo_alone(const FileJob& job) {
   refuse_nul(job);
   const std::string current = job.destination();
+  if (is_link(job.action)) return undo_link(job);
   if (!files_.exists(current)) {
     log_.debug_log("Undo rename failed. Source file not found", LogLevel::Verbose);
     return {};
@@ -172,7 +207,38 @@ FileJobResult FileJobs::undo_alone(const FileJob& job) {
   return result;
 }
 
+FileJobResult FileJobs::undo_link(const FileJob& job) {
+  const std::string link = job.destination();
+  if (!files_.exists(link) && !files_.is_link(link)) {
+    log_.debug_log("Undo rename failed. Source file not found", LogLevel::Verbose);
+    return {};
+  }
+  refuse_another_file(job);
+  const Request removal{Request::Delete, link, "", Request::NoConfirmation};
+  FileJobResult result = recorded(removal, Deed::Trashed, job.past_id, [&] { return shell_.perform(removal); });
+  log_.debug_log("Undone file operatrion", LogLevel::Verbose);
+  return result;
+}
+
+std::string FileJobs::link_refusal(const FileJob& job) const {
+  const std::string link = job.destination();
+  const std::optional<FileStamp> now = files_.stamp(link), source = files_.stamp(job.path);
+  const bool is_sources = now && source && now->same_file(*source);
+  if (job.action == SymbolicLinkAndRename) {
+    const bool is_ours = files_.is_link(link) && (is_sources || (!now && !source));
+    return is_ours ? "" : link + " is not the link to " + job.path + " any more";
+  }
+  if (!is_sources && !(now && job.done_stamp && now->same_file(*job.done_stamp))) {
+    return link + " is not " + job.path + " any more";
+  }
+  return now->links > 1 ? "" : link + " is the only name that the file still has, so it stays";
+}
+
 void FileJobs::refuse_another_file(const FileJob& job) const {
+  if (is_link(job.action)) {
+    if (const std::string refusal = link_refusal(job); !refusal.empty()) throw Failure(refusal);
+    return;
+  }
   const std::optional<FileStamp> now = files_.stamp(job.destination());
   if (!job.done_stamp || !now || now->same_contents(*job.done_stamp)) return;
   throw Failure(job.destination() + " has been changed or replaced since");
@@ -185,6 +251,11 @@ int FileJobs::delete_copy(const FileJob& job) {
   const std::optional<FileStamp> source = files_.stamp(job.path), copied = files_.stamp(copy);
   if (!source || !copied || source->same_file(*copied) || !copied->may_be_copy_of(*source)) return code;
   return shell_.perform({Request::Delete, copy, "", Request::NoConfirmation});
+}
+
+FileJobResult FileJobs::discard(const FileJob& job) {
+  const Request request{Request::Delete, job.path, "", Request::AllowUndo | Request::NoConfirmation};
+  return recorded(request, Deed::Trashed, 0, [&] { return shell_.perform(request); });
 }
 
 FileJobResult FileJobs::tidy(const std::string& folder, const std::vector<std::string>& leftovers,

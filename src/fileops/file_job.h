@@ -26,6 +26,7 @@ struct FileJob {
   std::optional<FileStamp> done_stamp = {};  // of the destination after the job was done
   std::int64_t past_id = 0;                  // of the operation in the history that did it, or that it takes back
   bool sets_aside = false;                   // the new name is only for a moment
+  bool replaces = false;                     // a file that has the new name, which goes to the trash then
   std::vector<FileJob> companions = {};      // what belongs to the file and goes along, as one with it
 
   std::string destination() const { return dest_path + new_name; }
@@ -59,11 +60,21 @@ class FileJobs {
   FileJobResult run(const FileJob& job);
 
   /// Brings back what run() has changed: a renamed or moved file returns to its old path, whose folder is made when it
-  /// is missing, a copy goes to the trash.
+  /// is missing, a copy goes to the trash, a link is removed and nothing else.
   /// Where there is no trash, a copy is deleted only while its source is there with the same size and time of change.
   /// Throws Failure when the file at the destination is not the one that `done_stamp` describes. Companions are looked
   /// at before anything is touched; one that is gone by then holds up nothing.
   FileJobResult undo(const FileJob& job);
+
+  /// Puts the job's file into the trash instead, for one that is better; not where there is none.
+  FileJobResult discard(const FileJob& job);
+
+  /// Whether the file has its place and its name, or a link to it has.
+  bool is_done_already(const FileJob& job) const;
+
+  /// Why a link cannot be taken back: what has its name is no link to the file any more, or is the last name that the
+  /// file has. Empty when it can.
+  std::string link_refusal(const FileJob& job) const;
 
   /// Puts a folder into the trash that holds nothing but `leftovers`. With `undoes` it takes back that it was made.
   FileJobResult tidy(const std::string& folder, const std::vector<std::string>& leftovers, std::int64_t undoes = 0);
@@ -79,6 +90,7 @@ class FileJobs {
  private:
   FileJobResult run_alone(const FileJob& job);
   FileJobResult undo_alone(const FileJob& job);
+  FileJobResult undo_link(const FileJob& job);
   FileJobResult run_together(const FileJob& job);
   FileJobResult undo_together(const FileJob& job);
   std::optional<std::string> trouble_of(const std::vector<FileJob>& companions) const;
@@ -86,12 +98,12 @@ class FileJobs {
   FileJobResult carry_out(const FileJob& job);
   FileJobResult rename(const FileJob& job);
   FileJobResult perform_in_tree(FileOperationRequest::Operation operation, const FileJob& job);
-  FileJobResult perform(FileOperationRequest request, std::int64_t undoes);
+  FileJobResult perform(FileOperationRequest request, std::int64_t undoes, std::string remark = {});
   /// With the journal and the history knowing of it.
   FileJobResult recorded(const FileOperationRequest& request, Deed deed, std::int64_t undoes,
                          const std::function<int()>& carry_out, std::string remark = {});
   void refuse_another_file(const FileJob& job) const;
-  FileJobResult result_of(int code);
+  FileJobResult result_of(const FileOperationRequest& request, int code);
   int delete_copy(const FileJob& job);
 
   FileOperation& shell_;

@@ -14,6 +14,11 @@ FileJob job_between(const std::string& from, const std::string& to, int action, 
   return {from, getfname(from), getfname(to), getpath(to, 0), action, past.stamp, past.id};
 }
 
+FileJob job_of(const PastOperation& past) {
+  const int action = past.deed == Deed::SetAside ? int{Rename} : static_cast<int>(past.deed);
+  return job_between(past.old_path, past.new_path, action, past);
+}
+
 bool has_stamp(const std::optional<FileStamp>& now, const std::optional<FileStamp>& then) {
   return now && then && now->same_contents(*then);
 }
@@ -24,6 +29,9 @@ std::string what_was_done(const PastOperation& operation) {
       return operation.old_path + " was moved to " + operation.new_path;
     case Deed::Copied:
       return operation.old_path + " was copied to " + operation.new_path;
+    case Deed::HardLinked:
+    case Deed::SymbolicLinked:
+      return operation.old_path + " was linked as " + operation.new_path;
     case Deed::Trashed:
     case Deed::Tidied:
       return operation.old_path + " was put into the " + std::string(native::trash_name);
@@ -83,7 +91,11 @@ std::vector<PastUndo::Outcome> PastUndo::undo_group(std::vector<PastOperation> g
 
 std::string PastUndo::trouble_of(const PastOperation& operation) const {
   if (operation.new_path.empty()) return {};
-  if (!files_.exists(operation.new_path)) return operation.new_path + " is not there any more";
+  const bool is_link = leaves_source(operation.deed) && operation.deed != Deed::Copied;
+  if (!files_.exists(operation.new_path) && !(is_link && files_.is_link(operation.new_path))) {
+    return operation.new_path + " is not there any more";
+  }
+  if (is_link) return jobs_.link_refusal(job_of(operation));
   if (operation.deed != Deed::Copied && files_.exists(operation.old_path)) {
     return operation.old_path + " is there already";
   }
@@ -103,19 +115,20 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       outcome.to = operation.deed == Deed::Made ? "" : operation.old_path;
     } else if (operation.deed == Deed::Trashed) {
       const std::optional<PastOperation> copied = history_.operation(operation.undoes);
-      if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was a copy of");
+      if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was made of");
       outcome.from = copied->old_path, outcome.to = copied->new_path;
       const std::optional<FileStamp> source = files_.stamp(outcome.from);
-      if (!source || !operation.stamp || !source->may_be_copy_of(*operation.stamp)) {
-        throw Failure(outcome.from + " is not what was copied any more");
+      const bool is_link = copied->deed != Deed::Copied;
+      if (!source || !operation.stamp ||
+          (is_link ? !source->same_file(*operation.stamp) : !source->may_be_copy_of(*operation.stamp))) {
+        throw Failure(outcome.from + " is not what was " + (is_link ? "linked" : "copied") + " any more");
       }
       if (files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
-      result = jobs_.run(job_between(outcome.from, outcome.to, CopyAndRename, operation));
+      result = jobs_.run(job_between(outcome.from, outcome.to, static_cast<int>(copied->deed), operation));
     } else {
-      if (operation.deed == Deed::Copied) outcome.to.clear();
+      if (leaves_source(operation.deed)) outcome.to.clear();
       if (const std::string trouble = trouble_of(operation); !trouble.empty()) throw Failure(trouble);
-      const int action = operation.deed == Deed::SetAside ? int{Rename} : static_cast<int>(operation.deed);
-      result = jobs_.undo(job_between(operation.old_path, operation.new_path, action, operation));
+      result = jobs_.undo(job_of(operation));
     }
     if (!result.done) throw Failure(outcome.from + ": " + result.error_text.value_or("the file was gone"));
     outcome.by = result.past_id;
@@ -199,7 +212,7 @@ void PastUndo::settle_one(PastOperation operation) {
   const bool is_copy = operation.deed == Deed::Copied || operation.deed == Deed::Moved;  // perhaps
   const bool has_left =
       is_copy ? left && operation.stamp && left->may_be_copy_of(*operation.stamp) : has_stamp(left, operation.stamp);
-  const bool takes_source = operation.deed != Deed::Copied;
+  const bool takes_source = !leaves_source(operation.deed);
   const bool goes = operation.deed == Deed::Trashed || operation.deed == Deed::Tidied;
   if (goes ? !source : operation.deed == Deed::Made ? source.has_value() : has_left && (!takes_source || !source)) {
     operation.outcome = PastOperation::Done;

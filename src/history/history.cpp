@@ -19,6 +19,7 @@ enum Statement : std::size_t {
   LastPasses,
   OnePass,
   Operations,
+  LastTo,
   LastUndoable,
   StillUnderWay,
   ForgetOperations,
@@ -44,6 +45,8 @@ constexpr std::array statements = {
     "SELECT id, time, is_undoing FROM passes ORDER BY id DESC LIMIT ?1",
     "SELECT id, time, is_undoing FROM passes WHERE id = ?1",
     "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
+    "SELECT " QUORVEL_COLUMNS
+    " FROM operations WHERE new_path = ?1 AND outcome = 1 AND NOT undone ORDER BY id DESC LIMIT 1",
     "SELECT id FROM operations WHERE id < ?1 AND outcome = 1 AND NOT undone AND undoes / 1000000 <> id / 1000000 AND "
     "NOT "
     "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
@@ -206,6 +209,13 @@ std::optional<PastOperation> History::operation(std::int64_t id) {
   write_end();
   std::optional<PastOperation> operation;
   database_.perform(Operations, {id, id + 1}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
+  return operation;
+}
+
+std::optional<PastOperation> History::last_to(const std::string& path) {
+  write_end();
+  std::optional<PastOperation> operation;
+  database_.perform(LastTo, {path}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
   return operation;
 }
 

@@ -14,17 +14,24 @@
 
 namespace quorvel {
 
-/// What an operation does, or did. The first three are numbered as the actions of rules are. A folder is tidied away
+/// What an operation does, or did. The first five are numbered as the actions of rules are. A folder is tidied away
 /// into the trash when its last file has gone, and made again.
 enum class Deed : std::uint8_t {
   Renamed = 1,
   Moved = 2,
   Copied = 3,
+  HardLinked = 4,
+  SymbolicLinked = 5,
   SetAside = 8,
   Trashed = 9,
   Tidied = 10,
   Made = 11
 };
+
+/// Whether the file is where it was as well afterwards.
+constexpr bool leaves_source(Deed deed) {
+  return deed == Deed::Copied || deed == Deed::HardLinked || deed == Deed::SymbolicLinked;
+}
 
 /// One operation on a file, as the history has it.
 struct PastOperation {
@@ -120,6 +127,8 @@ class History {
   std::vector<PastPass> passes(int count);
   std::optional<PastPass> pass(std::int64_t id);
   std::optional<PastOperation> operation(std::int64_t id);
+  /// The last operation that put a file to `path`, in full, and was not undone.
+  std::optional<PastOperation> last_to(const std::string& path);
   /// The operation, with the others of its group in its pass that can be undone.
   std::vector<PastOperation> group_of(const PastOperation& operation);
   /// The last pass, of those before that number, with something that can be undone, which is no undoing itself; 0 when

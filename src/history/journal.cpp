@@ -125,6 +125,7 @@ void Journal::settle() {
 
 void Journal::settle(const Entry& entry) {
   const bool has_source = files_.exists(entry.source);
+  const bool is_link = FileOperationRequest{.operation = entry.operation}.makes_link();  // whole as soon as it is there
   if (!entry.temporary.empty() && files_.exists(entry.temporary)) {
     if (has_source || has_arrived(entry)) {
       remove(entry.temporary, "the beginning of a copy of " + entry.source);
@@ -134,7 +135,7 @@ void Journal::settle(const Entry& entry) {
                      LogLevel::Normal);
     }
   }
-  if (has_source && entry.is_new) settle_destination(entry);
+  if (has_source && entry.is_new && !is_link) settle_destination(entry);
   if (entry.operation == FileOperationRequest::Move && !entry.temporary.empty()) settle_aside(entry);
 }
 

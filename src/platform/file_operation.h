@@ -8,22 +8,27 @@ namespace quorvel {
 
 /// One order to the system's shell: what to do with which file.
 struct FileOperationRequest {
-  enum Operation { Move = 1, Copy = 2, Delete = 3, Rename = 4 };
+  enum Operation { Move = 1, Copy = 2, Delete = 3, Rename = 4, HardLink = 5, SymbolicLink = 6 };
   enum Flag : std::uint16_t {
     Silent = 4,
     NoConfirmation = 16,
     AllowUndo = 64,
     SimpleProgress = 256,
-    Verify = 0x8000  // with Move: a copy is read back from the disk and compared before its source is removed
+    Replace = 0x4000,  // a file that has the destination's name goes to the trash, as if the user had given it up
+    Verify = 0x8000    // with Move: a copy is read back from the disk and compared before its source is removed
   };
 
   int operation = 0;
-  std::string source;
-  std::string destination;  // empty for Delete
+  std::string source = {};
+  std::string destination = {};  // empty for Delete
   std::uint16_t flags = 0;
-  std::string temporary =
-      {};  // the name that a copy has until it is whole, in the destination's folder; for Move and Copy
+  std::string temporary = {};  // the name that a copy has until it is whole, or a link until its name is free, in the
+                               // destination's folder; for all but Rename and Delete
   bool operator==(const FileOperationRequest&) const = default;
+
+  bool makes_link() const { return operation == HardLink || operation == SymbolicLink; }
+  /// Whether nothing is at the source afterwards.
+  bool takes_source() const { return operation == Move || operation == Rename || operation == Delete; }
 
   /// The name of the source at the end of a move to another file system, for the instant before it is removed: that of
   /// `temporary`, in the source's folder.

@@ -19,6 +19,9 @@ extern const std::string_view trash_name;
 /// What the code of a failed file operation means, in the system's own words.
 std::string error_words(int code);
 
+/// Why a link could not be made, in plain words; empty for codes whose own words are plain enough.
+std::string_view link_trouble(int code);
+
 /// The code a file operation answers when another program has the file open for writing.
 extern const int being_written_code;
 

@@ -37,6 +37,7 @@ bool Pipeline::dofilter(QueueItem& item) {
   item.dest_path = with_separator(folder);
   item.filter_index = *rule;
   item.action = filter.action;
+  item.existing = filter.existing;
   item.companions = parts_.companions.of(job_of(item));
   return true;
 }
@@ -46,13 +47,17 @@ void Pipeline::plan(QueueItem& item) {
   item.is_planned = true;
 }
 
+bool Pipeline::duplicates(QueueItem& item) {
+  return parts_.duplicates.settle(item);
+}
+
 bool Pipeline::confirm(QueueItem& item) {
   if (!parts_.settings.confirm) return true;
   const FileJob job = job_of(item);
-  const char* const operation = job.action == MoveAndRename ? "Move" : job.action == CopyAndRename ? "Copy" : "Rename";
-  const std::optional<bool> answer =
-      parts_.ui.ask_confirmation({std::string("Confirm File ") + operation,
-                                  "Continue with file " + lower_case(operation) + "?", job.path, job.destination()});
+  const ActionWords* const words = words_of(job.action);
+  const std::string operation(words == nullptr ? "Rename" : words->verb);
+  const std::optional<bool> answer = parts_.ui.ask_confirmation(
+      {"Confirm File " + operation, "Continue with file " + lower_case(operation) + "?", job.path, job.destination()});
   item.confirmed = answer.value_or(false);
   return item.confirmed;
 }

@@ -5,6 +5,7 @@
 #include "platform/log.h"
 #include "platform/user_interface.h"
 #include "queue/companions.h"
+#include "queue/duplicates.h"
 #include "queue/queue_item.h"
 #include "queue/settings.h"
 #include "queue/tidying.h"
@@ -21,6 +22,7 @@ class Pipeline {
     const FilterList& filters;
     Companions& companions;
     Tidying& tidying;
+    Duplicates& duplicates;
     FileJobs& jobs;
     Files& files;
     UserInterface& ui;
@@ -36,13 +38,16 @@ class Pipeline {
   /// new name would not be what the system takes it for.
   bool dofilter(QueueItem& item);
 
+  /// What the rule wants where another file has the new name; error_text when that is to leave the item's file.
+  bool duplicates(QueueItem& item);
+
   /// The operation is to wait for the user's word: what the file is now.
   void plan(QueueItem& item);
 
   /// Whether the operation may go on: asks the user when the settings say so.
   bool confirm(QueueItem& item);
 
-  /// Renames, moves or copies; error_text when that fails.
+  /// Renames, moves, copies or links; error_text when that fails.
   bool fileops(QueueItem& item);
   /// How the item's operation has ended.
   void note(QueueItem& item, const FileJobResult& result);

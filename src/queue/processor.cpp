@@ -255,6 +255,10 @@ void Processor::process_item(int index) {
                 "Found listings, but no filter could be found to move/rename the file");
   }
 
+  const StageResult free =
+      run_stage(log_, "Error checking the destination: ", [&] { return pipeline_.duplicates(item); });
+  if (!free) return fail(index, {}, free.failure.empty() ? item.error_text : free.failure);
+
   if (item.is_under_review) {
     pipeline_.plan(item);
     view_.update_lv(index);

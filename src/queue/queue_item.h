@@ -9,6 +9,7 @@
 #include "fileops/file_job.h"
 #include "naming/mask.h"
 #include "naming/reader/reading.h"
+#include "rules/existing.h"
 
 namespace quorvel {
 
@@ -66,6 +67,8 @@ struct QueueItem {
   // What that rule said when it was chosen: the user may change the rules before the file operation or its undoing, and
   // taking a move back as if it had been a copy would delete the only file.
   std::int32_t action = 0;
+  Existing existing = Existing::Ask;
+  bool replaces = false;  // the file that has its new name, which goes to the trash
   bool confirmed = false;
   std::optional<FileStamp> source_stamp;  // of the source before the operation
   std::optional<FileStamp> done_stamp;    // of the file that the operation has left at the destination
@@ -83,6 +86,7 @@ struct QueueItem {
     more_episodes.clear();
     facts = {};
     companions.clear();
+    replaces = false;
     listings_told.reset();
     lost_characters = false;
     is_right_already = false;
@@ -112,6 +116,7 @@ inline FileJob job_of(const QueueItem& item) {
           .action = item.action,
           .done_stamp = item.done_stamp,
           .past_id = item.past_id,
+          .replaces = item.replaces,
           .companions = item.companions};
 }
 

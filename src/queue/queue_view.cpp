@@ -11,7 +11,7 @@ namespace {
 struct Appearance {
   QueueState state;
   RowUpdate::Icon icon;
-  const char* status;  // null where the item's rule decides
+  std::string_view status;  // empty where the item's rule decides
 };
 
 constexpr std::array<Appearance, 9> appearances = {{
@@ -22,22 +22,9 @@ constexpr std::array<Appearance, 9> appearances = {{
     {QueueState::Searching, RowUpdate::WaitingIcon, "Searching"},
     {QueueState::FetchingListings, RowUpdate::WaitingIcon, "Fetching Listings"},
     {QueueState::CheckingFilters, RowUpdate::WaitingIcon, "Checking Filters"},
-    {QueueState::Processing, RowUpdate::WaitingIcon, nullptr},
+    {QueueState::Processing, RowUpdate::WaitingIcon, ""},
     {QueueState::Done, RowUpdate::DoneIcon, "Done"},
 }};
-
-const char* operation_text(int action) {
-  switch (action) {
-    case Rename:
-      return "Renaming";
-    case MoveAndRename:
-      return "Moving";
-    case CopyAndRename:
-      return "Copying";
-    default:
-      return nullptr;
-  }
-}
 
 /// Fills in the changes up to the first that fails; false when one does.
 bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) {
@@ -49,16 +36,16 @@ bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) 
                                                                         : appearance.icon;
     if (item.state == QueueState::Cancelled) row.new_name = "";
     if (item.state >= QueueState::Processing) row.new_name = remextension(item.new_name);
-    const char* status = appearance.status;
+    std::string_view status = appearance.status;
     if (item.state == QueueState::Processing) {
       if (!filters.holds(item.filter_index)) return false;
-      status = operation_text(item.action);
+      if (const ActionWords* const words = words_of(item.action)) status = words->at_work;
     }
     if (item.is_planned) {
       row.new_name = remextension(item.new_name);
       status = "To Review";
     }
-    if (status != nullptr) row.status = status;
+    if (!status.empty()) row.status = status;
   }
   row.select = true;
   return true;

@@ -14,14 +14,8 @@ Undo::Entry Undo::entry(const std::vector<int>& items) const {
   if (count == 0) return {"Undo Rename", false};
   if (count > 1) return {"Undo " + std::to_string(count) + " Files", true};
   const QueueItem& item = queue_.at(*std::ranges::find_if(items, is_done));
-  switch (item.action) {
-    case MoveAndRename:
-      return {"Undo Move/Rename", true};
-    case CopyAndRename:
-      return {"Undo Copy/Rename", true};
-    default:
-      return {"Undo Rename", true};
-  }
+  const ActionWords* const words = words_of(item.action);
+  return {words == nullptr ? "Undo Rename" : std::string(words->undo), true};
 }
 
 void Undo::run(std::vector<int> items, const std::function<bool(int)>& goes_on) {

@@ -20,15 +20,17 @@ bool condition_fits(std::string_view subject, std::string_view pattern, int cond
 }  // namespace
 
 RecordFile::Fields FilterFormat::fields(const AFilter& filter) {
-  return {std::to_string(filter.action),
-          filter.enabled ? "True" : "False",
-          filter.fileType,
-          filter.showName,
-          filter.path,
-          filter.mask,
-          filter.description,
-          std::to_string(filter.fileTypeCondition),
-          std::to_string(filter.showNameCondition)};
+  RecordFile::Fields fields{std::to_string(filter.action),
+                            filter.enabled ? "True" : "False",
+                            filter.fileType,
+                            filter.showName,
+                            filter.path,
+                            filter.mask,
+                            filter.description,
+                            std::to_string(filter.fileTypeCondition),
+                            std::to_string(filter.showNameCondition)};
+  if (filter.existing != Existing::Ask) fields.emplace_back(existing_word(filter.existing));
+  return fields;
 }
 
 AFilter FilterFormat::entry(const std::vector<std::string_view>& fields) {
@@ -42,6 +44,7 @@ AFilter FilterFormat::entry(const std::vector<std::string_view>& fields) {
   filter.description = fields[6];
   filter.fileTypeCondition = to_number(fields[7]);
   filter.showNameCondition = to_number(fields[8]);
+  if (fields.size() > FilterFormat::field_count) filter.existing = existing_named(fields[FilterFormat::field_count]);
   return filter;
 }
 

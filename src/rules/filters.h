@@ -6,6 +6,7 @@
 
 #include "rules/action.h"
 #include "rules/entry_list.h"
+#include "rules/existing.h"
 
 namespace quorvel {
 
@@ -25,7 +26,8 @@ struct AFilter {
   int showNameCondition = 0;  // Equals, or anything else for its opposite
   std::string fileType;
   int fileTypeCondition = 0;
-  bool deleted = false;  // never written
+  bool deleted = false;               // never written
+  Existing existing = Existing::Ask;  // where another file has the new name; the file of rules has it only when not Ask
 };
 
 struct FilterFormat {

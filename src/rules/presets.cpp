@@ -23,9 +23,10 @@ const Preset* preset_named(std::string_view name) {
   return found == std::end(presets) ? nullptr : found;
 }
 
-AFilter rule_for_all(int action, std::string folder, std::string mask) {
+AFilter rule_for_all(int action, std::string folder, std::string mask, Existing existing) {
   AFilter rule = FilterFormat::defaults().front();
   rule.action = action;
+  rule.existing = existing;
   rule.path = folder.empty() ? std::move(folder) : with_separator(with_native_separators(std::move(folder)));
   rule.mask = std::move(mask);
   return rule;

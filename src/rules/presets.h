@@ -19,6 +19,6 @@ extern const Preset presets[3];
 const Preset* preset_named(std::string_view name);
 
 /// A rule for all files.
-AFilter rule_for_all(int action, std::string folder, std::string mask);
+AFilter rule_for_all(int action, std::string folder, std::string mask, Existing existing = Existing::Ask);
 
 }  // namespace quorvel

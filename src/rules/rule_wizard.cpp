@@ -17,11 +17,10 @@ RuleForm rule_form(const AFilter& filter) {
                        (filter.showName.empty() || filter.description.starts_with(field_names[RuleForm::FileType]));
   const std::string& pattern = by_type ? filter.fileType : filter.showName;
   const int comparison = by_type ? filter.fileTypeCondition : filter.showNameCondition;
-  const bool has_folder = filter.action == MoveAndRename || filter.action == CopyAndRename;
   return {.field = by_type ? RuleForm::FileType : RuleForm::ShowName,
           .equals = pattern.empty() || comparison == Equals,
           .condition = pattern,
-          .action = has_folder ? filter.action : int{Rename},
+          .action = has_folder(filter.action) ? filter.action : int{Rename},
           .path = filter.path,
           .mask = filter.mask};
 }
@@ -56,8 +55,9 @@ bool RuleWizard::showstep(int step) {
 
 RuleWizard::Texts RuleWizard::texts() const {
   const std::string done = index_ > 0 ? "edited" : "added";
-  const std::string verb = form.action == MoveAndRename ? "move" : "copy",
-                    participle = verb == "move" ? "moved" : "copied";
+  const ActionWords* const words = words_of(form.action);
+  const std::string verb = words == nullptr ? "" : lower_case(words->verb),
+                    participle(words == nullptr ? "" : words->participle);
   switch (step_) {
     case Conditions:
       return {"Step 1 - Filter Conditions", "Specify the critera of this filter", ""};

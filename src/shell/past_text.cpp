@@ -15,6 +15,10 @@ DeedWords deed_words(Deed deed) {
       return {"move", "moved", "move", "moves"};
     case Deed::Copied:
       return {"copy", "copied", "copy", "copies"};
+    case Deed::HardLinked:
+      return {"hardlink", "linked", "link", "links"};
+    case Deed::SymbolicLinked:
+      return {"symlink", "linked", "link", "links"};
     case Deed::SetAside:
       return {"set aside", "set aside", "renaming", "renamings"};
     case Deed::Trashed:
@@ -54,7 +58,8 @@ std::string short_time_text(const Clock& clock, std::chrono::sys_seconds time) {
 
 std::string undo_question(const PastPass& pass, const Clock& clock) {
   std::vector<std::string> parts;
-  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::Trashed, Deed::Tidied, Deed::Made}) {
+  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::HardLinked, Deed::SymbolicLinked,
+                          Deed::Trashed, Deed::Tidied, Deed::Made}) {
     // What was only set aside for a moment is renamed right after, and counts once.
     const auto count = std::ranges::count_if(
         pass.operations, [deed](const PastOperation& each) { return each.deed == deed && each.is_undoable(); });
@@ -79,8 +84,8 @@ std::string counts_text(const PastPass& pass) {
     undone += each.undone ? 1 : 0;
   }
   std::string text;
-  static constexpr std::array words = {"renamed",     "moved",      "copied", "set aside", "removed",
-                                       "tidied away", "made again", "failed", "under way"};
+  static constexpr std::array words = {"renamed", "moved",       "copied",     "linked", "set aside",
+                                       "removed", "tidied away", "made again", "failed", "under way"};
   for (const char* const word : words) {
     if (counts[word] > 0) text.append(text.empty() ? "" : ", ").append(std::to_string(counts[word]) + " " + word);
   }
@@ -104,6 +109,8 @@ std::string line_of(const PastOperation& operation) {
 }
 
 std::string undone_line(const PastUndo::Outcome& outcome) {
+  const Deed deed = outcome.operation.deed;
+  if (deed == Deed::HardLinked || deed == Deed::SymbolicLinked) return outcome.from + ": the link is removed";
   return outcome.from + " -> " + (outcome.to.empty() ? std::string(native::trash_name) : outcome.to);
 }
 

@@ -15,9 +15,6 @@
 namespace quorvel {
 namespace {
 
-constexpr std::pair<const char*, int> actions[] = {
-    {"rename", Rename}, {"move", MoveAndRename}, {"copy", CopyAndRename}};
-
 std::string text_at(const simdjson::dom::element& object, const char* key) {
   std::string_view text;
   return object[key].get(text) == simdjson::SUCCESS ? std::string(text) : std::string();
@@ -47,7 +44,7 @@ std::optional<Batch::Entry> entry_of(const simdjson::dom::element& object) {
   FileJob& job = entry.job;
   if (job.action == 0) throw Failure("\"" + action + "\" is no action");
   if (job.action == Rename && !stays_in_folder(job)) {
-    throw Failure("\"" + job.destination() + "\" is in another folder, so the action must be \"move\" or \"copy\"");
+    throw Failure("\"" + job.destination() + "\" is in another folder, so the action cannot be \"rename\"");
   }
   if (!stamp.empty() && !(entry.stamp = stamp_in(stamp))) throw Failure("\"" + stamp + "\" is no stamp");
   const auto companions = object["companions"];
@@ -64,20 +61,6 @@ std::optional<Batch::Entry> entry_of(const simdjson::dom::element& object) {
 }
 
 }  // namespace
-
-const char* action_word(int action) {
-  for (const auto& [word, number] : actions) {
-    if (number == action) return word;
-  }
-  return "";
-}
-
-int action_named(std::string_view word) {
-  for (const auto& [known, number] : actions) {
-    if (known == word) return number;
-  }
-  return 0;
-}
 
 std::vector<Batch::Entry> plan_of(std::string_view text) {
   simdjson::dom::parser parser;

@@ -10,10 +10,6 @@
 /// "planned" says what is to be done to one file.
 namespace quorvel {
 
-/// "rename", "move" or "copy", as an Action of the rules; empty and 0 for what is none.
-const char* action_word(int action);
-int action_named(std::string_view word);
-
 /// The jobs of a plan; lines of other states, and the summary, are passed over. Throws Failure, which names the line,
 /// when one cannot be understood or lacks something.
 std::vector<Batch::Entry> plan_of(std::string_view text);

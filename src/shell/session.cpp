@@ -45,7 +45,8 @@ Session::Session(Ports ports, Places places)
       exact(settings, exceptions, lookup, log),
       companions(settings, queue, ports.files),
       tidying(settings, jobs, ports.files, log),
-      pipeline({settings, filters, companions, tidying, jobs, ports.files, ports.ui, log}),
+      duplicates(settings, companions, history, jobs, ports.files, log),
+      pipeline({settings, filters, companions, tidying, duplicates, jobs, ports.files, ports.ui, log}),
       processor(
           queue, settings, ports.ui, log, history,
           [this]() -> Identification& { return settings.exact ? static_cast<Identification&>(exact) : classic; },

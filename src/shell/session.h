@@ -115,6 +115,7 @@ class Session {
   ExactIdentification exact;
   Companions companions;
   Tidying tidying;
+  Duplicates duplicates;
   Pipeline pipeline;
   Processor processor;
   Intake intake;

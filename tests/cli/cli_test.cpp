@@ -259,7 +259,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"-q"}, "There is no option -q" + usage},
       {{"--preset", "vcr", "x"}, "--preset knows jellyfin, plex and kodi, not \"vcr\"" + usage},
       {{"--preset", "plex", "x"}, "--to FOLDER is wanted as well: where the files go" + usage},
-      {{"--action", "burn", "x"}, "--action knows rename, move and copy, not \"burn\"" + usage},
+      {{"--action", "burn", "x"}, "--action knows rename, move, copy, hardlink and symlink, not \"burn\"" + usage},
       {{"--set", "confirm=no", "x"}, "--set confirm wants a whole number, not \"no\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},

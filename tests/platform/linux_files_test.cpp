@@ -174,17 +174,27 @@ const SecondProcess use_trash("trash", [](const std::string& there) {
     ++row;
     if (shell->perform({operation, from, to, Request::AllowUndo, to + ".new"}) != code) return row;
   }
+  const auto silent = system_file_operation({}, {});
+  for (const int operation : {Request::HardLink, Request::SymbolicLink, Request::Move}) {
+    const auto perform = [&](std::uint16_t flags) {
+      return silent->perform({operation, home + "b", home + "d", flags, home + "d.new"});
+    };
+    if (perform(Request::AllowUndo) != EEXIST || perform(Request::AllowUndo | Request::Replace) != 0) return 90;
+    if (operation != Request::Move && silent->perform({Request::Delete, home + "d", ""}) != 0) return 91;
+    if (operation != Request::Move) std::ofstream(home + "d") << "given up";
+  }
   return asked == 3 ? 0 : 99;
 });
 
 TEST_F(LinuxFiles, WhatIsDeletedOrGivenUpByTheUserGoesToTheTrash) {
   for (const char* const name : {"a\xff", "c"}) write_file(here / name, name);
+  write_file(here / "d", "given up");
   write_file(there / "c", "other");
   Start start = use_trash.start(there / "");
   start.folder = here.path();
   start.environment = {{"HOME", here.path()}, {"XDG_DATA_HOME", here.path()}};
   EXPECT_EQ(ChildProcess(start).status(), 0);
-  EXPECT_EQ(contents(here / "b") + contents(here / "c") + contents(there / "c"), "aotherother");
+  EXPECT_EQ(contents(here / "d") + contents(here / "c") + contents(there / "c"), "aotherother");
   for (const std::string name : {"a\xff", "b", "c"}) EXPECT_EQ(contents(here / ("Trash/files/" + name)), name);
   EXPECT_FALSE(files->exists(here / "a\xff") || files->exists(here / "a"));
 }

@@ -39,7 +39,9 @@ struct Faults : ::testing::TestWithParam<int> {
 };
 
 INSTANTIATE_TEST_SUITE_P(Actions, Faults,
-                         ::testing::Values(Rename, MoveAndRename, CopyAndRename, MoveAndRename + with_companion));
+                         ::testing::Values(Rename, MoveAndRename, CopyAndRename, HardLinkAndRename,
+                                           facts::windows ? int{Rename} : int{SymbolicLinkAndRename},  // Wine has none
+                                           MoveAndRename + with_companion));
 
 TEST_P(Faults, AFailureAFullDiskAKillOrAQuitAtAnyCallCostsNothing) {
   const Harm harms[] = {[](int later, const std::string&) { return later != 0; },

@@ -328,6 +328,28 @@ int copy(const FileOperationRequest& request, FinalName name, const CopyProgress
   return Copying(request, 0, progress).copy_to(name);
 }
 
+/// A file's second name, or a link to it under its full path.
+int link(const FileOperationRequest& request, FinalName name) {
+  struct stat found {};
+  if (stat(request.source.c_str(), &found) != 0) return errno;
+  if (S_ISDIR(found.st_mode)) return EISDIR;
+  if (!S_ISREG(found.st_mode) || !request.source.starts_with('/')) return EINVAL;
+  const auto make = [&](const std::string& path) {
+    const int made = request.operation == FileOperationRequest::HardLink
+                         ? linkat(AT_FDCWD, request.source.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW)
+                         : symlink(request.source.c_str(), path.c_str());
+    return made == 0 ? 0 : errno;
+  };
+  int error = make(name.path());
+  if (error != EEXIST || name.check(request.source) != 0) return error;
+  // The file that has the name is given up only for a link that has come into being.
+  error = make(request.temporary);
+  if (error != 0) return error;
+  error = name.take(request.temporary);
+  if (error != 0) unlink(request.temporary.c_str());
+  return error;
+}
+
 int remove(std::string path, bool undoable) {
   // "link/" would mean the folder that the link leads to.
   path.erase(path.find_last_not_of('/') + 1);
@@ -344,7 +366,7 @@ int remove(std::string path, bool undoable) {
 
 /// The copying and the trash are GIO's. The codes are errno values.
 ///
-/// Rename, Move and Copy take one regular file, or a link, which Rename and Move treat as itself and Copy follows; a
+/// All but Delete take one regular file, or a link, which Rename and Move treat as itself and the others follow; a
 /// folder is EISDIR, anything else EINVAL, and so are a missing path and one that holds a NUL. An existing destination
 /// is EEXIST, a source that is written to while it is copied EBUSY, a cancelled copy ECANCELED. No file is given up
 /// where there is no trash.
@@ -360,13 +382,17 @@ class GioFileOperation : public FileOperation {
     }
     const bool may_copy = request.operation != FileOperationRequest::Rename;
     if (!is_path(request.destination) || (may_copy && !is_path(request.temporary))) return EINVAL;
+    const MayReplace& may_replace = (request.flags & FileOperationRequest::Replace) != 0 ? always_ : may_replace_;
     switch (request.operation) {
       case FileOperationRequest::Rename:
         return move(request, {request.destination, never_}, progress_);
       case FileOperationRequest::Move:
-        return move(request, {request.destination, may_replace_}, progress_);
+        return move(request, {request.destination, may_replace}, progress_);
       case FileOperationRequest::Copy:
-        return copy(request, {request.destination, may_replace_}, progress_);
+        return copy(request, {request.destination, may_replace}, progress_);
+      case FileOperationRequest::HardLink:
+      case FileOperationRequest::SymbolicLink:
+        return link(request, {request.destination, may_replace});
       default:
         return EINVAL;
     }
@@ -374,7 +400,7 @@ class GioFileOperation : public FileOperation {
 
  private:
   const CopyProgress progress_;
-  const MayReplace may_replace_, never_;
+  const MayReplace may_replace_, never_, always_ = [](const std::string&) { return true; };
 };
 
 }  // namespace

@@ -48,6 +48,17 @@ bool is_too_long(const std::string& name) {
   return name.size() > NAME_MAX;
 }
 
+std::string_view link_trouble(int code) {
+  switch (code) {
+    case EXDEV:
+      return "A hard link cannot lead to another file system";
+    case EPERM:
+      return "The file system has no such links, or the file belongs to another user";
+    default:
+      return {};
+  }
+}
+
 std::string error_words(int code) {
   return std::generic_category().message(code);
 }

@@ -76,6 +76,20 @@ bool is_too_long(const std::string& name) {
   return wide && wide->size() > longest;
 }
 
+std::string_view link_trouble(int code) {
+  switch (code) {
+    case ERROR_NOT_SAME_DEVICE:
+      return "A hard link cannot lead to another drive";
+    case ERROR_INVALID_FUNCTION:
+    case ERROR_NOT_SUPPORTED:
+      return "The drive has no such links";
+    case ERROR_PRIVILEGE_NOT_HELD:
+      return "Windows lets only administrators make symbolic links, unless its developer mode is on";
+    default:
+      return {};
+  }
+}
+
 std::string error_words(int code) {
   const auto* const known = std::find_if(std::begin(shell_errors), std::end(shell_errors),
                                          [code](const ShellError& error) { return error.code == code; });

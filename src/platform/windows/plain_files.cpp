@@ -21,12 +21,32 @@ int last_error() {
   }
 }
 
-int rename(const std::wstring& from, const std::wstring& to) {
-  if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) return 0;
+namespace {
+
+/// Why nothing could get the name `path`.
+int name_error(const std::wstring& path) {
   const int error = last_error();
-  const DWORD taken = error == shell::name_taken ? GetFileAttributesW(to.c_str()) : INVALID_FILE_ATTRIBUTES;
+  const DWORD taken = error == shell::name_taken ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
   const bool by_folder = taken != INVALID_FILE_ATTRIBUTES && (taken & FILE_ATTRIBUTE_DIRECTORY) != 0;
   return by_folder ? shell::destination_is_folder : error;
+}
+
+}  // namespace
+
+int rename(const std::wstring& from, const std::wstring& to) {
+  return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) ? 0 : name_error(to);
+}
+
+int hard_link(const std::wstring& file, const std::wstring& link) {
+  return CreateHardLinkW(link.c_str(), file.c_str(), nullptr) ? 0 : name_error(link);
+}
+
+int symbolic_link(const std::wstring& file, const std::wstring& link) {
+  // For everybody in the developer mode; a system that does not know the flag calls it invalid.
+  constexpr DWORD for_everybody = 2;
+  if (CreateSymbolicLinkW(link.c_str(), file.c_str(), for_everybody)) return 0;
+  if (GetLastError() == ERROR_INVALID_PARAMETER && CreateSymbolicLinkW(link.c_str(), file.c_str(), 0)) return 0;
+  return name_error(link);
 }
 
 int remove(const std::wstring& path) {

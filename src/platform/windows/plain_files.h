@@ -16,6 +16,10 @@ int last_error();
 /// has the name, ERROR_NOT_SAME_DEVICE where it is another volume's.
 int rename(const std::wstring& from, const std::wstring& to);
 
+/// Gives a file a second name on its volume, or makes a link to its path. Nothing is ever replaced, as above.
+int hard_link(const std::wstring& file, const std::wstring& link);
+int symbolic_link(const std::wstring& file, const std::wstring& link);
+
 /// Deletes a file for good, even one that is protected, or a link.
 int remove(const std::wstring& path);
 

@@ -55,7 +55,7 @@ bool is_folder(const std::wstring& path) {
 /// Explorer can undo then: a new name on the same volume, and the way to the recycle bin. The codes are the system's,
 /// and the shell's where both name the same number.
 ///
-/// Rename, Move and Copy take one file, or a link, which Rename and Move treat as itself on its volume, and whose file
+/// All but Delete take one file, or a link, which Rename and Move treat as itself on its volume, and whose file
 /// they take elsewhere. An empty or relative path and one that holds a NUL or a wildcard are invalid_path.
 class WindowsFileOperation : public FileOperation {
  public:
@@ -76,22 +76,26 @@ class WindowsFileOperation : public FileOperation {
     if (code == 0 && !is_done(request, before)) code = shell::not_done;
     if (code != shell::not_done) return code;
     const int why = plain_files::check_removable(source);
-    return why != 0 && request.operation != Request::Copy ? why : code;
+    return why != 0 && request.takes_source() ? why : code;
   }
 
  private:
   int carry_out(const Request& request, const std::wstring& source, const std::wstring& destination) const {
+    const MayReplace& may_replace = (request.flags & Request::Replace) != 0 ? always_ : may_replace_;
     switch (request.operation) {
       case Request::Delete:
         return remove(source, request.flags);
       case Request::Rename:
         return move(request, source, {destination, never_});
       case Request::Move:
-        return move(request, source, {destination, may_replace_});
+        return move(request, source, {destination, may_replace});
       case Request::Copy: {
-        FinalName name(destination, may_replace_);
+        FinalName name(destination, may_replace);
         return copying(request, source).copy_to(name);
       }
+      case Request::HardLink:
+      case Request::SymbolicLink:
+        return link(request, source, {destination, may_replace});
       default:
         return ERROR_INVALID_FUNCTION;
     }
@@ -107,6 +111,22 @@ class WindowsFileOperation : public FileOperation {
     if (error == shell::name_taken) error = name.check(source) == 0 ? name.take(source, give) : error;
     return error == ERROR_NOT_SAME_DEVICE && request.operation == Request::Move ? move_across(request, source, name)
                                                                                 : error;
+  }
+
+  static int link(const Request& request, const std::wstring& source, FinalName name) {
+    const auto make = [&](const std::wstring& path) {
+      return request.operation == Request::HardLink ? plain_files::hard_link(source, path)
+                                                    : plain_files::symbolic_link(source, path);
+    };
+    int error = make(name.path());
+    if (error != shell::name_taken || name.check(source) != 0) return error;
+    // The file that has the name is given up only for a link that has come into being.
+    const std::wstring temporary = system_path(request.temporary).value_or(L"");
+    error = make(temporary);
+    if (error != 0) return error;
+    error = name.take(temporary, plain_files::rename);
+    if (error != 0) plain_files::remove(temporary);
+    return error;
   }
 
   /// Whether both paths are on one volume, short enough, and differ by more than case, which the shell might take for a
@@ -149,7 +169,7 @@ class WindowsFileOperation : public FileOperation {
     const std::optional<FileStamp> after = files_.stamp(request.destination);
     if (!files_.exists(request.destination) || (before && after && before->size != after->size)) return false;
     const bool is_one_name = request.operation != Request::Copy && before && after && before->id == after->id;
-    return is_one_name || source_is_there == (request.operation == Request::Copy);
+    return is_one_name || source_is_there != request.takes_source();
   }
 
   Copying copying(const Request& request, const std::wstring& source) const {
@@ -159,7 +179,7 @@ class WindowsFileOperation : public FileOperation {
 
   const DiskFiles files_;
   const CopyProgress progress_;
-  const MayReplace may_replace_, never_;
+  const MayReplace may_replace_, never_, always_ = [](const std::string&) { return true; };
 };
 
 }  // namespace
