@@ -18,6 +18,10 @@ class DiskFiles : public Files {
   bool is_link(const std::string& path) const override;
   std::optional<FileStamp> stamp(const std::string& path) const override;
 
+  /// On Linux it is told of the user's own files, where the file system has leases; on Windows a file counts that
+  /// another program keeps for itself.
+  bool is_being_written(const std::string& path) const override;
+
   /// False as well when the system stops listing half-way; the entries handed over until then are real. On Windows
   /// names that end in a dot or a blank are left out: the system's ordinary calls reach another file by them.
   bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const override;

@@ -68,6 +68,9 @@ class Files {
   /// Empty when nothing exists at `path`.
   virtual std::optional<FileStamp> stamp(const std::string& path) const = 0;
 
+  /// Whether another program has the file open for writing, as far as the system tells.
+  virtual bool is_being_written(const std::string&) const { return false; }
+
   /// Hands over each entry but "." and "..", in the order the system lists them.
   /// False when the folder cannot be opened or not be read to its end.
   virtual bool list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const = 0;

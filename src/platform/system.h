@@ -8,6 +8,7 @@
 #include "platform/context_menu.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
+#include "platform/folder_watch.h"
 #include "platform/instance_channel.h"
 #include "platform/key_value_store.h"
 #include "platform/launcher.h"
@@ -30,6 +31,7 @@ std::unique_ptr<SocketControl> system_socket();
 /// `agent`: what servers are told of who asks.
 std::unique_ptr<WebClient> system_web_client(const std::string& agent);
 std::unique_ptr<Clock> system_clock();
+std::unique_ptr<FolderWatch> system_folder_watch();
 
 /// `name` is the program's, `caption` that of its main window; some systems find the running copy by them.
 std::unique_ptr<InstanceChannel> system_instance_channel(

@@ -57,6 +57,11 @@ TEST_F(FilesTest, AreLookedAtListedAndRead) {
   EXPECT_TRUE(files->list(here.path(), note));
   EXPECT_EQ(listed, (State{{"a", "file"}, {"b", "file"}, {"folder", "folder"}, {odd, "file"}}));
   for (const std::string& none : {here / "a", here / "f*", cut}) EXPECT_FALSE(files->list(none, note));
+  {
+    std::ofstream writer(path_of(here / "a"), std::ios::app);
+    EXPECT_TRUE(files->is_being_written(here / "a"));
+  }
+  EXPECT_FALSE(files->is_being_written(here / "a") || files->is_being_written(here / "gone"));
   EXPECT_EQ(absolute_path(here / "folder/.//../a"), here / "a");
   EXPECT_EQ(absolute_path("a") + absolute_path(""), absolute_path(".") + native::separator + "a");
 }

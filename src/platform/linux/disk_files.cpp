@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "platform/disk_files.h"
+#include "platform/linux/being_written.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/folders.h"
 #include "platform/system.h"
@@ -134,6 +135,10 @@ std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
                    .size = static_cast<std::uint64_t>(found.st_size),
                    .modified_ns = std::int64_t{found.st_mtim.tv_sec} * 1'000'000'000 + found.st_mtim.tv_nsec,
                    .links = found.st_nlink};
+}
+
+bool DiskFiles::is_being_written(const std::string& path) const {
+  return !holds_nul(path) && quorvel::is_being_written(path, true);
 }
 
 bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {

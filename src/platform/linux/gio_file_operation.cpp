@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/being_written.h"
 #include "platform/linux/descriptor.h"
 #include "platform/linux/exclusive_rename.h"
 #include "platform/linux/folders.h"
@@ -46,17 +47,6 @@ GFile* local_file(const std::string& path) {
 bool is_same_state(const struct stat& before, const struct stat& after) {
   return before.st_dev == after.st_dev && before.st_ino == after.st_ino && before.st_size == after.st_size &&
          before.st_mtim.tv_sec == after.st_mtim.tv_sec && before.st_mtim.tv_nsec == after.st_mtim.tv_nsec;
-}
-
-/// Whether somebody has the file open for writing, or mapped so. False where the system does not tell: for files of
-/// other users, and on file systems without leases.
-bool is_being_written(const std::string& path, int lookup) {
-  const int links = (lookup & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | links));
-  if (!file) return false;
-  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
-  fcntl(file.get(), F_SETLEASE, F_UNLCK);  // else the next writer would have to wait for us
-  return false;
 }
 
 bool in_same_folder(const std::string& one, const std::string& other) {
@@ -177,7 +167,7 @@ class Copying {
   int copy_to(FinalName& name) {
     if (const int error = name.check(source_); error != 0) return error;
     if (fstatat(AT_FDCWD, source_.c_str(), &before_, lookup_) != 0) return errno;
-    if (is_being_written(source_, lookup_)) return native::being_written_code;
+    if (is_being_written(source_, follows_links())) return native::being_written_code;
 
     // GIO's errors do not tell whether the file at this name is the one it began; a taken name is none of ours.
     if (const int error = find_vacant(temporary_); error != 0) return error;
@@ -198,8 +188,10 @@ class Copying {
     if (fstatat(AT_FDCWD, path.c_str(), &now, lookup_) != 0) return errno;
     if (!by_number) now.st_ino = before_.st_ino;
     if (!is_same_state(before_, now)) return EBUSY;
-    return is_being_written(path, lookup_) ? native::being_written_code : 0;
+    return is_being_written(path, follows_links()) ? native::being_written_code : 0;
   }
+
+  bool follows_links() const { return (lookup_ & AT_SYMLINK_NOFOLLOW) == 0; }
 
   int copy_contents() {
     g_autoptr(GFile) from = local_file(source_);
@@ -208,7 +200,7 @@ class Copying {
     cancellable_ = cancellable;
     g_autoptr(GError) error = nullptr;
     const int flags =
-        G_FILE_COPY_ALL_METADATA | ((lookup_ & AT_SYMLINK_NOFOLLOW) != 0 ? G_FILE_COPY_NOFOLLOW_SYMLINKS : 0);
+        G_FILE_COPY_ALL_METADATA | (follows_links() ? 0 : G_FILE_COPY_NOFOLLOW_SYMLINKS);
     const bool copied =
         g_file_copy(from, to, static_cast<GFileCopyFlags>(flags), cancellable, report, this, &error) != FALSE;
     // The last report comes when everything is copied; its answer counts all the same.

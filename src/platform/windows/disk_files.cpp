@@ -167,6 +167,14 @@ std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
                    .links = found.nNumberOfLinks};
 }
 
+bool DiskFiles::is_being_written(const std::string& path) const {
+  const std::optional<std::wstring> wide = system_path(path);
+  if (!wide) return false;
+  const Handle alone(
+      CreateFileW(wide->c_str(), GENERIC_READ, share_all & ~FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
+  return !alone && GetLastError() == ERROR_SHARING_VIOLATION;
+}
+
 bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
   const bool complete = folder.ends_with('\\') || folder.ends_with('/');
   const std::string base = complete ? folder : folder + "\\";
