@@ -4,6 +4,7 @@
 
 #include "text/failure.h"
 #include "text/restored.h"
+#include "transport/no_answer.h"
 #include "transport/retry_after.h"
 
 namespace quorvel {
@@ -45,7 +46,7 @@ StoredAnswer CatalogueService::get(const std::string& request, Age age) {
   const auto asked = asked_.find(request);
   const bool is_enough = age == Age::Any || (age == Age::ADay && is_young) || asked != asked_.end();
   if (kept && is_enough) return *kept;
-  if (asked != asked_.end()) throw Failure(asked->second);
+  if (asked != asked_.end()) throw NoAnswer(asked->second);
   try {
     StoredAnswer answer = {fetch(request), now()};
     store_.keep_answer(request, answer);
@@ -54,7 +55,7 @@ StoredAnswer CatalogueService::get(const std::string& request, Age age) {
   } catch (const Failure& failure) {
     if (cancelled_) throw;
     asked_[request] = failure.what();
-    if (!kept) throw;
+    if (!kept) throw NoAnswer(failure.what());
     log_.debug_log(std::string(failure.what()) + "; what is known from earlier is used", LogLevel::Normal);
     return *kept;
   }

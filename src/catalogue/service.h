@@ -28,7 +28,7 @@ class CatalogueService {
   void begin_pass();
 
   /// The answer to a request such as "/shows/1/episodes", its text empty when the service knows no such thing. Throws
-  /// Failure when there is no answer; one that is older than it may be is then used rather than none.
+  /// NoAnswer when there is none; one that is older than it may be is then used rather than none.
   ///
   /// While it waits, events run, and what the user does there may ask for something else: that is then asked first.
   StoredAnswer get(const std::string& request, Age age);

@@ -9,6 +9,7 @@
 #include "text/failure.h"
 #include "text/numbers.h"
 #include "text/title.h"
+#include "transport/no_answer.h"
 
 namespace quorvel {
 namespace {
@@ -137,7 +138,7 @@ const Episode* EpisodeListings::fetch(const Show& show, const std::string& searc
 
 /// By the time the cache is written the answer has been freed: a long one takes much memory.
 bool EpisodeListings::accept_answer(const std::string& answer, const Show& show, const std::string& search_name) {
-  if (answer.empty()) throw Failure(http_.trouble());
+  if (answer.empty()) throw NoAnswer(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no episodes for: \"" + search_name + "\"", LogLevel::Normal);
     return false;

@@ -9,6 +9,7 @@
 #include "text/failure.h"
 #include "text/numbers.h"
 #include "text/title.h"
+#include "transport/no_answer.h"
 
 namespace quorvel {
 
@@ -48,7 +49,7 @@ bool ShowSearch::has_lost_characters(const Show& show) const {
 std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   std::string url = api_base_ + "/search/shows?q=" + HttpClient::URLEncode(search_name);
   const std::string answer = http_.GetData(url, "");
-  if (answer.empty()) throw Failure(http_.trouble());
+  if (answer.empty()) throw NoAnswer(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no results for: \"" + search_name + "\"", LogLevel::Normal);
     return std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <map>
 #include <string>
 
@@ -17,21 +18,21 @@ class Unfound {
   template <typename Find>
   auto unless_known(const std::string& key, Find find) -> decltype(find()) {
     if (const auto known = reasons_.find(key); known != reasons_.end()) {
-      if (known->second.empty()) return {};
-      throw Failure(known->second);
+      if (!known->second) return {};
+      std::rethrow_exception(known->second);
     }
     try {
       auto found = find();
       if (!found) reasons_[key] = {};
       return found;
-    } catch (const Failure& failure) {
-      reasons_[key] = failure.what();
+    } catch (const Failure&) {
+      reasons_[key] = std::current_exception();
       throw;
     }
   }
 
  private:
-  std::map<std::string, std::string> reasons_;  // empty where the service had an answer
+  std::map<std::string, std::exception_ptr> reasons_;  // null where the service had an answer
 };
 
 }  // namespace quorvel

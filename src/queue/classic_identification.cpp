@@ -45,7 +45,7 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
   const StageResult search = run_stage(log_, "Error searching for show: ", [&] { return searchtv(item); });
   if (!search) {
     return {Identified::Failed, "Unable to find show page for: " + item.search_name,
-            std::string("Unable to find show on ") + listings_site + searched + search.line()};
+            std::string("Unable to find show on ") + listings_site + searched + search.line(), search.no_answer};
   }
 
   if (!reached(QueueState::FetchingListings)) return {Identified::Interrupted};
@@ -53,7 +53,8 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
   if (!listings) {
     return {Identified::Failed, "Unable to find listings for: " + item.episode_text(),
             std::string("Unable to find listings on ") + listings_site + searched +
-                "\r\nDetected as: " + item.episode_text() + listings.line()};
+                "\r\nDetected as: " + item.episode_text() + listings.line(),
+            listings.no_answer};
   }
   return {};
 }

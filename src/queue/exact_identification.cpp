@@ -58,7 +58,7 @@ Identified ExactIdentification::identify(QueueItem& item, const Reached& reached
   const auto failed = [&](const std::string& what, const StageResult& stage) {
     const std::string read_as =
         item.reading && item.reading->names_episode() ? "\r\nRead as: " + reading_text(*item.reading) : "";
-    return Identified{Identified::Failed, what + ": " + item.filename, what + read_as + stage.line()};
+    return Identified{Identified::Failed, what + ": " + item.filename, what + read_as + stage.line(), stage.no_answer};
   };
   reached(QueueState::Scanning);
   const StageResult reading = run_stage(log_, "Error reading name: ", [&] { return read(item); });

@@ -15,6 +15,7 @@ struct Identified {
 
   Outcome outcome = Found;
   std::string log_line = {}, error_text = {};  // when it failed: for the log, if any, and for the item
+  bool no_answer = false;                      // of the service was why
 };
 
 /// A way of finding out which episode a file is: what its name says, and what the listings service knows of that.

@@ -17,6 +17,11 @@ std::string without_quotes(std::string path) {
 
 }  // namespace
 
+Refusal refusal_of_name(const Settings& settings, const std::string& path) {
+  if (!is_listed(settings, path)) return Refusal::TypeNotListed;
+  return lower_case(path).find("sample") == std::string::npos ? Refusal::None : Refusal::Sample;
+}
+
 bool Intake::add_to_queue(const std::string& path, bool start) {
   const IntakeResult result = take(path, start);
   return !result.is_folder && result.queued == 1;
@@ -75,8 +80,7 @@ IntakeResult Intake::take_folder(const std::string& path) {
 
 Refusal Intake::take_file(const std::string& path, bool start) {
   if (queue_.holds_path(path)) return Refusal::AlreadyQueued;
-  if (!is_listed(settings_, path)) return Refusal::TypeNotListed;
-  if (lower_case(path).find("sample") != std::string::npos) return Refusal::Sample;
+  if (const Refusal refusal = refusal_of_name(settings_, path); refusal != Refusal::None) return refusal;
   std::string filename = getfname(path);
   const std::string shown = remextension(filename);  // a listed extension means that there is one
   ui_.add_row(queue_.append(path, std::move(filename)), shown);

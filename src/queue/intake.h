@@ -14,6 +14,9 @@ namespace quorvel {
 /// Why a path was not queued.
 enum class Refusal { None, TooShort, Missing, NotAFile, AlreadyQueued, TypeNotListed, Sample };
 
+/// Whether a file of that path is none to take, by its name alone.
+Refusal refusal_of_name(const Settings& settings, const std::string& path);
+
 /// What happened to one path.
 struct IntakeResult {
   Refusal refusal = Refusal::None;

@@ -243,6 +243,7 @@ void Processor::process_item(int index) {
     return state == QueueState::Searching ? stop_after_ == 0 : !is_ending();
   });
   item.look_up_anew = false;
+  item.no_answer = found.no_answer;
   if (found.outcome == Identified::Interrupted) return;
   if (found.outcome == Identified::Failed) return fail(index, found.log_line, found.error_text);
 

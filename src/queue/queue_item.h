@@ -50,6 +50,7 @@ struct QueueItem {
   bool lost_characters = false;   // of the names that the service gave
   bool is_right_already = false;  // it has failed because there was nothing to do
   bool is_unclear = false;        // more than one show may be meant
+  bool no_answer = false;         // it has failed because the service gave none
   // In a review: it was taken for one; its operation waits for the user's word; the user's word, once there is one.
   bool is_under_review = false;
   bool is_planned = false;
@@ -91,6 +92,7 @@ struct QueueItem {
     lost_characters = false;
     is_right_already = false;
     is_unclear = false;
+    no_answer = false;
     is_under_review = false;
     is_planned = false;
     is_chosen.reset();

@@ -29,7 +29,7 @@ const std::array<TextSetting, 3> text_settings = {{
     {"leftovers", &Settings::leftovers, 1, "files that make no folder worth keeping"},
 }};
 
-const std::array<NumberSetting, 12> number_settings = {{
+const std::array<NumberSetting, 13> number_settings = {{
     number<&Settings::context>("context", 0, 1, 2, NumberSetting::MeanOn, "2: entries in the file manager's menus"),
     number<&Settings::confirm>("confirm", 0, 0, 1, NumberSetting::MeanOn, "1: ask before each file operation"),
     number<&Settings::nocache>("nocache", 0, 0, 1, NumberSetting::MeanOn, "1: ask the service anew for everything"),
@@ -43,6 +43,8 @@ const std::array<NumberSetting, 12> number_settings = {{
                               "1: the window shows everything before it is done"),
     number<&Settings::tidy>("tidy", 0, 0, 1, NumberSetting::MeanOn, "1: emptied folders go to the trash"),
     number<&Settings::history>("history", 730, 730, 730, NumberSetting::Stay, "days for which undo is remembered"),
+    number<&Settings::settle>("settle", 30, 30, 30, NumberSetting::Stay,
+                              "seconds that a watched file must stay as it is"),
 }};
 
 bool is_listed(const Settings& settings, std::string_view name) {

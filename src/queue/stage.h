@@ -6,13 +6,15 @@
 
 #include "platform/log.h"
 #include "text/failure.h"
+#include "transport/no_answer.h"
 
 namespace quorvel {
 
 /// How one stage ended.
 struct StageResult {
   bool passed = false;
-  std::string failure;  // the description of the Failure that ended the stage; empty when there was none
+  std::string failure = {};  // the description of the Failure that ended the stage; empty when there was none
+  bool no_answer = false;    // that was a NoAnswer
 
   explicit operator bool() const { return passed; }
 
@@ -24,16 +26,18 @@ struct StageResult {
 /// has one that needs more memory than there is, as for a huge answer, which by then has been freed.
 template <typename Stage>
 StageResult run_stage(Log& log, std::string_view prefix, Stage stage) {
-  std::string failure;
+  StageResult result;
   try {
-    return {stage(), {}};
+    return {.passed = stage()};
+  } catch (const NoAnswer& thrown) {
+    result = {.failure = thrown.what(), .no_answer = true};
   } catch (const Failure& thrown) {
-    failure = thrown.what();
+    result.failure = thrown.what();
   } catch (const std::bad_alloc&) {
-    failure = "There is not enough memory";
+    result.failure = "There is not enough memory";
   }
-  log.debug_log(std::string(prefix) + failure, LogLevel::Normal);
-  return {false, failure};
+  log.debug_log(std::string(prefix) + result.failure, LogLevel::Normal);
+  return result;
 }
 
 }  // namespace quorvel

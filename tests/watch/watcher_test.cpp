@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include "naming/file_names.h"
+#include "session_fixture.h"
+#include "watch/watcher.h"
+
+namespace quorvel::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Names = std::vector<std::string>;
+
+struct FakeNotices : FolderWatch {
+  Changes changes;
+  std::optional<std::string> blind;
+  std::set<std::string> folders;
+  std::optional<std::string> watch(const std::string& folder) override { return folders.insert(folder), blind; }
+  void forget_others() override {}
+  Changes take() override { return std::exchange(changes, {}); }
+  void wait(std::chrono::milliseconds) override {}
+};
+
+struct WatcherTest : ::testing::Test, TestPorts {
+  Settings settings;
+  FakeNotices notices;
+  Lines log;
+  Watcher watcher{{settings, *files, clock, notices, log}, {folder / "in", folder / "later"}};
+
+  /// What is ready when that much time has gone by, with every look around that is due until then.
+  Names after(std::chrono::milliseconds time) {
+    Names names;
+    for (const auto until = clock.now + time;;) {
+      for (const ReadyFile& each : watcher.ready()) names.push_back(each.path.substr(folder.path().size() + 1));
+      const auto step = std::min<std::chrono::steady_clock::duration>(until - clock.now, watcher.pause());
+      if (step <= 0s) return names;
+      clock.now += step;
+    }
+  }
+  void ended(const std::string& name, QueueState state, QueueState at = {}, bool no_answer = false) {
+    QueueItem item;
+    item.path = folder / name;
+    item.state = state;
+    item.failed_at = at;
+    item.no_answer = no_answer;
+    watcher.ended(item);
+  }
+  void notice(const std::string& name) { notices.changes.paths.push_back(folder / name); }
+};
+
+TEST_F(WatcherTest, AFileIsReadyOnceItIsWholeAndHasStayedAsItIs) {
+  write("in/b 10.mkv", "there at the start");
+  write("in/b 9.mkv", "there at the start");
+  for (const char* const none :
+       {"in/notes.txt", "in/a sample.mkv", "in/.c.mkv", "in/.Trash-1000/d.mkv", "in/_UNPACK_x/e.mkv", "in/empty.mkv"}) {
+    write(none, none == std::string("in/empty.mkv") ? "" : "x");
+  }
+  for (const char* const ending : {".part", ".aria2", ".!qB"}) {
+    write(std::string("in/f") + ending + ".mkv", "x");
+    write(std::string("in/f") + ending + ".mkv" + ending, "x");
+  }
+  EXPECT_EQ(after(29s), Names());
+  write("in/b 10.mkv", "there at the start, and growing");
+  EXPECT_EQ(after(1s), (Names{"in/b 9.mkv"}));
+  {
+    std::ofstream writer(path_of(folder / "in/b 10.mkv"), std::ios::app);
+    EXPECT_EQ(after(10min), Names()) << "it is still open";
+  }
+  files->remove(folder / "in/f.aria2.mkv.aria2");
+  EXPECT_EQ(after(1min), (Names{"in/b 10.mkv", "in/f.aria2.mkv"}));
+  EXPECT_EQ(after(24h), Names()) << "each is told once";
+  EXPECT_EQ(notices.folders, (std::set{with_separator(folder / "in"), with_separator(folder / "later")}));
+}
+
+TEST_F(WatcherTest, NoticesBringFilesEarlyAndALookAroundTheRest) {
+  EXPECT_EQ(after(1s), Names());
+  write("in/new/a.mkv", "x");
+  notice("in/new");
+  write("in/without notice.mkv", "x");
+  EXPECT_EQ(after(30s), (Names{"in/new/a.mkv"}));
+  EXPECT_EQ(after(60s), (Names{"in/without notice.mkv"}));
+  write("in/lost.mkv", "x");
+  notices.changes.are_all = false;
+  EXPECT_EQ(after(30s), (Names{"in/lost.mkv"}));
+
+  write("later/b.mkv", "x");
+  EXPECT_EQ(after(45s), (Names{"later/b.mkv"})) << "a folder that is missing is looked for more often";
+  notices.blind = "reasons";
+  EXPECT_EQ(after(60s), Names());
+  write("in/unseen.mkv", "x");
+  EXPECT_EQ(after(40s), (Names{"in/unseen.mkv"}));
+  const std::string in = "The folder " + with_separator(folder / "in"),
+                    later = "The folder " + with_separator(folder / "later");
+  const std::string blind = " is looked through every few seconds, for reasons";
+  EXPECT_EQ(log.list, (Names{later + " is not there now", later + " is watched again", later + blind, in + blind}));
+}
+
+TEST_F(WatcherTest, WhatHasFailedIsTriedAgainOnlyWhereThatMayHelp) {
+  write("in/a.mkv", "x");
+  EXPECT_EQ(after(30s), (Names{"in/a.mkv"}));
+  ended("in/a.mkv", QueueState::Failed, QueueState::Searching, true);
+  std::vector<std::chrono::minutes> pauses;
+  for (auto last = clock.now; pauses.size() < 9; last = clock.now) {
+    while (after(1min).empty()) continue;
+    pauses.push_back(std::chrono::round<std::chrono::minutes>(clock.now - last));
+    ended("in/a.mkv", QueueState::Failed, QueueState::Processing, pauses.size() % 2 == 0);
+  }
+  EXPECT_EQ(pauses, (std::vector{1min, 2min, 4min, 8min, 16min, 32min, 60min, 60min, 60min}));
+  ended("in/a.mkv", QueueState::Failed, QueueState::Scanning);
+  after(2h);
+  ended("in/a.mkv", QueueState::Failed, QueueState::Scanning);
+  EXPECT_EQ(after(30h), Names()) << "its name stays what it is";
+  write("in/a.mkv", "another file");
+  EXPECT_EQ(after(2min), (Names{"in/a.mkv"}));
+  for (int day = 0; day < 7; ++day) {
+    ended("in/a.mkv", QueueState::Failed, QueueState::FetchingListings);
+    EXPECT_EQ(after(24h), (Names{"in/a.mkv"})) << "the service may know it by now";
+  }
+  ended("in/a.mkv", QueueState::Failed, QueueState::FetchingListings);
+  EXPECT_EQ(after(30h), Names());
+  files->remove(folder / "in/a.mkv");
+  after(2min);
+  EXPECT_EQ(watcher.known(), 0u) << "it has gone, and with it what is remembered of it";
+}
+
+TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
+  write("in/a.mkv", "x");
+  EXPECT_EQ(after(30s), (Names{"in/a.mkv"}));
+  std::filesystem::rename(path_of(folder / "in/a.mkv"), path_of(folder / "in/b.mkv"));
+  QueueItem item;
+  item.state = QueueState::Done;
+  item.path = folder / "in/a.mkv";
+  // By a path that leads there by another way, as through a link.
+  item.dest_path = folder / "elsewhere/";
+  item.new_name = "b.mkv";
+  item.done_stamp = files->stamp(folder / "in/b.mkv");
+  watcher.ended(item);
+  notice("in/b.mkv");
+  EXPECT_EQ(after(1h), Names());
+  EXPECT_EQ(watcher.known(), 1u);
+  write("in/a.mkv", "the next one");
+  EXPECT_EQ(after(2min), (Names{"in/a.mkv"}));
+}
+
+}  // namespace
+}  // namespace quorvel::testing
