@@ -26,6 +26,7 @@ constexpr const char* help_start = R"(Usage: quorvel-cli [options] PATH...
        quorvel-cli --history [--json] [N]
        quorvel-cli --undo [--dry-run] [PASS]
        quorvel-cli --apply PLAN [--dry-run] [--json]
+       quorvel-cli --watch [options] FOLDER...
 Gives television episode files their right name and place. Each PATH is a file, or a folder whose files are taken.
 
   -v, --verbose         tell every step
@@ -51,13 +52,15 @@ constexpr const char* help_end =
                         standard input. Nothing is asked, looked up or changed; the files need not exist
       --apply PLAN      do what the file PLAN says, or for "-" standard input: what --dry-run --json has told, perhaps
                         edited. Files that have changed since, and names that are taken, are refused
+      --watch           stay, and take the files that are in the folders and that come into them, each when nobody has
+                        written to it for a while; until interrupted
       --history         tell what was done in the last N passes, 10 without a number
       --undo            take back what was done in the pass of that number, without one in the last pass
   -h, --help, /?        show this text
       --version         show the version
 
 Exit status: 0 every path was taken and every file is done or was right already; 1 something was refused, failed or was
-cancelled, a folder could not be read, or there was nothing to do; 2 wrong usage.
+cancelled, a folder could not be read, or there was nothing to do; 2 wrong usage. --watch ends with 0 when it is interrupted.
 )";
 
 std::string help() {
@@ -173,6 +176,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
     Apply,
     History,
     Undo,
+    Watch,
     Version
   };
   static constexpr std::array<option, 22> known = {{{"verbose", no_argument, nullptr, 'v'},
@@ -194,6 +198,7 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
                                                     {"apply", required_argument, nullptr, Apply},
                                                     {"history", no_argument, nullptr, History},
                                                     {"undo", no_argument, nullptr, Undo},
+                                                    {"watch", no_argument, nullptr, Watch},
                                                     {"help", no_argument, nullptr, 'h'},
                                                     {"version", no_argument, nullptr, Version},
                                                     {nullptr, 0, nullptr, 0}}};
@@ -259,6 +264,9 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
       case Undo:
         options.undo = true;
         break;
+      case Watch:
+        options.watch = true;
+        break;
       case 'h':
         return Ending{0, help()};
       case Version:
@@ -273,6 +281,10 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
   options.rule = rule_of(wanted);
   if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
+  if (options.watch && (options.dry_run || options.choose || options.forget || options.read || options.plan ||
+                        options.history || options.undo)) {
+    refuse("--watch goes with none of --dry-run, --choose, --forget, --read, --apply, --history and --undo");
+  }
   if (options.plan) {
     if (!options.paths.empty()) refuse("--apply takes its files from the plan, not \"" + options.paths[0] + "\"");
     return options;

@@ -24,6 +24,7 @@ struct Options {
   bool forget = false;              // what was chosen before
   std::optional<int> history;       // how many passes to tell, instead of all else
   std::optional<std::string> plan;  // to be carried out, instead of all else
+  bool watch = false;               // take the files that come into the paths, until interrupted
   bool undo = false;                // take a pass back, instead of all else
   std::optional<int> pass;          // which; without it the last one
 };

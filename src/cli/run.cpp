@@ -8,6 +8,7 @@
 #include "cli/show_question.h"
 #include "cli/terminal.h"
 #include "cli/terminal_ui.h"
+#include "cli/watch.h"
 #include "naming/file_names.h"
 #include "platform/console.h"
 #include "platform/native.h"
@@ -20,8 +21,6 @@
 
 namespace quorvel::cli {
 namespace {
-
-constexpr int all_done = 0, something_failed = 1, wrong_usage = 2;
 
 std::string reason(Refusal refusal) {
   switch (refusal) {
@@ -118,25 +117,13 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
   return queue.count() > 0 && result.done() + result.right_already == queue.count();
 }
 
-int run_session(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
-  session.log.on_line = [&](const std::string& line, bool) {
-    options.json || options.plan || options.history || options.undo ? terminal.error_line(line)
-                                                                    : terminal.out_line(line);
-  };
-  session.exact.show_of_all = options.show_id;
-  session.exact.forgets_choices = options.forget;
+int run_session(Session& session, const Options& options, Terminal& terminal) {
   ShowQuestion question(session.lookup, terminal);
   if (options.choose) {
     session.exact.choose = [&](const QueueItem& item, const UnclearShow& unclear) {
       return question.ask(item, unclear);
     };
   }
-  if (options.json) {
-    session.processor.on_ended = [&](const QueueItem& item) { terminal.out_line(json_of(item, options.dry_run)); };
-  }
-  ui.on_quit = [&] { session.processor.may_close(); };
-  ui.on_cancel = [&] { session.stop(); };
-  console::count_interrupts();
   if (options.plan || options.history || options.undo) {
     session.open();
     if (options.plan) return apply_plan(session, *options.plan, options.json, terminal) ? all_done : something_failed;
@@ -145,18 +132,47 @@ int run_session(Session& session, const Options& options, TerminalUi& ui, Termin
     return all_done;
   }
   session.start();
-  if (options.rule) session.filters.use_only(*options.rule);
-  session.settings.review = false;  // --dry-run and --apply are for that here
+  use_options(session, options);
   const bool all_queued = queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});
   return tell_outcome(session.queue, options, terminal) && all_queued ? all_done : something_failed;
 }
 
+/// What holds for every run, before the session is opened.
+void prepare(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
+  session.log.on_line = lines_to(terminal, options);
+  session.exact.show_of_all = options.show_id;
+  session.exact.forgets_choices = options.forget;
+  if (options.json) {
+    session.processor.on_ended = [&](const QueueItem& item) { terminal.out_line(json_of(item, options.dry_run)); };
+  }
+  ui.on_quit = [&] { session.processor.may_close(); };
+  ui.on_cancel = [&] { session.stop(); };
+  console::count_interrupts();
+}
+
 }  // namespace
+
+std::function<void(const std::string&, bool)> lines_to(Terminal& terminal, const Options& options) {
+  return [&](const std::string& line, bool) {
+    options.json || options.plan || options.history || options.undo ? terminal.error_line(line)
+                                                                    : terminal.out_line(line);
+  };
+}
+
+void use_options(Session& session, const Options& options) {
+  if (options.rule) session.filters.use_only(*options.rule);
+  session.settings.review = false;  // --dry-run and --apply are for that here
+}
 
 int run(const Options& options) {
   Terminal terminal;
+  if (options.watch) return watch(options, terminal);
+  return with_session(options, terminal, [&](Session& session) { return run_session(session, options, terminal); });
+}
+
+int with_session(const Options& options, Terminal& terminal, const Work& work) {
   TerminalUi ui(terminal);
   const std::unique_ptr<Files> real_files = system_files();
   const std::unique_ptr<FileOperation> real_shell =
@@ -194,7 +210,8 @@ int run(const Options& options) {
   const std::unique_ptr<Clock> clock = system_clock();
   Session session({store, shell, files, *socket, *web, ui, *clock}, std::move(places));
   try {
-    return run_session(session, options, ui, terminal);
+    prepare(session, options, ui, terminal);
+    return work(session);
   } catch (const ProgramEnd&) {
     return something_failed;  // the user has seen why
   } catch (const Failure& failure) {

@@ -1,10 +1,29 @@
 #pragma once
 
+#include <functional>
+#include <string>
+
 #include "cli/options.h"
+#include "cli/terminal.h"
+#include "shell/session.h"
 
 namespace quorvel::cli {
 
-/// Does what the options ask for and returns the exit status.
+/// Exit statuses of the program.
+inline constexpr int all_done = 0, something_failed = 1, wrong_usage = 2;
+
+/// Does what the options say and returns the program's exit status.
 int run(const Options& options);
+
+/// Makes a session as the options want it, not opened yet, and has `work` done in it. Returns what that returns, or the
+/// exit status when it fails, after having told why.
+using Work = std::function<int(Session& session)>;
+int with_session(const Options& options, Terminal& terminal, const Work& work);
+
+/// What holds for the files of every run, once the session is open.
+void use_options(Session& session, const Options& options);
+
+/// For a log whose lines the user is to read.
+std::function<void(const std::string&, bool)> lines_to(Terminal& terminal, const Options& options);
 
 }  // namespace quorvel::cli

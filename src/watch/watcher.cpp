@@ -16,12 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 using Duration = Watcher::Duration;
 
-/// When a file that has failed is tried again, as long as it stays as it is: after `first`, and then after twice as
-/// long each time.
-struct Patience {
-  Duration first, longest;
-  int tries;
-};
+using Patience = Watcher::Patience;
 constexpr int no_end = std::numeric_limits<int>::max();
 constexpr Patience none{0ms, 0ms, 0};
 constexpr Patience until_it_passes{1min, 1h, no_end};  // a service or a drive that is away, a disk that is full
@@ -98,12 +93,19 @@ void Watcher::ended(const QueueItem& item) {
       if (each.done_stamp) note_own(each.destination(), *each.done_stamp);
     }
   }
-  const auto found = known_.find(item.path);
+  try_again(item.path, patience_with(item, parts_.files));
+}
+
+void Watcher::put_off(const std::string& path) {
+  try_again(path, until_it_passes);
+}
+
+void Watcher::try_again(const std::string& path, const Patience& patience) {
+  const auto found = known_.find(path);
   if (found == known_.end()) return;
-  if (!parts_.files.exists(item.path)) return forget(item.path);
+  if (!parts_.files.exists(path)) return forget(path);
   Known& known = found->second;
-  const Patience patience = patience_with(item, parts_.files);
-  if (known.tries < patience.tries) set_due(item.path, known, after(pause_before(known.tries++, patience)));
+  if (known.tries < patience.tries) set_due(path, known, after(pause_before(known.tries++, patience)));
 }
 
 void Watcher::take_notices() {

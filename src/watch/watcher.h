@@ -46,6 +46,13 @@ class Watcher {
   /// After a look that has taken long: this many times as long.
   static constexpr int rest = 200;
 
+  /// When a file that has failed is tried again, as long as it stays as it is: after `first`, and then after twice as
+  /// long each time.
+  struct Patience {
+    Duration first, longest;
+    int tries;
+  };
+
   /// The folders are full paths. Those that are missing are looked for again.
   Watcher(Parts parts, const std::vector<std::string>& folders);
 
@@ -58,6 +65,9 @@ class Watcher {
 
   /// What has become of a file that was told.
   void ended(const QueueItem& item);
+
+  /// A file that was told could not be taken, for reasons that may pass.
+  void put_off(const std::string& path);
 
   /// How many files are remembered.
   std::size_t known() const { return known_.size(); }
@@ -93,6 +103,7 @@ class Watcher {
   bool is_own(const std::string& path, const FileStamp& stamp) const;
   Time next_round() const { return is_wanted_ ? rested_ : next_round_; }
   bool is_whole(const std::string& path, const FileStamp& stamp) const;
+  void try_again(const std::string& path, const Patience& patience);
   void set_due(const std::string& path, Known& known, Time due);
   void forget(const std::string& path);
   void note_own(const std::string& path, const FileStamp& stamp);

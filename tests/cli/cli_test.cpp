@@ -292,6 +292,26 @@ TEST_F(Cli, AHangUpThatIsIgnoredStaysSo) {
   EXPECT_EQ(ChildProcess(shell).status(), 0);
 }
 
+TEST_F(Cli, WatchingTakesWhatIsThereAndWhatComesUntilItIsInterrupted) {
+  EXPECT_TRUE(run({"--watch", "gone"}) == 2 && error.ends_with("There is no folder \"gone\" to watch\n")) << error;
+  EXPECT_TRUE(run({"--watch", "-n", "."}) == 2 && error.find("--watch goes with none of --dry-run") != error.npos);
+  EXPECT_TRUE(run({"--watch", "--set=confirm=1", "."}) == 1 && error.find("--watch asks nobody") != error.npos);
+  const Arguments two = {"The.Harbour.Lights.S01E02.mkv", "The.Harbour.Lights.S01E03.mkv"};
+  add({two[0], "nothing.mkv"});
+  const ChildProcess program(start({"--watch", "--set=settle=1", "-w../work", "."}, true));
+  EXPECT_TRUE(program.shows("nothing.mkv: Unable to find filename filter") &&
+              program.shows(good + "2 - The Pilot Boat.mkv"));
+  std::filesystem::create_directories(path_of(folder / "in/new/folder"));
+  write_file(folder / ("in/new/folder/" + two[1]), "");
+  write_file(folder / ("in/new/folder/" + two[1]), two[1]);
+  EXPECT_TRUE(program.shows(good + "3 - A Lantern for Maud.mkv"));
+  program.type("\x03");
+  EXPECT_TRUE(program.shows("The watching has ended"));
+  EXPECT_EQ(program.status(), 0);
+  EXPECT_EQ(contents(folder / ("in/" + good + "2 - The Pilot Boat.mkv")), two[0]);
+  EXPECT_EQ(contents(folder / ("in/new/folder/" + good + "3 - A Lantern for Maud.mkv")), two[1]);
+}
+
 TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswerIsNo) {
   const Arguments two = {"The.Harbour.Lights.S01E03.mkv", "The.Harbour.Lights.S01E02.mkv"};
   add(two);
