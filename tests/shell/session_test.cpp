@@ -105,7 +105,8 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
                                          {"verify", 1},
                                          {"review", 1},
                                          {"tidy", 1},
-                                         {"history", 730}}));
+                                         {"history", 730},
+                                         {"settle", 30}}));
   EXPECT_EQ(session.log.level(), LogLevel::Verbose);
 
   for (const NumberSetting& setting : number_settings) setting.turn(wanted, false);
