@@ -3,6 +3,7 @@
 #include <iostream>
 #include <iterator>
 
+#include "cli/hooks.h"
 #include "cli/json_report.h"
 #include "platform/console.h"
 #include "platform/system.h"
@@ -23,7 +24,7 @@ std::string text_of(const Files& files, const std::string& file) {
 
 }  // namespace
 
-bool apply_plan(Session& session, const std::string& file, bool json, Terminal& terminal) {
+bool apply_plan(Session& session, const std::string& file, bool json, Hooks& hooks, Terminal& terminal) {
   const std::vector<Batch::Entry> plan = plan_of(text_of(session.ports.files, file));
   const History::Pass pass(session.history);
   std::size_t done = 0;
@@ -49,9 +50,11 @@ bool apply_plan(Session& session, const std::string& file, bool json, Terminal& 
       terminal.out_line(job.path + " -> " + job.destination());
     }
     if (!is_done) terminal.error_line(job.path + ": " + trouble);
+    hooks.item_ended(job, trouble);
     return console::interrupts() == 0;
   };
   session.batch.run(plan, tell);
+  hooks.pass_ended();
   terminal.error_line(std::to_string(done) + " done, " + std::to_string(plan.size() - done) + " failed");
   return !plan.empty() && done == plan.size();
 }

@@ -8,7 +8,7 @@
 namespace quorvel::cli {
 namespace {
 
-const char* state_word(QueueState state, bool is_dry_run) {
+const char* word_of(QueueState state, bool is_dry_run) {
   switch (state) {
     case QueueState::Done:
       return is_dry_run ? "planned" : "done";
@@ -40,15 +40,24 @@ std::optional<int> positive(int number) {
 
 }  // namespace
 
+std::string state_word(const QueueItem& item, bool is_dry_run) {
+  return item.is_right_already ? "right already" : word_of(item.state, is_dry_run);
+}
+
+std::vector<int> episodes_of(const QueueItem& item) {
+  std::vector<int> episodes;
+  if (!item.episode_title.empty() || item.episode > 0) episodes.push_back(item.episode);
+  episodes.insert(episodes.end(), item.more_episodes.begin(), item.more_episodes.end());
+  return episodes;
+}
+
 std::string json_of(const QueueItem& item, bool is_dry_run) {
   std::string reason = item.error_text;
   replace_all(reason, "\r\n", "\n");
-  std::vector<int> episodes;
-  if (!item.episode_title.empty() || item.episode > 0) episodes.push_back(item.episode);
-  for (const int episode : item.more_episodes) episodes.push_back(episode);
+  const std::vector<int> episodes = episodes_of(item);
   return JsonObject()
       .text("path", item.path)
-      .text("state", item.is_right_already ? "right already" : state_word(item.state, is_dry_run))
+      .text("state", state_word(item, is_dry_run))
       .text("new_path", item.new_name.empty() ? "" : item.dest_path + item.new_name)
       .text("action", item.new_name.empty() ? "" : action_word(item.action))
       .objects("companions", companions_of(item.companions))
@@ -65,7 +74,7 @@ std::string json_of(const QueueItem& item, bool is_dry_run) {
 
 std::string json_of(const PassResult& result, int left, bool is_dry_run) {
   JsonObject summary;
-  summary.number(state_word(QueueState::Done, is_dry_run), result.done())
+  summary.number(word_of(QueueState::Done, is_dry_run), result.done())
       .number("failed", result.failed)
       .number("cancelled", result.cancelled)
       .number("not processed", left)

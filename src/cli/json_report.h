@@ -10,7 +10,12 @@
 /// What a run has done, for programs: an object of JSON a line.
 namespace quorvel::cli {
 
-/// `is_dry_run`: what would be done is "planned".
+/// "done", "failed", "cancelled", "right already" or "not processed"; in a dry run, what would be done is "planned".
+std::string state_word(const QueueItem& item, bool is_dry_run);
+
+/// Those of the item's season; empty where they are not known.
+std::vector<int> episodes_of(const QueueItem& item);
+
 std::string json_of(const QueueItem& item, bool is_dry_run);
 
 /// What goes along with a file.

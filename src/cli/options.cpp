@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "naming/file_names.h"
+#include "platform/commands.h"
 #include "platform/native.h"
 #include "queue/settings.h"
 #include "rules/action.h"
@@ -48,6 +49,11 @@ constexpr const char* help_end =
       --existing WHAT   what is done with these where another file has the new name: skip, keep-both (with a number), or
                         better: keep the better one by resolution and source, and put the other into the trash
       --json            an object a line for each item that has ended, and one with a summary
+      --exec COMMAND    run it after each file that has ended, without a shell. Its environment says what became of the
+                        file: QUORVEL_STATE, _OLD_PATH, _NEW_PATH, _SHOW, _SEASON, _EPISODES, _TITLE and _REASON
+      --exec-after COMMAND
+                        run it after each pass, with QUORVEL_DONE, _FAILED, _CANCELLED and _RIGHT_ALREADY
+      --log FILE        keep in FILE as well what is told, with the date; when it is full it becomes FILE.1
       --read            only tell what each NAME says of its show and episode; "-", and no NAME, are the lines of
                         standard input. Nothing is asked, looked up or changed; the files need not exist
       --apply PLAN      do what the file PLAN says, or for "-" standard input: what --dry-run --json has told, perhaps
@@ -126,6 +132,17 @@ void take_pass_number(Options& options) {
   (options.undo ? options.pass : options.history) = number;
 }
 
+std::vector<std::string> command_words(const std::string& text) {
+  std::vector<std::string> words;
+  try {
+    words = commands::words_of(text);
+  } catch (const Failure& failure) {
+    refuse("The command \"" + text + "\" cannot be read: " + failure.what());
+  }
+  if (words.empty()) refuse("A command is wanted, not \"" + text + "\"");
+  return words;
+}
+
 /// What the user says of the one rule that a run is to have.
 struct WantedRule {
   std::optional<std::string> folder, preset, action, existing;
@@ -177,36 +194,42 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
     History,
     Undo,
     Watch,
+    Exec,
+    ExecAfter,
+    Log,
     Version
   };
-  static constexpr std::array<option, 22> known = {{{"verbose", no_argument, nullptr, 'v'},
-                                                    {"dry-run", no_argument, nullptr, 'n'},
-                                                    {"work-dir", required_argument, nullptr, 'w'},
-                                                    {"set", required_argument, nullptr, Set},
-                                                    {"read", no_argument, nullptr, Read},
-                                                    {"json", no_argument, nullptr, Json},
-                                                    {"exact", no_argument, nullptr, Exact},
-                                                    {"classic", no_argument, nullptr, Classic},
-                                                    {"strict", no_argument, nullptr, Strict},
-                                                    {"show", required_argument, nullptr, ShowId},
-                                                    {"choose", no_argument, nullptr, Choose},
-                                                    {"forget", no_argument, nullptr, Forget},
-                                                    {"to", required_argument, nullptr, To},
-                                                    {"preset", required_argument, nullptr, PresetName},
-                                                    {"action", required_argument, nullptr, ActionName},
-                                                    {"existing", required_argument, nullptr, ExistingName},
-                                                    {"apply", required_argument, nullptr, Apply},
-                                                    {"history", no_argument, nullptr, History},
-                                                    {"undo", no_argument, nullptr, Undo},
-                                                    {"watch", no_argument, nullptr, Watch},
-                                                    {"help", no_argument, nullptr, 'h'},
-                                                    {"version", no_argument, nullptr, Version},
-                                                    {nullptr, 0, nullptr, 0}}};
+  static constexpr option known[] = {{"verbose", no_argument, nullptr, 'v'},
+                                     {"dry-run", no_argument, nullptr, 'n'},
+                                     {"work-dir", required_argument, nullptr, 'w'},
+                                     {"set", required_argument, nullptr, Set},
+                                     {"read", no_argument, nullptr, Read},
+                                     {"json", no_argument, nullptr, Json},
+                                     {"exact", no_argument, nullptr, Exact},
+                                     {"classic", no_argument, nullptr, Classic},
+                                     {"strict", no_argument, nullptr, Strict},
+                                     {"show", required_argument, nullptr, ShowId},
+                                     {"choose", no_argument, nullptr, Choose},
+                                     {"forget", no_argument, nullptr, Forget},
+                                     {"to", required_argument, nullptr, To},
+                                     {"preset", required_argument, nullptr, PresetName},
+                                     {"action", required_argument, nullptr, ActionName},
+                                     {"existing", required_argument, nullptr, ExistingName},
+                                     {"apply", required_argument, nullptr, Apply},
+                                     {"history", no_argument, nullptr, History},
+                                     {"undo", no_argument, nullptr, Undo},
+                                     {"watch", no_argument, nullptr, Watch},
+                                     {"exec", required_argument, nullptr, Exec},
+                                     {"exec-after", required_argument, nullptr, ExecAfter},
+                                     {"log", required_argument, nullptr, Log},
+                                     {"help", no_argument, nullptr, 'h'},
+                                     {"version", no_argument, nullptr, Version},
+                                     {nullptr, 0, nullptr, 0}};
   Options options;
   WantedRule wanted;
   bool verbose = false;
   opterr = 0;
-  for (int found; (found = getopt_long(argc, argv, ":vnw:h", known.data(), nullptr)) != -1;) {
+  for (int found; (found = getopt_long(argc, argv, ":vnw:h", known, nullptr)) != -1;) {
     const std::string given = argv[optind - 1];
     switch (found) {
       case 'v':
@@ -263,6 +286,13 @@ std::variant<Options, Ending> parse(int argc, char** argv) {
         break;
       case Undo:
         options.undo = true;
+        break;
+      case Exec:
+      case ExecAfter:
+        (found == Exec ? options.after_item : options.after_pass) = command_words(optarg);
+        break;
+      case Log:
+        options.log = optarg;
         break;
       case Watch:
         options.watch = true;

@@ -18,15 +18,17 @@ struct Options {
   std::vector<std::string> paths;
   bool read = false;  // only tell what the paths say
   bool json = false;
-  std::optional<AFilter> rule;      // in place of the user's
-  std::optional<int> show_id;       // of all paths
-  bool choose = false;              // ask which show is meant
-  bool forget = false;              // what was chosen before
-  std::optional<int> history;       // how many passes to tell, instead of all else
-  std::optional<std::string> plan;  // to be carried out, instead of all else
-  bool watch = false;               // take the files that come into the paths, until interrupted
-  bool undo = false;                // take a pass back, instead of all else
-  std::optional<int> pass;          // which; without it the last one
+  std::optional<AFilter> rule;                      // in place of the user's
+  std::optional<int> show_id;                       // of all paths
+  bool choose = false;                              // ask which show is meant
+  bool forget = false;                              // what was chosen before
+  std::optional<int> history;                       // how many passes to tell, instead of all else
+  std::optional<std::string> plan;                  // to be carried out, instead of all else
+  bool watch = false;                               // take the files that come into the paths, until interrupted
+  bool undo = false;                                // take a pass back, instead of all else
+  std::vector<std::string> after_item, after_pass;  // commands, in words
+  std::optional<std::string> log;                   // where what is told is kept as well
+  std::optional<int> pass;                          // which; without it the last one
 };
 
 /// Nothing is to be run: the program prints this and ends.

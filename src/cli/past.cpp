@@ -23,6 +23,20 @@ std::string json_of(const PastOperation& operation, const Clock& clock) {
       .line();
 }
 
+std::string json_of(const PastUndo::Outcome& outcome, bool is_dry_run) {
+  const bool is_undone = outcome.trouble.empty();
+  return JsonObject()
+      .number("pass", static_cast<int>(outcome.operation.pass))
+      .number("operation", static_cast<int>(outcome.operation.id))
+      .text("path", outcome.from)
+      .text("new_path", outcome.to)
+      .text("state", !is_undone   ? "refused"
+                     : is_dry_run ? "planned"
+                                  : "undone")
+      .text("reason", outcome.trouble)
+      .line();
+}
+
 }  // namespace
 
 void tell_history(Session& session, int count, bool json, Terminal& terminal) {
@@ -37,7 +51,7 @@ void tell_history(Session& session, int count, bool json, Terminal& terminal) {
   }
 }
 
-bool undo_pass(Session& session, std::optional<int> wanted, Terminal& terminal) {
+bool undo_pass(Session& session, std::optional<int> wanted, bool json, Terminal& terminal) {
   const std::int64_t id = wanted ? *wanted : session.history.exists() ? session.history.last_undoable_pass() : 0;
   const std::optional<PastPass> pass = id == 0 ? std::nullopt : session.history.pass(id);
   if (!pass) {
@@ -46,15 +60,21 @@ bool undo_pass(Session& session, std::optional<int> wanted, Terminal& terminal) 
   }
   const int wanted_count = pass->undoable();
   int undone = 0, refused = 0;
+  const bool is_dry_run = !session.ports.files.are_real();
   for (const PastUndo::Outcome& outcome :
        session.past_undo.undo(pass->operations, [] { return console::interrupts() == 0; })) {
+    if (json) terminal.out_line(json_of(outcome, is_dry_run));
     if (!outcome.trouble.empty()) {
       ++refused;
       terminal.error_line("Not undone: " + outcome.trouble);
     } else {
       ++undone;
-      if (session.ports.files.are_real()) terminal.out_line(undone_line(outcome));
+      if (!is_dry_run && !json) terminal.out_line(undone_line(outcome));
     }
+  }
+  if (json) {
+    const JsonObject counts = JsonObject().number(is_dry_run ? "planned" : "undone", undone).number("refused", refused);
+    terminal.out_line(JsonObject().object("summary", counts).line());
   }
   terminal.error_line(summary(*pass, session.ports.clock) + ": " + std::to_string(undone) + " of " +
                       std::to_string(wanted_count) + " undone");

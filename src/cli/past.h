@@ -12,7 +12,8 @@ namespace quorvel::cli {
 /// Tells the last passes, `count` of them, the latest last. `json`: an object a line for each operation.
 void tell_history(Session& session, int count, bool json, Terminal& terminal);
 
-/// Takes a pass back, or the last one that can be. Returns whether all of it was taken back.
-bool undo_pass(Session& session, std::optional<int> pass, Terminal& terminal);
+/// Takes a pass back, or the last one that can be. `json`: an object a line for each operation, and one with a summary.
+/// Returns whether all of it was taken back.
+bool undo_pass(Session& session, std::optional<int> pass, bool json, Terminal& terminal);
 
 }  // namespace quorvel::cli

@@ -2,7 +2,9 @@
 
 #include "cli/apply.h"
 #include "cli/dry_run.h"
+#include "cli/hooks.h"
 #include "cli/json_report.h"
+#include "cli/log_file.h"
 #include "cli/past.h"
 #include "cli/run_store.h"
 #include "cli/show_question.h"
@@ -117,7 +119,7 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
   return queue.count() > 0 && result.done() + result.right_already == queue.count();
 }
 
-int run_session(Session& session, const Options& options, Terminal& terminal) {
+int run_session(Session& session, const Options& options, Hooks& hooks, Terminal& terminal) {
   ShowQuestion question(session.lookup, terminal);
   if (options.choose) {
     session.exact.choose = [&](const QueueItem& item, const UnclearShow& unclear) {
@@ -126,8 +128,9 @@ int run_session(Session& session, const Options& options, Terminal& terminal) {
   }
   if (options.plan || options.history || options.undo) {
     session.open();
-    if (options.plan) return apply_plan(session, *options.plan, options.json, terminal) ? all_done : something_failed;
-    if (options.undo) return undo_pass(session, options.pass, terminal) ? all_done : something_failed;
+    if (options.plan)
+      return apply_plan(session, *options.plan, options.json, hooks, terminal) ? all_done : something_failed;
+    if (options.undo) return undo_pass(session, options.pass, options.json, terminal) ? all_done : something_failed;
     tell_history(session, *options.history, options.json, terminal);
     return all_done;
   }
@@ -140,13 +143,15 @@ int run_session(Session& session, const Options& options, Terminal& terminal) {
 }
 
 /// What holds for every run, before the session is opened.
-void prepare(Session& session, const Options& options, TerminalUi& ui, Terminal& terminal) {
+void prepare(Session& session, const Options& options, Hooks& hooks, TerminalUi& ui, Terminal& terminal) {
   session.log.on_line = lines_to(terminal, options);
   session.exact.show_of_all = options.show_id;
   session.exact.forgets_choices = options.forget;
-  if (options.json) {
-    session.processor.on_ended = [&](const QueueItem& item) { terminal.out_line(json_of(item, options.dry_run)); };
-  }
+  session.processor.on_ended = [&](const QueueItem& item) {
+    if (options.json) terminal.out_line(json_of(item, options.dry_run));
+    hooks.item_ended(item);
+  };
+  session.processor.on_pass_ended = [&] { hooks.pass_ended(); };
   ui.on_quit = [&] { session.processor.may_close(); };
   ui.on_cancel = [&] { session.stop(); };
   console::count_interrupts();
@@ -156,8 +161,7 @@ void prepare(Session& session, const Options& options, TerminalUi& ui, Terminal&
 
 std::function<void(const std::string&, bool)> lines_to(Terminal& terminal, const Options& options) {
   return [&](const std::string& line, bool) {
-    options.json || options.plan || options.history || options.undo ? terminal.error_line(line)
-                                                                    : terminal.out_line(line);
+    terminal.log_line(line, options.json || options.plan || options.history || options.undo);
   };
 }
 
@@ -167,9 +171,17 @@ void use_options(Session& session, const Options& options) {
 }
 
 int run(const Options& options) {
-  Terminal terminal;
+  std::unique_ptr<LogFile> log;
+  try {
+    if (options.log) log = std::make_unique<LogFile>(*options.log, system_clock());
+  } catch (const Failure& failure) {
+    Terminal().error_line(std::string("quorvel-cli: ") + failure.what());
+    return wrong_usage;
+  }
+  Terminal terminal(log.get());
   if (options.watch) return watch(options, terminal);
-  return with_session(options, terminal, [&](Session& session) { return run_session(session, options, terminal); });
+  return with_session(options, terminal,
+                      [&](Session& session, Hooks& hooks) { return run_session(session, options, hooks, terminal); });
 }
 
 int with_session(const Options& options, Terminal& terminal, const Work& work) {
@@ -210,8 +222,10 @@ int with_session(const Options& options, Terminal& terminal, const Work& work) {
   const std::unique_ptr<Clock> clock = system_clock();
   Session session({store, shell, files, *socket, *web, ui, *clock}, std::move(places));
   try {
-    prepare(session, options, ui, terminal);
-    return work(session);
+    Hooks hooks(options, terminal);
+    prepare(session, options, hooks, ui, terminal);
+    const int status = work(session, hooks);
+    return status == all_done && hooks.have_failed() ? something_failed : status;
   } catch (const ProgramEnd&) {
     return something_failed;  // the user has seen why
   } catch (const Failure& failure) {

@@ -9,6 +9,8 @@
 
 namespace quorvel::cli {
 
+class Hooks;
+
 /// Exit statuses of the program.
 inline constexpr int all_done = 0, something_failed = 1, wrong_usage = 2;
 
@@ -17,7 +19,7 @@ int run(const Options& options);
 
 /// Makes a session as the options want it, not opened yet, and has `work` done in it. Returns what that returns, or the
 /// exit status when it fails, after having told why.
-using Work = std::function<int(Session& session)>;
+using Work = std::function<int(Session& session, Hooks& hooks)>;
 int with_session(const Options& options, Terminal& terminal, const Work& work);
 
 /// What holds for the files of every run, once the session is open.

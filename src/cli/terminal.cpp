@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cli/log_file.h"
 #include "platform/console.h"
 #include "text/characters.h"
 
@@ -25,17 +26,32 @@ std::string cut_to(std::string_view text, int width) {
 
 }  // namespace
 
-Terminal::Terminal() : has_progress_(console::error_is_terminal()) {}
+Terminal::Terminal(LogFile* log) : log_(log), has_progress_(console::error_is_terminal()) {}
+
+void Terminal::keep(std::string_view text) {
+  if (log_ != nullptr) log_->line(harmless(text));
+}
+
+void Terminal::log_line(std::string_view text, bool as_error) {
+  const std::string_view after_time(") ");
+  const std::size_t end = text.starts_with('(') ? text.find(after_time) : std::string_view::npos;
+  keep(end == std::string_view::npos ? text : text.substr(end + after_time.size()));
+  show(text, as_error);
+}
 
 void Terminal::out_line(std::string_view text) {
-  hide_progress();
-  console::write_out(harmless(text) + "\n");
-  show_progress();
+  keep(text);
+  show(text, false);
 }
 
 void Terminal::error_line(std::string_view text) {
+  keep(text);
+  show(text, true);
+}
+
+void Terminal::show(std::string_view text, bool as_error) {
   hide_progress();
-  console::write_error(harmless(text) + "\n");
+  as_error ? console::write_error(harmless(text) + "\n") : console::write_out(harmless(text) + "\n");
   show_progress();
 }
 

@@ -5,11 +5,14 @@
 
 namespace quorvel::cli {
 
+class LogFile;
+
 /// What the user reads: lines on standard output and standard error, and below them, where standard error is a
 /// terminal, one line of progress that comes and goes.
 class Terminal {
  public:
-  Terminal();
+  /// `log`: where what is told is kept as well; null for nowhere. It outlives this.
+  explicit Terminal(LogFile* log = nullptr);
   ~Terminal() { set_progress({}); }
   Terminal(const Terminal&) = delete;
   Terminal& operator=(const Terminal&) = delete;
@@ -18,6 +21,9 @@ class Terminal {
   /// commands nothing.
   void out_line(std::string_view text);
   void error_line(std::string_view text);
+
+  /// One of the log, which begins with its time in brackets.
+  void log_line(std::string_view text, bool as_error);
 
   /// Leaves the cursor after the text.
   void ask(std::string_view text);
@@ -29,6 +35,10 @@ class Terminal {
   void hide_progress();
   void show_progress();
 
+  void keep(std::string_view text);
+  void show(std::string_view text, bool as_error);
+
+  LogFile* const log_;
   bool has_progress_;
   std::string progress_;
 };

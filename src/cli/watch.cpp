@@ -38,7 +38,7 @@ class Watching {
       terminal_.error_line("quorvel-cli: There is no folder \"" + path + "\" to watch");
       return wrong_usage;
     }
-    if (const int status = with_session(options_, terminal_, [&](Session& session) { return begin(session); });
+    if (const int status = with_session(options_, terminal_, [&](Session& session, Hooks&) { return begin(session); });
         status != all_done) {
       return status;
     }
@@ -74,7 +74,7 @@ class Watching {
   void take(const std::vector<ReadyFile>& ready, Watcher& watcher) {
     std::set<std::string> left;
     for (const ReadyFile& file : ready) left.insert(file.path);
-    with_session(options_, terminal_, [&](Session& session) {
+    with_session(options_, terminal_, [&](Session& session, Hooks&) {
       const auto tell = session.processor.on_ended;
       session.processor.on_ended = [&](const QueueItem& item) {
         tell(item);

@@ -282,6 +282,35 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   EXPECT_EQ(contents(damaged), "nonsense");
 }
 
+TEST_F(Cli, RunsTheUsersCommandsAndKeepsALog) {
+  add({"The.Harbour.Lights.S01E02-E03.mkv", "nothing.avi"});
+  const std::string log = folder / "log",
+                    tell = facts::windows ? "cmd /c echo %QUORVEL_" : "/bin/sh -c 'echo $QUORVEL_",
+                    end = facts::windows ? "%" : "'";
+  const auto logged = [&] { return std::regex_replace(contents(log), std::regex("....-..-.. ..:..:.. "), "> "); };
+  EXPECT_EQ(run({"--exact", "--log", log, "--exec", tell + "EPISODES" + end, "--exec-after", tell + "FAILED" + end,
+                 folder / "in"}),
+            1);
+  EXPECT_NE(error.find("2,3"), std::string::npos) << error;
+  EXPECT_NE(error.find("\n1"), std::string::npos) << error;
+  EXPECT_TRUE(logged().starts_with("> Quorvel 3.4 (build 0) started\n> ") &&
+              logged().ends_with("> 1 done, 1 failed, 0 cancelled\n"))
+      << logged();
+  const std::string first = contents(log);
+  EXPECT_TRUE(run({"--log", log, "--undo", "--json"}) == 0 && contents(log).starts_with(first));
+  EXPECT_TRUE(out.find(R"("state":"undone")") != std::string::npos &&
+              out.ends_with("{\"summary\":{\"undone\":1,\"refused\":0}}\n"))
+      << out;
+  write_file(log, std::string(1'000'000, 'x'));
+  EXPECT_TRUE(run({"--log", log, folder / "in"}) == 2 &&
+              error == "quorvel-cli: \"" + log + "\" is there and is no log\n");
+  write_file(log, first + std::string(1'000'000, 'x') + "\n");
+  EXPECT_EQ(run({"--log", log, "--exec", "nonesuch", "-n", folder / "in/The.Harbour.Lights.S01E02-E03.mkv"}), 0);
+  EXPECT_TRUE(contents(log + ".1").starts_with(first) && logged().starts_with("> Quorvel")) << "and no command is run";
+  EXPECT_EQ(run({"--exec", "nonesuch", folder / "in/The.Harbour.Lights.S01E02-E03.mkv"}), 1);
+  EXPECT_NE(error.find("The command \"nonesuch\" has not been run to its end: "), std::string::npos) << error;
+}
+
 TEST_F(Cli, AHangUpThatIsIgnoredStaysSo) {
   if (facts::windows) GTEST_SKIP() << "there is no such signal";
   add({"The.Harbour.Lights.S01E02.mkv"});
