@@ -26,6 +26,7 @@ class App : public wxApp {
  public:
   explicit App(CommandLine line) : line_(std::move(line)) {}
 
+  bool Initialize(int& argc, wxChar** argv) override;
   bool OnInit() override;
   int OnRun() override { return status_ ? *status_ : wxApp::OnRun(); }
   int OnExit() override;
@@ -78,6 +79,14 @@ void App::build() {
     if (event.GetWindow() == frame_) frame_ = nullptr;
     event.Skip();
   });
+}
+
+bool App::Initialize(int& argc, wxChar** argv) {
+  const wxLogNull silence;  // the toolkit would say so in a window, which is what it cannot open
+  if (wxApp::Initialize(argc, argv)) return true;
+  console::write_error(
+      "quorvel: there is no display to open the window on. quorvel-cli does the same work in a terminal.\n");
+  return false;
 }
 
 bool App::OnInit() {

@@ -20,6 +20,8 @@ TEST_F(TestWindow, ASecondStartHandsItsFolderOverAndTheUpdaterClosesTheFirst) {
                             .environment = {{"DISPLAY", ""}},
                             .out = folder / "out"});
   EXPECT_TRUE(asked.status() == 0 && read("out") == "quorvel 3.4.0\n");
+  const ChildProcess unseen({.program = QUORVEL_PROGRAM, .environment = {{"DISPLAY", ""}}, .error = folder / "out"});
+  EXPECT_TRUE(unseen.status() != 0 && read("out").starts_with("quorvel: there is no display")) << read("out");
   const std::string early = file("harbour.lights.s01e01.avi"), late = file("Lights/harbour.lights.s01e02.avi");
   ChildProcess first({.program = QUORVEL_PROGRAM, .arguments = {early}});
   wait_until([&] { return exists("in/The Harbour Lights - 1x01 - Slack Water.avi"); });
