@@ -12,8 +12,9 @@ from files import SHOWS, Loss, Tracked, check, digest, everything_below
 from service import HostileService
 from window import wait_until
 
-RENAME, MOVE, COPY = 1, 2, 3
-ACTIONS = {RENAME: "rename", MOVE: "move", COPY: "copy"}
+RENAME, MOVE, COPY, HARD_LINK, SYMBOLIC_LINK = 1, 2, 3, 4, 5
+ACTIONS = {RENAME: "rename", MOVE: "move", COPY: "copy", HARD_LINK: "hard link", SYMBOLIC_LINK: "symbolic link"}
+LEAVE_SOURCE = {COPY, HARD_LINK, SYMBOLIC_LINK}
 LONGEST = 120  # seconds; a program that runs on has hung
 ERRNOS = {"EPERM": 1, "ENOENT": 2, "EINTR": 4, "EIO": 5, "ENOMEM": 12, "EACCES": 13, "EBUSY": 16, "EEXIST": 17,
           "EXDEV": 18, "EINVAL": 22, "ENOSPC": 28, "EROFS": 30, "EMLINK": 31, "ENOTSUP": 95, "ESTALE": 116}
@@ -43,12 +44,14 @@ class Round:
 
     def set_up(self):
         rng, folders = self.rng, self.bench.places.folders
-        self.action = rng.choice([RENAME, MOVE, MOVE, MOVE, COPY])
+        self.action = rng.choice([RENAME, MOVE, MOVE, MOVE, COPY, COPY, HARD_LINK, SYMBOLIC_LINK])
         names = sorted(folders)
         inside = rng.choice(names + ["disk", "memory" if "memory" in names else "disk"])
         inside = "disk" if inside == "full" else inside
         outside = rng.choice([inside, *names])
         self.lacks = [word for word in ["exclusive", "links", "reflinks", "near"] if rng.random() < 0.2]
+        if self.action == HARD_LINK:
+            outside, self.lacks = inside, []  # elsewhere there is none
         self.top_in, self.top_out = (os.path.join(folders[name], self.name.replace(":", "-"), end)
                                      for name, end in [(inside, "in"), (outside, "out")])
         self.places = (inside, outside)
@@ -350,7 +353,7 @@ class Round:
     def check(self):
         """The temporary files that are there."""
         found = self.found()
-        check(self.tracked, found, self.action == COPY, self.killed, bool(self.lacks))
+        check(self.tracked, found, self.action in LEAVE_SOURCE, self.killed, bool(self.lacks))
         with open(os.path.join(self.work, "filters.dat"), "rb") as file:
             if file.read() != self.rules:
                 raise Loss("the rules have changed")

@@ -35,9 +35,11 @@ class Tracked:
 class Found:
     def __init__(self, path):
         self.path = path
-        status = os.lstat(path)
+        # What a link leads to counts as its contents; one that leads nowhere has none.
+        status = os.stat(path) if os.path.exists(path) else os.lstat(path)
         self.size, self.is_file = status.st_size, stat.S_ISREG(status.st_mode)
         self.number = (status.st_dev, status.st_ino)
+        self.leads_nowhere = stat.S_ISLNK(status.st_mode)  # a link whose file somebody has taken away
         self.digest = ""
         if self.is_file:
             with open(path, "rb") as file:
@@ -75,7 +77,7 @@ def check(tracked, found, copies, killed, weak):
         if places not in allowed:
             raise Loss(f"{one} is at {sorted(places) or 'no place'}, expected one of {[sorted(a) for a in allowed]}")
     for each in final:
-        if each.path in known:
+        if each.path in known or (each.leads_nowhere and each.path in {one.new_path for one in tracked}):
             continue
         if weak and killed and each.size == 0 and each.path in {one.new_path for one in tracked}:
             continue  # an empty file that held the name until the renaming
