@@ -57,6 +57,7 @@ MainFrame::MainFrame()
   // what that costs, and nothing here updates itself so.
   wxUpdateUIEvent::SetMode(wxUPDATE_UI_PROCESS_SPECIFIED);
   wxIdleEvent::SetMode(wxIDLE_PROCESS_SPECIFIED);
+  wxDialog::EnableLayoutAdaptation(true);  // those that are larger than the display scroll, above their buttons
   stack_.on_help = [this] { commands_->help(); };
 }
 

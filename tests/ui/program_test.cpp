@@ -182,13 +182,17 @@ TEST_F(TestWindow, ATrayThatComesLaterTakesTheWindowAndADoubleClickOnTheIconCoun
   EXPECT_TRUE(frame->IsShown());
 }
 
+static void enlarge_letters(int times) {
+  g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", times * 96 * 1024, nullptr);
+}
+
 TEST_F(TestWindow, LargeLettersEnlargeTheWindowAsFarAsTheDisplayGoes) {
   start();
   const wxSize ordinary = frame->GetSize();
   const int icon = ui::icons::rows(*frame)[0].GetDefaultSize().x;
   frame->unload();
   wait_for_the_end();
-  g_object_set(gtk_settings_get_default(), "gtk-xft-dpi", 192 * 1024, nullptr);
+  enlarge_letters(2);
   start();
   const wxRect room = wxDisplay(frame.get()).GetClientArea();
   EXPECT_EQ(frame->GetSize(), wxSize(std::min(2 * ordinary.x, room.width), std::min(2 * ordinary.y, room.height)));
@@ -196,11 +200,14 @@ TEST_F(TestWindow, LargeLettersEnlargeTheWindowAsFarAsTheDisplayGoes) {
   const wxRect log = find(*frame, "List3").GetScreenRect();
   EXPECT_TRUE(log.height >= 200 && frame->GetScreenRect().Contains(log));
   EXPECT_GT(ui::icons::rows(*frame)[0].GetDefaultSize().x, icon * 3 / 2);
+  enlarge_letters(3);
   on_dialog([](wxDialog& dialog) {
     EXPECT_GT(find(dialog, "txtTypes").GetSize().y, dialog.GetCharHeight());
+    EXPECT_GT(dialog.FindWindow(wxID_CANCEL)->GetSize().y, dialog.GetCharHeight());
     press(dialog, "Cancel");
   });
   command(ui::mnuPrefs);
+  enlarge_letters(1);
 }
 
 }  // namespace quorvel::testing
