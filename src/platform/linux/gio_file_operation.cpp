@@ -199,8 +199,7 @@ class Copying {
     g_autoptr(GCancellable) cancellable = g_cancellable_new();
     cancellable_ = cancellable;
     g_autoptr(GError) error = nullptr;
-    const int flags =
-        G_FILE_COPY_ALL_METADATA | (follows_links() ? 0 : G_FILE_COPY_NOFOLLOW_SYMLINKS);
+    const int flags = G_FILE_COPY_ALL_METADATA | (follows_links() ? 0 : G_FILE_COPY_NOFOLLOW_SYMLINKS);
     const bool copied =
         g_file_copy(from, to, static_cast<GFileCopyFlags>(flags), cancellable, report, this, &error) != FALSE;
     // The last report comes when everything is copied; its answer counts all the same.
