@@ -90,9 +90,9 @@ TEST_F(Screenshots, Tabs) {
   prepare();
   picture(*frame, "queue");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(1);
-  AFilter example = session->filters.at(1);
-  example.path = shown("/home/anna/TV/[show]/");  // the real one has another name each time
-  frame->show_filters({{"F1", FilterFormat::cells(example)}, {"F2", FilterFormat::cells(session->filters.at(2))}});
+  std::vector<AFilter> examples = session->filters.entries();
+  examples[0].path = shown("/home/anna/TV/[show]/");  // the real one has another name each time
+  frame->show_filters({FilterFormat::row(examples, 0), FilterFormat::row(examples, 1)});
   find<ui::PlainList>(*frame, "ListView2").select(1);
   picture(*frame, "filters");
   find<wxNotebook>(*frame, "TabStrip1").SetSelection(2);

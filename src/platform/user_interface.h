@@ -20,8 +20,9 @@ struct RowUpdate {
 
 /// One row of the filter list or of the exceptions list.
 struct ListRow {
-  std::string key;
+  std::string key = {};
   std::vector<std::string> cells;
+  std::string tip = {};  // shown while the pointer rests on the row
   bool operator==(const ListRow&) const = default;
 };
 

@@ -18,7 +18,8 @@ namespace quorvel {
 /// records. `Entry` has a flag `deleted`; `Format` gives
 ///   file_name, plural (the list's name in log lines), field_count,
 ///   static Fields fields(const Entry&), static Entry entry(const std::vector<std::string_view>&),
-///   static std::vector<std::string> cells(const Entry&) and show, the user interface's call for the rows.
+///   static ListRow row(const std::vector<Entry>&, std::size_t), without its key, and show, the user interface's call
+///   for the rows.
 template <typename Entry, typename Format>
 class EntryList {
  public:
@@ -31,6 +32,7 @@ class EntryList {
   /// `index` is one that the list holds.
   Entry& at(int index) { return entries_.at(static_cast<std::size_t>(index) - 1); }
   const Entry& at(int index) const { return entries_.at(static_cast<std::size_t>(index) - 1); }
+  const std::vector<Entry>& entries() const { return entries_; }
 
   void append(Entry entry) { entries_.push_back(std::move(entry)); }
 
@@ -40,14 +42,20 @@ class EntryList {
   /// Puts an entry in place of the one at `index`, or last for 0, on disk too, and shows the list. False, and nothing
   /// changed, when the file cannot be written.
   bool store(int index, Entry entry) {
-    const std::vector<Entry> before = entries_;
-    if (index > 0) {
-      at(index) = std::move(entry);
-    } else {
-      append(std::move(entry));
-    }
+    if (index < 1) return insert(count() + 1, std::move(entry));
+    std::swap(at(index), entry);
     const bool saved = save();
-    if (!saved) entries_ = before;
+    if (!saved) std::swap(at(index), entry);
+    refresh();
+    return saved;
+  }
+
+  /// Puts a new entry above the one at `index`, or last, on disk too, and shows the list. False, and nothing changed,
+  /// as above.
+  bool insert(int index, Entry entry) {
+    const auto place = entries_.insert(entries_.begin() + (index - 1), std::move(entry));
+    const bool saved = save();
+    if (!saved) entries_.erase(place);
     refresh();
     return saved;
   }
@@ -111,7 +119,10 @@ class EntryList {
   /// Shows the list.
   void refresh() {
     std::vector<ListRow> rows;
-    for (int i = 1; i <= count(); ++i) rows.push_back({std::string("F") + std::to_string(i), Format::cells(at(i))});
+    for (std::size_t i = 0; i < entries_.size(); ++i) {
+      rows.push_back(Format::row(entries_, i));
+      rows.back().key = "F" + std::to_string(i + 1);
+    }
     (ui_.*Format::show)(rows);
   }
 

@@ -22,7 +22,9 @@ struct ExceptionFormat {
   static constexpr auto show = &UserInterface::show_exceptions;
   static RecordFile::Fields fields(const EFilter& exception);
   static EFilter entry(const std::vector<std::string_view>& fields);
-  static std::vector<std::string> cells(const EFilter& exception) { return fields(exception); }
+  static ListRow row(const std::vector<EFilter>& exceptions, std::size_t at) {
+    return {.cells = fields(exceptions[at])};
+  }
   static std::vector<EFilter> defaults() { return {}; }
 };
 

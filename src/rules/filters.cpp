@@ -1,5 +1,6 @@
 #include "rules/filters.h"
 
+#include "rules/reach.h"
 #include "text/case.h"
 #include "text/numbers.h"
 #include "text/wildcard.h"
@@ -48,8 +49,12 @@ AFilter FilterFormat::entry(const std::vector<std::string_view>& fields) {
   return filter;
 }
 
-std::vector<std::string> FilterFormat::cells(const AFilter& filter) {
-  return {filter.description, std::string(action_name(filter.action)), filter.mask, filter.path};
+ListRow FilterFormat::row(const std::vector<AFilter>& filters, std::size_t at) {
+  const AFilter& filter = filters[at];
+  const std::string why = why_never_used(filters, at);
+  return {.cells = {(why.empty() ? "" : "Never used: ") + filter.description, std::string(action_name(filter.action)),
+                    filter.mask, filter.path},
+          .tip = why};
 }
 
 std::vector<AFilter> FilterFormat::defaults() {

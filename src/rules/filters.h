@@ -37,15 +37,15 @@ struct FilterFormat {
   static constexpr auto show = &UserInterface::show_filters;
   static RecordFile::Fields fields(const AFilter& filter);
   static AFilter entry(const std::vector<std::string_view>& fields);
-  static std::vector<std::string> cells(const AFilter& filter);
+  static ListRow row(const std::vector<AFilter>& filters, std::size_t at);
   static std::vector<AFilter> defaults();  // what there is while the user has made no rule
 };
 
 /// The filter rules; their order is their priority.
 class FilterList : private EntryList<AFilter, FilterFormat> {
  public:
-  using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::exchange, EntryList::holds,
-      EntryList::store, EntryList::use_only;
+  using EntryList::append, EntryList::at, EntryList::count, EntryList::EntryList, EntryList::entries,
+      EntryList::exchange, EntryList::holds, EntryList::insert, EntryList::store, EntryList::use_only;
 
   bool loadfilters() { return load(); }
   bool savefilters() { return save(); }

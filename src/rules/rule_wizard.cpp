@@ -1,6 +1,7 @@
 #include "rules/rule_wizard.h"
 
 #include "naming/file_names.h"
+#include "rules/reach.h"
 #include "text/case.h"
 #include "text/characters.h"
 
@@ -75,6 +76,13 @@ RuleWizard::Texts RuleWizard::texts() const {
   }
 }
 
+std::string RuleWizard::place_text() const {
+  const std::string why = why_never_used(filters_.entries(), static_cast<std::size_t>(place_) - 1);
+  if (!why.empty()) return "It is never used. " + why;
+  if (index_ > 0 || place_ == filters_.count()) return {};
+  return "It stands above \"" + filters_.at(place_ + 1).description + "\", which takes every file that is left.";
+}
+
 bool RuleWizard::has_path() const {
   const bool is_complete = length(form.path) > max_incomplete_path || form.path == "~";
   if (form.action == Rename || (is_complete && is_full_path(form.path))) return true;
@@ -84,7 +92,8 @@ bool RuleWizard::has_path() const {
 
 bool RuleWizard::store() {
   rule_ = with_form(index_ > 0 ? filters_.at(index_) : AFilter(), form);
-  if (filters_.store(index_, rule_)) return true;
+  place_ = index_ > 0 ? index_ : place_for_new(filters_.entries());
+  if (index_ > 0 ? filters_.store(index_, rule_) : filters_.insert(place_, rule_)) return true;
   ui_.show_message(0, "Unable to save filter", "The filter could not be saved. The log says why.", MessageIcon::Error);
   return false;
 }

@@ -28,7 +28,8 @@ RuleForm rule_form(const AFilter& filter);
 AFilter with_form(AFilter filter, const RuleForm& form);
 
 /// Adds a filter rule or changes one, a question a step: which step follows which, what each says, and the rule that
-/// comes out. A face shows the step and keeps `form` as the user fills it in.
+/// comes out. A new rule stands above the first that takes all that is left, else last. A face shows the step and keeps
+/// `form` as the user fills it in.
 class RuleWizard {
  public:
   enum Step { Conditions = 1, Options, FilePath, FileName, Summary, End };
@@ -55,8 +56,10 @@ class RuleWizard {
   bool is_stored() const { return step_ >= Summary; }
   bool can_go_back() const { return step_ > Conditions && !is_stored(); }
 
-  /// What has been stored.
+  /// What has been stored, where, and what is to be said of its place; empty for nothing.
   const AFilter& rule() const { return rule_; }
+  int place() const { return place_; }
+  std::string place_text() const;
 
   RuleForm form;
 
@@ -66,7 +69,7 @@ class RuleWizard {
 
   FilterList& filters_;
   UserInterface& ui_;
-  int index_ = 0;
+  int index_ = 0, place_ = 0;
   int step_ = Conditions;
   AFilter rule_;
 };

@@ -41,6 +41,20 @@ wxStaticText* value(wxWindow* parent, const char* name) {
                           wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE, name);
 }
 
+/// Room for two lines.
+wxStaticText* note(wxWindow* parent, const char* name) {
+  auto* const label =
+      new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, name);
+  label->SetMinSize(wxSize(-1, 2 * label->GetCharHeight()));
+  return label;
+}
+
+void show_note(wxStaticText* label, const std::string& text, int width) {
+  label->SetLabelText(to_wx(text));
+  label->Wrap(width);
+  label->SetToolTip(to_wx(text));
+}
+
 }  // namespace
 
 FilterWizard::FilterWizard(wxWindow* parent, Session& session, std::function<int(wxDialog&)> show_modal)
@@ -154,7 +168,9 @@ wxWindow* FilterWizard::build_summary() {
   summary_mask_ = line("File Mask:", "summary_mask").second;
   std::tie(summary_path_label_, summary_path_) = line("Path:", "summary_path");
   panel->GetSizer()->Add(summary_label_, wxSizerFlags().Border(wxBOTTOM, scaled(*this, 10)));
+  summary_place_ = note(panel, "summary_place");
   panel->GetSizer()->Add(grid, wxSizerFlags().Expand());
+  panel->GetSizer()->Add(summary_place_, wxSizerFlags().Expand().Border(wxTOP, scaled(*this, 10)));
   return panel;
 }
 
@@ -229,6 +245,7 @@ void FilterWizard::show_summary() {
   show(summary_action_, std::string(action_name(rule.action)));
   show(summary_mask_, rule.mask);
   show(summary_path_, rule.path);
+  show_note(summary_place_, wizard_.place_text(), book_->GetClientSize().x);
   summary_path_->Show(!rule.path.empty());
   summary_path_label_->Show(!rule.path.empty());
 }

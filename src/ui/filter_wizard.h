@@ -25,6 +25,9 @@ class FilterWizard : public wxDialog {
   /// The rule to change; below 1, a new one is added.
   void setID(int index);
 
+  /// Of the rule that is stored.
+  int place() const { return wizard_.place(); }
+
  private:
   void build();
   wxWindow* build_conditions();
@@ -46,7 +49,7 @@ class FilterWizard : public wxDialog {
   const std::function<int(wxDialog&)> show_modal_;
   wxStaticText *heading_ = nullptr, *subheading_ = nullptr, *path_label_ = nullptr, *summary_label_ = nullptr;
   wxStaticText *summary_filter_ = nullptr, *summary_action_ = nullptr, *summary_mask_ = nullptr,
-               *summary_path_ = nullptr, *summary_path_label_ = nullptr;
+               *summary_path_ = nullptr, *summary_path_label_ = nullptr, *summary_place_ = nullptr;
   wxSimplebook* book_ = nullptr;
   wxChoice *field_ = nullptr, *comparison_ = nullptr;
   wxTextCtrl *condition_ = nullptr, *path_ = nullptr, *mask_ = nullptr;

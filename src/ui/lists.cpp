@@ -173,4 +173,9 @@ wxString PlainList::cell(int row, int column) const {
   return index < rows_.size() && cell < rows_[index].cells.size() ? to_wx(rows_[index].cells[cell]) : wxString();
 }
 
+std::string PlainList::tip(int row) const {
+  const std::size_t index = static_cast<std::size_t>(row) - 1;
+  return index < rows_.size() ? rows_[index].tip : std::string();
+}
+
 }  // namespace quorvel::ui

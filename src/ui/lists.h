@@ -148,6 +148,7 @@ class PlainList : public RowList {
   void show(const std::vector<ListRow>& rows);
 
   wxString cell(int row, int column) const override;
+  std::string tip(int row) const override;
 
  private:
   std::vector<int> widths(int area) const override;

@@ -362,7 +362,7 @@ void MainFrame::add_paths(const wxArrayString& paths) {
 void MainFrame::edit_filter(int index) {
   FilterWizard dialog(dialog_parent(), *session_, [this](wxDialog& picker) { return stack_.show_modal(picker); });
   dialog.setID(index);
-  if (stack_.show_modal(dialog) == wxID_OK) filter_page_->list().select(index > 0 ? index : session_->filters.count());
+  if (stack_.show_modal(dialog) == wxID_OK) filter_page_->list().select(dialog.place());
 }
 
 /// False when the user has thought better of it.

@@ -52,11 +52,14 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
       "Add Filter Wizard: Step 1 - Filter Conditions|Specify the critera of this filter|\n" + options + "Step 3" +
           name + options + move + refused + move + options + copy + "Step 4" + name + copy + "Step 4" + name +
           "Filter Added|You have successfully added a filter|The following filter has been successfully added:\n");
-  EXPECT_EQ(stored(),
-            "1\tTrue\t\t*\t\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n"
-            "3\tTrue\t\t*\t" +
-                with_separator(with_native_separators("/tv")) +
-                "\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n");
+  EXPECT_EQ(stored(), "3\tTrue\t\t*\t" + with_separator(with_native_separators("/tv")) +
+                          "\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n"
+                          "1\tTrue\t\t*\t\t[show] - [s]x[ee] - [title]\tShow Name Equals Anything\t0\t1\r\n");
+  EXPECT_EQ(wizard.place_text(), "It stands above \"Show Name Equals Anything\", which takes every file that is left.");
+  EXPECT_EQ(wizard.place(), 1);
+  EXPECT_EQ(ui.filters[0].cells[0] + "|" + ui.filters[1].cells[0] + "|" + ui.filters[1].tip,
+            "Show Name Equals Anything|Never used: Show Name Equals Anything|"
+            "\"Show Name Equals Anything\" above it takes every file that fits it.");
   EXPECT_TRUE(wizard.next() && wizard.step() == RuleWizard::End);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "rules/presets.h"
+#include "rules/reach.h"
 #include "session_fixture.h"
 
 namespace quorvel::testing {
@@ -44,6 +45,64 @@ TEST_F(Rules, ThereIsADefaultRuleAndTheFirstOfWhichEitherConditionFitsIsTaken) {
   }
   load_filters(std::string(mkv_line) + any_line + any_line);
   EXPECT_TRUE(filters.first_fitting("mkv", "x") == 1 && filters.first_fitting("avi", "x") == 2);
+}
+
+TEST_F(Rules, NeverUsedIsOnlyWhatNoFileReaches) {
+  const auto rule = [](const std::string& type, int type_condition, const std::string& name, int name_condition) {
+    AFilter made;
+    made.description = type + name, made.enabled = true;
+    made.fileType = type, made.fileTypeCondition = type_condition;
+    made.showName = name, made.showNameCondition = name_condition;
+    return made;
+  };
+  const AFilter any = rule("", 0, "*", 1), no_mkv = rule("mkv", 2, "", 0), mkv = rule("mkv", 1, "", 0),
+                m = rule("m*", 1, "", 0), either = rule("mkv", 1, "the x", 1), the = rule("", 0, "the *", 1),
+                no_avi = rule("avi", 2, "", 0), capital = rule("MKV", 1, "", 0), none = rule("", 1, "", 1);
+  AFilter off = any;
+  off.enabled = false;
+  const std::string taken = " above it takes every file that fits it.";
+  const std::tuple<std::vector<AFilter>, std::string, int> rows[] = {
+      {{any, mkv}, "\"*\"" + taken, 1},
+      {{mkv, any}, "", 2},
+      {{off, mkv}, "", 3},
+      {{any, off}, "", 1},
+      {{m, mkv}, "\"m*\"" + taken, 3},
+      {{mkv, m}, "", 3},
+      {{mkv, no_mkv, the}, "The rules" + taken, 2},
+      {{no_avi, no_mkv, the}, "The rules" + taken, 2},
+      {{mkv, the, either}, "The rules" + taken, 4},
+      {{m, either}, "", 3},
+      {{no_mkv, rule("avi", 1, "", 0)}, "\"mkv\"" + taken, 3},
+      {{rule("m*", 2, "", 0), no_mkv}, "", 3},
+      {{capital}, "No file fits it.", 2},
+      {{none}, "No file fits it.", 2},
+      {{rule("MKV", 2, "", 0), mkv}, "\"MKV\"" + taken, 1},
+      {{rule("**", 2, "", 0)}, "No file fits it.", 2}};
+  for (const auto& [list, why, place] : rows) {
+    EXPECT_EQ(why_never_used(list, list.size() - 1), why) << list.back().description;
+    EXPECT_EQ(place_for_new(list), place) << list.back().description;
+  }
+  // All lists of three: what is said to be never used is not once taken.
+  std::vector<AFilter> rules;
+  for (const char* const pattern : {"*", "mkv", "m*", "?", "[a-m]", "MKV"}) {
+    for (const int condition : {1, 2}) {
+      rules.push_back(rule(pattern, condition, "", 0));
+      rules.push_back(rule(pattern, condition, "m", 1));
+      rules.push_back(rule("", 0, pattern, condition));
+    }
+  }
+  for (const AFilter& first : rules) {
+    for (const AFilter& second : rules) {
+      filters.use_only(first), filters.append(second), filters.append({});
+      for (const AFilter& last : rules) {
+        filters.at(3) = last;
+        if (why_never_used(filters.entries(), 2).empty()) continue;
+        for (const char* const type : {"", "mkv", "m", "z", "mz"}) {
+          for (const char* const name : {"", "mkv", "m", "z", "mz"}) EXPECT_NE(filters.first_fitting(type, name), 3);
+        }
+      }
+    }
+  }
 }
 
 TEST_F(Rules, LoadingStopsAtABadLineAndSaysWhich) {
