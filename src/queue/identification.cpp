@@ -5,7 +5,7 @@
 
 namespace quorvel {
 
-NameFacts Identification::facts_in(const Reading& reading) {
+NameFacts facts_in(const Reading& reading) {
   NameFacts facts;
   if (reading.year) facts.year = std::to_string(*reading.year);
   facts.country = exact_name(reading.country);

@@ -18,6 +18,9 @@ struct Identified {
   bool no_answer = false;                      // of the service was why
 };
 
+/// What a name says that a new name can hold as well.
+NameFacts facts_in(const Reading& reading);
+
 /// A way of finding out which episode a file is: what its name says, and what the listings service knows of that.
 class Identification {
  public:
@@ -35,9 +38,6 @@ class Identification {
   virtual Identified identify(QueueItem& item, const Reached& reached) = 0;
 
  protected:
-  /// What the name says that a new name can hold as well.
-  static NameFacts facts_in(const Reading& reading);
-
   /// Notes what a person should look at. False when such items are to fail.
   bool may_go_on_with(QueueItem& item, const std::string& doubt) {
     item.doubts.push_back(doubt);

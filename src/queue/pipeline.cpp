@@ -1,40 +1,20 @@
 #include "queue/pipeline.h"
 
+#include <utility>
+
 #include "naming/file_names.h"
-#include "naming/mask.h"
-#include "naming/service_names.h"
+#include "queue/placement.h"
 #include "text/case.h"
-#include "text/failure.h"
 
 namespace quorvel {
 
 bool Pipeline::dofilter(QueueItem& item) {
-  const std::string extension = getextension(item.filename);
-  const std::optional<int> rule = parts_.filters.first_fitting(extension, item.show_name);
+  const std::optional<int> rule = parts_.filters.first_fitting(getextension(item.filename), item.show_name);
   if (!rule) return false;
   const AFilter& filter = parts_.filters.at(*rule);
-  MaskValues values{item.show_name, item.season, item.episode, item.episode_title, item.more_episodes, item.facts};
-  if (item.show_id > 0) values.facts.id = std::to_string(item.show_id);
-  values.facts.old_name = remextension(item.filename);
-  std::string folder;
-  if (filter.action < MoveAndRename) {
-    folder = getpath(item.path, 0);
-  } else {
-    const std::string path = with_native_separators(with_home(filter.path));
-    if (!path.empty() && !is_full_path(path)) {
-      throw Failure("The rule's folder \"" + filter.path + "\" begins neither at the root or a drive nor with \"~\"");
-    }
-    if (const auto trouble = mask_trouble(path, values, expand_folder)) throw Failure("The folder " + *trouble);
-    folder = without_ends(expand_folder(path, values));
-    if (folder.empty()) throw Failure("The rule has no folder to put files into");
-  }
-  const std::string mask = filter.mask + "." + extension;
-  if (const auto trouble = mask_trouble(mask, values, expand_name)) throw Failure("The new name " + *trouble);
-  item.new_name = expand_name(mask, values);
-  if (item.new_name.starts_with('.') && !item.filename.starts_with('.')) {
-    throw Failure("The new name \"" + item.new_name + "\" would hide the file");
-  }
-  item.dest_path = with_separator(folder);
+  Placement placement = placement_by(filter, item);
+  item.new_name = std::move(placement.new_name);
+  item.dest_path = std::move(placement.dest_path);
   item.filter_index = *rule;
   item.action = filter.action;
   item.existing = filter.existing;

@@ -20,6 +20,12 @@ bool condition_fits(std::string_view subject, std::string_view pattern, int cond
 
 }  // namespace
 
+bool fits(const AFilter& filter, std::string_view extension, std::string_view show_name) {
+  // Either condition will do: a rule changed from one kind to the other keeps its old pattern beside the new one.
+  return filter.enabled && (condition_fits(extension, filter.fileType, filter.fileTypeCondition) ||
+                            condition_fits(show_name, filter.showName, filter.showNameCondition));
+}
+
 RecordFile::Fields FilterFormat::fields(const AFilter& filter) {
   RecordFile::Fields fields{std::to_string(filter.action),
                             filter.enabled ? "True" : "False",
@@ -79,12 +85,7 @@ bool FilterList::remove(int index) {
 std::optional<int> FilterList::first_fitting(std::string_view extension, std::string_view show_name) const {
   const std::string name = lower_case(show_name);
   for (int i = 1; i <= count(); ++i) {
-    const AFilter& filter = at(i);
-    // Either condition will do: a rule changed from one kind to the other keeps its old pattern beside the new one.
-    if (filter.enabled && (condition_fits(extension, filter.fileType, filter.fileTypeCondition) ||
-                           condition_fits(name, filter.showName, filter.showNameCondition))) {
-      return i;
-    }
+    if (fits(at(i), extension, name)) return i;
   }
   return std::nullopt;
 }

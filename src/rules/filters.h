@@ -30,6 +30,10 @@ struct AFilter {
   Existing existing = Existing::Ask;  // where another file has the new name; the file of rules has it only when not Ask
 };
 
+/// Whether the rule is for such files: either of its conditions fits, and it is enabled. `extension` is in lower case,
+/// without a dot, and so is `show_name`, which is as the listings service gives it apart from that.
+bool fits(const AFilter& filter, std::string_view extension, std::string_view show_name);
+
 struct FilterFormat {
   static constexpr std::string_view file_name = "filters.dat";
   static constexpr std::string_view plural = "afilters";
@@ -54,8 +58,7 @@ class FilterList : private EntryList<AFilter, FilterFormat> {
   /// As EntryList::remove, but the last rule stays, and a message says why.
   bool remove(int index);
 
-  /// The index of the first rule either of whose conditions fits; empty when none does.
-  /// `extension` is in lower case, without a dot; `show_name` is as the listings service gives it.
+  /// The index of the first rule for files of this type and show; empty when there is none.
   std::optional<int> first_fitting(std::string_view extension, std::string_view show_name) const;
 };
 

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "fake_ports.h"
+#include "file_tools.h"
 #include "naming/episode_patterns.h"
 #include "naming/file_names.h"
 #include "naming/mask.h"
 #include "naming/service_names.h"
+#include "naming/tokens.h"
+#include "queue/rule_preview.h"
 #include "text/failure.h"
 
 namespace quorvel::testing {
@@ -83,6 +86,49 @@ TEST(Masks, WhatIsInBracesIsThereWhenItsTokensHaveAValue) {
   EXPECT_EQ(expand_name("S[S]E[ee+] [E] [ee+] [old][year]", numbers), "S02E03E04E05 003-004-005 03-04-05 old [id]2010");
   EXPECT_EQ(expand_name("{[show]} {a|b} } {{tvmaze-[id]}} {[id]/}", known), "{Show} {a|b} } {tvmaze-7} {7/}");
   EXPECT_EQ(expand_folder("/tv/{[group]}/[show]{ ([year])}/{[ee-]|x}[ee]", known), "/tv/Show (2010)/[ee-][ee]");
+}
+
+TEST(Masks, EachTokenMeansWhatTheHelpSays) {
+  const std::filesystem::path tests = path_of(QUORVEL_NAMES).parent_path().parent_path();
+  const std::string help = contents(text_of(tests.parent_path() / "docs/help/new-names.md"));
+  const QueueItem item = example_item(true);
+  MaskValues one{item.show_name, item.season, item.episode, item.episode_title, {}, item.facts};
+  NameFacts& facts = one.facts;
+  facts.id = "101", facts.old_name = remextension(item.filename), facts.part = "2";
+  facts.named_date = facts.date, facts.named_year = "2015";
+  MaskValues other = one;
+  other.episode = 3, other.title = "x";
+  for (const auto fact :
+       {&NameFacts::date, &NameFacts::named_date, &NameFacts::absolute, &NameFacts::old_name, &NameFacts::part}) {
+    other.facts.*fact = "x";
+  }
+  for (const Token& token : tokens) {
+    const std::string text(token.text), made = expand_name(text, one);
+    const std::string row = "| `" + text + "` | " + std::string(token.meaning) + " | " + made;
+    EXPECT_NE(help.find(row), std::string::npos) << row;
+    EXPECT_EQ(made != expand_name(text, other), token.tells_episode) << text;
+    EXPECT_EQ(expand_folder(text, one) != text, token.in_folder) << text;
+  }
+}
+
+TEST(Masks, WhatIsLikelyToBeAMistakeIsSaid) {
+  const auto said = [](const std::vector<std::string>& remarks) {
+    std::string all;
+    for (const std::string& remark : remarks) all += remark + "|";
+    return all;
+  };
+  const std::string one_name =
+      "No token tells the episode: all would get the same name, and only the first file can have it.|";
+  EXPECT_EQ(said(remarks_on_mask("[show] - {[dated]|[s]x[ee-]} [1080p] [[group]] {x} [web rip] []")), "");
+  EXPECT_EQ(said(remarks_on_mask("[Show] [tilte] x")),
+            "\"[Show]\" is no token and stays as it is. Is \"[show]\" meant?|"
+            "\"[tilte]\" is no token and stays as it is.|" +
+                one_name);
+  EXPECT_EQ(said(remarks_on_mask("[title]{ ([year])")), "A \"{\" has no \"}\" behind it and stays as it is.|");
+  EXPECT_EQ(said(remarks_on_folder("/tv/}[title]{[year]/[show]}")),
+            "\"[title]\" means nothing in a folder and stays as it is.|"
+            "A \"{\" has no \"}\" behind it and stays as it is.|"
+            "A \"}\" has no \"{\" before it and stays as it is.|");
 }
 
 TEST(ExactNames, KeepAllThatAFileSystemCanHold) {

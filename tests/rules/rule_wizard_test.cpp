@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "naming/file_names.h"
+#include "queue/rule_preview.h"
+#include "rules/presets.h"
 #include "session_fixture.h"
 
 namespace quorvel::testing {
@@ -92,6 +94,34 @@ TEST_F(RuleWizardTest, EditsARuleAndKeepsWhatItDoesNotShow) {
   EXPECT_EQ(session.filters.at(1).mask + ui.filters[0].cells[2], "[title][title]");
   wizard.setID(2);  // no such rule
   EXPECT_EQ(wizard.form, RuleForm());
+}
+
+TEST(RulePreview, ShowsWhatTheRuleMakesOfTheFileAndWhatIsWrong) {
+  const auto shown = [](int action, const std::string& path, const std::string& mask, const QueueItem* item = nullptr,
+                        bool exact = false) {
+    AFilter rule = rule_for_all(action, path, mask);
+    if (item != nullptr) rule.showNameCondition = DoesNotEqual;
+    const RulePreview preview = preview_of(rule, item, exact);
+    std::string all = (preview.is_example ? "" : preview.old_name + " -> ") + preview.folder + preview.new_name;
+    for (const std::string& remark : preview.remarks) all += "|" + remark;
+    return all;
+  };
+  const std::string mask = "[title]";
+  EXPECT_EQ(shown(Rename, "tv/", "[show]{ ([year])} - [s]x[ee]{ [abs]}{ [country]}{ [dated]}"),
+            "The Harbour Lights (2015) - 1x02.mkv");
+  EXPECT_EQ(shown(Rename, "", "[title] {[abs] [date] [country] [id] [group]}", nullptr, true),
+            "The Pilot Boat 2 2015-09-13 GB 101 NTb.mkv");
+  EXPECT_EQ(shown(CopyAndRename, "/tv/[show]", mask),
+            with_native_separators("/tv/The Harbour Lights/The Pilot Boat.mkv"));
+  EXPECT_EQ(shown(CopyAndRename, "tv", mask), "|The rule's folder \"" + with_native_separators("tv/") +
+                                                  "\" begins neither at the root or a drive nor with \"~\".");
+  EXPECT_EQ(shown(MoveAndRename, "/", mask + "/[e]"),
+            with_native_separators("/") + "The Pilot Boat/2.mkv|No file's name can hold \"/\".");
+  QueueItem item = example_item(false);
+  item.filename = "a.AVI", item.episode_title = "Two";
+  EXPECT_EQ(shown(Rename, "", mask, &item), "a.AVI -> Two.avi|The rule is not for this file.");
+  item.episode_title = "";
+  EXPECT_EQ(shown(Rename, "", mask, &item), "The Pilot Boat.mkv");
 }
 
 }  // namespace
