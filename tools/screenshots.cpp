@@ -1,6 +1,7 @@
 // Each case brings the window into one state and takes its picture. Start it by the script beside it.
 #include <wx/notebook.h>
 #include <wx/radiobut.h>
+#include <wx/uiaction.h>
 #include <wx/utils.h>
 
 #include <cstdlib>
@@ -69,6 +70,15 @@ class Screenshots : public TestWindow {
     drop({file("tom.and.sons.s01e01.mp4"), file("night.train.s01e02.mkv")});
     rows(1);  // the pass has asked for another one
     list(1).select(2);
+  }
+
+  /// The window with the menu that its button opens.
+  void with_menu(wxWindow& window, const char* button, const std::string& name) {
+    wxTheApp->CallAfter([&] {
+      picture(window, name);
+      wxUIActionSimulator().Char(WXK_ESCAPE);
+    });
+    press(window, button);
   }
 
   void of_dialog(
@@ -235,6 +245,7 @@ TEST_F(Screenshots, Wizard) {
     picture(wizard, "wizard-3");
     press(wizard, "&Next ");
     picture(wizard, "wizard-4");
+    with_menu(wizard, "mask_tokens", "wizard-tokens");
     press(wizard, "&Next ");
     picture(wizard, "wizard-5");
     press(wizard, "&Finish");

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "naming/file_names.h"
+#include "naming/tokens.h"
+#include "platform/native.h"
 
 namespace quorvel {
 
@@ -21,6 +23,14 @@ const Preset presets[3] = {
 const Preset* preset_named(std::string_view name) {
   const auto* const found = std::ranges::find(presets, name, &Preset::name);
   return found == std::end(presets) ? nullptr : found;
+}
+
+std::string chosen_folder(std::string folder) {
+  folder = with_native_separators(std::move(folder));
+  const auto made = std::ranges::min(tokens, {}, [&](const Token& token) { return folder.find(token.text); });
+  const std::size_t end = folder.find(made.text);
+  if (end == std::string::npos) return folder.empty() ? folder : with_separator(folder);
+  return folder.substr(0, folder.rfind(native::separator, end) + 1);
 }
 
 AFilter rule_for_all(int action, std::string folder, std::string mask, Existing existing) {

@@ -65,6 +65,8 @@ RuleWizard::Texts RuleWizard::texts() const {
     case Options:
       return {"Step 2 - Filter Options", "Select what this filter will do", ""};
     case FilePath:
+      if (is_link(form.action))
+        return {"Step 3 - File Path", "Select where links will be made", "Directory for the links:"};
       return {"Step 3 - File Path", "Select where files will me " + participle + " to",
               "Directory to " + verb + " new files to:"};
     case FileName:
@@ -83,9 +85,26 @@ std::string RuleWizard::place_text() const {
   return "It stands above \"" + filters_.at(place_ + 1).description + "\", which takes every file that is left.";
 }
 
-bool RuleWizard::has_path() const {
+AFilter RuleWizard::draft() const {
+  AFilter draft = with_form(index_ > 0 ? filters_.at(index_) : AFilter(), form);
+  if (form.path.empty()) draft.path.clear();
+  if (form.mask.empty()) draft.mask = default_mask;
+  return draft;
+}
+
+void RuleWizard::use(const Preset& preset) {
+  form.mask = preset.mask;
+  if (has_folder(form.action))
+    form.path = chosen_folder(form.path) + with_native_separators(std::string(preset.folder));
+}
+
+bool RuleWizard::has_complete_path() const {
   const bool is_complete = length(form.path) > max_incomplete_path || form.path == "~";
-  if (form.action == Rename || (is_complete && is_full_path(form.path))) return true;
+  return !has_folder(form.action) || (is_complete && is_full_path(form.path));
+}
+
+bool RuleWizard::has_path() const {
+  if (has_complete_path()) return true;
   ui_.show_message(0, "Path not valid", "You must enter a complete path", MessageIcon::Warning);
   return false;
 }

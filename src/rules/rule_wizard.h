@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "rules/filters.h"
+#include "rules/presets.h"
 
 namespace quorvel {
 
@@ -55,6 +56,15 @@ class RuleWizard {
   int step() const { return step_; }
   bool is_stored() const { return step_ >= Summary; }
   bool can_go_back() const { return step_ > Conditions && !is_stored(); }
+
+  /// Whether the folder, if there is to be one, is what Next accepts.
+  bool has_complete_path() const;
+
+  /// The rule, as far as the form goes.
+  AFilter draft() const;
+
+  /// Fills in the mask, and the folder below what is chosen of it, if there is to be one.
+  void use(const Preset& preset);
 
   /// What has been stored, where, and what is to be said of its place; empty for nothing.
   const AFilter& rule() const { return rule_; }

@@ -5,14 +5,21 @@
 #include <wx/sizer.h>
 #include <wx/statline.h>
 
+#include <array>
 #include <tuple>
 #include <utility>
 
+#include "ui/mask_tools.h"
 #include "ui/size.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
 namespace {
+
+/// Of the actions, in their order.
+constexpr std::array option_labels = {"&Rename", "&Move && Rename", "C&opy && Rename", "&Hard Link && Rename",
+                                      "&Symbolic Link && Rename"};
+static_assert(option_labels.size() == actions.size());
 
 wxStaticText* hint(wxWindow* parent, const wxString& text) {
   auto* const label = new wxStaticText(parent, wxID_ANY, text);
@@ -35,32 +42,17 @@ wxTextCtrl* text_box(wxWindow* parent, const char* name) {
   return box;
 }
 
-/// Long texts end in "..." rather than widen the dialog.
-wxStaticText* value(wxWindow* parent, const char* name) {
-  return new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
-                          wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE, name);
-}
-
-/// Room for two lines.
-wxStaticText* note(wxWindow* parent, const char* name) {
-  auto* const label =
-      new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, name);
-  label->SetMinSize(wxSize(-1, 2 * label->GetCharHeight()));
-  return label;
-}
-
-void show_note(wxStaticText* label, const std::string& text, int width) {
-  label->SetLabelText(to_wx(text));
-  label->Wrap(width);
-  label->SetToolTip(to_wx(text));
-}
-
 }  // namespace
 
-FilterWizard::FilterWizard(wxWindow* parent, Session& session, std::function<int(wxDialog&)> show_modal)
-    : wxDialog(parent, wxID_ANY, ""), wizard_(session.filters, session.ports.ui), show_modal_(std::move(show_modal)) {
+FilterWizard::FilterWizard(wxWindow* parent, Session& session, CallStack& stack, int item)
+    : wxDialog(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+      session_(session),
+      stack_(stack),
+      item_(item),
+      wizard_(session.filters, session.ports.ui) {
   build();
   setID(0);
+  for (wxTextCtrl* const box : {path_, mask_}) box->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { show_preview(); });
   next_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { go(&RuleWizard::next); });
   back_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { go(&RuleWizard::back); });
 }
@@ -92,7 +84,7 @@ void FilterWizard::build() {
   sizer->Add(book_, wxSizerFlags(part).Proportion(1));
   sizer->Add(new wxStaticLine(this), wxSizerFlags().Expand().Border(wxBOTTOM, scaled(*this, 12)));
   sizer->Add(buttons, part);
-  sizer->SetMinSize(scaled(*this, wxSize(480, -1)));
+  sizer->SetMinSize(scaled(*this, wxSize(560, -1)));
   SetSizerAndFit(sizer);
   CentreOnParent();
   next_->SetDefault();
@@ -121,10 +113,12 @@ wxWindow* FilterWizard::build_conditions() {
 
 wxWindow* FilterWizard::build_options() {
   wxPanel* const panel = page();
-  options_[0] = new wxRadioButton(panel, wxID_ANY, "&Rename", wxDefaultPosition, wxDefaultSize, wxRB_GROUP);
-  options_[1] = new wxRadioButton(panel, wxID_ANY, "&Move && Rename");
-  options_[2] = new wxRadioButton(panel, wxID_ANY, "C&opy && Rename");
-  for (wxRadioButton* const option : options_) panel->GetSizer()->Add(option, wxSizerFlags().Border(wxBOTTOM));
+  for (const char* const label : option_labels) {
+    auto* const option =
+        new wxRadioButton(panel, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, options_.empty() ? wxRB_GROUP : 0);
+    panel->GetSizer()->Add(option, wxSizerFlags().Border(wxBOTTOM));
+    options_.push_back(option);
+  }
   return panel;
 }
 
@@ -138,6 +132,7 @@ wxWindow* FilterWizard::build_path() {
   row->Add(browse, wxSizerFlags().CenterVertical().Border(wxLEFT));
   panel->GetSizer()->Add(path_label_, wxSizerFlags().Border(wxBOTTOM));
   panel->GetSizer()->Add(row, wxSizerFlags().Expand());
+  path_preview_ = add_tools(*path_, true);
   browse->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { on_browse(); });
   return panel;
 }
@@ -145,10 +140,18 @@ wxWindow* FilterWizard::build_path() {
 wxWindow* FilterWizard::build_name() {
   wxPanel* const panel = page();
   mask_ = text_box(panel, "mask");
-  panel->GetSizer()->Add(mask_, wxSizerFlags().Expand().Border(wxBOTTOM));
-  panel->GetSizer()->Add(hint(panel, "[show], [title]: names of the show and the episode"));
-  panel->GetSizer()->Add(hint(panel, "[s], [e]: numbers of the season and the episode; [ss], [ee]: with two digits"));
+  panel->GetSizer()->Add(mask_, wxSizerFlags().Expand());
+  name_preview_ = add_tools(*mask_, false);
   return panel;
+}
+
+PreviewPanel* FilterWizard::add_tools(wxTextCtrl& box, bool in_folder) {
+  auto* const tools =
+      new MaskTools(box, in_folder, stack_, [this, &box](const Preset& preset) { use_preset(preset, box); });
+  auto* const preview = new PreviewPanel(box.GetParent());
+  box.GetParent()->GetSizer()->Add(tools, wxSizerFlags().Border(wxTOP | wxBOTTOM));
+  box.GetParent()->GetSizer()->Add(preview, wxSizerFlags().Expand().Border(wxTOP));
+  return preview;
 }
 
 wxWindow* FilterWizard::build_summary() {
@@ -198,9 +201,15 @@ void FilterWizard::read_form() {
   form.field = field_->GetSelection();
   form.equals = comparison_->GetSelection() == 0;
   form.condition = from_wx(condition_->GetValue());
-  form.action = options_[1]->GetValue() ? MoveAndRename : options_[2]->GetValue() ? CopyAndRename : Rename;
+  for (std::size_t i = 0; i < options_.size(); ++i) {
+    if (options_[i]->GetValue()) form.action = actions[i].action;
+  }
   form.path = from_wx(path_->GetValue());
   form.mask = from_wx(mask_->GetValue());
+}
+
+wxRadioButton* FilterWizard::option(int action) const {
+  return options_[static_cast<std::size_t>(words_of(action) - actions.begin())];
 }
 
 void FilterWizard::show_form() {
@@ -208,7 +217,7 @@ void FilterWizard::show_form() {
   field_->SetSelection(form.field);
   comparison_->SetSelection(form.equals ? 0 : 1);
   condition_->ChangeValue(to_wx(form.condition));
-  options_[form.action - Rename]->SetValue(true);
+  option(form.action)->SetValue(true);
   path_->ChangeValue(to_wx(form.path));
   mask_->ChangeValue(to_wx(form.mask));
 }
@@ -226,33 +235,62 @@ void FilterWizard::show_step() {
   // What is stored cannot be cancelled any more: Escape and the closing button finish as well.
   SetEscapeId(wizard_.is_stored() ? next_->GetId() : static_cast<int>(wxID_CANCEL));
   Layout();
+  show_preview();
   set_focus();
 }
 
+void FilterWizard::show_preview() {
+  PreviewPanel* const preview_panel = wizard_.step() == RuleWizard::FilePath   ? path_preview_
+                                      : wizard_.step() == RuleWizard::FileName ? name_preview_
+                                                                               : nullptr;
+  if (preview_panel == nullptr) return;
+  read_form();
+  const bool needs_folder = has_folder(wizard_.form.action);
+  RulePreview preview = preview_of(wizard_.draft(), session_.queue.holds(item_) ? &session_.queue.at(item_) : nullptr,
+                                   session_.settings.exact);
+  if (needs_folder && wizard_.form.path.empty()) {
+    preview.remarks.clear();  // nothing has been typed yet
+  } else if (preview.remarks.empty() && !wizard_.has_complete_path()) {
+    preview.remarks.emplace_back("You must enter a complete path.");
+  }
+  preview_panel->show(preview, needs_folder);
+}
+
+/// Without a folder that it could lie below, the user is asked for one first.
+void FilterWizard::use_preset(const Preset& preset, wxTextCtrl& box) {
+  read_form();
+  if (has_folder(wizard_.form.action) && chosen_folder(wizard_.form.path).empty()) {
+    on_browse();
+    read_form();
+    if (wizard_.form.path.empty()) return;
+  }
+  wizard_.use(preset);
+  show_form();
+  show_preview();
+  box.SetFocus();
+  box.SetInsertionPointEnd();
+}
+
 void FilterWizard::set_focus() {
-  wxWindow* const first[] = {condition_, options_[wizard_.form.action - Rename], path_, mask_, next_};
+  wxWindow* const first[] = {condition_, option(wizard_.form.action), path_, mask_, next_};
   first[wizard_.step() - 1]->SetFocus();
   if (wizard_.step() == RuleWizard::FileName) mask_->SetInsertionPointEnd();  // rather than all of it selected
 }
 
 void FilterWizard::show_summary() {
   const AFilter& rule = wizard_.rule();
-  const auto show = [](wxStaticText* label, const std::string& text) {
-    label->SetLabelText(to_wx(text));
-    label->SetToolTip(to_wx(text));
-  };
-  show(summary_filter_, rule.description);
-  show(summary_action_, std::string(action_name(rule.action)));
-  show(summary_mask_, rule.mask);
-  show(summary_path_, rule.path);
-  show_note(summary_place_, wizard_.place_text(), book_->GetClientSize().x);
+  show_value(*summary_filter_, rule.description);
+  show_value(*summary_action_, std::string(action_name(rule.action)));
+  show_value(*summary_mask_, rule.mask);
+  show_value(*summary_path_, rule.path);
+  show_note(*summary_place_, wizard_.place_text(), book_->GetClientSize().x);
   summary_path_->Show(!rule.path.empty());
   summary_path_label_->Show(!rule.path.empty());
 }
 
 void FilterWizard::on_browse() {
   wxDirDialog picker(this, "Select path to move new files to", path_->GetValue(), wxDD_DEFAULT_STYLE);
-  if (show_modal_(picker) == wxID_OK) path_->ChangeValue(to_wx(path_from_wx(picker.GetPath())));
+  if (stack_.show_modal(picker) == wxID_OK) path_->SetValue(to_wx(path_from_wx(picker.GetPath())));
 }
 
 }  // namespace quorvel::ui

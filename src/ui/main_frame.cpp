@@ -360,7 +360,7 @@ void MainFrame::add_paths(const wxArrayString& paths) {
 // The other dialogs.
 
 void MainFrame::edit_filter(int index) {
-  FilterWizard dialog(dialog_parent(), *session_, [this](wxDialog& picker) { return stack_.show_modal(picker); });
+  FilterWizard dialog(dialog_parent(), *session_, stack_, queue_page_->selected_file());
   dialog.setID(index);
   if (stack_.show_modal(dialog) == wxID_OK) filter_page_->list().select(dialog.place());
 }

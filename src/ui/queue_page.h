@@ -55,6 +55,9 @@ class QueuePage : public wxPanel {
   /// Whether the user waits for the service or for an undoing, which a pass would hold up.
   bool has_no_time() const { return is_undoing_ || (choice_ != nullptr && choice_->is_searching()); }
 
+  /// The first item that is selected, in the list or in the review; 0 for none.
+  int selected_file() const { return review_->IsShown() ? review_->selected_file() : list_->selected(); }
+
   // The commands of the menu, for the items that it was last over.
 
   int menu_item() const { return items_.empty() ? 0 : items_.front(); }

@@ -59,6 +59,8 @@ class ReviewPage : public wxPanel {
   /// After the settings have been changed.
   void update();
 
+  int selected_file() const { return tree_->selected_file(); }
+
   // The menu's commands.
 
   void edit_name() { edit(tree_->selected_file(), ReviewModel::NewName); }

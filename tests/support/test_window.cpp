@@ -195,8 +195,8 @@ void set_text(const wxWindow& parent, const char* name, const char* text) {
   find<wxTextCtrl>(parent, name).SetValue(text);
 }
 
-void use(wxWindow& control, wxEventType event, int value) {
-  wxCommandEvent used(event, control.GetId());
+void use(wxWindow& control, wxEventType event, int value, int id) {
+  wxCommandEvent used(event, id == wxID_NONE ? control.GetId() : id);
   used.SetInt(value);
   used.SetEventObject(&control);
   control.ProcessWindowEvent(used);

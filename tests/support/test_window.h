@@ -76,8 +76,8 @@ std::string shown(const wxWindow& parent);
 void set_text(const wxWindow& parent, const char* name, const char* text);
 void press(const wxWindow& parent, const char* button);
 void tick(const wxWindow& parent, const char* box, bool on = true);
-/// As if the user had used the control: sends it this event, with the value that it has then.
-void use(wxWindow& control, wxEventType event, int value = 0);
+/// As if the user had used the control, or an entry of its menu: sends it this event, with the value that it has then.
+void use(wxWindow& control, wxEventType event, int value = 0, int id = wxID_NONE);
 void type(const wxWindow& dialog, int key, bool control);
 std::string captions(const wxMenu& menu);
 /// Closes a dialog by its "Cancel", the system's own ones too.

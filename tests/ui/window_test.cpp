@@ -177,51 +177,6 @@ TEST_F(TestWindow, TheFileAndHelpMenusLeadOut) {
 
 // The dialogs.
 
-TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
-  start();
-  const std::string folder = with_separator(with_native_separators("/tv")), rule = "|Copy & Rename|",
-                    mask = "[show] - [s]x[ee] - [title]!";
-  const std::string hints = "Conditions are not case sensitive.|Wildcards are supported. Leave blank for anything.|";
-  const std::string place = "It stands above \"Show Name Equals Anything\", which takes every file that is left.|";
-  const std::string first = "Wizard: Step 1 - Filter Conditions|Specify the critera of this filter|";
-  on_dialog([&](wxDialog& wizard) {
-    EXPECT_EQ(shown(wizard), "Add Filter " + first + "<Show Name>|<Equals>|[]|" + hints + "-Back|Next |Cancel|");
-    std::string seen;
-    const wxWindow& book = *find(wizard, "field").GetGrandParent();
-    const auto next = [&] { press(wizard, "&Next "), seen += shown(book) + "\n"; };
-    find<wxChoice>(wizard, "field").SetSelection(1), find<wxChoice>(wizard, "comparison").SetSelection(1);
-    set_text(wizard, "condition", "AVI"), next();
-    find<wxRadioButton>(wizard, "&Move && Rename").SetValue(true), next();
-    press(wizard, "&Back");
-    find<wxRadioButton>(wizard, "C&opy && Rename").SetValue(true), press(wizard, "&Next ");
-    set_text(wizard, "path", "/tv"), next();
-    find<wxTextCtrl>(wizard, "mask").WriteText("!");  // after the text: nothing is selected
-    press(wizard, "&Next ");
-    EXPECT_EQ(seen,
-              "x Rename|o Move & Rename|o Copy & Rename|\nDirectory to move new files to:|[]|Browse|\n"
-              "[[show] - [s]x[ee] - [title]]|[show], [title]: names of the show and the episode|"
-              "[s], [e]: numbers of the season and the episode; [ss], [ee]: with two digits|\n");
-    std::string summary = shown(wizard);
-    std::ranges::replace(summary, '\n', ' ');  // where it is wrapped
-    EXPECT_EQ(summary,
-              "Add Filter Wizard: Filter Added|You have successfully added a filter|The following filter has been "
-              "successfully added:|Filter:|File Type Doesn't Equal AVI|Action:" +
-                  rule + "File Mask:|" + mask + "|Path:|" + folder + "|" + place + "-Back|Finish|-Cancel|");
-    press(wizard, "&Finish");
-  });
-  list(2), press(*frame, "Command2");
-  EXPECT_TRUE(rows(2).starts_with("File Type Doesn't Equal AVI" + rule + mask + "|" + folder + ";"));
-  EXPECT_EQ(list(2).selected(), 1);
-  on_dialog([&](wxDialog& wizard) {
-    EXPECT_EQ(shown(wizard),
-              "Edit Filter " + first + "<File Type>|<Doesn't Equal>|[avi]|" + hints + "-Back|Next |Cancel|");
-    EXPECT_EQ(find<wxTextCtrl>(wizard, "path").GetValue() + find<wxTextCtrl>(wizard, "mask").GetValue(), folder + mask);
-    EXPECT_TRUE(find<wxRadioButton>(wizard, "C&opy && Rename").GetValue());
-    press(wizard, "Cancel");
-  });
-  command(ui::mnuEditFilter);
-}
-
 TEST_F(TestWindow, EachPreferenceHasItsBox) {
   key_values.numbers["autoclose"] = 1;
   start();

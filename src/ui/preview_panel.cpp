@@ -1,0 +1,70 @@
+#include "ui/preview_panel.h"
+
+#include <wx/sizer.h>
+
+#include <tuple>
+#include <utility>
+
+#include "ui/desktop.h"
+#include "ui/size.h"
+#include "ui/text.h"
+
+namespace quorvel::ui {
+
+wxStaticText* note(wxWindow* parent, const char* name) {
+  auto* const label =
+      new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, wxST_NO_AUTORESIZE, name);
+  label->SetMinSize(wxSize(-1, 2 * label->GetCharHeight()));
+  return label;
+}
+
+void show_note(wxStaticText& note, const std::string& text, int width) {
+  note.SetLabelText(to_wx(text));
+  note.Wrap(width);
+  note.SetToolTip(to_wx(text));
+}
+
+wxStaticText* value(wxWindow* parent, const char* name) {
+  return new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
+                          wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE, name);
+}
+
+void show_value(wxStaticText& value, const std::string& text) {
+  value.SetLabelText(to_wx(text));
+  value.SetToolTip(to_wx(text));
+}
+
+PreviewPanel::PreviewPanel(wxWindow* parent) : wxPanel(parent) {
+  auto* const grid = new wxFlexGridSizer(2, scaled(*this, wxSize(12, 6)));
+  grid->AddGrowableCol(1);
+  const auto line = [&](const char* label, const char* name) {
+    auto* const title = new wxStaticText(this, wxID_ANY, label);
+    grid->Add(title);
+    auto* const text = value(this, name);
+    grid->Add(text, wxSizerFlags().Expand());
+    return std::pair(title, text);
+  };
+  std::tie(file_label_, file_) = line("Selected File:", "preview_file");
+  name_ = line("New Name:", "preview_name").second;
+  std::tie(folder_label_, folder_) = line("Folder:", "preview_folder");
+  remark_ = note(this, "preview_remark");
+  auto* const sizer = new wxBoxSizer(wxVERTICAL);
+  sizer->Add(grid, wxSizerFlags().Expand());
+  sizer->Add(remark_, wxSizerFlags().Expand().Border(wxTOP, scaled(*this, 6)));
+  SetSizer(sizer);
+}
+
+void PreviewPanel::show(const RulePreview& preview, bool has_folder) {
+  file_label_->SetLabelText(preview.is_example ? "Example:" : "Selected File:");
+  show_value(*file_, preview.old_name);
+  show_value(*name_, preview.new_name);
+  show_value(*folder_, preview.folder);
+  folder_label_->Show(has_folder);
+  folder_->Show(has_folder);
+  const std::string remark = preview.remarks.empty() ? "" : preview.remarks.front();
+  show_note(*remark_, remark, GetClientSize().x);
+  Layout();
+  if (std::exchange(said_, remark) != remark) announce(*remark_, remark);
+}
+
+}  // namespace quorvel::ui

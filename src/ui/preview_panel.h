@@ -1,0 +1,31 @@
+#pragma once
+
+#include <wx/panel.h>
+#include <wx/stattext.h>
+
+#include "queue/rule_preview.h"
+
+namespace quorvel::ui {
+
+/// Room for two lines of a text.
+wxStaticText* note(wxWindow* parent, const char* name);
+/// Shows the text there in lines of this width.
+void show_note(wxStaticText& note, const std::string& text, int width);
+
+/// A line's value; what is too long for it ends in "..." in its middle rather than widen the dialog.
+wxStaticText* value(wxWindow* parent, const char* name);
+void show_value(wxStaticText& value, const std::string& text);
+
+/// What a rule makes of a file, and the first of the remarks on that.
+class PreviewPanel : public wxPanel {
+ public:
+  explicit PreviewPanel(wxWindow* parent);
+
+  void show(const RulePreview& preview, bool has_folder);
+
+ private:
+  wxStaticText *file_label_, *folder_label_, *file_, *name_, *folder_, *remark_;
+  std::string said_;
+};
+
+}  // namespace quorvel::ui
