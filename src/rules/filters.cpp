@@ -60,7 +60,7 @@ ListRow FilterFormat::row(const std::vector<AFilter>& filters, std::size_t at) {
   const std::string why = why_never_used(filters, at);
   return {.cells = {(why.empty() ? "" : "Never used: ") + filter.description, std::string(action_name(filter.action)),
                     filter.mask, filter.path},
-          .tip = why};
+          .tip = why.empty() ? why : filter.description + ": " + why};
 }
 
 std::vector<AFilter> FilterFormat::defaults() {

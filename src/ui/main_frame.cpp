@@ -158,7 +158,7 @@ RulePage* MainFrame::build_filter_page() {
   actions.edit = [this](int index) { edit_filter(index); };
   return new RulePage(TabStrip1_,
                       {{"ListView2", "Filter List", {"Filter", "Action", "File Mask", "Path"}},
-                       {29, 18, 28, 25},
+                       {30, 22, 26, 22},
                        "Command3",
                        "Command1",
                        "Command2",

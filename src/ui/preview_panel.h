@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/panel.h>
+#include <wx/statbmp.h>
 #include <wx/stattext.h>
 
 #include "queue/rule_preview.h"
@@ -25,6 +26,7 @@ class PreviewPanel : public wxPanel {
 
  private:
   wxStaticText *file_label_, *folder_label_, *file_, *name_, *folder_, *remark_;
+  wxStaticBitmap* sign_;
   std::string said_;
 };
 

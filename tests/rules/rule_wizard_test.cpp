@@ -60,7 +60,7 @@ TEST_F(RuleWizardTest, StepsFollowEachOtherByTheAction) {
   EXPECT_EQ(wizard.place_text(), "It stands above \"Show Name Equals Anything\", which takes every file that is left.");
   EXPECT_EQ(wizard.place(), 1);
   EXPECT_EQ(ui.filters[0].cells[0] + "|" + ui.filters[1].cells[0] + "|" + ui.filters[1].tip,
-            "Show Name Equals Anything|Never used: Show Name Equals Anything|"
+            "Show Name Equals Anything|Never used: Show Name Equals Anything|Show Name Equals Anything: "
             "\"Show Name Equals Anything\" above it takes every file that fits it.");
   EXPECT_TRUE(wizard.next() && wizard.step() == RuleWizard::End);
 }
