@@ -72,13 +72,16 @@ class Screenshots : public TestWindow {
     list(1).select(2);
   }
 
-  /// The window with the menu that its button opens.
+  /// The window, with room for it, and the menu that its button opens.
   void with_menu(wxWindow& window, const char* button, const std::string& name) {
+    const wxSize size = window.GetSize();
+    window.SetSize(size + wxSize(0, size.y / 4));
     wxTheApp->CallAfter([&] {
       picture(window, name);
       wxUIActionSimulator().Char(WXK_ESCAPE);
     });
     press(window, button);
+    window.SetSize(size);
   }
 
   void of_dialog(

@@ -32,11 +32,10 @@ RulePreview preview_of(const AFilter& rule, const QueueItem* item, bool exact) {
   preview.is_example = item == nullptr || item->show_name.empty() || item->episode_title.empty();
   const QueueItem file = preview.is_example ? example_item(exact) : *item;
   preview.old_name = file.filename;
-  const bool has_folder = rule.action >= MoveAndRename;
   try {
     const Placement placement = placement_by(rule, file);
     preview.new_name = placement.new_name;
-    if (has_folder) preview.folder = placement.dest_path;
+    if (has_folder(rule.action)) preview.folder = placement.dest_path;
   } catch (const Failure& failure) {
     preview.remarks.push_back(std::string(failure.what()) + ".");
   }
@@ -48,7 +47,7 @@ RulePreview preview_of(const AFilter& rule, const QueueItem* item, bool exact) {
     preview.remarks.insert(preview.remarks.end(), more.begin(), more.end());
   };
   add(remarks_on_mask(rule.mask));
-  if (has_folder) add(remarks_on_folder(rule.path));
+  if (has_folder(rule.action)) add(remarks_on_folder(rule.path));
   if (!preview.is_example && !fits(rule, getextension(file.filename), lower_case(file.show_name))) {
     preview.remarks.emplace_back("The rule is not for this file.");
   }

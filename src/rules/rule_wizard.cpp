@@ -23,7 +23,8 @@ RuleForm rule_form(const AFilter& filter) {
           .condition = pattern,
           .action = has_folder(filter.action) ? filter.action : int{Rename},
           .path = filter.path,
-          .mask = filter.mask};
+          .mask = filter.mask,
+          .existing = filter.existing};
 }
 
 AFilter with_form(AFilter filter, const RuleForm& form) {
@@ -35,6 +36,7 @@ AFilter with_form(AFilter filter, const RuleForm& form) {
   filter.enabled = true;
   filter.path = form.action == Rename ? "" : with_separator(with_native_separators(form.path));
   filter.mask = form.mask;
+  filter.existing = form.existing;
   filter.description = std::string(field_names[form.field]) + " " + comparison_names[form.equals ? 0 : 1] + " " +
                        (pattern == "*" ? "Anything" : form.condition);
   return filter;

@@ -17,6 +17,7 @@ struct RuleForm {
   std::string condition;
   int action = Rename;  // an Action
   std::string path, mask;
+  Existing existing = Existing::Ask;
   bool operator==(const RuleForm&) const = default;
 };
 

@@ -6,6 +6,7 @@
 #include <wx/statline.h>
 
 #include <array>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -27,8 +28,7 @@ wxStaticText* hint(wxWindow* parent, const wxString& text) {
   return label;
 }
 
-template <std::size_t Count>
-wxChoice* choice(wxWindow* parent, const char* name, const char* const (&entries)[Count]) {
+wxChoice* choice(wxWindow* parent, const char* name, std::span<const char* const> entries) {
   auto* const made =
       new wxChoice(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxArrayString(), 0, wxDefaultValidator, name);
   for (const char* const entry : entries) made->Append(entry);
@@ -119,6 +119,11 @@ wxWindow* FilterWizard::build_options() {
     panel->GetSizer()->Add(option, wxSizerFlags().Border(wxBOTTOM));
     options_.push_back(option);
   }
+  panel->GetSizer()->Add(new wxStaticText(panel, wxID_ANY, "&If another file has the new name:"),
+                         wxSizerFlags().Border(wxTOP | wxBOTTOM));
+  existing_ = choice(panel, "existing", {});
+  for (const ExistingWords& words : existing_words) existing_->Append(to_wx(words.caption));
+  panel->GetSizer()->Add(existing_);
   return panel;
 }
 
@@ -170,6 +175,7 @@ wxWindow* FilterWizard::build_summary() {
   summary_action_ = line("Action:", "summary_action").second;
   summary_mask_ = line("File Mask:", "summary_mask").second;
   std::tie(summary_path_label_, summary_path_) = line("Path:", "summary_path");
+  std::tie(summary_existing_label_, summary_existing_) = line("Same Name:", "summary_existing");
   panel->GetSizer()->Add(summary_label_, wxSizerFlags().Border(wxBOTTOM, scaled(*this, 10)));
   summary_place_ = note(panel, "summary_place");
   panel->GetSizer()->Add(grid, wxSizerFlags().Expand());
@@ -204,6 +210,7 @@ void FilterWizard::read_form() {
   for (std::size_t i = 0; i < options_.size(); ++i) {
     if (options_[i]->GetValue()) form.action = actions[i].action;
   }
+  form.existing = existing_words[static_cast<std::size_t>(existing_->GetSelection())].existing;
   form.path = from_wx(path_->GetValue());
   form.mask = from_wx(mask_->GetValue());
 }
@@ -218,6 +225,7 @@ void FilterWizard::show_form() {
   comparison_->SetSelection(form.equals ? 0 : 1);
   condition_->ChangeValue(to_wx(form.condition));
   option(form.action)->SetValue(true);
+  existing_->SetSelection(static_cast<int>(form.existing));
   path_->ChangeValue(to_wx(form.path));
   mask_->ChangeValue(to_wx(form.mask));
 }
@@ -284,8 +292,11 @@ void FilterWizard::show_summary() {
   show_value(*summary_mask_, rule.mask);
   show_value(*summary_path_, rule.path);
   show_note(*summary_place_, wizard_.place_text(), book_->GetClientSize().x);
-  summary_path_->Show(!rule.path.empty());
-  summary_path_label_->Show(!rule.path.empty());
+  show_value(*summary_existing_, std::string(existing_words[static_cast<std::size_t>(rule.existing)].caption));
+  for (wxWindow* const part : {summary_path_, summary_path_label_}) part->Show(!rule.path.empty());
+  for (wxWindow* const part : {summary_existing_, summary_existing_label_}) {
+    part->Show(rule.existing != Existing::Ask);
+  }
 }
 
 void FilterWizard::on_browse() {

@@ -57,9 +57,10 @@ class FilterWizard : public wxDialog {
   RuleWizard wizard_;
   wxStaticText *heading_ = nullptr, *subheading_ = nullptr, *path_label_ = nullptr, *summary_label_ = nullptr;
   wxStaticText *summary_filter_ = nullptr, *summary_action_ = nullptr, *summary_mask_ = nullptr,
-               *summary_path_ = nullptr, *summary_path_label_ = nullptr, *summary_place_ = nullptr;
+               *summary_path_ = nullptr, *summary_path_label_ = nullptr, *summary_existing_ = nullptr,
+               *summary_existing_label_ = nullptr, *summary_place_ = nullptr;
   wxSimplebook* book_ = nullptr;
-  wxChoice *field_ = nullptr, *comparison_ = nullptr;
+  wxChoice *field_ = nullptr, *comparison_ = nullptr, *existing_ = nullptr;
   wxTextCtrl *condition_ = nullptr, *path_ = nullptr, *mask_ = nullptr;
   std::vector<wxRadioButton*> options_;  // in the order of actions
   PreviewPanel *path_preview_ = nullptr, *name_preview_ = nullptr;

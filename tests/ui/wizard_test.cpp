@@ -30,12 +30,14 @@ TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
     set_text(wizard, "condition", "AVI"), next();
     find<wxRadioButton>(wizard, "&Move && Rename").SetValue(true), next();
     press(wizard, "&Back");
+    find<wxChoice>(wizard, "existing").SetSelection(1);
     find<wxRadioButton>(wizard, "C&opy && Rename").SetValue(true), press(wizard, "&Next ");
     set_text(wizard, "path", "/tv"), next();
     find<wxTextCtrl>(wizard, "mask").WriteText("!");  // after the text: nothing is selected
     press(wizard, "&Next ");
     EXPECT_EQ(seen,
-              "x Rename|o Move & Rename|o Copy & Rename|o Hard Link & Rename|o Symbolic Link & Rename|\nDirectory to "
+              "x Rename|o Move & Rename|o Copy & Rename|o Hard Link & Rename|o Symbolic Link & Rename|If another file "
+              "has the new name:|<Ask whether to replace it>|\nDirectory to "
               "move new files to:|[]|Browse|" +
                   example + "New Name:|Folder:|\n[[show] - [s]x[ee] - [title]]|" + example +
                   "New Name:|The Harbour Lights - 1x02 - The Pilot Boat.mkv|Folder:|" + folder + "|\n");
@@ -44,7 +46,8 @@ TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
     EXPECT_EQ(summary,
               "Add Filter Wizard: Filter Added|You have successfully added a filter|The following filter has been "
               "successfully added:|Filter:|File Type Doesn't Equal AVI|Action:" +
-                  rule + "File Mask:|" + mask + "|Path:|" + folder + "|" + place + "-Back|Finish|-Cancel|");
+                  rule + "File Mask:|" + mask + "|Path:|" + folder +
+                  "|Same Name:|Keep both: a number behind the new name|" + place + "-Back|Finish|-Cancel|");
     press(wizard, "&Finish");
   });
   list(2), press(*frame, "Command2");
@@ -55,6 +58,7 @@ TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
               "Edit Filter " + first + "<File Type>|<Doesn't Equal>|[avi]|" + hints + "-Back|Next |Cancel|");
     EXPECT_EQ(find<wxTextCtrl>(wizard, "path").GetValue() + find<wxTextCtrl>(wizard, "mask").GetValue(), folder + mask);
     EXPECT_TRUE(find<wxRadioButton>(wizard, "C&opy && Rename").GetValue());
+    EXPECT_EQ(find<wxChoice>(wizard, "existing").GetSelection(), 1);
     press(wizard, "Cancel");
   });
   command(ui::mnuEditFilter);
