@@ -20,6 +20,7 @@ enum Statement : std::size_t {
   OnePass,
   Operations,
   LastTo,
+  LastFrom,
   LastUndoable,
   StillUnderWay,
   ForgetOperations,
@@ -47,6 +48,8 @@ constexpr std::array statements = {
     "SELECT " QUORVEL_COLUMNS " FROM operations WHERE id >= ?1 AND id < ?2 ORDER BY id",
     "SELECT " QUORVEL_COLUMNS
     " FROM operations WHERE new_path = ?1 AND outcome = 1 AND NOT undone ORDER BY id DESC LIMIT 1",
+    "SELECT " QUORVEL_COLUMNS
+    " FROM operations WHERE old_path = ?1 AND outcome = 1 AND undoes = 0 ORDER BY id DESC LIMIT 1",
     "SELECT id FROM operations WHERE id < ?1 AND outcome = 1 AND NOT undone AND undoes / 1000000 <> id / 1000000 AND "
     "NOT "
     "(SELECT is_undoing FROM passes WHERE passes.id = operations.id / 1000000) ORDER BY id DESC LIMIT 1",
@@ -213,9 +216,17 @@ std::optional<PastOperation> History::operation(std::int64_t id) {
 }
 
 std::optional<PastOperation> History::last_to(const std::string& path) {
+  return last(LastTo, path);
+}
+
+std::optional<PastOperation> History::last_from(const std::string& path) {
+  return last(LastFrom, path);
+}
+
+std::optional<PastOperation> History::last(std::size_t statement, const std::string& path) {
   write_end();
   std::optional<PastOperation> operation;
-  database_.perform(LastTo, {path}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
+  database_.perform(statement, {path}, [&](const SharedDatabase::Row& row) { operation = operation_in(row); });
   return operation;
 }
 

@@ -129,6 +129,8 @@ class History {
   std::optional<PastOperation> operation(std::int64_t id);
   /// The last operation that put a file to `path`, in full, and was not undone.
   std::optional<PastOperation> last_to(const std::string& path);
+  /// The last one of a file that was at `path`, undone or not, that was no undoing.
+  std::optional<PastOperation> last_from(const std::string& path);
   /// The operation, with the others of its group in its pass that can be undone.
   std::vector<PastOperation> group_of(const PastOperation& operation);
   /// The last pass, of those before that number, with something that can be undone, which is no undoing itself; 0 when
@@ -144,6 +146,7 @@ class History {
  private:
   static constexpr std::int64_t max_pass = 1'000'000'000'000;
 
+  std::optional<PastOperation> last(std::size_t statement, const std::string& path);
   void write_end();
   static PastOperation operation_in(const SharedDatabase::Row& row);
   std::int64_t now() const;

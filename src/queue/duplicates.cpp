@@ -17,12 +17,25 @@ std::string numbered(const std::string& name, int number) {
 }  // namespace
 
 bool Duplicates::settle(QueueItem& item) {
+  if (leaves_what_has_gone && has_gone(job_of(item))) {
+    return leave(item, item.dest_path + item.new_name + " was made of this file before, and is not there any more");
+  }
   if (item.existing == Existing::Ask || !is_taken(job_of(item))) return true;
   if (item.existing == Existing::KeepBoth) return keep_both(item);
   if (item.is_under_review) return true;
   if (is_copy_of_source(job_of(item))) return leave(item, item.dest_path + item.new_name + " is a copy of it already");
   if (item.existing == Existing::KeepBetter) return keep_better(item);
   return leave(item, item.dest_path + item.new_name + " is there already, so the file stays where it is");
+}
+
+/// What took its source and was not undone is none of it: the source has come anew.
+bool Duplicates::has_gone(const FileJob& job) const {
+  if (files_.exists(job.destination())) return false;
+  const std::optional<PastOperation> past = history_.last_from(job.path);
+  const std::optional<FileStamp> now = files_.stamp(job.path);
+  const bool is_file =
+      past && past->new_path == job.destination() && past->stamp && now && past->stamp->may_be_copy_of(*now);
+  return is_file && (past->undone || !takes_source(static_cast<int>(past->deed)));
 }
 
 /// By another file than the item's own, under whatever name.

@@ -24,10 +24,14 @@ class Duplicates {
   /// names are numbered and all else is left to the user.
   bool settle(QueueItem& item);
 
+  /// What was put somewhere, and has been taken away from there since, is not put there again.
+  bool leaves_what_has_gone = false;
+
  private:
   bool keep_both(QueueItem& item);
   bool keep_better(QueueItem& item);
   bool leave(QueueItem& item, std::string reason);
+  bool has_gone(const FileJob& job) const;
   bool is_taken(const FileJob& job) const;
   bool is_copy_of_source(const FileJob& job) const;
   Quality quality_of_existing(const std::string& path);

@@ -58,7 +58,7 @@ std::vector<ReadyFile> Watcher::ready(Time::duration patience) {
 
   std::vector<std::tuple<std::string, std::string, std::uint16_t>> found;
   const Time now = parts_.clock.instant();
-  while (!due_.empty() && due_.begin()->first <= now) {
+  while (!due_.empty() && due_.begin()->first <= now && found.size() < most_at_once) {
     const std::string path = due_.begin()->second;
     Known& known = known_.at(path);
     const std::optional<FileStamp> stamp = parts_.files.stamp(path);

@@ -53,6 +53,9 @@ class Watcher {
     int tries;
   };
 
+  /// How many files are told at once at most.
+  static constexpr std::size_t most_at_once = 1000;
+
   /// The folders are full paths. Those that are missing are looked for again.
   Watcher(Parts parts, const std::vector<std::string>& folders);
 

@@ -339,6 +339,14 @@ TEST_F(Cli, WatchingTakesWhatIsThereAndWhatComesUntilItIsInterrupted) {
   EXPECT_EQ(program.status(), 0);
   EXPECT_EQ(contents(folder / ("in/" + good + "2 - The Pilot Boat.mkv")), two[0]);
   EXPECT_EQ(contents(folder / ("in/new/folder/" + good + "3 - A Lantern for Maud.mkv")), two[1]);
+
+  EXPECT_EQ(run({"--undo", "-w../work"}), 0);
+  add({"The.Harbour.Lights.S01E01.mkv"});
+  const ChildProcess again(start({"--watch", "--set=settle=1", "-w../work", "."}, true));
+  EXPECT_TRUE(again.shows(good + "1 - Slack Water.mkv"));
+  again.type("\x03");
+  EXPECT_EQ(again.status(), 0);
+  EXPECT_EQ(contents(folder / ("in/new/folder/" + two[1])), two[1]) << "what was undone stays so";
 }
 
 TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswerIsNo) {
