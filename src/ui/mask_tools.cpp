@@ -52,12 +52,12 @@ void MaskTools::add_button(const char* label, const char* name, void (MaskTools:
     choices_.clear();
     (this->*fill)(menu);
     give_letters(menu);
+    chosen_ = choices_.size();
     stack.pop_up(*button, menu, wxPoint(0, button->GetSize().y));
+    if (chosen_ < choices_.size()) choices_[chosen_]();  // only now, for it may open a dialog
   });
-  button->Bind(wxEVT_MENU, [this](wxCommandEvent& event) {
-    const auto choice = static_cast<std::size_t>(event.GetId() - first_id);
-    if (choice < choices_.size()) choices_[choice]();
-  });
+  button->Bind(wxEVT_MENU,
+               [this](wxCommandEvent& event) { chosen_ = static_cast<std::size_t>(event.GetId() - first_id); });
 }
 
 void MaskTools::add(wxMenu& menu, const wxString& label, const std::function<void()>& choose) {

@@ -34,6 +34,7 @@ class MaskTools : public wxPanel {
   const bool in_folder_;
   const std::function<void(const Preset&)> on_preset_;
   std::vector<std::function<void()>> choices_;  // of the menu that is open
+  std::size_t chosen_ = 0;
 };
 
 }  // namespace quorvel::ui

@@ -111,8 +111,9 @@ TEST(RulePreview, ShowsWhatTheRuleMakesOfTheFileAndWhatIsWrong) {
             "The Harbour Lights (2015) - 1x02.mkv");
   EXPECT_EQ(shown(Rename, "", "[title] {[abs] [date] [country] [id] [group]}", nullptr, true),
             "The Pilot Boat 2 2015-09-13 GB 101 NTb.mkv");
-  EXPECT_EQ(shown(CopyAndRename, "/tv/[show]", mask),
-            with_native_separators("/tv/The Harbour Lights/The Pilot Boat.mkv"));
+  EXPECT_EQ(shown(SymbolicLinkAndRename, "/tv/[show]/[e]", mask),
+            with_native_separators("/tv/The Harbour Lights/[e]/The Pilot Boat.mkv") +
+                "|\"[e]\" means nothing in a folder and stays as it is.");
   EXPECT_EQ(shown(CopyAndRename, "tv", mask), "|The rule's folder \"" + with_native_separators("tv/") +
                                                   "\" begins neither at the root or a drive nor with \"~\".");
   EXPECT_EQ(shown(MoveAndRename, "/", mask + "/[e]"),

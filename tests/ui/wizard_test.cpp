@@ -90,6 +90,8 @@ TEST_F(TestWindow, TheWizardShowsWhatAMaskMakesAndHelpsToWriteIt) {
     auto &path = find<wxTextCtrl>(wizard, "path"), &mask = find<wxTextCtrl>(wizard, "mask");
     next(wizard), find<wxRadioButton>(wizard, "&Move && Rename").SetValue(true), next(wizard);
     EXPECT_EQ(seen(wizard), "Selected File:|harbour.lights.1x02.mkv|New Name:|Folder:|");
+    on_dialog([](wxDialog& picker) { cancel(picker); }), choose(wizard, "path_presets", "Kodi");
+    EXPECT_EQ(path.GetValue() + mask.GetValue(), "") << "there is no folder for it to lie below";
     set_text(wizard, "path", "tv");
     EXPECT_NE(seen(wizard).find("begins neither at the root"), std::string::npos) << seen(wizard);
     set_text(wizard, "path", "/tv"), path.SelectAll();
