@@ -8,7 +8,6 @@
 #include <array>
 #include <span>
 #include <tuple>
-#include <utility>
 
 #include "ui/mask_tools.h"
 #include "ui/size.h"
@@ -162,15 +161,8 @@ PreviewPanel* FilterWizard::add_tools(wxTextCtrl& box, bool in_folder) {
 wxWindow* FilterWizard::build_summary() {
   wxPanel* const panel = page();
   summary_label_ = new wxStaticText(panel, wxID_ANY, "", wxDefaultPosition, wxDefaultSize, 0, "summary");
-  auto* const grid = new wxFlexGridSizer(2, scaled(*this, wxSize(12, 6)));
-  grid->AddGrowableCol(1);
-  const auto line = [&](const wxString& label, const char* name) {
-    auto* const title = new wxStaticText(panel, wxID_ANY, label);
-    grid->Add(title);
-    auto* const text = value(panel, name);
-    grid->Add(text, wxSizerFlags().Expand());
-    return std::pair(title, text);
-  };
+  auto* const grid = line_grid(*this);
+  const auto line = [&](const char* label, const char* name) { return add_line(*grid, panel, label, name); };
   summary_filter_ = line("Filter:", "summary_filter").second;
   summary_action_ = line("Action:", "summary_action").second;
   summary_mask_ = line("File Mask:", "summary_mask").second;

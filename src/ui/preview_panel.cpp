@@ -1,9 +1,6 @@
 #include "ui/preview_panel.h"
 
-#include <wx/sizer.h>
-
 #include <tuple>
-#include <utility>
 
 #include "ui/desktop.h"
 #include "ui/icons.h"
@@ -30,9 +27,20 @@ void show_note(wxStaticText& note, const std::string& text, int width) {
   note.SetToolTip(note.GetLabel().Freq('\n') < lines_of_note ? wxString() : to_wx(text));
 }
 
-wxStaticText* value(wxWindow* parent, const char* name) {
-  return new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
-                          wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE, name);
+wxFlexGridSizer* line_grid(const wxWindow& window) {
+  auto* const grid = new wxFlexGridSizer(2, scaled(window, wxSize(12, 6)));
+  grid->AddGrowableCol(1);
+  return grid;
+}
+
+std::pair<wxStaticText*, wxStaticText*> add_line(wxFlexGridSizer& grid, wxWindow* parent, const char* label,
+                                                 const char* name) {
+  auto* const title = new wxStaticText(parent, wxID_ANY, label);
+  auto* const value = new wxStaticText(parent, wxID_ANY, "", wxDefaultPosition, wxDefaultSize,
+                                       wxST_ELLIPSIZE_MIDDLE | wxST_NO_AUTORESIZE, name);
+  grid.Add(title);
+  grid.Add(value, wxSizerFlags().Expand());
+  return {title, value};
 }
 
 void show_value(wxStaticText& value, const std::string& text) {
@@ -42,15 +50,8 @@ void show_value(wxStaticText& value, const std::string& text) {
 }
 
 PreviewPanel::PreviewPanel(wxWindow* parent) : wxPanel(parent) {
-  auto* const grid = new wxFlexGridSizer(2, scaled(*this, wxSize(12, 6)));
-  grid->AddGrowableCol(1);
-  const auto line = [&](const char* label, const char* name) {
-    auto* const title = new wxStaticText(this, wxID_ANY, label);
-    grid->Add(title);
-    auto* const text = value(this, name);
-    grid->Add(text, wxSizerFlags().Expand());
-    return std::pair(title, text);
-  };
+  auto* const grid = line_grid(*this);
+  const auto line = [&](const char* label, const char* name) { return add_line(*grid, this, label, name); };
   std::tie(file_label_, file_) = line("Selected File:", "preview_file");
   name_ = line("New Name:", "preview_name").second;
   std::tie(folder_label_, folder_) = line("Folder:", "preview_folder");

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <wx/panel.h>
+#include <wx/sizer.h>
 #include <wx/statbmp.h>
 #include <wx/stattext.h>
+
+#include <string>
+#include <utility>
 
 #include "queue/rule_preview.h"
 
@@ -13,8 +17,11 @@ wxStaticText* note(wxWindow* parent, const char* name);
 /// Shows the text there in lines of this width.
 void show_note(wxStaticText& note, const std::string& text, int width);
 
-/// A line's value; what is too long for it ends in "..." in its middle rather than widen the dialog.
-wxStaticText* value(wxWindow* parent, const char* name);
+/// Lines of labels and values.
+wxFlexGridSizer* line_grid(const wxWindow& window);
+/// Adds a line; its label and its value. What is too long for it has "..." in its middle rather than widen the dialog.
+std::pair<wxStaticText*, wxStaticText*> add_line(wxFlexGridSizer& grid, wxWindow* parent, const char* label,
+                                                 const char* name);
 void show_value(wxStaticText& value, const std::string& text);
 
 /// What a rule makes of a file, and the first of the remarks on that.
