@@ -56,6 +56,9 @@ class Round:
                                      for name, end in [(inside, "in"), (outside, "out")])
         self.places = (inside, outside)
         self.settings = rng.choice([[], [], [], ["--set", "verify=1"], ["--set", "nocache=1"]])
+        self.companions = rng.random() < 0.3
+        if self.companions:
+            self.settings = [*self.settings, "--set", "companions=srt"]
         self.home = os.path.join(self.folder, "home")
         self.work = os.path.join(self.home, ".local/share/Quorvel")
         for folder in [self.top_in, self.top_out, self.work]:
@@ -67,7 +70,7 @@ class Round:
             self.rules = f"{self.action}\tTrue\t\t*\t{path}\t[show] - [s]x[ee] - [title]\t\t0\t1\r\n".encode("cp1252")
             file.write(self.rules)
         self.make_files()
-        self.tell(f"{ACTIONS[self.action]} from {inside} to {outside}; files {len(self.tracked)}; folders "
+        self.tell(f"{ACTIONS[self.action]}{', with companions,' * self.companions} from {inside} to {outside}; files {len(self.tracked)}; folders "
                   f"{below or 'none'}; file system lacks {self.lacks or 'nothing'}")
 
     def make_files(self):
@@ -84,16 +87,20 @@ class Round:
                 "[ss]", "01")
             data = rng.randbytes(rng.choice([20, 5000, 70000, 70000, 400000]))
             self.put(os.path.join(folder, name), data, os.path.join(target, new_name))
+            if self.companions and rng.random() < 0.7:
+                beside, new_beside = (os.path.splitext(each)[0] + ".en.srt" for each in [name, new_name])
+                self.put(os.path.join(folder, beside), rng.randbytes(rng.choice([30, 9000])),
+                         os.path.join(target, new_beside), self.tracked[-1].path)
         if rng.random() < 0.2:
             self.put(os.path.join(self.top_in, "notes.txt"), rng.randbytes(100))
         if rng.random() < 0.2:
             self.put(rng.choice(self.tracked).new_path or self.top_in + "/x", rng.randbytes(100))
 
-    def put(self, path, data, new_path=None):
+    def put(self, path, data, new_path=None, family=None):
         os.makedirs(os.path.dirname(path), exist_ok=True)
         with open(path, "xb") as file:
             file.write(data)
-        self.tracked.append(Tracked(path, data, new_path))
+        self.tracked.append(Tracked(path, data, new_path, family=family))
 
     # --- running the program
 
@@ -329,7 +336,8 @@ class Round:
         settings = os.path.join(self.home, ".config/Quorvel")
         os.makedirs(settings, exist_ok=True)
         with open(settings + "/settings.ini", "w", encoding="utf-8") as file:
-            file.write(f"[Settings]\nautoclose={int(closes)}\nreview={int(reviews)}\n")
+            file.write(f"[Settings]\nautoclose={int(closes)}\nreview={int(reviews)}\n" +
+                       "companions=srt\n" * self.companions)
         faults = self.strike(self.rng.choice(["signal 9", "fail 5", "fail 28", "full", "pause 30000"]))
         return self.start(program=self.bench.window, **(faults if self.rng.random() < 0.5 else {}),
                           **self.bench.display.environment())
@@ -395,7 +403,11 @@ class Round:
         if "full" in self.places:
             return
         for one in self.tracked:
-            if one.new_path and os.path.exists(one.path) and not os.path.exists(one.new_path):
+            if not one.new_path or not os.path.exists(one.path) or os.path.exists(one.new_path):
+                continue
+            # All that belongs together goes or stays. What was put back alone stays as well.
+            is_held_up = any(each.is_in_the_way() for each in self.tracked if each.family == one.family)
+            if not is_held_up and os.path.exists(one.family):
                 raise Loss(f"{one} has not been taken care of (status {status})")
 
     def clear(self, keep=None):

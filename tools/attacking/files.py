@@ -22,14 +22,19 @@ def digest(data):
 class Tracked:
     """One file that was there before, or that somebody has put there since."""
 
-    def __init__(self, path, data, new_path=None, what="file"):
+    def __init__(self, path, data, new_path=None, what="file", family=None):
         self.path, self.new_path, self.what = path, new_path, what
+        self.family = family or path  # the path of the file that it goes along with, or its own
         self.states = [digest(data)]  # the last is what it holds now
         self.may_be_gone = False  # somebody else has replaced it
         self.may_be_twice = False  # the program was killed between the end of a copy and the removal of its source
 
     def __str__(self):
         return f"{self.what} {self.path}"
+
+    def is_in_the_way(self):
+        """Somebody has its new name."""
+        return bool(self.new_path) and os.path.exists(self.path) and os.path.exists(self.new_path)
 
 
 class Found:

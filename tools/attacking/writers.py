@@ -78,7 +78,8 @@ class Replacer(Writer):
         new = self.tracked.path + "~"
         with open(new, "xb") as file:
             file.write(data)
-        self.round.tracked.append(Tracked(self.tracked.path, data, self.tracked.new_path, "the replacement"))
+        self.round.tracked.append(Tracked(self.tracked.path, data, self.tracked.new_path, "the replacement",
+                                          self.tracked.family))
         self.tracked.may_be_gone = True
         os.rename(new, self.tracked.path)
         self.done.append(f"put a new file of {len(data)} bytes in its place")
