@@ -91,10 +91,7 @@ class Watching {
     session.load_rules();
     check(session);
     use_options(session, options_);
-    session.duplicates.leaves_what_has_gone = true;  // else whoever deletes or undoes one would get it back
-    for (const auto& [path, folder] : ready) {
-      if (session.intake.add_to_queue(path, false)) session.queue.at(session.queue.count()).added = folder;
-    }
+    for (const auto& [path, folder] : ready) session.intake.take_watched(path, folder, false);
     if (session.queue.count() > 0) session.processor.process_queue();
     terminal_.set_progress({});
     tell(session);

@@ -17,7 +17,7 @@ std::string numbered(const std::string& name, int number) {
 }  // namespace
 
 bool Duplicates::settle(QueueItem& item) {
-  if (leaves_what_has_gone && has_gone(job_of(item))) {
+  if (std::exchange(item.came_by_itself, false) && has_gone(job_of(item))) {
     return leave(item, item.dest_path + item.new_name + " was made of this file before, and is not there any more");
   }
   if (item.existing == Existing::Ask || !is_taken(job_of(item))) return true;

@@ -21,11 +21,9 @@ class Duplicates {
 
   /// Before the item's operation: gives it a name that is free, or lets it replace the other file. False when its file
   /// is to stay where it is, or has gone to the trash; error_text says why. In a review, and in the terminal's plans,
-  /// names are numbered and all else is left to the user.
+  /// names are numbered and all else is left to the user. What came by itself, was put there before and has been taken
+  /// away since, is left where it is.
   bool settle(QueueItem& item);
-
-  /// What was put somewhere, and has been taken away from there since, is not put there again.
-  bool leaves_what_has_gone = false;
 
  private:
   bool keep_both(QueueItem& item);

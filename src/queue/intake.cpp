@@ -27,6 +27,14 @@ bool Intake::add_to_queue(const std::string& path, bool start) {
   return !result.is_folder && result.queued == 1;
 }
 
+bool Intake::take_watched(const std::string& path, const std::string& folder, bool start) {
+  if (!add_to_queue(path, start)) return false;
+  QueueItem& item = queue_.at(queue_.count());
+  item.added = folder;
+  item.came_by_itself = true;
+  return true;
+}
+
 IntakeResult Intake::take(const std::string& given, bool start) {
   // Where names may hold quotes, a path that exists exactly as given is taken exactly as given.
   Files::Kind kind = files_.kind(given);

@@ -38,7 +38,11 @@ class Intake {
   /// With `start`, a pass follows. True when one file was queued, so never for a folder.
   bool add_to_queue(const std::string& path, bool start);
 
-  /// The same, with a full account of what happened. Where files may have been missed, the log says so.
+  /// Queues a file that came into `folder`, which ends in a separator, by itself. False when it cannot be taken.
+  bool take_watched(const std::string& path, const std::string& folder, bool start);
+
+  /// The same as add_to_queue(), with a full account of what happened. Where files may have been missed, the log says
+  /// so.
   IntakeResult take(const std::string& path, bool start);
 
  private:

@@ -140,7 +140,7 @@ void Processor::carry_out_plans() {
 /// All is done that is to be done now. What the user has not seen would be gone with the window.
 void Processor::finish() {
   log_.debug_log("All items processed", LogLevel::Normal);
-  if (!settings_.autoclose || queue_cursor_ < queue_.count()) return;
+  if (!settings_.autoclose || settings_.watching || queue_cursor_ < queue_.count()) return;
   const int count = need_user();
   if (count == 0) return ui_.close();
   log_.debug_log(

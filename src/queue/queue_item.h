@@ -50,6 +50,7 @@ struct QueueItem {
   bool lost_characters = false;   // of the names that the service gave
   bool is_right_already = false;  // it has failed because there was nothing to do
   bool is_unclear = false;        // more than one show may be meant
+  bool came_by_itself = false;    // from a watched folder; until its destination has been looked at
   bool no_answer = false;         // it has failed because the service gave none
   // In a review: it was taken for one; its operation waits for the user's word; the user's word, once there is one.
   bool is_under_review = false;

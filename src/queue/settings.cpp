@@ -23,13 +23,14 @@ constexpr NumberSetting number(std::string_view name, int missing, int off, int 
 
 }  // namespace
 
-const std::array<TextSetting, 3> text_settings = {{
+const std::array<TextSetting, 4> text_settings = {{
     {"types", &Settings::types, 3, "extensions of the files to take, such as \"avi;mkv\""},
     {"companions", &Settings::companions, 0, "endings of what goes with them, such as \"srt;nfo\""},
     {"leftovers", &Settings::leftovers, 1, "files that make no folder worth keeping"},
+    {"watched", &Settings::watched, 0, "folders that the window watches, a line each"},
 }};
 
-const std::array<NumberSetting, 13> number_settings = {{
+const std::array<NumberSetting, 14> number_settings = {{
     number<&Settings::context>("context", 0, 1, 2, NumberSetting::MeanOn, "2: entries in the file manager's menus"),
     number<&Settings::confirm>("confirm", 0, 0, 1, NumberSetting::MeanOn, "1: ask before each file operation"),
     number<&Settings::nocache>("nocache", 0, 0, 1, NumberSetting::MeanOn, "1: ask the service anew for everything"),
@@ -43,6 +44,7 @@ const std::array<NumberSetting, 13> number_settings = {{
                               "1: the window shows everything before it is done"),
     number<&Settings::tidy>("tidy", 0, 0, 1, NumberSetting::MeanOn, "1: emptied folders go to the trash"),
     number<&Settings::history>("history", 730, 730, 730, NumberSetting::Stay, "days for which undo is remembered"),
+    number<&Settings::watching>("watching", 0, 0, 1, NumberSetting::MeanOff, "1: the window watches them"),
     number<&Settings::settle>("settle", 30, 30, 30, NumberSetting::Stay,
                               "seconds that a watched file must stay as it is"),
 }};

@@ -29,6 +29,8 @@ struct Settings {
   bool tidy = false;       // folders that the last file was moved out of go to the trash
   bool verify = false;     // read back what is moved to another drive before its source goes
   int history = 730;       // days for which what was done to files is remembered
+  std::string watched;     // folders whose new files the window takes, a line each
+  bool watching = false;   // whether it does
   int settle = 30;         // seconds for which a file in a watched folder must stay as it is
   std::string work_dir;    // where rule files and caches live; ends in a separator; not among the stored values
 };
@@ -62,8 +64,8 @@ struct NumberSetting {
 
 /// All that is known about each preference, in the order in which they are stored: reading, writing, the command
 /// line, its help and the preferences dialog all follow from these two tables.
-extern const std::array<TextSetting, 3> text_settings;
-extern const std::array<NumberSetting, 13> number_settings;
+extern const std::array<TextSetting, 4> text_settings;
+extern const std::array<NumberSetting, 14> number_settings;
 
 /// The accepted extensions.
 inline const TextSetting& types_setting = text_settings[0];

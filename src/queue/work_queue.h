@@ -23,6 +23,9 @@ class WorkQueue {
   /// Whether exactly this path is queued; case matters.
   bool holds_path(std::string_view path) const { return paths_.contains(path); }
 
+  /// It may be queued again, for another file has it now.
+  void release(std::string_view path) { paths_.erase(path); }
+
   /// Appends an inactive item and gives its index.
   int append(std::string path, std::string filename) {
     QueueItem& item = items_.emplace_back();

@@ -121,6 +121,13 @@ void turn_exact_names(Session& session, bool on) {
   session.settings_store.write_number("exact", on ? 1 : 0);
 }
 
+void set_watched(Session& session, const std::vector<std::string>& folders, bool watching) {
+  session.settings.watched.clear();
+  for (const std::string& folder : folders) session.settings.watched += folder + "\n";
+  session.settings.watching = watching && !folders.empty();
+  session.settings_store.write_preferences(session.settings);
+}
+
 void turn_review_first(Session& session, bool on) {
   session.settings.review = on;
   session.settings_store.write_number("review", on ? 1 : 0);

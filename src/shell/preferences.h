@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "shell/session.h"
 
@@ -19,6 +20,9 @@ bool apply_preferences(Session& session, Settings wanted);
 /// Each turns one setting on or off, and stores nothing else.
 void turn_exact_names(Session& session, bool on);
 void turn_review_first(Session& session, bool on);
+
+/// The folders whose new files the window takes, and whether it does; it cannot without any. Stores that.
+void set_watched(Session& session, const std::vector<std::string>& folders, bool watching);
 
 /// What to tell after a pass in which this many names lost characters that exact names would have kept; empty when
 /// there is nothing to tell, or the user does not want to hear of it.

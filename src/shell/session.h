@@ -15,6 +15,7 @@
 #include "platform/context_menu.h"
 #include "platform/file_operation.h"
 #include "platform/files.h"
+#include "platform/folder_watch.h"
 #include "platform/key_value_store.h"
 #include "platform/socket_control.h"
 #include "platform/user_interface.h"
@@ -46,6 +47,7 @@ struct Ports {
   UserInterface& ui;
   Clock& clock;
   ContextMenu* context_menu = nullptr;  // null where the program has no entries in any menu
+  FolderWatch* folder_watch = nullptr;  // null where it watches no folders
 };
 
 /// Where a session finds things.

@@ -35,6 +35,14 @@ EmptyHint::EmptyHint(wxWindow* parent, Turn turn_exact_names, Turn turn_review_f
   Raise();
 }
 
+void EmptyHint::show(bool exact_names, bool review_first, bool watching) {
+  exact_names_->SetValue(exact_names);
+  review_first_->SetValue(review_first);
+  texts_.front()->SetLabelText(watching ? "Watching folders for new files. Drop files or folders here, too"
+                                        : "Drop files or folders here");
+  Layout();
+}
+
 wxCheckBox* EmptyHint::add_choice(wxSizer& sizer, const char* label, const char* name, const char* meaning, Turn turn) {
   auto* const box =
       new wxCheckBox(this, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);

@@ -18,10 +18,7 @@ class EmptyHint : public wxPanel {
   /// Each is called when the user ticks or clears its box.
   EmptyHint(wxWindow* parent, Turn turn_exact_names, Turn turn_review_first);
 
-  void show(bool exact_names, bool review_first) {
-    exact_names_->SetValue(exact_names);
-    review_first_->SetValue(review_first);
-  }
+  void show(bool exact_names, bool review_first, bool watching);
 
  private:
   wxCheckBox* add_choice(wxSizer& sizer, const char* label, const char* name, const char* meaning, Turn turn);

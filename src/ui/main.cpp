@@ -48,6 +48,7 @@ class App : public wxApp {
   std::unique_ptr<ContextMenu> context_menu_;
   std::unique_ptr<Launcher> launcher_;
   std::unique_ptr<InstanceChannel> channel_;
+  std::unique_ptr<FolderWatch> folder_watch_;
   std::optional<Session> session_;
   std::optional<Startup> startup_;
 };
@@ -67,8 +68,11 @@ void App::build() {
   launcher_ = system_launcher();
   channel_ = system_instance_channel(application_title, std::string(application_title) + " " + short_version);
 
+  folder_watch_ = system_folder_watch();
+
   frame_ = new MainFrame;
-  session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *web_, *frame_, *clock_, context_menu_.get()},
+  session_.emplace(Ports{*key_values_, *shell_, *files_, *socket_, *web_, *frame_, *clock_, context_menu_.get(),
+                         folder_watch_.get()},
                    Places{.application_data = application_data_folder(*files_),
                           .program = program_folder(),
                           .work_dir = {},

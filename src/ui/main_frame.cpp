@@ -195,6 +195,7 @@ void MainFrame::bind_commands() {
     turn_review_first(*session_, !session_->settings.review);
     show_settings();
   });
+  on(mnuWatch, [this] { queue_page_->show_watched(); });
   on(mnuHistory, [this] { queue_page_->show_history(); });
   on(mnuUndoPass, [this] {
     TabStrip1_->SetSelection(0);  // where the outcome is told

@@ -32,6 +32,7 @@ wxMenuBar* menu_bar() {
   add("&File", {{mnuOpen, "&Add File\tCtrl+O"}, {mnuStop, "&Stop\tEsc"}, separator, {mnuExit, "E&xit\tCtrl+Q"}});
   add("&Options", {{mnuPrefs, "&Preferences"},
                    {mnuReview, "&Review First\tCtrl+R", wxITEM_CHECK},
+                   {mnuWatch, "&Watch Folders\u2026"},
                    separator,
                    {mnuHistory, "&History\u2026\tCtrl+H"},
                    {mnuUndoPass, "&Undo Last Pass\tCtrl+Z"}});

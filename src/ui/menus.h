@@ -13,6 +13,7 @@ enum MenuCommand {
   mnuExit,
   mnuPrefs,
   mnuReview,
+  mnuWatch,
   mnuHistory,
   mnuUndoPass,
   mnuHelpGuide,

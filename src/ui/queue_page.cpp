@@ -19,11 +19,14 @@
 #include "ui/menus.h"
 #include "ui/show_dialog.h"
 #include "ui/text.h"
+#include "ui/watch_dialog.h"
 
 namespace quorvel::ui {
 namespace {
 
 constexpr std::size_t max_folders = 10;  // that are opened at once
+constexpr int watch_interval_ms = 1000;
+constexpr auto watch_patience = std::chrono::milliseconds(20);  // more, and the window would be felt to halt
 
 }  // namespace
 
@@ -86,10 +89,30 @@ QueuePage::QueuePage(wxWindow* parent, wxMenu& menu, wxMenu& review_menu, Window
     CallAfter([this] { item_strip_->look(); });
   };
   show_settings();
+  if (window_.session.ports.folder_watch == nullptr) return;
+  watching_.emplace(window_.session);
+  watch_timer_.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { watch(); });
+  watch_timer_.Start(watch_interval_ms);
+}
+
+/// What a dialog is open for may be about the very files.
+void QueuePage::watch() {
+  if (window_.life.is_unloading() || window_.stack.has_dialog() || has_no_time()) return;
+  const bool was_on = watching_->is_on();
+  const std::vector<int> again = watching_->tick(watch_patience);
+  if (watching_->is_on() != was_on) show_settings();
+  if (!again.empty()) window_.run({}, [&] { window_.session.processor.take_again(again, false); });
+}
+
+void QueuePage::show_watched() {
+  WatchDialog dialog(window_.stack.dialog_parent(*this), window_.session,
+                     [this](wxDialog& picker) { return window_.stack.show_modal(picker); });
+  if (window_.stack.show_modal(dialog) == wxID_OK) window_.show_settings();
 }
 
 void QueuePage::show_settings() {
-  hint_->show(window_.session.settings.exact, window_.session.settings.review);
+  const Settings& settings = window_.session.settings;
+  hint_->show(settings.exact, settings.review, settings.watching);
   review_->update();
   if (window_.session.settings.exact) bar_->close();
   item_strip_->look();

@@ -2,6 +2,7 @@
 
 #include <wx/menu.h>
 #include <wx/panel.h>
+#include <wx/timer.h>
 
 #include <functional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "shell/past_undoing.h"
 #include "shell/session.h"
 #include "shell/show_choice.h"
+#include "shell/watching.h"
 #include "ui/call_stack.h"
 #include "ui/empty_hint.h"
 #include "ui/item_strip.h"
@@ -70,12 +72,16 @@ class QueuePage : public wxPanel {
   /// An exception has been added for one of them.
   void exception_added();
 
+  /// Lets the user say which folders are watched.
+  void show_watched();
+
   // The history's.
 
   void show_history();
   void undo_last_pass();
 
  private:
+  void watch();
   void on_menu(const wxContextMenuEvent& event);
   ReviewPage* make_review(wxMenu& menu);
   void show_review(bool on);
@@ -102,6 +108,8 @@ class QueuePage : public wxPanel {
   const ShowChoice* choice_ = nullptr;  // while its dialog is open
   std::optional<ItemStrip> item_strip_;
   std::optional<PassReport> report_;
+  std::optional<Watching> watching_;
+  wxTimer watch_timer_;
 };
 
 }  // namespace quorvel::ui

@@ -106,6 +106,7 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
                                          {"review", 1},
                                          {"tidy", 1},
                                          {"history", 730},
+                                         {"watching", 1},
                                          {"settle", 30}}));
   EXPECT_EQ(session.log.level(), LogLevel::Verbose);
 

@@ -2,6 +2,8 @@
 
 #include "naming/file_names.h"
 #include "session_fixture.h"
+#include "shell/preferences.h"
+#include "shell/watching.h"
 #include "watch/watcher.h"
 
 namespace quorvel::testing {
@@ -139,6 +141,44 @@ TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
   EXPECT_EQ(watcher.known(), 1u);
   write("in/a.mkv", "the next one");
   EXPECT_EQ(after(2min), (Names{"in/a.mkv"}));
+}
+
+TEST(Watching, QueuesWhatIsReadyTriesAgainAndLeavesWhatIsTheUsers) {
+  TestSession test;
+  FakeNotices notices;
+  Ports ports = test.with(test.ui);
+  ports.folder_watch = &notices;
+  Session session(ports, test.places());
+  session.start();
+  Watching watching(session);
+  const auto minutes = [&](int count) {
+    std::vector<int> all;
+    for (int i = 0; i < count; ++i, test.clock.now += 1min) {
+      const std::vector<int> again = watching.tick(1h);
+      all.insert(all.end(), again.begin(), again.end());
+      session.processor.take_again(again, false);
+      session.processor.process_queue();
+    }
+    return all;
+  };
+  const auto state = [&](int index) { return session.queue.at(index).state; };
+  test.write("in/The.Harbour.Lights.S01E02.mkv", "x");
+  EXPECT_TRUE(minutes(3).empty() && !watching.is_on() && session.queue.count() == 0);
+  set_watched(session, {test.folder / "in"}, true);
+  test.service.works = [](const std::string& call) { return !call.starts_with("connect"); };
+  EXPECT_TRUE(minutes(3).empty() && watching.is_on());
+  EXPECT_EQ(state(1), QueueState::Failed);
+  test.service.works = [](const std::string&) { return true; };
+  EXPECT_EQ(minutes(3), std::vector{1}) << "the service is back";
+  EXPECT_EQ(state(1), QueueState::Done);
+  test.write("in/The.Harbour.Lights.S01E02.mkv", "another file of that name");
+  EXPECT_TRUE(minutes(3).empty());
+  EXPECT_EQ(session.queue.count(), 2);
+  session.undo.run(1);
+  EXPECT_TRUE(minutes(3).empty());
+  EXPECT_EQ(session.queue.count(), 2);
+  set_watched(session, {}, true);
+  EXPECT_TRUE(minutes(3).empty() && !watching.is_on() && !session.settings.watching);
 }
 
 }  // namespace
