@@ -171,6 +171,7 @@ TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
 TEST(NameMatch, NamesAreAsAlikeAsPeopleWriteThem) {
   const std::tuple<const char*, const char*, int> rows[] = {
       {"Marvel's Agents of S.H.I.E.L.D.", "marvels agents of shield", 90},
+      {"Marvel’s Ocean's `Five`", "marvels oceans five", 100},
       {"Pokémon", "pokemon", 100},
       {"Tom & Sons", "tom and sons", 100},
       {"The Office", "office", 95},
