@@ -1,6 +1,7 @@
 #include "cli/dry_run.h"
 
 #include <algorithm>
+#include <set>
 
 #include "naming/file_names.h"
 #include "platform/native.h"
@@ -41,7 +42,23 @@ std::optional<FileStamp> DryRun::stamp(const std::string& path) const {
 }
 
 bool DryRun::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
-  return real_.list(folder, entry);
+  const std::string below = with_separator(folder);
+  if (const Change* const changed = change(below); changed && changed->kind == Kind::Missing) return false;
+  std::set<std::string> real;
+  const bool is_listed = real_.list(folder, [&](const FolderEntry& each) {
+    real.insert(each.name);
+    const Change* const changed = change(below + each.name);
+    if (!changed || changed->kind != Kind::Missing) entry(each);
+  });
+  for (auto at = changes_.lower_bound(below); at != changes_.end() && at->first.starts_with(below); ++at) {
+    const auto& [path, changed] = *at;
+    const std::string name = path.substr(below.size());
+    if (changed.kind == Kind::Missing || real.contains(name) || name.find(native::separator) != std::string::npos) {
+      continue;
+    }
+    entry({name, changed.kind == Kind::Folder, false});
+  }
+  return is_listed || change(below) != nullptr;
 }
 
 std::optional<std::string> DryRun::read(const std::string& path) const {
@@ -70,6 +87,7 @@ bool DryRun::create_folder(const std::string& path) {
 int DryRun::perform(const FileOperationRequest& request) {
   const auto& [operation, source, destination, flags, temporary] = request;
   if (operation == FileOperationRequest::Delete) {
+    if ((flags & FileOperationRequest::AllowUndo) != 0) report_(source, std::string(native::trash_name));
     set(source, Kind::Missing);
     removed_folders_.push_back(with_separator(source));
     return 0;

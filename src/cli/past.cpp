@@ -69,7 +69,8 @@ bool undo_pass(Session& session, std::optional<int> wanted, bool json, Terminal&
       terminal.error_line("Not undone: " + outcome.trouble);
     } else {
       ++undone;
-      if (!is_dry_run && !json) terminal.out_line(undone_line(outcome));
+      // A dry run tells of everything else itself.
+      if (!json && (!is_dry_run || is_link(outcome.operation.deed))) terminal.out_line(undone_line(outcome));
     }
   }
   if (json) {

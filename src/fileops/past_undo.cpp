@@ -91,11 +91,12 @@ std::vector<PastUndo::Outcome> PastUndo::undo_group(std::vector<PastOperation> g
 
 std::string PastUndo::trouble_of(const PastOperation& operation) const {
   if (operation.new_path.empty()) return {};
-  const bool is_link = leaves_source(operation.deed) && operation.deed != Deed::Copied;
-  if (!files_.exists(operation.new_path) && !(is_link && files_.is_link(operation.new_path))) {
+  const bool is_there = files_.exists(operation.new_path) ||
+                        (operation.deed == Deed::SymbolicLinked && files_.is_link(operation.new_path));
+  if (!is_there) {
     return operation.new_path + " is not there any more";
   }
-  if (is_link) return jobs_.link_refusal(job_of(operation));
+  if (is_link(operation.deed)) return jobs_.link_refusal(job_of(operation));
   if (operation.deed != Deed::Copied && files_.exists(operation.old_path)) {
     return operation.old_path + " is there already";
   }
@@ -118,10 +119,9 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was made of");
       outcome.from = copied->old_path, outcome.to = copied->new_path;
       const std::optional<FileStamp> source = files_.stamp(outcome.from);
-      const bool is_link = copied->deed != Deed::Copied;
       if (!source || !operation.stamp ||
-          (is_link ? !source->same_file(*operation.stamp) : !source->may_be_copy_of(*operation.stamp))) {
-        throw Failure(outcome.from + " is not what was " + (is_link ? "linked" : "copied") + " any more");
+          (is_link(copied->deed) ? !source->same_file(*operation.stamp) : !source->may_be_copy_of(*operation.stamp))) {
+        throw Failure(outcome.from + " is not what was " + (is_link(copied->deed) ? "linked" : "copied") + " any more");
       }
       if (files_.exists(outcome.to)) throw Failure(outcome.to + " is there already");
       result = jobs_.run(job_between(outcome.from, outcome.to, static_cast<int>(copied->deed), operation));

@@ -28,9 +28,13 @@ enum class Deed : std::uint8_t {
   Made = 11
 };
 
+constexpr bool is_link(Deed deed) {
+  return deed == Deed::HardLinked || deed == Deed::SymbolicLinked;
+}
+
 /// Whether the file is where it was as well afterwards.
 constexpr bool leaves_source(Deed deed) {
-  return deed == Deed::Copied || deed == Deed::HardLinked || deed == Deed::SymbolicLinked;
+  return deed == Deed::Copied || is_link(deed);
 }
 
 /// One operation on a file, as the history has it.

@@ -13,7 +13,7 @@
 namespace quorvel {
 
 void Tidying::note(const QueueItem& item) {
-  if (!settings_.tidy || !files_.are_real() || item.action != MoveAndRename) return;
+  if (!settings_.tidy || item.action != MoveAndRename) return;
   const std::string own = getpath(item.path, 0);
   const std::string top = item.added.empty() ? own : item.added;
   left_.try_emplace(own, top);
@@ -51,7 +51,8 @@ bool Tidying::tidy(const std::string& folder) {
   if (!is_read || !is_tidy) return false;
   std::ranges::sort(leftovers);
   const bool done = jobs_.tidy(path, leftovers).done;
-  if (done) log_.debug_log("The folder " + path + " is in the " + std::string(native::trash_name), LogLevel::Normal);
+  const std::string where = files_.are_real() ? " is in the " : " goes to the ";
+  if (done) log_.debug_log("The folder " + path + where + std::string(native::trash_name), LogLevel::Normal);
   return done;
 }
 

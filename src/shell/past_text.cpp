@@ -109,8 +109,7 @@ std::string line_of(const PastOperation& operation) {
 }
 
 std::string undone_line(const PastUndo::Outcome& outcome) {
-  const Deed deed = outcome.operation.deed;
-  if (deed == Deed::HardLinked || deed == Deed::SymbolicLinked) return outcome.from + ": the link is removed";
+  if (is_link(outcome.operation.deed)) return outcome.from + ": the link is removed";
   return outcome.from + " -> " + (outcome.to.empty() ? std::string(native::trash_name) : outcome.to);
 }
 

@@ -195,7 +195,12 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
 
 TEST_F(Cli, MediaServersGetTheirFoldersAndNames) {
   files->create_folder(folder / "tv");
-  add({"The.Harbour.Lights.S01E02-E04.mkv", "The.Daily.Brief.2019.01.08.mkv"});
+  for (const char* const below : {"a", "b"}) files->create_folder(folder / "in" + native::separator + below);
+  add({"The.Harbour.Lights.S01E02-E04.mkv", "a/The.Daily.Brief.2019.01.08.mkv", "b/nothing.mkv"});
+  EXPECT_EQ(run({"-n", "--set", "tidy=1", "--exact", "--preset", "plex", "--to", "../tv", folder / "in"}), 1);
+  EXPECT_NE(out.find(folder / "in/a" + " -> " + std::string(native::trash_name) + "\n"), std::string::npos) << out;
+  EXPECT_EQ(out.find(folder / "in/b" + " -> "), std::string::npos);
+  files->remove(folder / "in/b/nothing.mkv");
   EXPECT_EQ(run({"--exact", "--preset", "plex", "--to", "../tv", "-w../work", folder / "in"}), 0) << error;
   EXPECT_EQ(
       contents(folder / "tv/The Harbour Lights (2015)/Season 01/The Harbour Lights (2015) - s01e02-e04 - The Pilot "
