@@ -88,6 +88,7 @@ void WatchDialog::pick() {
   wxDirDialog picker(this, "Select a folder to watch", wxString(), wxDD_DEFAULT_STYLE | wxDD_DIR_MUST_EXIST);
   if (show_modal_(picker) != wxID_OK) return;
   const std::string folder = path_from_wx(picker.GetPath());
+  if (folder.empty()) return;
   const auto known = std::ranges::find(folders_, folder);
   const auto place = static_cast<int>(known - folders_.begin());
   if (known == folders_.end()) {

@@ -33,6 +33,7 @@ struct TestPorts {
   FakeKeyValues key_values;
   std::unique_ptr<Files> files = system_files();
   std::unique_ptr<FileOperation> shell = system_file_operation({}, {});
+  std::unique_ptr<FolderWatch> folder_watch = system_folder_watch();
   FakeDesktop desktop{events};
   FakeListings service;
   FakeWeb web;
@@ -40,7 +41,9 @@ struct TestPorts {
   TestPorts() {
     for (const char* const name : {"data", "in", "program"}) files->create_folder(folder / name);
   }
-  Ports with(UserInterface& ui) { return {key_values, *shell, *files, service, web, ui, clock, &desktop}; }
+  Ports with(UserInterface& ui) {
+    return {key_values, *shell, *files, service, web, ui, clock, &desktop, folder_watch.get()};
+  }
   Places places() const { return {folder / "data", folder / "program", {}, service.base()}; }
 
   /// Makes a file, and the folders that it lacks.

@@ -49,7 +49,7 @@ TEST_F(TestWindow, MenusAndTabsHoldWhatBelongsThere) {
   EXPECT_EQ(
       all,
       "File: Add File|Stop|-|Exit\n"
-      "Options: Preferences|Review First|-|History\u2026|Undo Last Pass\n"
+      "Options: Preferences|Review First|Watch Folders\u2026|-|History\u2026|Undo Last Pass\n"
       "Help: Quorvel Help|Check For Updates|Quorvel Website|-|About Quorvel\n"
       "Filter List: Filter,Action,File Mask,Path|Move Up|Move Down|Add New|1Add Filter;Add Filter;Edit Filter|Remove "
       "Filter|-|Add Filter\n"
@@ -177,6 +177,28 @@ TEST_F(TestWindow, TheFileAndHelpMenusLeadOut) {
 
 // The dialogs.
 
+TEST_F(TestWindow, FilesOfWatchedFoldersComeIntoTheQueue) {
+  const std::string in = folder / "in", gone = folder / "gone";
+  key_values.texts["watched"] = in + "\n" + gone + "\n";
+  start();
+  on_dialog([](wxDialog& dialog) {
+    EXPECT_TRUE(shown(dialog).starts_with("Watch Folders: Folders:|Add\u2026|Remove|o Watch These Folders|"))
+        << shown(dialog);
+    find<wxListBox>(dialog, "folders").SetSelection(1);
+    press(dialog, "remove");
+    tick(dialog, "watch");
+    press(dialog, "OK");
+  });
+  command(ui::mnuWatch);
+  EXPECT_TRUE(key_values.texts["watched"] == in + "\n" && key_values.numbers["watching"] == 1);
+  file("The.Harbour.Lights.S01E02.mkv");
+  wait_until([this] {
+    clock.now += std::chrono::seconds(1);
+    return session->queue.count() == 1 && is_done(1);
+  });
+  EXPECT_TRUE(exists("in/The Harbour Lights - 1x02 - The Pilot Boat.mkv"));
+}
+
 TEST_F(TestWindow, EachPreferenceHasItsBox) {
   key_values.numbers["autoclose"] = 1;
   start();
@@ -215,7 +237,8 @@ TEST_F(TestWindow, EachPreferenceHasItsBox) {
     });
     command(ui::mnuPrefs);
     for (const auto& [name, number] : key_values.numbers) {
-      if (name != "history" && number > (name == "context" || name == "logging" ? 1U : 0U)) seen += ", " + name + " ";
+      if (name != "history" && name != "settle" && number > (name == "context" || name == "logging" ? 1U : 0U))
+        seen += ", " + name + " ";
     }
   }
   EXPECT_EQ(seen,
