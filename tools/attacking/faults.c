@@ -5,6 +5,7 @@
 //   ATTACK_AT=NUMBER of the call, from 1
 //   ATTACK_DO=fail ERRNO | full | short | signal NUMBER | pause MICROSECONDS; full: from that call on nothing is written
 //   ATTACK_LACKS=words of: exclusive (renaming), links, leases, reflinks, near (in and out are one file system)
+//   ATTACK_SPEED=NUMBER of seconds that seem to go by in one
 //   ATTACK_LOG=file that gets a line about the call that was hit
 #define _GNU_SOURCE
 #include <dirent.h>
@@ -20,6 +21,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
+#include <time.h>
 #include <unistd.h>
 
 #define REAL(type, name, ...) ((type(*)(__VA_ARGS__))dlsym(RTLD_NEXT, #name))
@@ -199,4 +201,17 @@ int ioctl(int file, unsigned long request, ...) {
   va_end(rest);
   if (request == FICLONE && lacks("reflinks")) FAIL(EOPNOTSUPP, -1);
   return REAL(int, ioctl, int, unsigned long, ...)(file, request, argument);
+}
+
+/// Only the time that is measured goes by faster; the day stays what it is.
+int clock_gettime(clockid_t which, struct timespec* now) {
+  static struct timespec began;
+  const int speed = atoi(setting("ATTACK_SPEED"));
+  const int status = (int)syscall(SYS_clock_gettime, which, now);
+  if (status != 0 || speed < 1 || which != CLOCK_MONOTONIC) return status;
+  if (began.tv_sec == 0) began = *now;
+  const long long passed = (now->tv_sec - began.tv_sec) * 1000000000LL + now->tv_nsec - began.tv_nsec;
+  now->tv_sec = began.tv_sec + passed * speed / 1000000000;
+  now->tv_nsec = passed * speed % 1000000000;
+  return 0;
 }

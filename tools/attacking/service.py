@@ -19,7 +19,7 @@ def right_answer(base, request):
 
 class HostileService:
     def __init__(self, base, seed):
-        self.base, self.rng, self.told = base, random.Random(seed), []
+        self.base, self.rng, self.told, self.kinds = base, random.Random(seed), [], KINDS
         self.listener = socket.create_server(("127.0.0.1", 0))
         self.address = "http://127.0.0.1:%d" % self.listener.getsockname()[1]
         self.thread = threading.Thread(target=self.serve, daemon=True)
@@ -46,7 +46,7 @@ class HostileService:
             request += got
         if request.startswith(b"STOP"):
             return False
-        kind = self.rng.choice(KINDS)
+        kind = self.rng.choice(self.kinds)
         self.told.append(f"{kind} for {request.split()[1].decode()}")
         answer = right_answer(self.base, request)
         header, _, body = answer.partition(b"\r\n\r\n")
