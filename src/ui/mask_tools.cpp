@@ -5,7 +5,6 @@
 
 #include <utility>
 
-#include "ui/desktop.h"
 #include "ui/text.h"
 
 namespace quorvel::ui {
@@ -38,14 +37,13 @@ void give_letters(const wxMenu& menu) {
 MaskTools::MaskTools(wxTextCtrl& box, bool in_folder, CallStack& stack, std::function<void(const Preset&)> on_preset)
     : wxPanel(box.GetParent()), box_(box), in_folder_(in_folder), on_preset_(std::move(on_preset)) {
   SetSizer(new wxBoxSizer(wxHORIZONTAL));
-  add_button("&Insert", in_folder ? "path_tokens" : "mask_tokens", &MaskTools::fill_tokens, stack);
-  add_button("Pre&set", in_folder ? "path_presets" : "mask_presets", &MaskTools::fill_presets, stack);
+  add_button("&Insert...", in_folder ? "path_tokens" : "mask_tokens", &MaskTools::fill_tokens, stack);
+  add_button("Pre&set...", in_folder ? "path_presets" : "mask_presets", &MaskTools::fill_presets, stack);
 }
 
 void MaskTools::add_button(const char* label, const char* name, void (MaskTools::*fill)(wxMenu&), CallStack& stack) {
-  auto* const button = new wxButton(this, wxID_ANY, wxString(label) + L" \u25BE", wxDefaultPosition, wxDefaultSize, 0,
-                                    wxDefaultValidator, name);
-  set_spoken_name(*button, wxControl::RemoveMnemonics(label).utf8_str());
+  auto* const button =
+      new wxButton(this, wxID_ANY, label, wxDefaultPosition, wxDefaultSize, 0, wxDefaultValidator, name);
   GetSizer()->Add(button, wxSizerFlags().Border(wxRIGHT));
   button->Bind(wxEVT_BUTTON, [this, button, fill, &stack](wxCommandEvent&) {
     wxMenu menu;

@@ -17,8 +17,7 @@ TEST_F(TestWindow, TheWizardShowsEachStepAndReadsItsControls) {
   const std::string folder = with_separator(with_native_separators("/tv")), rule = "|Copy & Rename|",
                     mask = "[show] - [s]x[ee] - [title]!";
   const std::string hints = "Conditions are not case sensitive.|Wildcards are supported. Leave blank for anything.|";
-  const std::string example =
-      "Insert \u25BE|Preset \u25BE|Example:|The.Harbour.Lights.2015.S01E02.1080p.WEB-DL-NTb.mkv|";
+  const std::string example = "Insert...|Preset...|Example:|The.Harbour.Lights.2015.S01E02.1080p.WEB-DL-NTb.mkv|";
   const std::string place = "It stands above \"Show Name Equals Anything\", which takes every file that is left.|";
   const std::string first = "Wizard: Step 1 - Filter Conditions|Specify the critera of this filter|";
   on_dialog([&](wxDialog& wizard) {
@@ -81,7 +80,7 @@ TEST_F(TestWindow, TheWizardShowsWhatAMaskMakesAndHelpsToWriteIt) {
     return all;
   };
   const auto seen = [](wxDialog& wizard) {
-    const std::string page = shown(*find(wizard, "field").GetGrandParent()), before = "Preset \u25BE|";
+    const std::string page = shown(*find(wizard, "field").GetGrandParent()), before = "Preset...|";
     return page.substr(page.find(before) + before.size());
   };
   const auto next = [](wxDialog& wizard) { press(wizard, "&Next "); };
