@@ -77,7 +77,7 @@ void PreviewPanel::show(const RulePreview& preview, bool has_folder) {
   show_value(*name_, preview.new_name);
   show_value(*folder_, preview.folder);
   show_note(*remark_, remark, remark_->GetClientSize().x);
-  if (std::exchange(said_, remark) != remark) announce(*remark_, remark);
+  if (std::exchange(said_, remark) != remark) announce(*this, remark);
 }
 
 }  // namespace quorvel::ui
