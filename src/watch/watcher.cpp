@@ -19,7 +19,7 @@ using Duration = Watcher::Duration;
 using Patience = Watcher::Patience;
 constexpr int no_end = std::numeric_limits<int>::max();
 constexpr Patience none{0ms, 0ms, 0};
-constexpr Patience until_it_passes{1min, 1h, no_end};  // a service or a drive that is away, a disk that is full
+constexpr Patience until_it_passes{1min, 1h, no_end};      // a service or a drive that is away, a disk that is full
 constexpr Patience while_the_service_learns{1h, 24h, 11};  // about a week
 
 Patience patience_with(const QueueItem& item, const Files& files) {
