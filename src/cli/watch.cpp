@@ -47,7 +47,7 @@ class Watching {
     while (console::interrupts() == 0) {
       if (const std::vector<ReadyFile> ready = watcher.ready(); !ready.empty()) {
         take(ready, watcher);
-      } else if (watcher.pause() > 0ms) {
+      } else if (watcher.pause() > Watcher::Duration::zero()) {
         notices_->wait(std::min<Watcher::Duration>(watcher.pause(), longest_wait));
         clock_->wait(breath);
       }

@@ -18,7 +18,7 @@ using Duration = Watcher::Duration;
 
 using Patience = Watcher::Patience;
 constexpr int no_end = std::numeric_limits<int>::max();
-constexpr Patience none{0ms, 0ms, 0};
+constexpr Patience none{Duration::zero(), Duration::zero(), 0};
 constexpr Patience until_it_passes{1min, 1h, no_end};      // a service or a drive that is away, a disk that is full
 constexpr Patience while_the_service_learns{1h, 24h, 11};  // about a week
 
@@ -81,9 +81,9 @@ std::vector<ReadyFile> Watcher::ready(Time::duration patience) {
 }
 
 Duration Watcher::pause() const {
-  if (!folders_left_.empty() || !files_left_.empty()) return 0ms;
+  if (!folders_left_.empty() || !files_left_.empty()) return Duration::zero();
   const Time next = due_.empty() ? next_round() : std::min(next_round(), due_.begin()->first);
-  return std::max(std::chrono::ceil<Duration>(next - parts_.clock.instant()), 0ms);
+  return std::max(std::chrono::ceil<Duration>(next - parts_.clock.instant()), Duration::zero());
 }
 
 void Watcher::ended(const QueueItem& item) {

@@ -34,7 +34,7 @@ struct WatcherTest : ::testing::Test, TestPorts {
     for (const auto until = clock.now + time;;) {
       for (const ReadyFile& each : watcher.ready()) names.push_back(each.path.substr(folder.path().size() + 1));
       const auto step = std::min<std::chrono::steady_clock::duration>(until - clock.now, watcher.pause());
-      if (step <= 0s) return names;
+      if (step <= step.zero()) return names;
       clock.now += step;
     }
   }
