@@ -231,14 +231,6 @@ std::string ReviewSheet::folder(int item) const {
   return parts_.queue.at(item).is_planned ? parts_.queue.at(item).dest_path : "";
 }
 
-std::string ReviewSheet::companions(int item) const {
-  std::string text;
-  for (const FileJob& each : parts_.queue.at(item).companions) {
-    text += (text.empty() ? "With " : "\nWith ") + each.filename + " as " + each.new_name;
-  }
-  return text;
-}
-
 bool ReviewSheet::moves(int item) const {
   const QueueItem& each = parts_.queue.at(item);
   return each.is_planned && each.dest_path != with_separator(getpath(each.path, 0));

@@ -82,8 +82,8 @@ class ReviewSheet {
   std::string numbers(int item) const;
   /// Where the file goes; empty where that is not known.
   std::string folder(int item) const;
-  /// What goes along: "With a.en.srt as b.en.srt", a line each.
-  std::string companions(int item) const;
+  /// What goes along.
+  const std::vector<FileJob>& companions(int item) const { return parts_.queue.at(item).companions; }
   /// Whether that is another one than where it is.
   bool moves(int item) const;
 

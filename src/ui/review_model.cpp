@@ -62,6 +62,26 @@ ReviewModel::Tree ReviewModel::wanted(ReviewSheet::Filter filter) {
   return tree;
 }
 
+ReviewModel::Nodes ReviewModel::companions_of(Node& file) {
+  Nodes nodes;
+  const int count = static_cast<int>(sheet_.companions(file.item).size());
+  for (int i = 0; i < count; ++i) {
+    Node& node = companion_nodes_[{file.item, i}];
+    node.item = file.item;
+    node.companion = i;
+    node.parent = &file;
+    nodes.push_back(&node);
+  }
+  return nodes;
+}
+
+void ReviewModel::show(Node& file, Node& group) {
+  file.parent = &group;
+  file.looks = looks_of(file);
+  file.children = companions_of(file);
+  for (Node* const companion : file.children) companion->looks = looks_of(*companion);
+}
+
 /// Whether what is shown is a beginning of it, in each group and as a whole.
 bool ReviewModel::extends(const Tree& tree) const {
   if (shown_.children.empty() || shown_.children.size() > tree.size()) return false;
@@ -70,6 +90,10 @@ bool ReviewModel::extends(const Tree& tree) const {
     const Nodes& known = group->children;
     if (shown_.children[i] != group || known.size() > files.size()) return false;
     if (!std::equal(known.begin(), known.end(), files.begin())) return false;
+    const auto is_as_before = [this](const Node* file) {
+      return file->children.size() == sheet_.companions(file->item).size();
+    };
+    if (!std::ranges::all_of(known, is_as_before)) return false;
   }
   return true;
 }
@@ -83,10 +107,10 @@ void ReviewModel::append(const Tree& tree) {
       ItemAdded(wxDataViewItem(), row_of(group));
     }
     for (std::size_t at = group->children.size(); at < files.size(); ++at) {
-      files[at]->group = group;
-      files[at]->looks = looks_of(*files[at]);
+      show(*files[at], *group);
       group->children.push_back(files[at]);
       ItemAdded(row_of(group), row_of(files[at]));
+      if (!files[at]->children.empty()) ItemsAdded(row_of(files[at]), items_of(files[at]->children));
     }
   }
 }
@@ -97,10 +121,7 @@ void ReviewModel::replace(const Tree& tree) {
   for (const auto& [group, files] : tree) {
     shown_.children.push_back(group);
     group->children = files;
-    for (Node* const file : files) {
-      file->group = group;
-      file->looks = looks_of(*file);
-    }
+    for (Node* const file : files) show(*file, *group);
     group->looks = looks_of(*group);
   }
   Cleared();
@@ -116,7 +137,10 @@ void ReviewModel::tell_changes() {
   };
   for (Node* const group : shown_.children) {
     look_at(group);
-    for (Node* const file : group->children) look_at(file);
+    for (Node* const file : group->children) {
+      look_at(file);
+      for (Node* const companion : file->children) look_at(companion);
+    }
   }
   if (!changed.empty()) ItemsChanged(changed);
 }
@@ -129,6 +153,8 @@ std::string ReviewModel::looks_of(const Node& node) const {
            std::to_string(items.size());
   }
   if (!sheet_.holds(node.item)) return {};
+  if (node.companion >= 0)
+    return companion_text(node, NewName).utf8_string() + companion_text(node, Folder).utf8_string();
   return sheet_.new_name(node.item) + separator + sheet_.folder(node.item) + separator + sheet_.numbers(node.item) +
          separator + sheet_.mark_text(node.item) + (sheet_.is_ticked(node.item) ? "x" : "o");
 }
@@ -149,8 +175,8 @@ wxDataViewItemArray ReviewModel::items_of(const Nodes& nodes) {
 
 wxDataViewItem ReviewModel::row_of(int item) const {
   const auto at = file_nodes_.find(item);
-  if (at == file_nodes_.end() || at->second.group == nullptr) return {};
-  const Nodes& shown = at->second.group->children;
+  if (at == file_nodes_.end() || at->second.parent == nullptr) return {};
+  const Nodes& shown = at->second.parent->children;
   const auto found = std::ranges::find(shown, &at->second);
   return found == shown.end() ? wxDataViewItem() : row_of(*found);
 }
@@ -189,13 +215,16 @@ void ReviewModel::GetValue(wxVariant& value, const wxDataViewItem& row, unsigned
                            : is_there && sheet_.is_ticked(node.item);
     return;
   }
-  const wxString cell = node.item == 0 ? group_text(node, column) : is_there ? text(node.item, column) : wxString();
+  const wxString cell = node.item == 0        ? group_text(node, column)
+                        : !is_there           ? wxString()
+                        : node.companion >= 0 ? companion_text(node, column)
+                                              : text(node.item, column);
   if (column != Status) {
     value = cell;
     return;
   }
   wxDataViewIconText marked(cell);
-  if (node.item > 0 && is_there) marked.SetBitmapBundle(icon(node.item));
+  if (node.item > 0 && node.companion < 0 && is_there) marked.SetBitmapBundle(icon(node.item));
   value << marked;
 }
 
@@ -233,6 +262,22 @@ wxString ReviewModel::text(int item, unsigned column) const {
   }
 }
 
+wxString ReviewModel::companion_text(const Node& node, unsigned column) const {
+  const std::vector<FileJob>& companions = sheet_.companions(node.item);
+  if (node.companion >= static_cast<int>(companions.size())) return {};
+  const FileJob& job = companions[static_cast<std::size_t>(node.companion)];
+  switch (column) {
+    case OldName:
+      return to_wx(job.filename);
+    case NewName:
+      return marked_changes(job.filename, job.new_name);
+    case Folder:
+      return to_wx(job.dest_path);
+    default:
+      return {};
+  }
+}
+
 const wxBitmapBundle& ReviewModel::icon(int item) const {
   const Need need = need_of(sheet_.mark(item));
   const RowUpdate::Icon icon = need == Need::Nothing    ? RowUpdate::DoneIcon
@@ -247,14 +292,20 @@ bool ReviewModel::GetAttr(const wxDataViewItem& row, unsigned column, wxDataView
   return true;
 }
 
+/// What goes along has no box of its own.
+bool ReviewModel::HasValue(const wxDataViewItem& row, unsigned column) const {
+  return !is_companion(row) || column == OldName || column == NewName || column == Folder;
+}
+
 bool ReviewModel::IsEnabled(const wxDataViewItem& row, unsigned column) const {
   if (column != Tick) return true;
   const Node& node = node_of(row);
-  return node.item == 0 ? !tickable(node).empty() : sheet_.holds(node.item) && sheet_.may_tick(node.item);
+  return node.item == 0 ? !tickable(node).empty()
+                        : node.companion < 0 && sheet_.holds(node.item) && sheet_.may_tick(node.item);
 }
 
 wxDataViewItem ReviewModel::GetParent(const wxDataViewItem& row) const {
-  return row.IsOk() && node_of(row).group != nullptr ? row_of(node_of(row).group) : wxDataViewItem();
+  return row.IsOk() && node_of(row).parent != nullptr ? row_of(node_of(row).parent) : wxDataViewItem();
 }
 
 unsigned ReviewModel::GetChildren(const wxDataViewItem& row, wxDataViewItemArray& children) const {

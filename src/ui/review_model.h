@@ -12,7 +12,8 @@
 
 namespace quorvel::ui {
 
-/// The review's sheet as a tree: a row for each show, and below it one for each of its files.
+/// The review's sheet as a tree: a row for each show, below it one for each of its files, and below that what goes
+/// along.
 class ReviewModel : public wxDataViewModel {
  public:
   enum Column : std::uint8_t { Tick, OldName, NewName, Numbers, Folder, Status };
@@ -35,8 +36,9 @@ class ReviewModel : public wxDataViewModel {
   wxDataViewItemArray groups() const { return items_of(shown_.children); }
   /// Not ok while the item is not shown.
   wxDataViewItem row_of(int item) const;
-  /// 0 for a group's row.
+  /// 0 for a group's row; for that of a companion its file's.
   static int item_of(const wxDataViewItem& row) { return row.IsOk() ? node_of(row).item : 0; }
+  static bool is_companion(const wxDataViewItem& row) { return row.IsOk() && node_of(row).companion >= 0; }
   /// The file's own, or those below the group; those that are shown.
   static std::vector<int> files_of(const wxDataViewItem& row);
 
@@ -49,16 +51,20 @@ class ReviewModel : public wxDataViewModel {
   bool GetAttr(const wxDataViewItem& row, unsigned column, wxDataViewItemAttr& attributes) const override;
   bool IsEnabled(const wxDataViewItem& row, unsigned column) const override;
   bool HasContainerColumns(const wxDataViewItem&) const override { return true; }
+  bool HasValue(const wxDataViewItem& row, unsigned column) const override;
   bool HasDefaultCompare() const override { return false; }
   wxDataViewItem GetParent(const wxDataViewItem& row) const override;
-  bool IsContainer(const wxDataViewItem& row) const override { return item_of(row) == 0; }
+  bool IsContainer(const wxDataViewItem& row) const override {
+    return item_of(row) == 0 || !node_of(row).children.empty();
+  }
   unsigned GetChildren(const wxDataViewItem& row, wxDataViewItemArray& children) const override;
 
  private:
   /// A row. They are kept for good, for the control may still ask for one that is gone.
   struct Node {
     int item = 0;
-    Node* group = nullptr;
+    int companion = -1;  // which of the item's, for that one's row
+    Node* parent = nullptr;
     std::vector<Node*> children;  // that are shown
     std::string read_as, found;   // of a group
     std::string looks;            // what was last told to the control
@@ -71,6 +77,8 @@ class ReviewModel : public wxDataViewModel {
 
   using Tree = std::vector<std::pair<Node*, Nodes>>;
   Tree wanted(ReviewSheet::Filter filter);
+  Nodes companions_of(Node& file);
+  void show(Node& file, Node& group);
   bool extends(const Tree& tree) const;
   void append(const Tree& tree);
   void replace(const Tree& tree);
@@ -80,13 +88,15 @@ class ReviewModel : public wxDataViewModel {
   int ticked(const std::vector<int>& items) const;
   wxString group_text(const Node& node, unsigned column) const;
   wxString text(int item, unsigned column) const;
+  wxString companion_text(const Node& node, unsigned column) const;
   const wxBitmapBundle& icon(int item) const;
 
   const ReviewSheet& sheet_;
   const wxVector<wxBitmapBundle> icons_;
   std::map<std::string, Node> group_nodes_;
   std::map<int, Node> file_nodes_;
-  Node shown_;  // the groups' parent, which is no row
+  std::map<std::pair<int, int>, Node> companion_nodes_;  // by file and number
+  Node shown_;                                           // the groups' parent, which is no row
 };
 
 }  // namespace quorvel::ui

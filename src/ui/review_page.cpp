@@ -199,7 +199,7 @@ std::string ReviewPage::tip(int item) const {
   if (const std::string name = sheet_.new_name(item); !name.empty()) {
     text.append("\n").append(sheet_.folder(item)).append(name);
   }
-  if (const std::string along = sheet_.companions(item); !along.empty()) text += "\n" + along;
+  for (const FileJob& each : sheet_.companions(item)) text += "\nWith " + each.filename + " as " + each.new_name;
   return text;
 }
 

@@ -117,7 +117,7 @@ void ReviewTree::show(ReviewSheet::Filter filter) {
   const wxDataViewItem top = known > 0 ? control_->GetTopItem() : wxDataViewItem();
   if (model_->update(filter)) {
     const wxDataViewItemArray groups = model_->groups();
-    for (std::size_t i = known; i < groups.size(); ++i) control_->Expand(groups[i]);
+    for (std::size_t i = known; i < groups.size(); ++i) control_->ExpandChildren(groups[i]);
   } else {
     rebuild(top);
   }
@@ -139,14 +139,20 @@ void ReviewTree::rebuild(const wxDataViewItem& top) {
   const wxDataViewItemArray groups = model_->groups();
   if (groups.empty()) return;
   for (const wxDataViewItem& group : groups) {
-    if (!closed_.contains(group.GetID())) control_->Expand(group);
+    if (!closed_.contains(group.GetID())) control_->ExpandChildren(group);
   }
   const auto is_there = [&](const wxDataViewItem& row) {
     const int item = ReviewModel::item_of(row);
     return item > 0 ? model_->row_of(item).IsOk() : std::ranges::find(groups, row) != groups.end();
   };
+  for (void* const closed : closed_) {
+    if (const wxDataViewItem row(closed); is_there(row)) control_->Collapse(row);
+  }
   wxDataViewItemArray rows;
-  std::ranges::copy_if(chosen_, std::back_inserter(rows), is_there);
+  for (const wxDataViewItem& each : chosen_) {
+    const wxDataViewItem row = ReviewModel::is_companion(each) ? model_->GetParent(each) : each;
+    if (is_there(row)) rows.push_back(row);
+  }
   if (rows.empty()) rows.push_back(groups.front());  // where the keyboard begins
   control_->SetCurrentItem(rows.front());
   control_->SetSelections(rows);
@@ -254,12 +260,13 @@ void ReviewTree::select_all() {
   actions_.on_select();
 }
 
-/// Opens or closes the group that the keyboard is in; systems differ in the keys for that.
+/// Opens or closes the row that the keyboard is in, or goes to the one above it; systems differ in the keys for that.
 void ReviewTree::open_group(bool on) {
   const wxDataViewItem row = control_->GetCurrentItem();
   if (!row.IsOk()) return;
-  if (ReviewModel::item_of(row) == 0) return on ? control_->Expand(row) : control_->Collapse(row);
-  if (on) return;
+  const bool is_open = model_->IsContainer(row) && control_->IsExpanded(row);
+  if (on) return control_->Expand(row);
+  if (is_open || ReviewModel::item_of(row) == 0) return control_->Collapse(row);
   wxDataViewItemArray group;
   group.push_back(model_->GetParent(row));
   choose(group);

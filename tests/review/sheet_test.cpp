@@ -88,8 +88,8 @@ TEST_F(Review, ShowsWhatGoesAlongAndItsTroubleIsTheRows) {
   const std::string stem = "the.harbour.lights.1x01", srt = stem + ".en.srt";
   write("in/" + srt, "words"), write("in/mine.en.srt", "in the way");
   take({stem + ".mkv"});
-  EXPECT_EQ(sheet.mark_text(1) + "|" + sheet.companions(1),
-            "Ready, with 1 more|With " + srt + " as The Harbour Lights - 1x01 - Slack Water.en.srt");
+  EXPECT_EQ(sheet.mark_text(1) + "|" + sheet.companions(1).at(0).new_name,
+            "Ready, with 1 more|The Harbour Lights - 1x01 - Slack Water.en.srt");
   EXPECT_EQ(sheet.rename(1, "mine"), "");
   EXPECT_EQ(sheet.mark_text(1) + "|" + sheet.reason(1), "Target exists|" + (folder / ("in/" + srt)) +
                                                             " cannot go along: " + (folder / "in/mine.en.srt") +

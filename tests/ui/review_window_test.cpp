@@ -27,7 +27,7 @@ class ReviewWindow : public TestWindow {
   ui::ReviewTree& tree() const { return find<ui::ReviewTree>(*frame, "review_tree"); }
   std::string text(const char* name) const { return from_wx(find(*frame, name).GetLabel()); }
   std::string details() const { return from_wx(find<wxTextCtrl>(*frame, "review_details").GetValue()); }
-  /// The cells of its rows, those of a group after "#".
+  /// The cells of its rows, those of a group after "#", those of what goes along after "+".
   std::string sheet() const {
     ReviewModel& model = tree().model();
     std::string all;
@@ -47,7 +47,12 @@ class ReviewWindow : public TestWindow {
       all += "#", add(group);
       wxDataViewItemArray files;
       model.GetChildren(group, files);
-      for (const wxDataViewItem& row : files) add(row);
+      for (const wxDataViewItem& row : files) {
+        add(row);
+        wxDataViewItemArray companions;
+        model.GetChildren(row, companions);
+        for (const wxDataViewItem& companion : companions) all += "+", add(companion);
+      }
     }
     return all;
   }
@@ -62,14 +67,17 @@ class ReviewWindow : public TestWindow {
 
 TEST_F(ReviewWindow, NamesAndEpisodesAreCorrectedInPlaceAndTickedFilesAppliedAndUndone) {
   start_review({first, second, "harbour.lights.s01e99.avi"});
+  session->settings.companions = "srt";
+  file("harbour.lights.s01e02.en.srt");
   wxUIActionSimulator keyboard;
   run_pass();
   wait_until([&] { return is_shown() && !list(1).IsShown(); });
-  EXPECT_EQ(sheet(),
-            "#x harbour lights|The Harbour Lights||2 of 3 files;x " + first +
-                "|<b>The</b> Harbour Lights - <b>1x01 - Slack Water</b>.avi|1x01|Ready;x " + second +
-                "|<b>The</b> Harbour Lights - <b>1x02 - The Pilot Boat</b>.avi|1x02|Ready;o harbour.lights.s01e99.avi||"
-                "1x99|Episode unknown;");
+  EXPECT_EQ(sheet(), "#x harbour lights|The Harbour Lights||2 of 3 files;x " + first +
+                         "|<b>The</b> Harbour Lights - <b>1x01 - Slack Water</b>.avi|1x01|Ready;x " + second +
+                         "|<b>The</b> Harbour Lights - <b>1x02 - The Pilot Boat</b>.avi|1x02|Ready, with 1 more;+x "
+                         "harbour.lights.s01e02.en.srt|<b>The</b> Harbour Lights - <b>1x02 - The Pilot "
+                         "Boat</b>.en.srt||;o harbour.lights.s01e99.avi||"
+                         "1x99|Episode unknown;");
   EXPECT_EQ(text("heading"), "3 files, 2 ready, 1 problem");
   EXPECT_TRUE(exists("in/" + first) && exists("in/" + second));
 
