@@ -1,5 +1,6 @@
 #include "queue/duplicates.h"
 
+#include <compare>
 #include <utility>
 
 #include "naming/file_names.h"
@@ -82,15 +83,15 @@ bool Duplicates::keep_better(QueueItem& item) {
     item.error_text = existing + " is there already, and the names do not tell which of the two is better";
     return false;
   }
-  if (order > 0) {
+  if (std::is_gt(order)) {
     item.replaces = true;
     for (FileJob& companion : item.companions) companion.replaces = true;
     log_.debug_log(existing + " is there already, but the new file is better", LogLevel::Normal);
     return true;
   }
-  const std::string as_good = existing + (order < 0 ? " is there already and is better" : " is there already, as good");
+  const std::string as_good = existing + (std::is_lt(order) ? " is there already and is better" : " is there already, as good");
   // The user's word is wanted for what is done, and for this there is no question.
-  if (order == 0 || !takes_source(item.action) || settings_.confirm) return leave(item, as_good);
+  if (std::is_eq(order) || !takes_source(item.action) || settings_.confirm) return leave(item, as_good);
   const FileJobResult result = jobs_.discard(job_of(item));
   if (!result.done) {
     item.error_text = as_good + ", but the file cannot be put into the trash: " + result.error_text.value_or("");

@@ -16,6 +16,7 @@
 #include "platform/linux/descriptor.h"
 #include "platform/linux/exclusive_rename.h"
 #include "platform/linux/folders.h"
+#include "platform/linux/gio_support.h"
 #include "platform/native.h"
 #include "platform/system.h"
 
@@ -25,23 +26,6 @@ namespace {
 /// A NUL would cut the path off, and what is left would name another file.
 bool is_path(const std::string& text) {
   return !text.empty() && text.find('\0') == std::string::npos;
-}
-
-int errno_of(const GError& error) {
-  // GIO knows fewer codes than the system, but where an errno value stood behind the error, its text ends the message.
-  const std::string_view message = error.message;
-  int any = EIO;
-  for (int code = 133; code > 0; --code) {
-    if (static_cast<int>(g_io_error_from_errno(code)) != error.code) continue;
-    if (message.ends_with(g_strerror(code))) return code;
-    if (error.code != G_IO_ERROR_FAILED) any = code;
-  }
-  return any;
-}
-
-GFile* local_file(const std::string& path) {
-  // The local implementation by name, for the default one may ask a service on the message bus.
-  return g_vfs_get_file_for_path(g_vfs_get_local(), path.c_str());
 }
 
 bool is_same_state(const struct stat& before, const struct stat& after) {
@@ -61,21 +45,6 @@ int find_vacant(const std::string& path) {
   struct stat found {};
   if (lstat(path.c_str(), &found) == 0) return EEXIST;
   return errno == ENOENT ? 0 : errno;
-}
-
-bool can_trash(const std::string& path) {
-  g_autoptr(GFile) file = local_file(path);
-  g_autoptr(GFileInfo) info =
-      g_file_query_info(file, G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH, G_FILE_QUERY_INFO_NOFOLLOW_SYMLINKS, nullptr, nullptr);
-  return info != nullptr && g_file_info_get_attribute_boolean(info, G_FILE_ATTRIBUTE_ACCESS_CAN_TRASH) != FALSE;
-}
-
-int trash(const std::string& path) {
-  g_autoptr(GFile) file = local_file(path);
-  g_autoptr(GError) error = nullptr;
-  if (g_file_trash(file, nullptr, &error) != FALSE) return 0;
-  const bool no_trash = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_NOT_SUPPORTED) != FALSE;
-  return no_trash ? native::no_trash_code : errno_of(*error);
 }
 
 /// The name that a file is to get in the end.
