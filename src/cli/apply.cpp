@@ -35,16 +35,16 @@ bool apply_plan(Session& session, const std::string& file, bool json, Hooks& hoo
     done += is_done ? 1 : 0;
     replace_all(trouble, "\r\n", "; ");
     if (json) {
-      terminal.out_line(JsonObject()
-                            .text("path", job.path)
-                            .text("state", !is_done  ? "failed"
-                                           : is_real ? "done"
-                                                     : "planned")
-                            .text("new_path", job.destination())
-                            .text("action", action_word(job.action))
-                            .objects("companions", companions_of(job.companions))
-                            .text("reason", trouble)
-                            .line());
+      terminal.data_line(JsonObject()
+                             .text("path", job.path)
+                             .text("state", !is_done  ? "failed"
+                                            : is_real ? "done"
+                                                      : "planned")
+                             .text("new_path", job.destination())
+                             .text("action", action_word(job.action))
+                             .objects("companions", companions_of(job.companions))
+                             .text("reason", trouble)
+                             .line());
     } else if (is_done && is_real) {
       for (const FileJob& each : job.companions) terminal.out_line(each.path + " -> " + each.destination());
       terminal.out_line(job.path + " -> " + job.destination());
@@ -55,6 +55,12 @@ bool apply_plan(Session& session, const std::string& file, bool json, Hooks& hoo
   };
   session.batch.run(plan, tell);
   hooks.pass_ended();
+  if (json) {
+    const JsonObject counts = JsonObject()
+                                  .number(is_real ? "done" : "planned", static_cast<int>(done))
+                                  .number("failed", static_cast<int>(plan.size() - done));
+    terminal.data_line(JsonObject().object("summary", counts).line());
+  }
   terminal.error_line(std::to_string(done) + " done, " + std::to_string(plan.size() - done) + " failed");
   return !plan.empty() && done == plan.size();
 }

@@ -46,7 +46,7 @@ void tell_history(Session& session, int count, bool json, Terminal& terminal) {
   for (const PastPass& pass : passes) {
     if (!json) terminal.out_line(summary(pass, session.ports.clock));
     for (const PastOperation& operation : pass.operations) {
-      terminal.out_line(json ? json_of(operation, session.ports.clock) : "  " + line_of(operation));
+      json ? terminal.data_line(json_of(operation, session.ports.clock)) : terminal.out_line("  " + line_of(operation));
     }
   }
 }
@@ -63,7 +63,7 @@ bool undo_pass(Session& session, std::optional<int> wanted, bool json, Terminal&
   const bool is_dry_run = !session.ports.files.are_real();
   for (const PastUndo::Outcome& outcome :
        session.past_undo.undo(pass->operations, [] { return console::interrupts() == 0; })) {
-    if (json) terminal.out_line(json_of(outcome, is_dry_run));
+    if (json) terminal.data_line(json_of(outcome, is_dry_run));
     if (!outcome.trouble.empty()) {
       ++refused;
       terminal.error_line("Not undone: " + outcome.trouble);
@@ -75,7 +75,7 @@ bool undo_pass(Session& session, std::optional<int> wanted, bool json, Terminal&
   }
   if (json) {
     const JsonObject counts = JsonObject().number(is_dry_run ? "planned" : "undone", undone).number("refused", refused);
-    terminal.out_line(JsonObject().object("summary", counts).line());
+    terminal.data_line(JsonObject().object("summary", counts).line());
   }
   terminal.error_line(summary(*pass, session.ports.clock) + ": " + std::to_string(undone) + " of " +
                       std::to_string(wanted_count) + " undone");

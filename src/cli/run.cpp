@@ -106,7 +106,7 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
     terminal.error_line(item.path + ": " + why);
   }
   const int left = queue.count() - result.all();
-  if (options.json) terminal.out_line(json_of(result, left, options.dry_run));
+  if (options.json) terminal.data_line(json_of(result, left, options.dry_run));
   terminal.error_line(
       std::to_string(result.done()) + " done, " + std::to_string(result.failed) + " failed, " +
       std::to_string(result.cancelled) + " cancelled" +
@@ -148,7 +148,7 @@ void prepare(Session& session, const Options& options, Hooks& hooks, TerminalUi&
   session.exact.show_of_all = options.show_id;
   session.exact.forgets_choices = options.forget;
   session.processor.on_ended = [&](const QueueItem& item) {
-    if (options.json) terminal.out_line(json_of(item, options.dry_run));
+    if (options.json) terminal.data_line(json_of(item, options.dry_run));
     hooks.item_ended(item);
   };
   session.processor.on_pass_ended = [&] { hooks.pass_ended(); };

@@ -22,6 +22,9 @@ class Terminal {
   void out_line(std::string_view text);
   void error_line(std::string_view text);
 
+  /// On standard output, for programs; it is kept nowhere.
+  void data_line(std::string_view text) { show(text, false); }
+
   /// One of the log, which begins with its time in brackets.
   void log_line(std::string_view text, bool as_error);
 

@@ -108,7 +108,7 @@ class Watching {
       replace_all(text, "\n", "; ");
       if (!item.is_right_already) session.log.debug_log(item.path + text, LogLevel::Normal);
     }
-    if (options_.json) terminal_.out_line(json_of(result, session.queue.count() - result.all(), false));
+    if (options_.json) terminal_.data_line(json_of(result, session.queue.count() - result.all(), false));
   }
 
   const Options& options_;

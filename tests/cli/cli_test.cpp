@@ -177,7 +177,9 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
                      "\"stamp\":\"\"}\n{\"summary\":{\"planned\":1,\"failed\":0,\"cancelled\":0,\"not processed\":0,"
                      "\"right already\":0}}\n");
   EXPECT_TRUE(run({"--apply", "../plan", "-n", "--json", "-w../work"}) == 0 &&
-              out == expected + ",\"action\":\"rename\",\"companions\":[],\"reason\":null}\n");
+              out == expected +
+                         ",\"action\":\"rename\",\"companions\":[],\"reason\":null}\n{\"summary\":{\"planned\":1,"
+                         "\"failed\":0}}\n");
   EXPECT_EQ(run({"--apply", "../plan", "-w../work"}), 0);
   EXPECT_EQ(contents(folder / ("in/" + name)), both);
   EXPECT_EQ(run({"--undo", "-w../work"}), 0);
