@@ -183,11 +183,11 @@ void Watcher::tell(const std::string& folder, const std::string& trouble) {
 void Watcher::end_round() {
   is_in_round_ = false;
   std::vector<std::string> gone;
-  for (const auto& [path, known] : known_) {
-    if (known.round == round_) continue;
+  for (const auto& each : known_) {
+    if (each.second.round == round_) continue;
     const bool may_be_there =
-        std::ranges::any_of(unread_, [&](const std::string& folder) { return path.starts_with(folder); });
-    if (!may_be_there) gone.push_back(path);
+        std::ranges::any_of(unread_, [&](const std::string& folder) { return each.first.starts_with(folder); });
+    if (!may_be_there) gone.push_back(each.first);
   }
   for (const std::string& path : gone) forget(path);
   own_before_ = std::exchange(own_, {});
