@@ -89,7 +89,8 @@ bool Duplicates::keep_better(QueueItem& item) {
     log_.debug_log(existing + " is there already, but the new file is better", LogLevel::Normal);
     return true;
   }
-  const std::string as_good = existing + (std::is_lt(order) ? " is there already and is better" : " is there already, as good");
+  const std::string as_good =
+      existing + (std::is_lt(order) ? " is there already and is better" : " is there already, as good");
   // The user's word is wanted for what is done, and for this there is no question.
   if (std::is_eq(order) || !takes_source(item.action) || settings_.confirm) return leave(item, as_good);
   const FileJobResult result = jobs_.discard(job_of(item));

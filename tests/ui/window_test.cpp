@@ -182,8 +182,7 @@ TEST_F(TestWindow, FilesOfWatchedFoldersComeIntoTheQueue) {
   key_values.texts["watched"] = in + "\n" + gone + "\n";
   start();
   on_dialog([](wxDialog& dialog) {
-    EXPECT_TRUE(shown(dialog).starts_with("Watch Folders: Folders:|Add\u2026|Remove|o Watch These Folders|"))
-        << shown(dialog);
+    EXPECT_TRUE(shown(dialog).find("|Add\u2026|Remove|o Watch These Folders|") != std::string::npos) << shown(dialog);
     find<wxListBox>(dialog, "folders").SetSelection(1);
     press(dialog, "remove");
     tick(dialog, "watch");

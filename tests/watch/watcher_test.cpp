@@ -28,11 +28,15 @@ struct WatcherTest : ::testing::Test, TestPorts {
   Lines log;
   Watcher watcher{{settings, *files, clock, notices, log}, {folder / "in", folder / "later"}};
 
+  std::string path(const std::string& name) const { return with_native_separators(folder / name); }
   /// What is ready when that much time has gone by, with every look around that is due until then.
   Names after(std::chrono::milliseconds time) {
     Names names;
     for (const auto until = clock.now + time;;) {
-      for (const ReadyFile& each : watcher.ready()) names.push_back(each.path.substr(folder.path().size() + 1));
+      for (const ReadyFile& each : watcher.ready()) {
+        names.push_back(each.path.substr(folder.path().size() + 1));
+        std::ranges::replace(names.back(), '\\', '/');
+      }
       const auto step = std::min<std::chrono::steady_clock::duration>(until - clock.now, watcher.pause());
       if (step <= step.zero()) return names;
       clock.now += step;
@@ -45,13 +49,13 @@ struct WatcherTest : ::testing::Test, TestPorts {
   }
   void ended(const std::string& name, QueueState state, QueueState at = {}, bool no_answer = false) {
     QueueItem item;
-    item.path = folder / name;
+    item.path = path(name);
     item.state = state;
     item.failed_at = at;
     item.no_answer = no_answer;
     watcher.ended(item);
   }
-  void notice(const std::string& name) { notices.changes.paths.push_back(folder / name); }
+  void notice(const std::string& name) { notices.changes.paths.push_back(path(name)); }
 };
 
 TEST_F(WatcherTest, AFileIsReadyOnceItIsWholeAndHasStayedAsItIs) {
@@ -136,9 +140,9 @@ TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
   std::filesystem::rename(path_of(folder / "in/a.mkv"), path_of(folder / "in/b.mkv"));
   QueueItem item;
   item.state = QueueState::Done;
-  item.path = folder / "in/a.mkv";
+  item.path = path("in/a.mkv");
   // By a path that leads there by another way, as through a link.
-  item.dest_path = folder / "elsewhere/";
+  item.dest_path = path("elsewhere/");
   item.new_name = "b.mkv";
   item.done_stamp = files->stamp(folder / "in/b.mkv");
   watcher.ended(item);
