@@ -294,7 +294,7 @@ bool ReviewModel::GetAttr(const wxDataViewItem& row, unsigned column, wxDataView
 
 /// What goes along has no box of its own.
 bool ReviewModel::HasValue(const wxDataViewItem& row, unsigned column) const {
-  return !is_companion(row) || column == OldName || column == NewName || column == Folder;
+  return !is_companion(row) || column != Tick;
 }
 
 bool ReviewModel::IsEnabled(const wxDataViewItem& row, unsigned column) const {
