@@ -46,14 +46,13 @@ TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {
-  // What is stored for context, confirm, nocache, noutf8, logging, autoclose, verify, exact, strict, review and
-  // history, and what that means.
-  using Values = std::array<int, 12>;
+  // What is stored for each, in their order, and what that means.
+  using Values = std::array<int, number_settings.size()>;
   const std::pair<Values, Values> rows[] = {
-      {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 730}},
-      {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
-      {{2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 9}, {2, 1, 1, 1, 2, 0, 1, 1, 1, 1, 1, 9}},
-      {{7, 32767, 32768, 7, 3, 7, 7, 7, 7, 7, 7, 40000}, {2, 1, 0, 1, 1, 0, 1, 1, 1, 1, 1, 730}}};
+      {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 730, 0, 30}},
+      {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}},
+      {{2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 2, 9, 2, 9}, {2, 1, 1, 1, 2, 0, 1, 1, 1, 1, 1, 9, 0, 9}},
+      {{7, 32767, 32768, 7, 3, 7, 7, 7, 7, 7, 7, 40000, 7, 40000}, {2, 1, 0, 1, 1, 0, 1, 1, 1, 1, 1, 730, 0, 30}}};
   const std::pair<std::string, std::string> types[] = {
       {"mp", "avi;mkv;mpg;mp4"}, {"mp4", "mp4"}, {"", "avi;mkv;mpg;mp4"}, {std::string("mp4\0x", 5), "mp4"}};
   for (std::size_t i = 0; i < std::size(rows); ++i) {
