@@ -115,6 +115,9 @@ PastUndo::Outcome PastUndo::undo_one(const PastOperation& operation) {
       outcome.from = operation.deed == Deed::Made ? operation.old_path : std::string(native::trash_name);
       outcome.to = operation.deed == Deed::Made ? "" : operation.old_path;
     } else if (operation.deed == Deed::Trashed) {
+      if (operation.undoes == 0) {
+        throw Failure(operation.old_path + " is in the " + std::string(native::trash_name) + ", to be taken out there");
+      }
       const std::optional<PastOperation> copied = history_.operation(operation.undoes);
       if (!copied) throw Failure("it is not known any more what " + operation.old_path + " was made of");
       outcome.from = copied->old_path, outcome.to = copied->new_path;

@@ -125,8 +125,12 @@ TEST_F(DuplicatesTest, NothingIsGivenUpWithoutATrashOrWithoutTheUsersWord) {
             "What was " + (folder / ("out/" + name + ".mkv")) + " is in the " + std::string(native::trash_name));
   trashing.has_trash = false;
   EXPECT_NE(run(poor).error_text.find("cannot be put into the trash"), std::string::npos);
-  session.settings.confirm = true, trashing.has_trash = true;
+  trashing.has_trash = true;
   session.processor.take_again({3}, false);
+  const auto undone = session.past_undo.undo(session.history.passes(1)[0].operations);
+  EXPECT_TRUE(undone.size() == 1 && undone[0].trouble.ends_with(", to be taken out there")) << undone.size();
+  session.settings.confirm = true;
+  EXPECT_NE(run(poor).error_text.find("and is better"), std::string::npos);
   EXPECT_EQ(read("in/" + poor), poor) << "the question is about renaming";
 }
 
