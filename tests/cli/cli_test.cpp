@@ -294,6 +294,7 @@ TEST_F(Cli, RunsTheUsersCommandsAndKeepsALog) {
   const std::string log = folder / "log",
                     tell = facts::windows ? "cmd /c echo %QUORVEL_" : "/bin/sh -c 'echo $QUORVEL_",
                     end = facts::windows ? "%" : "'";
+  write_file(log, "");  // as a program that rotates logs leaves it
   const auto logged = [&] { return std::regex_replace(contents(log), std::regex("....-..-.. ..:..:.. "), "> "); };
   EXPECT_EQ(run({"--exact", "--log", log, "--exec", tell + "EPISODES" + end, "--exec-after", tell + "FAILED" + end,
                  folder / "in"}),

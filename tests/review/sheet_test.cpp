@@ -71,7 +71,8 @@ TEST_F(Review, NothingHappensBeforeApplyAndThenExactlyWhatIsTicked) {
   EXPECT_EQ(sheet.rename(4, "a/b"), "A name cannot have any of \\/:*?\"<>|");
   EXPECT_EQ(sheet.rename(4, " mine "), "");
   EXPECT_EQ(sheet.new_name(4) + (sheet.is_ticked(4) ? " ticked" : ""), "mine.avi ticked");
-  EXPECT_NE(sheet.correct(8, "twelve"), "");
+  EXPECT_TRUE(sheet.refusal_of("1x05").empty() && sheet.correct(8, "twelve") == sheet.refusal_of("twelve"));
+  EXPECT_NE(sheet.refusal_of("twelve"), "");
   EXPECT_EQ(sheet.correct(8, "1x05"), "");
   EXPECT_EQ(sheet.new_name(8) + sheet.numbers(8), "The Harbour Lights - 1x05 - The Drowned Letter.mkv1x05");
 
