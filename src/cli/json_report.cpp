@@ -41,7 +41,9 @@ std::optional<int> positive(int number) {
 }  // namespace
 
 std::string state_word(const QueueItem& item, bool is_dry_run) {
-  return item.is_right_already ? "right already" : word_of(item.state, is_dry_run);
+  return item.is_left_by_rule    ? "left by rule"
+         : item.is_right_already ? "right already"
+                                 : word_of(item.state, is_dry_run);
 }
 
 std::vector<int> episodes_of(const QueueItem& item) {

@@ -93,9 +93,7 @@ std::string PastUndo::trouble_of(const PastOperation& operation) const {
   if (operation.new_path.empty()) return {};
   const bool is_there = files_.exists(operation.new_path) ||
                         (operation.deed == Deed::SymbolicLinked && files_.is_link(operation.new_path));
-  if (!is_there) {
-    return operation.new_path + " is not there any more";
-  }
+  if (!is_there) return operation.new_path + " is not there any more";
   if (is_link(operation.deed)) return jobs_.link_refusal(job_of(operation));
   if (operation.deed != Deed::Copied && files_.exists(operation.old_path)) {
     return operation.old_path + " is there already";

@@ -104,6 +104,7 @@ bool Duplicates::keep_better(QueueItem& item) {
 bool Duplicates::leave(QueueItem& item, std::string reason) {
   item.error_text = std::move(reason);
   item.is_right_already = true;
+  item.is_left_by_rule = true;
   log_.debug_log(item.error_text, LogLevel::Normal);
   return false;
 }

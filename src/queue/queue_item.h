@@ -49,6 +49,7 @@ struct QueueItem {
   bool look_up_anew = false;      // what is kept of the service's answers is not to be used
   bool lost_characters = false;   // of the names that the service gave
   bool is_right_already = false;  // it has failed because there was nothing to do
+  bool is_left_by_rule = false;   // such a one, for the rule wants its file left alone or given up; error_text says why
   bool is_unclear = false;        // more than one show may be meant
   bool came_by_itself = false;    // from a watched folder; until its destination has been looked at
   bool no_answer = false;         // it has failed because the service gave none
@@ -92,6 +93,7 @@ struct QueueItem {
     listings_told.reset();
     lost_characters = false;
     is_right_already = false;
+    is_left_by_rule = false;
     is_unclear = false;
     no_answer = false;
     is_under_review = false;

@@ -25,7 +25,7 @@ std::vector<Remedy> remedies_for(const Session& session, int index) {
 }  // namespace
 
 std::string reason_of(const QueueItem& item) {
-  if (item.is_right_already) return "The file has its name and its place already.";
+  if (item.is_right_already && !item.is_left_by_rule) return "The file has its name and its place already.";
   std::string text;
   if (item.state == QueueState::Done) {
     for (const std::string& doubt : item.doubts) text.append(text.empty() ? "" : "\n").append("Look at this: " + doubt);

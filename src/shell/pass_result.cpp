@@ -7,6 +7,7 @@ namespace quorvel {
 void PassResult::add(const QueueItem& item) {
   if (item.is_right_already) {
     ++right_already;
+    if (item.is_left_by_rule) ++left_by_rule;
   } else if (item.state == QueueState::Done) {
     ++done_by_action[item.action];
     if (!item.doubts.empty()) ++doubtful;
@@ -34,7 +35,8 @@ std::string PassResult::text() const {
   } else if (doubtful > 0) {
     text += doubtful == 1 ? ", uncertain" : ", all uncertain";
   }
-  add(right_already, "already right");
+  add(right_already - left_by_rule, "already right");
+  add(left_by_rule, "left out by a rule");
   add(cancelled, "cancelled");
   add(failed, failed == 1 ? "needs you" : "need you");
   return text;

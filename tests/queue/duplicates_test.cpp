@@ -6,6 +6,7 @@
 #include "rules/action.h"
 #include "rules/presets.h"
 #include "session_fixture.h"
+#include "shell/item_help.h"
 #include "shell/past_text.h"
 #include "system_facts.h"
 #include "text/cut.h"
@@ -108,6 +109,7 @@ TEST_F(DuplicatesTest, ARuleSaysWhatBecomesOfFilesThatWouldHaveOneName) {
     EXPECT_EQ(all(), row.then) << row.first << " " << row.second;
     EXPECT_TRUE(item.error_text.find(row.reason) != std::string::npos) << item.error_text;
     EXPECT_EQ(item.is_right_already, row.right_already) << item.error_text;
+    EXPECT_TRUE(!row.right_already || reason_of(item) == item.error_text) << "not that it has its place";
   }
 }
 
