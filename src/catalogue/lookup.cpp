@@ -333,6 +333,9 @@ FoundEpisodes Lookup::in_list(const CatalogueShow& show, const Reading& reading,
     for (const int number : reading.absolute) {
       const auto at = std::ranges::find(known.all, number, &CatalogueEpisode::absolute);
       if (number <= 0 || at == known.all.end()) throw missing("episode " + std::to_string(number));
+      if (reading.season && at->season != *reading.season) {
+        throw missing("episode " + std::to_string(number) + " in season " + std::to_string(*reading.season));
+      }
       found.push_back(*at);
     }
   }

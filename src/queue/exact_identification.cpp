@@ -51,6 +51,11 @@ void put_numbers(const Reading& numbers, Reading& reading) {
   reading.certain = true;
 }
 
+/// "Show S3 - 15" hardly ever means anything but the season's fifteenth episode, where it has as many.
+bool counts_in_season(const Reading& reading) {
+  return reading.season && !reading.episodes.empty() && reading.other && reading.other->season == reading.season;
+}
+
 }  // namespace
 
 Identified ExactIdentification::identify(QueueItem& item, const Reached& reached) {
@@ -132,10 +137,9 @@ bool ExactIdentification::find_episodes(QueueItem& item) {
   // What else an uncertain name may mean is ruled out by what the show has, or by the title where the name tells it.
   const bool is_sure =
       found.as.certain || says_title(found.as, first) || (item.reading->other && found.other_title.empty());
-  if (!is_sure) {
-    throw Failure("The name can be read in more than one way; as this it would be \"" + first.title + "\"" +
-                  (found.other_title.empty() ? "" : ", else \"" + found.other_title + "\""));
-  }
+  const std::string doubt = "The name can be read in more than one way; as this it would be \"" + first.title + "\"" +
+                            (found.other_title.empty() ? "" : ", else \"" + found.other_title + "\"");
+  if (!is_sure && !(counts_in_season(*item.reading) && may_go_on_with(item, doubt))) throw Failure(doubt);
   item.reading = found.as;
   item.listings_told = found.told;
   const Reading& reading = *item.reading;

@@ -112,6 +112,25 @@ TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTr
   EXPECT_EQ(lookup.episodes(show, reading).episodes.front().title, "C") << "the name says so";
 }
 
+TEST_F(LookupTest, ANumberBehindASeasonMayCountOverAllOfThem) {
+  std::string list;
+  for (int i = 1; i <= 17; ++i) {  // eight, and nine
+    const int season = i <= 8 ? 1 : 2, number = i <= 8 ? i : i - 8;
+    list += std::string(i > 1 ? "," : "") + R"({"season":)" + std::to_string(season) + R"(,"number":)" +
+            std::to_string(number) + R"(,"name":"E)" + std::to_string(i) + "\"}";
+  }
+  episodes(7, list);
+  CatalogueShow show;
+  show.id = 7;
+  const auto titles = [&](const char* name) {
+    const FoundEpisodes found = lookup.episodes(show, read_name(name));
+    return found.episodes.front().title + " " + found.other_title;
+  };
+  EXPECT_EQ(titles("Night Train S2 - 12.mkv"), "E12 ") << "the second season has no twelfth";
+  EXPECT_EQ(titles("Night Train S2 - 09.mkv"), "E17 E9") << "it has a ninth";
+  EXPECT_EQ(titles("Night Train S2 - 08.mkv"), "E16 ") << "the eighth of all is in the first season";
+}
+
 TEST_F(LookupTest, NeitherAnAnswerThatFailsNorAnOldOneDecides) {
   EXPECT_EQ(found("The.Bureau.2005.S01E01.mkv"), "2:Pilot");
   web.refusals = {0};

@@ -137,6 +137,24 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
   EXPECT_EQ(std::count(web.requests.begin(), web.requests.end(), "/shows/8/episodes"), 1) << "the answer is kept";
 }
 
+TEST_F(Queue, ANumberThatMayCountOverAllSeasonsIsTakenForTheSeasonsWithADoubt) {
+  session.settings.exact = true;
+  web.bodies["/search/shows?q=night+train"] = R"([{"show":{"id":5,"name":"Night Train"}}])";
+  web.bodies["/shows/5/episodes"] =
+      R"([{"season":1,"number":1,"name":"A"},{"season":2,"number":1,"name":"B"},{"season":2,"number":2,"name":"C"},
+          {"season":2,"number":3,"name":"D"},{"season":2,"number":4,"name":"E"},{"season":2,"number":5,"name":"F"},
+          {"season":2,"number":6,"name":"G"},{"season":2,"number":7,"name":"H"}])";
+  add("Night Train S2 - 07.mkv");
+  processor.process_queue();
+  EXPECT_TRUE(exists("in/Night Train - 2x07 - H.mkv"));
+  EXPECT_EQ(item(1).doubts, std::vector<std::string>{"The name can be read in more than one way; as this it would be "
+                                                     "\"H\", else \"G\""});
+  session.settings.strict = true;
+  add("Night.Train.S2 - 07.mkv");
+  processor.process_queue();
+  EXPECT_EQ(item(2).state, QueueState::Failed);
+}
+
 TEST_F(Queue, WhatTheReaderIsSureOfAndThePatternsReadOtherwiseIsTold) {
   const char* const name = "The.Harbour.Lights.S01E02E03.mkv";
   add(name);

@@ -198,6 +198,17 @@ bool is_titled_range(const Name& name, const Numbers& numbers, const std::vector
   return list.size() > 2 && titled && name.at(numbers.first).size() <= 2 && name.at(numbers.first + 1).gap == Dash;
 }
 
+/// "Show 12-05", "Show 12-05 Title": the first may be the season.
+std::optional<OtherNumbers> joined_by_dash(const Name& name, std::size_t place) {
+  for (const std::size_t i : {place, place + 1}) {
+    const Token &season = name.at(i - 1), &episode = name.at(i);
+    if (episode.is_number() && episode.gap == Dash && season.is_number() && season.size() <= 2 && !season.is_glued()) {
+      return OtherNumbers{.season = season.number, .episodes = {episode.number}, .absolute = {}, .date = {}};
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 std::size_t last_year_of(const Name& name) {
@@ -250,6 +261,10 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
     numbers.certain = false;
   } else if (!season && !fansub && is_titled_range(name, numbers, list)) {
     numbers.other = OtherNumbers{.season = token.number, .episodes = {list.back()}, .absolute = {}, .date = {}};
+    numbers.certain = false;
+  } else if (const std::optional<OtherNumbers> crossed = joined_by_dash(name, place.first);
+             crossed && list.size() == 1) {
+    numbers.other = crossed;
     numbers.certain = false;
   } else if (is_decimal(name, place.first)) {  // a special between two episodes
     numbers.special = true;

@@ -127,6 +127,12 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
   const Token& next = name.at(episode->last);
   const bool dated = is_year(next) && !next.technical && name.at(i).is_word() && name.at(i).size() > 3 && !season;
   set(search, numbers, i, episode->last, season, number, !dated || starts_with_group(name));
+  // "Show.2016.E04": the year is the show's, or that of a season.
+  const Token& before = name.at(i - 1);
+  if (!season && i > name.named + 1 && is_year(before) && before.group < 0 && !before.technical) {
+    numbers.certain = false;
+    numbers.other = OtherNumbers{.season = before.number, .episodes = numbers.absolute, .absolute = {}, .date = {}};
+  }
   return true;
 }
 
@@ -207,6 +213,7 @@ void absolute_behind(const Name& name, Numbers& numbers) {
   if (!name.at(next).follows(Close) || list.size() != numbers.episodes.size()) return;
   numbers.absolute = list;
   numbers.last = next;
+  if (numbers.other) numbers.certain = true;  // which of both was meant
 }
 
 }  // namespace

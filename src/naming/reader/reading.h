@@ -16,7 +16,7 @@ struct Date {
 
 /// What figures may mean as well: "205" is the 205th episode, or the fifth of the second season.
 struct OtherNumbers {
-  std::optional<int> season;
+  std::optional<int> season;  // also one that an absolute number must lie in
   std::vector<int> episodes, absolute;
   std::optional<Date> date;
   bool operator==(const OtherNumbers&) const = default;

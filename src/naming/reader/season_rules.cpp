@@ -176,7 +176,15 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   if (number.size() == 4 && !spaced_dash)
     return set(search, numbers, season->last, season->last + 1, {}, number.number, false);
   if (season->weak && (!spaced_dash || !name.at(i + 1).follows(Blank | Dot))) return false;
-  return set(search, numbers, i, season->last + 1, season->number, number.number, true);
+  set(search, numbers, i, season->last + 1, season->number, number.number, true);
+  // Fan groups count some "S3 - 15" over all seasons; no earlier one was shorter than this.
+  constexpr int shortest_season = 6;
+  if (name.at(i).is(SeasonLetter) && spaced_dash && number.number > (season->number - 1) * shortest_season &&
+      season->number > 1) {
+    numbers.certain = false;
+    numbers.other = OtherNumbers{.season = season->number, .episodes = {}, .absolute = numbers.episodes, .date = {}};
+  }
+  return true;
 }
 
 bool said_twice(const Search& search, std::size_t i, Numbers& numbers) {

@@ -287,6 +287,16 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
       --span.last;
     }
   }
+  // "[Group] Show 214 10x14", but not "[Group] Room 104 1x03"
+  if (span.last > span.first + 1 && starts_with_group(name) && numbers.season > 1 && !numbers.episodes.empty() &&
+      span.last == numbers.first) {
+    const Token& number = name.at(span.last - 1);
+    if (number.is_number() && number.gap == Blank && number.number > numbers.episodes.front() && !is_year(number) &&
+        reading.absolute.empty()) {
+      reading.absolute = {number.number};
+      --span.last;
+    }
+  }
   return span;
 }
 
