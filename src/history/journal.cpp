@@ -13,6 +13,7 @@ namespace {
 constexpr std::string_view prefix = "pending-";
 constexpr std::string_view nul("\0", 1);
 constexpr std::size_t fields_per_entry = 5;
+constexpr std::size_t block = 512;  // filled with NULs, so that an entry mostly takes the place of the one before
 constexpr std::size_t new_or_old = std::string_view("new ").size();
 constexpr std::int64_t hour_ns = 3'600'000'000'000;
 
@@ -33,13 +34,14 @@ std::string Journal::text_of(const std::vector<Entry>& entries) {
     if (stamp) text.append(" " + stamp_text(*stamp));
     text.append(nul);
   }
+  text.resize((text.size() / block + 1) * block);
   return text;
 }
 
 std::vector<Journal::Entry> Journal::entries_of(std::string_view text) {
   const std::vector<std::string_view> fields = split(text, nul);
   std::vector<Entry> entries;
-  for (std::size_t at = 0; at + fields_per_entry < fields.size(); at += fields_per_entry) {
+  for (std::size_t at = 0; at + fields_per_entry < fields.size() && !fields[at].empty(); at += fields_per_entry) {
     const int operation = fields[at].size() == 1 ? fields[at].front() - '0' : 0;
     const std::string_view last = fields[at + 4];
     entries.push_back({operation, std::string(fields[at + 1]), std::string(fields[at + 2]), std::string(fields[at + 3]),

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <string_view>
 
@@ -51,12 +52,14 @@ FolderEntry described(int folder, const dirent& listed) {
   return entry;
 }
 
+/// From the file's beginning.
 bool write_all(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(file, bytes.data(), bytes.size());
+  for (off_t at = 0; !bytes.empty();) {
+    const ssize_t written = pwrite(file, bytes.data(), bytes.size(), at);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
+    at += written;
   }
   return true;
 }
@@ -77,7 +80,7 @@ class LockedFile : public HeldFile {
  public:
   explicit LockedFile(std::string path)
       : path_(std::move(path)),
-        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
+        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
 
   bool lock() {
     struct stat found {};
@@ -96,9 +99,10 @@ class LockedFile : public HeldFile {
   }
 
   bool write(const std::string& bytes, bool durably) override {
-    // Mostly it is empty, and is to be emptied next.
-    if (!is_empty_ && ftruncate(file_.get(), 0) != 0) return false;
-    is_empty_ = bytes.empty();
+    // Emptying it costs more than writing to it; what is to survive a power cut must not be half of this and half of
+    // what was there before.
+    if ((durably || bytes.size() < size_) && ftruncate(file_.get(), 0) != 0) return false;
+    size_ = bytes.size();
     if (!write_all(file_.get(), bytes)) return false;
     return !durably || (fsync(file_.get()) == 0 && sync_folder(parent_folder(path_)) == 0);
   }
@@ -108,7 +112,7 @@ class LockedFile : public HeldFile {
  private:
   const std::string path_;
   const Descriptor file_;
-  bool is_empty_ = false;
+  std::size_t size_ = std::numeric_limits<std::size_t>::max();  // as long as it is not known
 };
 
 }  // namespace
