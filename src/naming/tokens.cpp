@@ -84,10 +84,6 @@ void remark_on_braces(std::string_view text, std::vector<std::string>& remarks) 
 
 const std::span<const Token> tokens = all_tokens;
 
-bool holds_token(std::string_view part) {
-  return std::ranges::any_of(all_tokens, [&](const Token& token) { return part.find(token.text) != part.npos; });
-}
-
 std::vector<std::string> remarks_on_folder(std::string_view folder) {
   std::vector<std::string> remarks;
   remark_on_words(folder, true, remarks);

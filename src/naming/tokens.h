@@ -20,9 +20,6 @@ struct Token {
 
 extern const std::span<const Token> tokens;
 
-/// Whether there is a token in the part of a folder or mask.
-bool holds_token(std::string_view part);
-
 /// What in a folder or a mask is likely to be a mistake, although all of it can be a name: words in brackets that are
 /// no tokens, braces without their counterpart, a mask that gives all episodes one name. Sentences for the user.
 std::vector<std::string> remarks_on_folder(std::string_view folder);

@@ -316,7 +316,8 @@ std::variant<Reading, std::string> ReviewSheet::read_numbers(const std::string& 
   const std::string text(trim(numbers));
   if (text.find_first_of(forbidden) != std::string::npos) return std::string(enter_numbers);
   const std::string show = "Show";
-  const Reading reading = read_name(show + " " + text);
+  const bool is_counted = text.find_first_not_of("0123456789") == std::string::npos;  // over all seasons
+  const Reading reading = read_name(show + (is_counted ? " #" : " ") + text);
   if (reading.show != show || !reading.has_numbers() || !reading.certain) {
     return std::string(enter_numbers);
   }

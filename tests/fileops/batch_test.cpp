@@ -72,6 +72,14 @@ TEST_F(BatchTest, FilesGetEachOthersNamesAndNothingIsLostOverIt) {
       {"a a.srt b", "a>b b>b.srt", "0: Two files would be b.srt; 1: Two files would be b.srt; a=a a.srt=a.srt b=b "},
       {"old", "old>new gone>x", "0: It has been changed or replaced since; 1: It is not there any more; old=old "}};
   for (const auto& [names, plan, expected] : rows) EXPECT_EQ(after(names, plan), expected) << plan;
+  after("a b c", "");
+  std::string told;
+  session.batch.run({{job("a", "d", Rename)}, {job("b", "e", Rename)}, {job("gone", "f", Rename)}},
+                    [&](std::size_t entry, const FileJobResult&, const std::string& trouble) {
+                      told += std::to_string(entry) + trouble + "|";
+                      return entry != 0;  // "stop"
+                    });
+  EXPECT_EQ(told, "2It is not there any more|0|1It was not begun|");
   write("in/b", "b");
   session.batch.run({{job("b", std::string("x\0y", 3), Rename)}},
                     [](std::size_t, const FileJobResult& result, const std::string& trouble) {

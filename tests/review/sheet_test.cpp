@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "naming/file_names.h"
 #include "review/changes.h"
 #include "session_fixture.h"
 #include "shell/dialogs.h"
@@ -125,6 +126,48 @@ TEST_F(Review, ChainsAndCirclesAreWeighedByWhatIsTickedAndComeOutRight) {
   EXPECT_NE(sheet.reason(4), "");
   sheet.cancel();
   EXPECT_EQ(states(), "6 6 -1 -2 ");
+}
+
+TEST_F(Review, WithExactNamesAFileMayHaveADateSeveralNumbersOrOneOfAll) {
+  session.settings.exact = true;
+  AFilter& rule = session.filters.at(1);
+  rule.action = MoveAndRename, rule.path = folder / "out/", rule.mask = "[s]x[ee] [title]";
+  session.exceptions.append({"nite train", "Night Train", false});
+  web.bodies["/search/shows?q=night+train"] = R"([{"show":{"id":5,"name":"Night Train"}}])";
+  web.bodies["/shows/5/episodes"] =
+      R"([{"season":1,"number":1,"name":"A","airdate":"2011-04-18"},{"season":2,"number":1,"name":"B"},
+          {"season":2,"number":2,"name":"C"}])";
+  take({"Nite Train 1x09.mkv", "Nite Train 1x08-09.avi", "Nite Train 12.mp4", "Nite Train 2x01.mkv"});
+  EXPECT_EQ(rows(),
+            "#\"Nite Train\", searched for as \"night train\"=Night Train (tvmaze:5), by its name 1 Episode unknown 2 Episode "
+            "unknown 3 Episode unknown 4* Ready ");
+  const auto numbers = [&] {
+    std::string text;
+    for (int i = 1; i <= 4; ++i) text += sheet.numbers(i) + "|" + sheet.name_to_edit(i) + "|";
+    return text;
+  };
+  EXPECT_EQ(numbers(), "1x09||1x08-09||12||2x01|2x01 B|");
+  EXPECT_TRUE(sheet.folder(1).empty() && !sheet.moves(1));
+  for (const auto& [index, wrong] : {std::pair(1, "2011-04-19"), {2, "3x01-02"}, {3, "4"}}) {
+    EXPECT_EQ(sheet.correct(index, wrong), "");
+  }
+  EXPECT_EQ(numbers(), "2011-04-19||3x01-02||4||2x01|2x01 B|");
+  for (const auto& [index, right] : {std::pair(1, "2011-04-18"), {2, "2x01-02"}, {3, "3"}}) {
+    EXPECT_EQ(sheet.correct(index, right), "");
+  }
+  EXPECT_EQ(numbers(), "1x01|1x01 A|2x01-02|2x01-02 B & C|2x02|2x02 C|2x01|2x01 B|");
+  EXPECT_TRUE(sheet.folder(1) == with_native_separators(folder / "out/") && sheet.moves(1) && sheet.is_waiting());
+  sheet.tick({1, 2, 3, 4}, false);
+  EXPECT_EQ(sheet.ticked(), 0);
+  sheet.tick_all_ready();
+  EXPECT_EQ(sheet.ticked(), 4);
+  item(3).dest_path = with_separator(folder / "in");
+  EXPECT_FALSE(sheet.moves(3));
+  int left = 0;
+  ui.on_events = [&] { left = std::max(left, session.processor.left()); };
+  sheet.apply();
+  EXPECT_TRUE(exists("out/2x01-02 B & C.avi") && !sheet.is_waiting());
+  EXPECT_EQ(left, 4);
 }
 
 TEST(Changes, WordsThatTheOldNameLacksAreNew) {

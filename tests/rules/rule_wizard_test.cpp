@@ -96,6 +96,31 @@ TEST_F(RuleWizardTest, EditsARuleAndKeepsWhatItDoesNotShow) {
   EXPECT_EQ(wizard.form, RuleForm());
 }
 
+TEST_F(RuleWizardTest, APresetPutsItsFoldersBelowTheChosenOne) {
+  const auto used = [&](int action, const std::string& path) {
+    wizard.form = {};
+    wizard.form.action = action, wizard.form.path = path;
+    wizard.use(*preset_named("kodi"));
+    EXPECT_EQ(wizard.form.mask, preset_named("kodi")->mask);
+    return wizard.form.path;
+  };
+  const std::string below = with_native_separators("/tv/[show]{ ([year])}/Season [ss]");
+  EXPECT_EQ(used(Rename, ""), "");
+  for (const char* const chosen : {"/tv", "/tv/", "/tv/[show]", "/tv/{[year]}/of [show]/[s]"}) {
+    EXPECT_EQ(used(MoveAndRename, chosen), below) << chosen;
+  }
+  EXPECT_EQ(used(CopyAndRename, "").substr(0, 6), "[show]");
+  EXPECT_EQ(preset_named("nobody"), nullptr);
+  wizard.setID(1);
+  wizard.form.action = HardLinkAndRename, wizard.form.path = "", wizard.form.mask = "";
+  EXPECT_EQ(wizard.draft().path + wizard.draft().mask + wizard.draft().description,
+            std::string(default_mask) + "Show Name Equals Anything");
+  wizard.form.path = "/tv";
+  EXPECT_EQ(wizard.draft().path, with_native_separators("/tv/"));
+  EXPECT_TRUE(wizard.next() && wizard.next());
+  EXPECT_EQ(shown(), "Step 3 - File Path|Select where links will be made|Directory for the links:|Back\n");
+}
+
 TEST(RulePreview, ShowsWhatTheRuleMakesOfTheFileAndWhatIsWrong) {
   const auto shown = [](int action, const std::string& path, const std::string& mask, const QueueItem* item = nullptr,
                         bool exact = false) {

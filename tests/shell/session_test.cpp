@@ -113,6 +113,12 @@ TEST_F(Shell, ApplyingPreferencesStoresThemAtOnceAndBringsTheMenuUpToDate) {
   events.list.clear();
   EXPECT_TRUE(apply_preferences(session, wanted));
   EXPECT_EQ(events.list, Texts({"remove avi", "remove mov", "remove DIR"}));
+  for (const bool on : {true, false}) {
+    turn_review_first(session, on);
+    turn_exact_names(session, on);
+    EXPECT_TRUE(session.settings.review == on && session.settings.exact == on);
+    EXPECT_TRUE(key_values.numbers["review"] == on && key_values.numbers["exact"] == on);
+  }
 }
 
 TEST_F(Shell, AFailedWriteIsReportedAndEndsTheProgram) {

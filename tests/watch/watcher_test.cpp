@@ -132,6 +132,14 @@ TEST_F(WatcherTest, WhatHasFailedIsTriedAgainOnlyWhereThatMayHelp) {
   files->remove(folder / "in/a.mkv");
   after(2min);
   EXPECT_EQ(watcher.known(), 0u) << "it has gone, and with it what is remembered of it";
+  write("in/a.mkv", "x");
+  EXPECT_EQ(after(2min), (Names{"in/a.mkv"}));
+  watcher.put_off(path("in/a.mkv"));
+  watcher.put_off(path("in/nobody knows.mkv"));
+  EXPECT_EQ(at_once_after(2min), (Names{"in/a.mkv"})) << "the queue was not free for it";
+  watcher.put_off(path("in/a.mkv"));
+  files->remove(folder / "in/a.mkv");
+  EXPECT_EQ(at_once_after(2min), Names());
 }
 
 TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
@@ -146,9 +154,14 @@ TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
   item.new_name = "b.mkv";
   item.done_stamp = files->stamp(folder / "in/b.mkv");
   watcher.ended(item);
-  notice("in/b.mkv");
+  write("in/b.en.mkv", "what went along");
+  FileJob& companion = item.companions.emplace_back();
+  companion.new_name = "b.en.mkv", companion.dest_path = path("in/");
+  companion.done_stamp = files->stamp(folder / "in/b.en.mkv");
+  watcher.ended(item);
+  for (const char* const each : {"in/b.mkv", "in/b.en.mkv"}) notice(each);
   EXPECT_EQ(after(1h), Names());
-  EXPECT_EQ(watcher.known(), 1u);
+  EXPECT_EQ(watcher.known(), 2u);
   write("in/a.mkv", "the next one");
   EXPECT_EQ(after(2min), (Names{"in/a.mkv"}));
 }
