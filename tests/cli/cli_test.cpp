@@ -1,52 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <regex>
-
-#include "child_process.h"
-#include "file_tools.h"
-#include "listings_service.h"
-#include "system_facts.h"
-#include "temporary_folder.h"
+#include "cli/cli_fixture.h"
 #include "text/json_text.h"
 
 namespace quorvel::testing {
 namespace {
 
-using Arguments = std::vector<std::string>;
-const std::string good = "The Harbour Lights - 1x0";
-
-/// The built program on real files, with a home of its own, against the stand-in service.
-struct Cli : ::testing::Test {
-  const TemporaryFolder folder;
-  ListingsService service;
-  const std::unique_ptr<Files> files = system_files();
-  std::string out, error;  // of the last run, the first without its times
-
-  Cli() {
-    for (const char* const name : {"home", "in", "work"}) files->create_folder(folder / name);
-    settings()->erase_all();
-  }
-  ~Cli() override { settings()->erase_all(); }
-  /// As they are now.
-  std::unique_ptr<KeyValueStore> settings() const { return settings_of(*files, folder / "home"); }
-  void add(const Arguments& names) const {
-    for (const std::string& name : names) write_file(folder / ("in/" + name), name);
-  }
-  Start start(const Arguments& arguments, bool terminal) const {
-    return {QUORVEL_CLI,       arguments,         folder / "in", user_at(folder / "home", service.base() + "/"),
-            folder / "../out", folder / "../err", terminal};
-  }
-  int run(const Arguments& arguments) {
-    const int status = ChildProcess(start(arguments, false)).status();
-    out = std::regex_replace(contents(folder / "../out"), std::regex("\\(\\d+:\\d\\d:\\d\\d( [AP]M)?\\) "), "> ");
-    error = contents(folder / "../err");
-    return status;
-  }
-};
-
 TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
   add({"The.Harbour.Lights.S01E02.mkv", "nothing.avi", "notes.txt"});
-  EXPECT_EQ(run({folder / "in"}), 1);
+  EXPECT_EQ(run({"--set=confirm=0", folder / "in"}), 1);
   EXPECT_EQ(out,
             "> Quorvel 3.4 (build 0) started\n> Unable to find filename filter for: nothing.avi\n"
             "> All items processed\n");
@@ -81,6 +41,12 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
                 path + ": not queued: already queued\n1 done, 0 failed, 0 cancelled\n");
   EXPECT_EQ(service.requests().size(), 2u) << "the second run finds everything in its caches";
   EXPECT_EQ(run({"gone.avi"}), 1);
+  EXPECT_TRUE(run({"--undo"}) == 0 && error.ends_with(": 1 of 1 undone\n")) << error;
+  EXPECT_EQ(run({path}), 0);
+  EXPECT_TRUE(run({absolute_path("/")}) == 1 && error.find(": not queued: the path is too short\n") != error.npos);
+  if (!facts::windows) {
+    EXPECT_TRUE(run({"/dev/null"}) == 1 && error.find(": not queued: neither a file nor a folder\n") != error.npos);
+  }
   write_file(folder / ("in/" + good + "3 - A Lantern for Maud.mkv"), "edited since");
   EXPECT_TRUE(run({"--undo"}) == 1 && error.ends_with("To leave that and undo the pass before: --undo 3\n")) << error;
 
@@ -195,6 +161,29 @@ TEST_F(Cli, ExactNamesAreToldInJsonAndTheirAnswersKept) {
   EXPECT_TRUE(files->exists(folder / ("in/" + good + "4 - Salt and Tar.mkv")));
 }
 
+TEST_F(Cli, ARunsOwnRuleIsFollowedAndWhatGoesAlongIsInThePlan) {
+  const std::string video = "The.Harbour.Lights.S01E02E03.mkv", words = "The.Harbour.Lights.S01E02E03.en.srt";
+  const std::string stem = good + "2 - The Pilot Boat", there = folder / ("out/" + stem);
+  add({video, words});
+  EXPECT_TRUE(run({"--strict", "-w../work", video}) == 1 && error.find("The name seems to say") != error.npos) << error;
+  EXPECT_EQ(run({"--set=companions=srt", "--classic", "--action=copy", "--to=../out", "-n", "--json", video}), 0);
+  EXPECT_NE(out.find(R"("action":"copy","companions":[{"path":)"), std::string::npos) << out;
+  write_file(folder / "plan", out);
+  EXPECT_EQ(run({"--apply", "../plan", "--json", "-w../work"}), 0);
+  EXPECT_NE(out.find(R"("companions":[{"path":)"), std::string::npos) << out;
+  EXPECT_EQ(contents(there + ".mkv") + contents(there + ".en.srt"), video + words);
+  EXPECT_TRUE(files->remove(there + ".en.srt") && files->remove(folder / ("in/" + words)));
+  write_file(there + ".mkv", "the first");
+  const auto taken = [&](const char* existing) {
+    const int status = run({"--action=hardlink", "--to=../out", "--existing", existing, "-w../work", video});
+    return std::to_string(status) + contents(there + ".mkv");
+  };
+  EXPECT_EQ(taken("ask") + taken("skip") + taken("keep-both"), "1the first0the first0the first");
+  EXPECT_EQ(contents(there + " (2).mkv"), video);
+  EXPECT_EQ(run({"--action=rename", "-w../work", video}), 0);
+  EXPECT_EQ(contents(folder / ("in/" + stem + ".mkv")), video);
+}
+
 TEST_F(Cli, MediaServersGetTheirFoldersAndNames) {
   files->create_folder(folder / "tv");
   for (const char* const below : {"a", "b"}) files->create_folder(folder / "in" + native::separator + below);
@@ -211,43 +200,6 @@ TEST_F(Cli, MediaServersGetTheirFoldersAndNames) {
   EXPECT_TRUE(files->exists(folder /
                             "tv/Daily Brief (2019)/Season 2019/Daily Brief (2019) - 2019-01-08 - Tuesday Edition.mkv"));
   EXPECT_FALSE(files->exists(folder / "work/filters.dat"));
-}
-
-TEST_F(Cli, AsksWhichShowIsMeantRemembersItAndTellsOfLostCharacters) {
-  add({"Part.Time.S01E01.mkv"});
-  service.answer_with([](const std::string& request) {
-    const std::string target = target_of(request);
-    const auto show = [](const std::string& id, const char* rest = "") {
-      return R"({"id":)" + id + R"(,"url":"https://x/)" + id + R"(","name":"Part Time","premiered":"20)" + id +
-             R"(-01-01")" + rest + "}";
-    };
-    const std::string body = target.starts_with("/search") ? R"([{"show":)" + show("10") + R"(},{"show":)" +
-                                                                 show("15", R"(,"network":{"name":"BBC"})") + "}]"
-                             : target.ends_with("/episodes") ? R"([{"id":1,"url":"u","name":"Part 1","season":1,)"
-                                                               R"("number":1,"airdate":"2015-01-02"}])"
-                             : target == "/shows/15"         ? show("15")
-                                                             : "";
-    return "HTTP/1.1 " + std::string(body.empty() ? "404 No" : "200 OK") +
-           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
-  });
-  const std::string file = "Part.Time.S01E01.mkv";
-  const Arguments asked = {"--choose", "-w../work", file};
-  EXPECT_EQ(run(asked), 1) << "nobody can answer";
-  const std::string unclear = "More than one show fits: Part Time (2010, tvmaze:10), Part Time (2015, tvmaze:15)";
-  EXPECT_NE(error.find(unclear), std::string::npos) << error;
-  for (const auto& [answers, status] : {std::pair("s\n", 1), {"9\n2\n", 0}}) {
-    const ChildProcess program(start(asked, true));
-    EXPECT_TRUE(program.shows(file + ": which show is \"Part Time\"?") &&
-                program.shows("2  Part Time (2015, tvmaze:15), BBC") && program.shows("or s to skip: "));
-    program.type(answers);
-    EXPECT_EQ(program.status(), status);
-  }
-  EXPECT_EQ(contents(folder / "in/Part Time - 1x01 - Part 1.mkv"), file);
-  add({"part time 1x01.avi", "part time 1x01.mp4"});
-  EXPECT_EQ(run({"--exact", "-w../work", "part time 1x01.avi"}), 0) << "it is remembered";
-  EXPECT_TRUE(run({"--forget", "-w../work", "part time 1x01.mp4"}) == 1 && error.find(unclear) != std::string::npos);
-  EXPECT_EQ(run({"-w../work", "part time 1x01.mp4"}), 0);
-  EXPECT_TRUE(error.ends_with("1 name has lost characters that the service gave; --exact keeps them\n")) << error;
 }
 
 TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
@@ -267,6 +219,11 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"--preset", "vcr", "x"}, "--preset knows jellyfin, plex and kodi, not \"vcr\"" + usage},
       {{"--preset", "plex", "x"}, "--to FOLDER is wanted as well: where the files go" + usage},
       {{"--action", "burn", "x"}, "--action knows rename, move, copy, hardlink and symlink, not \"burn\"" + usage},
+      {{"--action", "rename", "--to", ".", "x"},
+       "--action rename leaves files in their folders, so --to is not for it" + usage},
+      {{"--existing", "skip", "x"}, "--existing is for the rule that --to or --action makes" + usage},
+      {{"--existing", "burn", "--to", ".", "x"},
+       "--existing knows ask, keep-both, skip and better, not \"burn\"" + usage},
       {{"--set", "confirm=no", "x"}, "--set confirm wants a whole number, not \"no\"" + usage},
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
@@ -279,6 +236,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
     EXPECT_EQ(run(arguments), 2);
     EXPECT_EQ(out + "|" + error, "|quorvel-cli: " + reason + "\n");
   }
+  EXPECT_TRUE(run({"--exec", "\"a", "x"}) == 2 && error.find("The command \"\"a\" cannot be read: ") != error.npos);
   EXPECT_TRUE(run({"--help"}) == 0 && out.starts_with("Usage: quorvel-cli")) << out;
   EXPECT_TRUE(run({"--version"}) == 0 && out == "quorvel-cli 3.4.0\n") << out;
   if (facts::windows) return;  // there the settings are no file that could be damaged
@@ -317,75 +275,6 @@ TEST_F(Cli, RunsTheUsersCommandsAndKeepsALog) {
   EXPECT_TRUE(contents(log + ".1").starts_with(first) && logged().starts_with("> Quorvel")) << "and no command is run";
   EXPECT_EQ(run({"--exec", "nonesuch", folder / "in/The.Harbour.Lights.S01E02-E03.mkv"}), 1);
   EXPECT_NE(error.find("The command \"nonesuch\" has not been run to its end: "), std::string::npos) << error;
-}
-
-TEST_F(Cli, AHangUpThatIsIgnoredStaysSo) {
-  if (facts::windows) GTEST_SKIP() << "there is no such signal";
-  add({"The.Harbour.Lights.S01E02.mkv"});
-  const char* const script =
-      "trap '' HUP; \"$@\" & while kill -HUP $! 2>&-; do grep -q ') Z' /proc/$!/stat 2>&- && break; done; wait $!";
-  Start shell = start({"-c", script, "sh", QUORVEL_CLI, "The.Harbour.Lights.S01E02.mkv"}, false);
-  shell.program = "/bin/sh";
-  EXPECT_EQ(ChildProcess(shell).status(), 0);
-}
-
-TEST_F(Cli, WatchingTakesWhatIsThereAndWhatComesUntilItIsInterrupted) {
-  EXPECT_TRUE(run({"--watch", "gone"}) == 2 && error.ends_with("There is no folder \"gone\" to watch\n")) << error;
-  EXPECT_TRUE(run({"--watch", "-n", "."}) == 2 && error.find("--watch goes with none of --dry-run") != error.npos);
-  EXPECT_TRUE(run({"--watch", "--set=confirm=1", "."}) == 1 && error.find("--watch asks nobody") != error.npos);
-  const Arguments two = {"The.Harbour.Lights.S01E02.mkv", "The.Harbour.Lights.S01E03.mkv"};
-  add({two[0], "nothing.mkv"});
-  const ChildProcess program(start({"--watch", "--set=settle=1", "-w../work", "."}, true));
-  EXPECT_TRUE(program.shows("nothing.mkv: Unable to find filename filter") &&
-              program.shows(good + "2 - The Pilot Boat.mkv"));
-  std::filesystem::create_directories(path_of(folder / "in/new/folder"));
-  write_file(folder / ("in/new/folder/" + two[1]), "");
-  write_file(folder / ("in/new/folder/" + two[1]), two[1]);
-  EXPECT_TRUE(program.shows(good + "3 - A Lantern for Maud.mkv"));
-  program.type("\x03");
-  EXPECT_TRUE(program.shows("The watching has ended"));
-  EXPECT_EQ(program.status(), 0);
-  EXPECT_EQ(contents(folder / ("in/" + good + "2 - The Pilot Boat.mkv")), two[0]);
-  EXPECT_EQ(contents(folder / ("in/new/folder/" + good + "3 - A Lantern for Maud.mkv")), two[1]);
-
-  EXPECT_EQ(run({"--undo", "-w../work"}), 0);
-  add({"The.Harbour.Lights.S01E01.mkv"});
-  const ChildProcess again(start({"--watch", "--set=settle=1", "-w../work", "."}, true));
-  EXPECT_TRUE(again.shows(good + "1 - Slack Water.mkv"));
-  again.type("\x03");
-  EXPECT_EQ(again.status(), 0);
-  EXPECT_EQ(contents(folder / ("in/new/folder/" + two[1])), two[1]) << "what was undone stays so";
-}
-
-TEST_F(Cli, ATerminalShowsQuestionsAndProgressAndInterruptsAndWithoutOneTheAnswerIsNo) {
-  const Arguments two = {"The.Harbour.Lights.S01E03.mkv", "The.Harbour.Lights.S01E02.mkv"};
-  add(two);
-  service.slow_down(std::chrono::milliseconds(500));
-  const auto begin = std::chrono::steady_clock::now();
-  {
-    const ChildProcess program(start({"-v", two[0], two[1]}, true));
-    EXPECT_TRUE(program.shows("1 of 2") && program.shows("Query not in cache"));  // now the transfer begins
-    program.type("\x03");                                                         // ends the pass
-    EXPECT_TRUE(program.shows("Got quit signal, finishing up..."));
-    program.type("\x03");  // ends the transfer
-    EXPECT_TRUE(program.shows("Error searching for show: The transfer was cancelled") &&
-                program.shows("Stopped by the user") &&
-                program.shows("0 done, 0 failed, 1 cancelled, 1 not processed"));
-    EXPECT_EQ(program.status(), 1);
-  }
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(25)) << "the answer takes longer";
-  service.slow_down({});
-  const Arguments arguments = {"--set", "confirm=1", two[1]};
-  EXPECT_TRUE(run(arguments) == 1 && error.ends_with("0 done, 0 failed, 1 cancelled\n"));
-  for (const auto& [answer, status] : {std::pair("\x03", 1), {"\n", 1}, {"y\n", 0}}) {
-    if (facts::windows && *answer == '\x03') continue;  // Wine goes on reading after an interrupt
-    const ChildProcess program(start(arguments, true));
-    EXPECT_TRUE(program.shows("Confirm File Rename") && program.shows("Continue with file rename? [y/N] "));
-    program.type(answer);
-    EXPECT_EQ(program.status(), status);
-    EXPECT_TRUE(facts::windows || program.shows("1 of 1  The.Harbour.Lights.S01E02"));
-  }
-  EXPECT_EQ(contents(folder / ("in/" + good + "2 - The Pilot Boat.mkv")), two[1]);
 }
 
 }  // namespace
