@@ -328,7 +328,8 @@ FoundEpisodes Lookup::in_list(const CatalogueShow& show, const Reading& reading,
       found.push_back(known.all[at->second]);
     }
   } else if (reading.date) {
-    found.push_back(on_date(known, reading));
+    const bool is_known = std::ranges::find(known.all, reading.date, &CatalogueEpisode::date) != known.all.end();
+    found.push_back(on_date(is_known ? known : list(show.id, true, again), reading));  // or a special's
   } else {
     for (const int number : reading.absolute) {
       const auto at = std::ranges::find(known.all, number, &CatalogueEpisode::absolute);

@@ -83,9 +83,23 @@ TEST_F(LookupTest, AShowIsChosenByNameYearCountryAndWhatItHasAndNeverGuessed) {
       {"The.Bureau.2005.S09E01.mkv", "The listings of The Bureau have no episode 9x1"},
       {"Nobody.Knows.This.S01E01.mkv", "The service knows no show \"Nobody Knows This\""},
       {"The.Bureau.2005.03.24.mkv", "2:Pilot"},
+      {"The.Bureau.2006.01.01.mkv", "More than one episode was shown on 2006-01-01"},
+      {"The.Bureau.2007.01.01.mkv",
+       "More than one show fits: The Bureau (2001, GB, tvmaze:1), The Bureau (2005, US, tvmaze:2)"},
+      {"The.Bureau.2006.01.01.Again.2.mkv", "2:Again (2)"},
+      {"The.Bureau.US.2007.01.01.mkv", "The listings have no episode of 2007-01-01"},
       {"The.Bureau.US.S00E02.mkv", "2:Christmas"},
+      {"The.Bureau.US.S00E03.mkv", "The listings have no special 3"},
+      {"The.Bureau.US.S00E01.Christmas.mkv", "2:Christmas"},
+      {"The Bureau (US)/Specials/2005-12-24.mkv", "2:Christmas"},
+      {"The.Bureau.US.2005.12.24.mkv", "2:Christmas"},
+      {"The Bureau (US)/Specials/Nothing.mkv", "The listings have no special of this title"},
       {"The Bureau (US)/Specials/Behind It.mkv", "2:Behind It"}};
   for (const auto& [path, expected] : rows) EXPECT_EQ(found(path), expected) << path;
+  web.bodies["/shows/1"] = show_json(1, "The Bureau", 2001, "GB");
+  EXPECT_EQ(lookup.show_of_id(1).year, 2001);
+  web.bodies["/shows/4"] = R"({"name":"without its number"})";
+  EXPECT_THROW(lookup.show_of_id(4), Failure);
 }
 
 TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTried) {

@@ -159,6 +159,16 @@ TEST_F(CompanionsTest, AFolderThatIsNotNeededAnyMoreGoesAndComesBack) {
   EXPECT_EQ(counts_text(session.history.passes(1)[0]), "4 moved, 4 tidied away");
   EXPECT_EQ(undo(), "8 undone");
   EXPECT_EQ(read(inner) + read("in/a/b/" + video) + read("in/a/b/Thumbs.DB"), "s2(missing)");
+  const auto undo_undoing = [&] {
+    return text_of(undoing.undo(session.history.passes(1)[0].operations, [](int, int) { return true; }));
+  };
+  EXPECT_EQ(undo_undoing(), "8 undone");
+  EXPECT_TRUE(exists("in/c") && !exists("in/a"));
+  EXPECT_EQ(undo_undoing(), "8 undone");
+  write("in/a/b/Subs/new.txt", "somebody's");
+  EXPECT_EQ(undo_undoing(), "5 of 8 undone, 3 left alone");
+  EXPECT_EQ(read("in/a/b/Subs/new.txt"), "somebody's");
+  EXPECT_EQ(undo_undoing(), "5 undone");
   session.filters.exchange(1, 2);
   session.processor.retry_failed();
   EXPECT_TRUE(exists("in/a/b/Subs/" + stem)) << "nothing is tidied after a renaming";

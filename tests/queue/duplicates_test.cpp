@@ -134,6 +134,9 @@ TEST_F(DuplicatesTest, NothingIsGivenUpWithoutATrashOrWithoutTheUsersWord) {
   session.settings.confirm = true;
   EXPECT_NE(run(poor).error_text.find("and is better"), std::string::npos);
   EXPECT_EQ(read("in/" + poor), poor) << "the question is about renaming";
+  session.settings.confirm = false;
+  EXPECT_NE(run("Harbour.Lights.S01E02E03.4320p.mkv").error_text.find("whether this is the same episode is uncertain"),
+            std::string::npos);
 }
 
 TEST_F(DuplicatesTest, ALinkIsMadeAndTakenBackWithoutTheFile) {

@@ -139,7 +139,8 @@ TEST_F(Review, WithExactNamesAFileMayHaveADateSeveralNumbersOrOneOfAll) {
           {"season":2,"number":2,"name":"C"}])";
   take({"Nite Train 1x09.mkv", "Nite Train 1x08-09.avi", "Nite Train 12.mp4", "Nite Train 2x01.mkv"});
   EXPECT_EQ(rows(),
-            "#\"Nite Train\", searched for as \"night train\"=Night Train (tvmaze:5), by its name 1 Episode unknown 2 Episode "
+            "#\"Nite Train\", searched for as \"night train\"=Night Train (tvmaze:5), by its name 1 Episode unknown 2 "
+            "Episode "
             "unknown 3 Episode unknown 4* Ready ");
   const auto numbers = [&] {
     std::string text;

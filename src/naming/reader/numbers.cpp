@@ -224,7 +224,8 @@ Numbers find_numbers(const Name& name, const Surroundings& surroundings) {
   for (const Rule rule : rules) {
     for (std::size_t i = name.named; i < name.count(); ++i) {
       if (!rule(search, i, numbers)) continue;
-      numbers.special = numbers.special || numbers.season == 0 || name.at(numbers.first - 1).is(SpecialWord);
+      numbers.special = numbers.special || numbers.season == 0 || name.at(numbers.first - 1).is(SpecialWord) ||
+                        (numbers.date && surroundings.season == 0);
       absolute_behind(name, numbers);
       if (is_half(name, numbers.last)) numbers.certain = false;
       return numbers;
