@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <vector>
 
 #include "text/characters.h"
@@ -42,7 +43,7 @@ std::string without_blanks(std::string text) {
 /// How many letters must be put in, left out, changed, or exchanged with the next one.
 std::size_t changes_between(std::u32string_view one, std::u32string_view other) {
   std::vector<std::size_t> before_last, last(other.size() + 1), row(other.size() + 1);
-  for (std::size_t k = 0; k <= other.size(); ++k) last[k] = k;
+  std::iota(last.begin(), last.end(), 0U);
   for (std::size_t i = 1; i <= one.size(); ++i) {
     row[0] = i;
     for (std::size_t k = 1; k <= other.size(); ++k) {

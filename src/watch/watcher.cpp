@@ -87,8 +87,8 @@ Duration Watcher::pause() const {
 }
 
 void Watcher::ended(const QueueItem& item) {
-  if (item.state == QueueState::Done && item.done_stamp) note_own(job_of(item).destination(), *item.done_stamp);
   if (item.state == QueueState::Done) {
+    if (item.done_stamp) note_own(job_of(item).destination(), *item.done_stamp);
     for (const FileJob& each : item.companions) {
       if (each.done_stamp) note_own(each.destination(), *each.done_stamp);
     }

@@ -212,6 +212,17 @@ TEST(NameMatch, NamesAreAsAlikeAsPeopleWriteThem) {
       {"9-1-1", "912", 0},
       {"The Harbour Lights", "harbor lights", 80},
       {"Ночной поезд", "ночнои ПОЕЗД", 100},
+      {"The Harbour Lights", "the harbour lihgts", 80},
+      {"The Harbour Lights", "harbour lights by night", 50},
+      {"The Harbour Lights", "by night harbour", 0},
+      {"Ladder", "laddre", 80},
+      {"Ladder", "ldader", 80},
+      {"Ladder", "bladder", 80},
+      {"Ladder", "ladde", 80},
+      {"Ladder", "lodder", 80},
+      {"Ladder", "loddet", 0},
+      {"Ladder", "ladderas", 0},
+      {"Lost", "last", 0},
       {"Star Trek: Picard", "picard", 50},
       {"", "", 0}};
   for (const auto& [name, other, expected] : rows) {
