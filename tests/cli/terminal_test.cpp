@@ -25,7 +25,7 @@ TEST_F(Cli, AsksWhichShowIsMeantRemembersItAndTellsOfLostCharacters) {
   EXPECT_EQ(run(asked), 1) << "nobody can answer";
   const std::string unclear = "More than one show fits: Part Time (2010, tvmaze:10), Part Time (2015, tvmaze:15)";
   EXPECT_NE(error.find(unclear), std::string::npos) << error;
-  for (const auto& [answers, status] : {std::pair("s\n", 1), {"9\n2\n", 0}}) {
+  for (const auto& [answers, status] : {std::pair("s\n", 1), {"0\n3\n02\n2\n", 0}}) {
     const ChildProcess program(start(asked, true));
     EXPECT_TRUE(program.shows(file + ": which show is \"Part Time\"?") &&
                 program.shows("2  Part Time (2015, tvmaze:15), BBC") && program.shows("or s to skip: "));

@@ -54,6 +54,7 @@ const SecondProcess cut_off("cut-off", [](const std::string& here) {
   begin_far("renewed"), write_file(far + "renewed", "renewed"), write_file(folder + "renewed", "another file");
   begin_far("undone");
   begin_far("back"), fs::create_hard_link(path_of(folder + ".quorvel-back"), path_of(folder + "back"));
+  begin_far("blank"), write_file(folder + "blank", "blank"), write_file(folder + ".quorvel-blank", "");
   begin_request({Request::Copy, folder + "ended", folder + "new ended", 0, folder + ".quorvel-ended"})->end();
   write_file(folder + "new ended", "");  // somebody else's
   begin_request({Request::Copy, folder + "away", drive + "away", 0, drive + ".quorvel-away"});
@@ -84,7 +85,7 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
     Journal busy(*files, log, work);
     busy.begin({Request::Copy, folder + "copied", folder + "another", 0, folder + ".quorvel-busy"}, {});
     write_file(folder + ".quorvel-busy", "co");
-    EXPECT_EQ(settled(), 11) << ::testing::PrintToString(log.list);
+    EXPECT_EQ(settled(), 12) << ::testing::PrintToString(log.list);
     busy.end();
     EXPECT_TRUE(files->remove(folder + ".quorvel-busy"));
   }
@@ -94,11 +95,12 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
       left += path.substr(folder.size()) + "|";
   }
   std::ranges::replace(left, native::separator, '/');
-  EXPECT_EQ(left,
-            ".quorvel-last|.quorvel-undone|away|back|both|copied|earlier|ended|far/moved|far/renewed|kept|new both|new "
-            "copied|new "
-            "earlier|new ended|new taken|part|renewed|two|"
-            "work/cache/.quorvel-young|work/cache/old.qc|");
+  EXPECT_EQ(
+      left,
+      ".quorvel-last|.quorvel-undone|away|back|blank|both|copied|earlier|ended|far/moved|far/renewed|kept|new both|new "
+      "copied|new "
+      "earlier|new ended|new taken|part|renewed|two|"
+      "work/cache/.quorvel-young|work/cache/old.qc|");
   fs::create_directory(path_of(folder + "drive"));
   write_file(folder + "drive/.quorvel-away", "aw");
   EXPECT_EQ(settled(), 3) << ::testing::PrintToString(log.list);

@@ -110,6 +110,9 @@ TEST_F(DuplicatesTest, ARuleSaysWhatBecomesOfFilesThatWouldHaveOneName) {
     EXPECT_TRUE(item.error_text.find(row.reason) != std::string::npos) << item.error_text;
     EXPECT_EQ(item.is_right_already, row.right_already) << item.error_text;
     EXPECT_TRUE(!row.right_already || reason_of(item) == item.error_text) << "not that it has its place";
+    EXPECT_TRUE(!row.right_already || std::ranges::any_of(session.log.lines(), [&](const auto& line) {
+      return line.ends_with(item.error_text);
+    }));
   }
 }
 
