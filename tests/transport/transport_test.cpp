@@ -192,7 +192,9 @@ TEST_F(Http, CopiesKeepThePaceTogetherFromTheFirstRefusalOfAny) {
   EXPECT_LT(sent.back() - sent.front(), std::chrono::seconds(21));
   const std::unique_ptr<HeldFile> held = files->hold(work_dir + "requests");
   int alone = 0;
+  events.list.clear();
   while (alone < 30 && pace.claim().count() == 0) ++alone;
+  EXPECT_EQ(std::ranges::count(events.list, "wait 5"), (alone + 1) * 9) << "others hold it for an instant";
   EXPECT_LE(alone, 20) << "what cannot be shared is kept to alone";
   clock.wait(std::chrono::minutes(11));
   Pace fresh(clock, *files, work_dir);

@@ -16,8 +16,7 @@ constexpr int stands_out = set_apart;
 
 bool is_decimal(const Name& name, std::size_t i) {
   const Token& next = name.at(i + 1);
-  return next.is_number() && next.gap == Dot && next.size() == 1 && !next.technical && name.at(i).size() <= 3 &&
-         name.at(i + 2).gap != Dot;
+  return next.is_number() && next.gap == Dot && next.size() == 1 && name.at(i).size() <= 3 && name.at(i + 2).gap != Dot;
 }
 
 /// Whether nothing but this number stands in its brackets.
@@ -36,22 +35,21 @@ bool fills_group(const Name& name, std::size_t i) {
 bool is_impossible_date(const Name& name, std::size_t month) {
   const Token &token = name.at(month), &next = name.at(month + 1);
   return is_year(name.at(month - 1)) && token.is_number() && next.is_number() && token.gap == next.gap &&
-         (token.gap == Dash || token.gap == Dot) && token.size() == 2 && next.size() == 2;
+         token.size() == 2 && next.size() == 2;
 }
 
 /// "30.10.13"
 bool is_like_date(const Name& name, std::size_t i) {
   const Token &next = name.at(i + 1), &third = name.at(i + 2);
-  return name.at(i).size() == 2 && next.is_number() && next.gap == Dot && next.size() == 2 && third.is_number() &&
-         third.gap == Dot && third.size() == 2;
+  return next.is_number() && next.gap == Dot && next.size() == 2 && third.is_number() && third.gap == Dot &&
+         third.size() == 2;
 }
 
 bool is_candidate(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   if (i < name.named || !token.is_number() || token.technical || token.size() > 4 || is_year(token)) return false;
   const Token& next = name.at(i + 1);
-  const bool letter = next.is_word() && next.is_glued() && next.size() == 1 && !next.is(SeasonLetter) &&
-                      (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
+  const bool letter = next.is_word() && next.size() == 1 && (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
   if (letter && name.is_word(i + 1, "d") && token.number <= 3) return false;  // "3D"
   if (is_total(name, i) || (is_decimal(name, i) && !token.follows_spaced_dash())) return false;
@@ -61,7 +59,7 @@ bool is_candidate(const Name& name, std::size_t i) {
   if (i == 0) return true;
   const Token& before = name.at(i - 1);
   if (before.is_number() && is_decimal(name, i - 1)) return false;
-  const bool month = is_year(before) && token.gap == Dash && before.gap != Dash && token.size() == 2;  // "2019-07"
+  const bool month = is_year(before) && token.gap == Dash && token.size() == 2;  // "2019-07"
   if (month || is_impossible_date(name, i) || is_impossible_date(name, i - 1)) return false;
   return !(before.is(VolumeWord | ExtraWord | FilmWord) && !token.follows(Dash)) &&
          !(before.is(SeasonWord) && !is_weak(name, i - 1) && !token.follows(Dash)) &&
@@ -74,8 +72,8 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   if (is_decimal(name, i)) return i + 2;
   const Token& next = name.at(i + 1);
   if (next.is_word() && next.is_glued() && next.size() == 1 && !next.technical) return i + 2;  // "12a"
-  const bool pair = next.is_number() && next.size() >= 3 && next.size() == name.at(i).size() &&
-                    next.number == list.front() + 1 && !next.technical && !next.follows_spaced_dash();  // "102.103"
+  const bool pair = next.is_number() && next.size() >= 3 && next.number == list.front() + 1 && !next.technical &&
+                    !next.follows_spaced_dash();  // "102.103"
   if (pair) {
     std::size_t last = i + 1;
     for (; name.at(last).is_number() && name.at(last).gap == next.gap && name.at(last).number == list.back() + 1;
@@ -85,9 +83,8 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   }
   // "Show - 05 - 06" is a range, "Show 2 - 05" is none.
   const Token& behind = name.at(i + 2);
-  const bool row = next.is_number() && next.size() >= 2 && next.size() == name.at(i).size() &&
-                   next.number == list.front() + 1 && next.follows_spaced_dash() && name.at(i).follows_spaced_dash() &&
-                   (behind.is_end() || behind.technical || behind.follows(Open));
+  const bool row = next.is_number() && next.number == list.front() + 1 && next.follows_spaced_dash() &&
+                   name.at(i).follows_spaced_dash() && (behind.is_end() || behind.technical || behind.follows(Open));
   if (row) {
     list.push_back(next.number);
     return i + 2;
@@ -118,7 +115,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season, boo
   // "Part 2 - 100 Days"
   const bool of_title = name.at(i - 2).is(PartWord) && next.gap == Blank && next.is_word() && !next.technical;
   if (of_title && !starts_with_group(name)) return none;
-  if (token.follows(Open) && fills_group(name, i)) {
+  if (fills_group(name, i)) {
     const bool square = name.groups[static_cast<std::size_t>(token.group)].square;
     value = square ? (wide ? bracketed : set_apart) : wide ? trailing : none;
   } else if (token.group >= 0) {

@@ -6,17 +6,11 @@
 namespace quorvel::reader {
 namespace {
 
-constexpr std::uint16_t separators = Blank | Dot | Dash | Comma | Other;
-
 constexpr int first_year_to_come = 2028;
 constexpr int last_short_year = 30;  // two digits mean the years that files have been named in
 
 int full_year(const Token& token) {
-  return token.size() == 2 && token.number <= last_short_year ? 2000 + token.number : token.number;
-}
-
-bool is_short(const Token& token) {
-  return token.is_number() && token.size() <= 2;
+  return token.number <= last_short_year ? 2000 + token.number : token.number;
 }
 
 /// Whether another digit stands glued to the token, so that it is no number of its own.
@@ -24,29 +18,28 @@ bool is_free(const Name& name, std::size_t first, std::size_t last) {
   const Token& before = name.at(first);
   const bool has_year = is_year(before) || before.size() == 8;
   const bool behind_word = has_year && name.at(first - 1).is_word() && name.at(first - 1).size() > 2;
-  const bool time = name.is_word(last, "t") && name.at(last + 1).is_number() && name.at(last + 1).is_glued();
+  const bool time = name.is_word(last, "t") && name.at(last + 1).is_number();
   return (!before.is_glued() || behind_word) && (name.at(last).is_end() || time || !name.at(last).is_glued());
 }
 
 std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
   const Token &a = name.at(i), &b = name.at(i + 1), &c = name.at(i + 2);
   if (!a.is_number() || !b.is_number() || !c.is_number() || !is_free(name, i, i + 3)) return {};
-  if (b.is_glued() || b.gap != c.gap || (b.gap & ~separators) != 0) return {};
-  if (a.technical || b.technical || c.technical) return {};
+  if (b.gap != c.gap || a.technical || b.technical || c.technical) return {};
   std::vector<Date> possible;
   possible.reserve(3);
   const auto consider = [&](const Token& year, const Token& month, const Token& day) {
     const Date date{full_year(year), month.number, day.number};
     if (is_date(date)) possible.push_back(date);
   };
-  if (is_year(a) && is_short(b) && is_short(c)) {
+  if (is_year(a)) {
     consider(a, b, c);
     if (possible.empty()) consider(a, c, b);
-  } else if (is_year(c) && is_short(a) && is_short(b)) {
+  } else if (is_year(c)) {
     // Days come first in most of the world, and always where dots stand between; slashes and dashes are used by both.
     consider(c, b, a);
     consider(c, a, b);
-  } else if (a.size() == 2 && b.size() == 2 && c.size() == 2 && b.gap == c.gap) {
+  } else if (a.size() == 2 && b.size() == 2 && c.size() == 2) {
     // Nobody names files of years to come.
     if (full_year(a) < first_year_to_come) consider(a, b, c);
     consider(c, b, a);
@@ -84,28 +77,25 @@ std::optional<DateMark> written_date(const Name& name, std::size_t i) {
   const Token& month = name.at(i);
   if (!month.is(MonthName)) return {};
   const auto day_behind = [&](std::size_t at, std::size_t& next) {
-    next = at + (name.at(at + 1).is_glued() && name.at(at + 1).is(OrdinalEnd) ? 2 : 1);
-    return is_short(name.at(at));
+    next = at + (name.at(at + 1).is(OrdinalEnd) ? 2 : 1);
+    return name.at(at).is_number();
   };
   std::size_t next = 0;
-  if (i + 2 < name.count() && day_behind(i + 1, next) && is_year(name.at(next))) {
+  if (day_behind(i + 1, next) && is_year(name.at(next))) {
     const Date date{name.at(next).number, month.number, name.at(i + 1).number};
     if (is_date(date)) return DateMark{i, next + 1, date, true, {}};
   }
-  if (i >= 2 && is_year(name.at(i - 1)) && day_behind(i + 1, next)) {
+  if (is_year(name.at(i - 1)) && day_behind(i + 1, next)) {
     const Date date{name.at(i - 1).number, month.number, name.at(i + 1).number};
     if (is_date(date)) return DateMark{i - 1, next, date, true, {}};
   }
   std::size_t day = i;
-  while (day > 0 && i - day < 3 && (day == i || name.at(day).is(OrdinalEnd | OfWord))) --day;
-  const bool year_follows =
-      is_year(name.at(i + 1)) || (i + 1 < name.count() && name.at(i + 1).size() == 2 && name.at(i + 1).is_number() &&
-                                  name.at(i + 1).number <= last_short_year);
-  if (day < i && is_short(name.at(day)) && year_follows) {
-    const Date date{full_year(name.at(i + 1)), month.number, name.at(day).number};
-    if (is_date(date)) return DateMark{day, i + 2, date, is_year(name.at(i + 1)), {}};
+  while (day > 0 && (day == i || name.at(day).is(OrdinalEnd | OfWord))) --day;
+  const Token& year = name.at(i + 1);
+  if (name.at(day).is_number() && year.is_number() && (is_year(year) || year.size() == 2)) {
+    const Date date{full_year(year), month.number, name.at(day).number};
+    if (is_date(date)) return DateMark{day, i + 2, date, is_year(year), {}};
   }
-  if (day < i && is_year(name.at(i - 1)) && is_short(name.at(i + 1))) return {};
   return {};
 }
 
