@@ -42,7 +42,7 @@ bool leading_in_season(const Search& search, std::size_t i, Numbers& numbers) {
     return false;
   // "5. Folge", but "05 Folge 5" has a title.
   const Token& third = name.at(i + 2);
-  const bool numbered = (third.is_number() || third.is(NumberWord)) && !third.technical;
+  const bool numbered = third.is_number() && !third.technical;
   const bool counted =
       next.is(OfWord) || (next.is(EpisodeWord | SeasonWord | VolumeWord) && !numbered && !next.follows_spaced_dash());
   if (!name.stands_alone(i) || counted || token.group >= 0) return false;
@@ -84,8 +84,7 @@ bool one_of_many(const Search& search, std::size_t i, Numbers& numbers) {
   const Token &number = name.at(i), &all = name.at(i + 2);
   if (is_title_of_number(name, i)) return false;
   const bool digits = number.is_number() && all.is_number();
-  const bool words = number.is(NumberWord) && all.is(NumberWord);
-  if ((!digits && !words) || !name.at(i + 1).is(OfWord) || number.number > all.number) return false;
+  if ((!digits && !number.is(NumberWord)) || !name.at(i + 1).is(OfWord) || number.number > all.number) return false;
   if ((digits && all.size() > 3) || (name.at(i - 1).is(SeasonWord) && !is_weak(name, i - 1))) return false;
   if (name.at(i - 1).is(PartWord)) --i;  // "Part 2 of 3"
   const std::size_t last = i + (name.at(i).is(PartWord) ? 4 : 3);
@@ -111,8 +110,7 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
     season = number / 100;
     set(search, numbers, i, episode->last, {}, number, true);
     const Token& to = name.at(episode->last);  // "[Cap.101_103]"
-    if (to.is_number() && to.gap == Blank && to.group >= 0 && to.group == name.at(i).group &&
-        to.number > numbers.absolute.back() && to.number / 100 == number / 100) {
+    if (to.is_number() && to.group >= 0 && to.group == name.at(i).group && to.number > numbers.absolute.back()) {
       for (int next = numbers.absolute.back() + 1; next <= to.number; ++next) numbers.absolute.push_back(next);
       ++numbers.last;
     }
@@ -187,10 +185,26 @@ bool bare(const Search& search, std::size_t i, Numbers& numbers) {
 
 /// The first row that fits anywhere in the name wins, and of its places the first.
 constexpr Rule rules[] = {
-    season_and_episode, glued_to_the_show, crossed,      packed,       dotted,
-    episode_and_season, season_and_number, said_twice,   certain_date, leading_in_season,
-    episode_alone,      one_of_many,       standing_out, special,      part,
-    barely_crossed,     likely_date,       run_together, bare,         part_in_brackets,
+    season_and_episode,
+    glued_to_the_show,
+    crossed,
+    packed,
+    dotted,
+    episode_and_season,
+    season_and_number,
+    said_twice,
+    leading_in_season,
+    certain_date,
+    episode_alone,
+    one_of_many,
+    standing_out,
+    special,
+    part,
+    barely_crossed,
+    likely_date,
+    run_together,
+    bare,
+    part_in_brackets,
 };
 
 }  // namespace

@@ -20,7 +20,7 @@ bool set(const Search& search, Numbers& numbers, std::size_t first, std::size_t 
 bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.is_word(i + 2, "e") && name.at(i + 3).is_number() &&
-      name.at(i + 1).follows(Blank | Dot) && name.at(i + 3).follows(Blank | Dot)) {  // "S 01 E 02"
+      name.at(i + 1).follows(Blank | Dot)) {  // "S 01 E 02"
     return set(search, numbers, i, i + 4, name.at(i + 1).number, name.at(i + 3).number, true);
   }
   if (name.is_word(i, "s") && name.at(i + 1).is_number() && name.at(i + 2).is(EpisodeWord)) {
@@ -28,7 +28,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
     if (episode) return set(search, numbers, i, episode->last, name.at(i + 1).number, episode->number, true);
   }
   const std::optional<Mark> season = season_at(name, i);
-  if (!season || (season->weak && name.at(i + 1).follows(Dash))) return false;
+  if (!season) return false;
   std::size_t next = season->last;
   const bool cross = name.is_word(next, "x");
   if (cross && season->weak) return false;
@@ -42,17 +42,17 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
   }
   const Token& number = name.at(next);
   // "1 сезон: 1-8 серии"
-  if (!season->weak && number.is_number() && name.at(next + 1).is_number() && name.at(next + 1).gap == Dash &&
+  if (number.is_number() && name.at(next + 1).is_number() && name.at(next + 1).gap == Dash &&
       name.at(next + 2).is(EpisodeWord)) {
     return set(search, numbers, i, next + 1, season->number, number.number, true);
   }
   // "S01F02" is German, "T1C2" Spanish.
   const bool letters =
       (name.is_word(i, "s") && name.is_word(next, "f")) || (name.is_word(i, "t") && name.is_word(next, "c"));
-  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number() && name.at(next + 1).is_glued()) {
+  if (letters && name.at(next).is_glued() && name.at(next + 1).is_number()) {
     return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
   }
-  if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
+  if (!cross || !number.is_number() || !number.is_glued()) return false;
   return set(search, numbers, i, next + 1, season->number, number.number, true);
 }
 
@@ -93,14 +93,13 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
   if (in_season && episode.is_number() && episode.gap == Dot && episode.size() == 2 && name.stands_alone(1))
     return set(search, numbers, 0, 2, season.number, episode.number, true);
   // "Season 1/1_05 Title"
-  if (in_season && season.size() == 1 && episode.is_number() && episode.gap == Blank && episode.size() == 2 &&
-      name.written(episode).front() == '0' && name.stands_alone(1)) {
+  if (in_season && season.size() == 1 && episode.is_number() && episode.gap == Blank &&
+      name.written(episode).front() == '0') {
     return set(search, numbers, 0, 2, season.number, episode.number, true);
   }
   // "Season 12/12 - 02 Title", but not "Season 2/02-03 Title"
-  const bool both = in_season && season.size() == 2 && episode.is_number() && episode.size() == 2 &&
-                    !episode.technical && (episode.gap & ~Blank) == Dash && name.stands_alone(1) &&
-                    episode.number != season.number + 1;
+  const bool both = in_season && season.size() == 2 && episode.is_number() && !episode.technical &&
+                    (episode.gap & ~Blank) == Dash && episode.number != season.number + 1;
   if (both) {
     numbers.certain = episode.number < season.number;
     numbers.last = 2;
@@ -162,12 +161,10 @@ bool episode_and_season(const Search& search, std::size_t i, Numbers& numbers) {
 bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const std::optional<Mark> season = season_at(name, i);
-  if (!season || (season->weak && (name.at(i).is(SeasonLetter) || starts_with_group(name)))) return false;
+  if (!season || (season->weak && starts_with_group(name))) return false;
   const Token& number = name.at(season->last);
   const bool counted = !is_ascii(name.written(name.at(season->last - 1)));  // "第2季05"
-  if (!number.is_number() || number.technical || (number.is_glued() && !counted) || is_year(number) ||
-      number.size() > 4)
-    return false;
+  if (!number.is_number() || number.technical || (number.is_glued() && !counted) || is_year(number)) return false;
   // "Season 1-3" is three seasons.
   const bool apart = number.follows(Dash | Open) && number.gap != Dash;
   if (!name.stands_alone(season->last) || (number.size() == 1 && !apart)) return false;
@@ -190,7 +187,7 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
 bool said_twice(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &number = name.at(i), &again = name.at(i + 1);
-  if (!number.is_number() || number.technical || number.number < 100 || number.size() > 4) return false;
+  if (!number.is_number() || number.technical || number.number < 100) return false;
   if (!again.is_number() || !again.follows(Open) || !name.at(i + 2).follows(Close) || again.size() != 2) return false;
   if (number.number % 100 != again.number || is_year(number)) return false;
   return set(search, numbers, i, i + 2, number.number / 100, again.number, true);

@@ -13,10 +13,11 @@ struct Search {
   std::size_t last_year = 0;
   bool in_brackets = false;  // whether a part may stand there
 
-  /// What the name itself says of the season, else what the folders say.
+  /// What the name itself says of the season, else what the folders say; "Season 2/Episode 5 - Season 3" has a title.
   std::optional<int> season() const {
     const std::optional<Mark> said = find_season(name);
-    return said ? said->number : around.season;
+    const bool is_title = said && around.season && name.at(said->first).follows_spaced_dash();
+    return said && !is_title ? said->number : around.season;
   }
 };
 
