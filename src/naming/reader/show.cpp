@@ -123,8 +123,7 @@ bool is_round_group_in_front(const Name& name, const Group& group) {
 std::size_t behind_front(const Name& name, std::size_t last) {
   std::size_t first = 0;
   // Somebody passed the group's file on: "Somebody.[Group] Show".
-  if (name.count() > 1 && name.at(1).follows(Open) && (!name.at(1).follows(Blank) || name.at(0).is_number()) &&
-      name.at(0).group < 0) {
+  if (name.count() > 1 && (!name.at(1).follows(Blank) || name.at(0).is_number()) && name.at(0).group < 0) {
     const Group* const behind = group_of(name, 1);
     if (behind != nullptr && behind->square && !behind->technical && behind->last < last) first = 1;
   }
@@ -168,8 +167,7 @@ Span alternative(const Name& name, Span span, std::size_t numbers_first) {
     const bool slash =
         i > span.first &&
         name.text.substr(name.at(i - 1).end, token.begin - name.at(i - 1).end).find(" / ") != std::string_view::npos;
-    const bool ends =
-        token.is_end() || slash || token.technical || i == numbers_first || token.follows(Open) || season_at(name, i);
+    const bool ends = token.is_end() || slash || token.technical || i == numbers_first || season_at(name, i);
     if (ends && part.last > i) part.last = i;
     if (!slash) continue;
     if (!part.empty() && is_latin(name, part)) return part;
@@ -204,7 +202,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   Span span{behind_front(name, last), last};
   // What the numbers' brackets open with is not the show's.
   const Group* const own = numbers.found() ? group_of(name, numbers.first) : nullptr;
-  if (own != nullptr && own->first < last && own->last > last) {
+  if (own != nullptr && own->first < last) {
     span.last = std::max(own->first, span.first);
     if (is_year(name.at(own->first))) reading.year = name.at(own->first).number;
     if (span.empty()) span = {own->first, last};  // "[Group][Show Season 2][05]"
@@ -228,24 +226,23 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   }
   // "03-Show.5x03", "01 - Show - 5x03", "01. Show 5x03": the episode's number once more, or a place in a list
   const Token& front = name.at(span.first);
-  if (numbers.season && !numbers.episodes.empty() && front.is_number() && span.last > span.first + 1) {
+  if (!numbers.episodes.empty() && front.is_number() && span.last > span.first + 1) {
     const Token& second = name.at(span.first + 1);
-    const bool padded = front.size() == 2 && name.written(front).front() == '0';
+    const bool padded = name.written(front).front() == '0';
     const bool apart = second.follows_spaced_dash() || second.gap == (Dot | Blank);
     if ((front.number == numbers.episodes.front() && second.follows(Dash)) || (padded && apart)) ++span.first;
   }
   // "(2004) Show"
   const Group* const dated = group_of(name, span.first);
-  if (dated != nullptr && dated->first == span.first && dated->last == span.first + 1 && is_year(name.at(span.first)) &&
-      span.last > dated->last) {
+  if (dated != nullptr && dated->last == span.first + 1 && is_year(name.at(span.first)) && span.last > dated->last) {
     reading.year = name.at(span.first).number;
     ++span.first;
   }
   // "01. S02E05": a place in a list.
   const bool listed = span.last == span.first + 1 && name.at(span.first).is_number() && name.at(span.last).follows(Dot);
-  if (listed && numbers.found() && name.at(span.last).follows(Blank)) span.last = span.first;
+  if (listed && name.at(span.last).follows(Blank)) span.last = span.first;
   // "Show 2011-04-18 S05E09"
-  if (!numbers.date && numbers.found()) {
+  if (numbers.found()) {
     const std::optional<DateMark> date = find_date(name);
     if (date && date->certain && date->first > span.first && date->last <= span.last) {
       span.last = date->first;
@@ -257,7 +254,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
     span.last = group->first;
   }
   // "Show 313-315 S16E03-05": the numbers count over all seasons.
-  if (numbers.season && numbers.episodes.size() > 1 && span.last > span.first + 2) {
+  if (numbers.episodes.size() > 1 && span.last > span.first + 2) {
     const Token &low = name.at(span.last - 2), &high = name.at(span.last - 1);
     if (low.is_number() && high.is_number() && high.gap == Dash &&
         high.number - low.number + 1 == static_cast<int>(numbers.episodes.size())) {

@@ -24,7 +24,7 @@ bool is_lines(int number) {
 
 /// The size of a picture: "1280x720", but not "2016x231", a season that is a year.
 bool is_picture(int width, int height) {
-  return width >= 320 && height >= 200 && width <= 4 * height && height <= 2 * width;
+  return height >= 200 && width <= 4 * height && height <= 2 * width;
 }
 
 bool is_codec(std::string_view word, int number) {
