@@ -96,6 +96,36 @@ TEST(Dialogs, AskBeforeAPassIsUndone) {
   EXPECT_TRUE(undo_question(pass, at.clock).ends_with(" of 1970-01-01 00:00?"));
 }
 
+TEST(Dialogs, TellEachOperationInALineAndAPassInOne) {
+  const TestPorts at;
+  PastPass pass;
+  pass.id = 7, pass.time = std::chrono::sys_days(std::chrono::year(2026) / 3 / 9) + std::chrono::minutes(605);
+  std::string lines;
+  const auto add = [&](Deed deed, PastOperation::Outcome outcome, bool undone = false) {
+    PastOperation& each = pass.operations.emplace_back();
+    each.deed = deed, each.outcome = outcome, each.undone = undone, each.old_path = "a", each.reason = "why";
+    if (deed != Deed::Trashed && deed != Deed::Tidied) each.new_path = "b";
+    lines += line_of(each) + "|";
+  };
+  for (const Deed deed : {Deed::Renamed, Deed::Moved, Deed::Copied, Deed::HardLinked, Deed::SymbolicLinked,
+                          Deed::SetAside, Deed::Trashed, Deed::Tidied, Deed::Made}) {
+    add(deed, PastOperation::Done);
+  }
+  add(Deed::Moved, PastOperation::Done, true);
+  EXPECT_EQ(summary(pass, at.clock),
+            "Pass 7, 2026-03-09 10:05: 1 renamed, 2 moved, 1 copied, 2 linked, 1 set aside, 1 removed, 1 tidied away, "
+            "1 made again, 1 undone");
+  pass.operations.clear(), pass.is_undoing = true;
+  add(Deed::Renamed, PastOperation::Done, true);
+  add(Deed::Renamed, PastOperation::Failed);
+  add(Deed::Copied, PastOperation::UnderWay);
+  EXPECT_EQ(summary(pass, at.clock), "Pass 7, 2026-03-09 10:05, undoing: 1 renamed, 1 failed, 1 under way, all undone");
+  EXPECT_EQ(lines,
+            "renamed a -> b|moved a -> b|copied a -> b|linked a -> b|linked a -> b|set aside a -> b|removed a|tidied "
+            "away a|made again a -> b|moved a -> b (undone)|renamed a -> b (undone)|not renamed a -> b (why)|copied a "
+            "-> b (under way)|");
+}
+
 TEST(Dialogs, AddExceptionsWithBothNames) {
   TestSession at;
   at.start();
