@@ -313,7 +313,8 @@ std::string group_name(const Name& name) {
   if (name.count() < 2) return {};
   if (starts_with_group(name)) {
     const Group& group = name.groups.front();
-    return std::string(name.text.substr(group.inner, name.at(group.last > 0 ? group.last - 1 : 0).end - group.inner));
+    if (group.first == group.last) return {};
+    return std::string(name.text.substr(group.inner, name.at(group.last - 1).end - group.inner));
   }
   const Token& last = name.at(name.count() - 1);
   std::size_t first = name.count() - 1;
