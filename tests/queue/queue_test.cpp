@@ -101,6 +101,8 @@ TEST_F(Queue, MoveAndCopyRulesMakeTheirFoldersAndUndoTakesThemBack) {
   EXPECT_TRUE(ui.states.ends_with("Copying Done "));
   EXPECT_EQ(read(std::string("target/") + lights_name), lights_file);
   EXPECT_EQ(read(std::string("in/") + lights_file), lights_file);
+  EXPECT_TRUE(logged("Copying " + folder / (std::string("in/") + lights_file) + " to " +
+                     (folder / (std::string("target/") + lights_name))));
   EXPECT_EQ(session.undo.entry({1}).caption, "Undo Copy/Rename");
 }
 
