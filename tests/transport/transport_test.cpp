@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "fake_listings.h"
 #include "fake_ports.h"
 #include "platform/system.h"
