@@ -110,7 +110,8 @@ bool episode_alone(const Search& search, std::size_t i, Numbers& numbers) {
     season = number / 100;
     set(search, numbers, i, episode->last, {}, number, true);
     const Token& to = name.at(episode->last);  // "[Cap.101_103]"
-    if (to.is_number() && to.group >= 0 && to.group == name.at(i).group && to.number > numbers.absolute.back()) {
+    if (to.is_number() && to.group >= 0 && to.group == name.at(i).group && to.number > numbers.absolute.back() &&
+        to.number / 100 == number / 100) {
       for (int next = numbers.absolute.back() + 1; next <= to.number; ++next) numbers.absolute.push_back(next);
       ++numbers.last;
     }

@@ -52,7 +52,7 @@ bool season_and_episode(const Search& search, std::size_t i, Numbers& numbers) {
   if (letters && name.at(next).is_glued() && name.at(next + 1).is_number()) {
     return set(search, numbers, i, next + 2, season->number, name.at(next + 1).number, true);
   }
-  if (!cross || !number.is_number() || !number.is_glued()) return false;
+  if (!cross || !number.is_number() || !number.is_glued() || number.size() > 4) return false;
   return set(search, numbers, i, next + 1, season->number, number.number, true);
 }
 
@@ -98,8 +98,8 @@ bool dotted(const Search& search, std::size_t i, Numbers& numbers) {
     return set(search, numbers, 0, 2, season.number, episode.number, true);
   }
   // "Season 12/12 - 02 Title", but not "Season 2/02-03 Title"
-  const bool both = in_season && season.size() == 2 && episode.is_number() && !episode.technical &&
-                    (episode.gap & ~Blank) == Dash && episode.number != season.number + 1;
+  const bool both = in_season && season.size() == 2 && episode.is_number() && episode.size() == 2 &&
+                    !episode.technical && (episode.gap & ~Blank) == Dash && episode.number != season.number + 1;
   if (both) {
     numbers.certain = episode.number < season.number;
     numbers.last = 2;
@@ -164,7 +164,9 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
   if (!season || (season->weak && starts_with_group(name))) return false;
   const Token& number = name.at(season->last);
   const bool counted = !is_ascii(name.written(name.at(season->last - 1)));  // "第2季05"
-  if (!number.is_number() || number.technical || (number.is_glued() && !counted) || is_year(number)) return false;
+  if (!number.is_number() || number.technical || (number.is_glued() && !counted) || is_year(number) ||
+      number.size() > 4)
+    return false;
   // "Season 1-3" is three seasons.
   const bool apart = number.follows(Dash | Open) && number.gap != Dash;
   if (!name.stands_alone(season->last) || (number.size() == 1 && !apart)) return false;
@@ -187,7 +189,7 @@ bool season_and_number(const Search& search, std::size_t i, Numbers& numbers) {
 bool said_twice(const Search& search, std::size_t i, Numbers& numbers) {
   const Name& name = search.name;
   const Token &number = name.at(i), &again = name.at(i + 1);
-  if (!number.is_number() || number.technical || number.number < 100) return false;
+  if (!number.is_number() || number.technical || number.number < 100 || number.size() > 4) return false;
   if (!again.is_number() || !again.follows(Open) || !name.at(i + 2).follows(Close) || again.size() != 2) return false;
   if (number.number % 100 != again.number || is_year(number)) return false;
   return set(search, numbers, i, i + 2, number.number / 100, again.number, true);
