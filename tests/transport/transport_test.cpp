@@ -163,14 +163,21 @@ TEST_F(Http, AServiceThatRefusesIsAskedAgainLaterAndNeverTooOftenFromThenOn) {
 
   const std::string date = "Sun, 06 Nov 1994 08:49:37 GMT", later = "Sun, 06 Nov 1994 08:50:01 GMT";
   const auto now = std::chrono::sys_days(std::chrono::November / 6 / 1994) + std::chrono::hours(8);
-  const std::tuple<std::string, std::string, int> cases[] = {{later, date, 24},
-                                                             {"Sunday, 06-Nov-94 08:50:01 GMT", date, 24},
-                                                             {"Sun Nov  6 08:50:01 1994", date, 24},
-                                                             {later, "", 50 * 60 + 1},
-                                                             {date, later, 0},
-                                                             {"Sun, 31 Feb 1994 08:49:37 GMT", date, 0},
-                                                             {"soon", date, 0},
-                                                             {"", date, 0}};
+  const std::tuple<std::string, std::string, int> cases[] = {
+      {later, date, 24},
+      {"Sunday, 06-Nov-94 08:50:01 GMT", date, 24},
+      {"Sun Nov  6 08:50:01 1994", date, 24},
+      {later, "", 50 * 60 + 1},
+      {date, later, 0},
+      {"Sun, 31 Feb 1994 08:49:37 GMT", date, 0},
+      {"Sun, 06 Nov 08:50:01 GMT", date, 0},
+      {"Sun, 06 Nov 1994", date, 0},
+      {"Mon, 07 Nov 1994 10:51:38 GMT", date, 26 * 3600 + 121},
+      {"Thu, 01-Jan-70 00:00:10 GMT", "01 Jan 1970 00:00:00", 10},
+      {"Tue, 01-Jan-69 00:00:10 GMT", "01 Jan 2069 00:00:00", 10},
+      {"120", date, 120},
+      {"soon", date, 0},
+      {"", date, 0}};
   for (const auto& [after, own, seconds] : cases) EXPECT_EQ(time_to_wait(after, own, now).count(), seconds) << after;
   const auto before = clock.now;
   EXPECT_EQ(get({refused("Date: " + date + "\r\nRetry-After: " + later + "\r\n"), {ok + "x"}}), "x");
