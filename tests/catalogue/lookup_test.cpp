@@ -114,6 +114,11 @@ TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTr
   episodes(9, R"({"season":1,"number":1,"name":"A"})");
   EXPECT_EQ(found("Moon.Base.1999.S01E01.mkv"), "6:Leaving & \"Left\"");
   EXPECT_EQ(found("Nachtzug.S01E02.mkv"), "7:B");
+  search("abendzug", {show_json(8, "Nacht und Zug", 2001, "DE"), show_json(10, "Evening Train", 2001, "DE")});
+  web.bodies["/shows/10/akas"] = R"([{"name":"Abendzug"}])";
+  episodes(10, R"({"season":1,"number":1,"name":"A","airdate":"2001-02-031"})");
+  EXPECT_EQ(found("Abendzug.S01E01.mkv"), "10:A") << "the first has no other names";
+  EXPECT_EQ(found("Abendzug.2001.02.03.mkv"), "The listings have no episode of 2001-02-03") << "which is no day";
   EXPECT_EQ(lookup.show("Nachtzug (DE)", read_name("Night.S01E02.mkv")).why, "by its other name \"Nachtzug\"");
   EXPECT_EQ(found("Nachtzug 201.mkv"), "7:C") << "there are no 201 episodes";
   EXPECT_EQ(found("Nachtzug 901.mkv"), "The listings of Night Train have no episode 901, and no season 9, episode 1");
@@ -201,6 +206,17 @@ TEST_F(LookupTest, AnswersAreKeptAskedForAgainWhenOldAndRefusalsAreWaitedFor) {
   EXPECT_TRUE(found("Broken.S01E01.mkv").starts_with("The listings service's answer cannot be understood"));
 }
 
+TEST_F(LookupTest, WhatAnotherCopyHasRememberedIsKnownFromTheNextPassOn) {
+  const std::string key = Lookup::choice_key("The Bureau", {});
+  EXPECT_FALSE(lookup.choice(key));
+  store.keep_choice(key, 1);
+  EXPECT_FALSE(lookup.choice(key));
+  lookup.begin_pass();
+  EXPECT_EQ(lookup.choice(key), 1);
+  web.bodies["/shows/1"] = show_json(1, "The Bureau", 2001, "GB");
+  EXPECT_EQ(found("The.Bureau.S01E01.mkv"), "1:Work");
+}
+
 TEST(NameMatch, NamesAreAsAlikeAsPeopleWriteThem) {
   const std::tuple<const char*, const char*, int> rows[] = {
       {"Marvel's Agents of S.H.I.E.L.D.", "marvels agents of shield", 90},
@@ -228,6 +244,8 @@ TEST(NameMatch, NamesAreAsAlikeAsPeopleWriteThem) {
   for (const auto& [name, other, expected] : rows) {
     EXPECT_EQ(likeness(match_key(name), match_key(other)), expected) << name << " " << other;
   }
+  const std::string many(500, 'a');
+  EXPECT_EQ(likeness(many + "b", many + "c"), 0) << "that would take too long";
 }
 
 }  // namespace
