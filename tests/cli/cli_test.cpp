@@ -235,7 +235,9 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
     EXPECT_EQ(run(arguments), 2);
     EXPECT_EQ(out + "|" + error, "|quorvel-cli: " + reason + "\n");
   }
-  EXPECT_TRUE(run({"--exec", "\"a", "x"}) == 2 && error.find("The command \"\"a\" cannot be read: ") != error.npos);
+  if (!facts::windows) {  // there a quote may stay open
+    EXPECT_TRUE(run({"--exec", "\"a", "x"}) == 2 && error.find("The command \"\"a\" cannot be read: ") != error.npos);
+  }
   EXPECT_TRUE(run({"--help"}) == 0 && out.starts_with("Usage: quorvel-cli")) << out;
   EXPECT_TRUE(run({"--version"}) == 0 && out == "quorvel-cli 3.4.0\n") << out;
   if (facts::windows) return;  // there the settings are no file that could be damaged
