@@ -147,6 +147,10 @@ TEST_F(Rules, EveryCharacterComesBackAndWhatIsNoneIsNotWritten) {
     filters.loadfilters();
     EXPECT_EQ(filters.at(1).path, path);
   }
+  load_filters(std::string(mkv_line) + any_line);
+  filters.at(2).path = "/a\tb/";
+  EXPECT_FALSE(filters.exchange(1, 2) || filters.remove(1) || filters.insert(1, {}) || filters.store(1, {}));
+  EXPECT_TRUE(filters.count() == 2 && filters.at(1).fileType == "mkv" && !filters.at(1).deleted) << "nothing changed";
   EXPECT_TRUE(exceptions.store(0, {"\u00EF\u00BB\u00BFx", "y"})) << "in the code page it would begin with UTF-8's mark";
   exceptions.loadefilters();
   EXPECT_EQ(exceptions.at(1).detectedName, "\u00EF\u00BB\u00BFx");
