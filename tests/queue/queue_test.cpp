@@ -136,6 +136,7 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
   add("Part.Time.S01E01.avi");
   processor.process_queue();
   EXPECT_EQ(item(6).new_name, "Part Time - 1x01 - Pilot (1).avi");
+  EXPECT_TRUE(item(6).doubts.empty()) << "the user has said which show it is";
   EXPECT_EQ(std::count(web.requests.begin(), web.requests.end(), "/shows/8/episodes"), 1) << "the answer is kept";
 }
 

@@ -73,8 +73,7 @@ std::string words_of(const Name& name, Span span, bool keep_brackets) {
   // "What If...?"
   const std::string_view rest = name.text.substr(name.at(span.last - 1).end);
   const std::string_view marks = rest.substr(0, rest.find_first_not_of(".!?'"));
-  const std::size_t last_mark = marks.find_last_of("!?");
-  if (last_mark != std::string_view::npos) text += marks.substr(0, last_mark + 1);
+  text += marks.substr(0, marks.find_last_of("!?") + 1);  // none of them where there is neither
   return text;
 }
 
