@@ -37,7 +37,7 @@ struct LookupTest : ::testing::Test {
   LookupTest() {
     search("the bureau", {show_json(1, "The Bureau", 2001, "GB"), show_json(2, "The Bureau", 2005, "US"),
                           show_json(3, "The Bureau of Magic", 2018, "US")});
-    episodes(1, R"({"season":1,"number":1,"name":"Work","airdate":"2001-07-09"})");
+    episodes(1, R"({"number":1,"name":"of none"},{"season":1,"number":1,"name":"Work","airdate":"2001-07-09"})");
     episodes(2, R"j({"season":1,"number":1,"name":"Pilot","airdate":"2005-03-24"},
                     {"season":3,"number":1,"name":"Again (1)","airdate":"2006-01-01"},
                     {"season":3,"number":2,"name":"Again (2)","airdate":"2006-01-01"},{"season":3,"name":null})j");

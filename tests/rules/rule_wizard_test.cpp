@@ -146,6 +146,8 @@ TEST(RulePreview, ShowsWhatTheRuleMakesOfTheFileAndWhatIsWrong) {
   QueueItem item = example_item(false);
   item.filename = "a.AVI", item.episode_title = "Two";
   EXPECT_EQ(shown(Rename, "", mask, &item), "a.AVI -> Two.avi|The rule is not for this file.");
+  item.show_id = 1;
+  EXPECT_EQ(shown(Rename, "", "[title] {[id]}", &item, true).substr(0, 18), "a.AVI -> Two 1.avi");
   item.episode_title = "";
   EXPECT_EQ(shown(Rename, "", mask, &item), "The Pilot Boat.mkv");
 }
