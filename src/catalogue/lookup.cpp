@@ -333,10 +333,8 @@ FoundEpisodes Lookup::in_list(const CatalogueShow& show, const Reading& reading,
   } else {
     for (const int number : reading.absolute) {
       const auto at = std::ranges::find(known.all, number, &CatalogueEpisode::absolute);
-      if (number <= 0 || at == known.all.end()) throw missing("episode " + std::to_string(number));
-      if (reading.season && at->season != *reading.season) {
-        throw missing("episode " + std::to_string(number) + " in season " + std::to_string(*reading.season));
-      }
+      const bool fits = number > 0 && at != known.all.end() && at->season == reading.season.value_or(at->season);
+      if (!fits) throw missing("episode " + std::to_string(number) + (reading.season ? " in this season" : ""));
       found.push_back(*at);
     }
   }

@@ -137,9 +137,11 @@ bool ExactIdentification::find_episodes(QueueItem& item) {
   // What else an uncertain name may mean is ruled out by what the show has, or by the title where the name tells it.
   const bool is_sure =
       found.as.certain || says_title(found.as, first) || (item.reading->other && found.other_title.empty());
-  const std::string doubt = "The name can be read in more than one way; as this it would be \"" + first.title + "\"" +
-                            (found.other_title.empty() ? "" : ", else \"" + found.other_title + "\"");
-  if (!is_sure && !(counts_in_season(*item.reading) && may_go_on_with(item, doubt))) throw Failure(doubt);
+  if (!is_sure) {
+    const std::string doubt = "The name can be read in more than one way; as this it would be \"" + first.title + "\"" +
+                              (found.other_title.empty() ? "" : ", else \"" + found.other_title + "\"");
+    if (!counts_in_season(*item.reading) || !may_go_on_with(item, doubt)) throw Failure(doubt);
+  }
   item.reading = found.as;
   item.listings_told = found.told;
   const Reading& reading = *item.reading;

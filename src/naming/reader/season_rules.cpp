@@ -150,10 +150,7 @@ bool episode_and_season(const Search& search, std::size_t i, Numbers& numbers) {
   std::size_t next = episode->last;
   if (search.name.at(next).is(OfWord)) ++next;
   const std::optional<Mark> season = season_at(search.name, next);
-  if (!season) return false;
-  // "Season 2/Episode 5 - Season 3" has a title.
-  const bool is_title = search.around.season.value_or(season->number) != season->number;
-  if (is_title && search.name.at(next).follows_spaced_dash()) return false;
+  if (!season || search.is_title(*season)) return false;
   set(search, numbers, i, season->last, season->number, episode->number, true);
   return true;
 }

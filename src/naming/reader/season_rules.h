@@ -13,11 +13,15 @@ struct Search {
   std::size_t last_year = 0;
   bool in_brackets = false;  // whether a part may stand there
 
-  /// What the name itself says of the season, else what the folders say; "Season 2/Episode 5 - Season 3" has a title.
+  /// "Season 2/Episode 5 - Season 3"
+  bool is_title(const Mark& season) const {
+    return around.season.value_or(season.number) != season.number && name.at(season.first).follows_spaced_dash();
+  }
+
+  /// What the name itself says of the season, else what the folders say.
   std::optional<int> season() const {
     const std::optional<Mark> said = find_season(name);
-    const bool is_title = said && around.season && name.at(said->first).follows_spaced_dash();
-    return said && !is_title ? said->number : around.season;
+    return said && !is_title(*said) ? said->number : around.season;
   }
 };
 

@@ -275,20 +275,15 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   if (span.last > span.first + 1 && span.last == numbers.first && name.is_word(span.last - 1, "no") &&
       name.at(span.last - 1).gap == Blank && name.at(span.last).gap == Dot)
     --span.last;
-  // "Show - 112 - S05E06": the number counts over all seasons.
-  if (span.last > span.first + 1 && numbers.season && name.at(span.last).follows(Dash | Open)) {
+  // "Show - 112 - S05E06", "[Group] Show 214 10x14": the number counts over all seasons. Not in "[Group] Room 104
+  // 1x03".
+  if (span.last > span.first + 1 && numbers.season) {
     const Token& number = name.at(span.last - 1);
-    if (number.is_number() && number.follows_spaced_dash() && !is_year(number)) {
-      reading.absolute = {number.number};
-      --span.last;
-    }
-  }
-  // "[Group] Show 214 10x14", but not "[Group] Room 104 1x03"
-  if (span.last > span.first + 1 && starts_with_group(name) && numbers.season > 1 && !numbers.episodes.empty() &&
-      span.last == numbers.first) {
-    const Token& number = name.at(span.last - 1);
-    if (number.is_number() && number.gap == Blank && number.number > numbers.episodes.front() && !is_year(number) &&
-        reading.absolute.empty()) {
+    const bool dashed = number.follows_spaced_dash() && name.at(span.last).follows(Dash | Open);
+    const bool counted = number.gap == Blank && starts_with_group(name) && numbers.season > 1 &&
+                         !numbers.episodes.empty() && number.number > numbers.episodes.front() &&
+                         span.last == numbers.first && reading.absolute.empty();
+    if (number.is_number() && !is_year(number) && (dashed || counted)) {
       reading.absolute = {number.number};
       --span.last;
     }
