@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <random>
-#include <thread>
+#include <vector>
 
 #include "file_tools.h"
 
@@ -19,15 +19,20 @@ class TemporaryFolder {
   }
   ~TemporaryFolder() {
     std::error_code failed;
-    using Walk = std::filesystem::recursive_directory_iterator;
-    for (Walk at(top_, failed); !failed && at != Walk(); at.increment(failed)) {
-      if (!at->is_symlink() && at->is_directory(failed)) {
-        permissions(at->path(), std::filesystem::perms::owner_all, failed);
-      }
-    }
-    // A program that has just ended may hold a file open for a moment more, with which some systems keep the folder.
+    // A program that has just ended may hold a file open for a moment more, with which some systems keep the folder;
+    // and remove_all may never end where a file goes while it looks.
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (remove_all(top_, failed), failed && std::chrono::steady_clock::now() < until) std::this_thread::yield();
+    do {
+      std::vector<std::filesystem::path> all{top_};
+      using Walk = std::filesystem::recursive_directory_iterator;
+      for (Walk at(top_, failed); !failed && at != Walk(); at.increment(failed)) {
+        all.push_back(at->path());
+        if (!at->is_symlink(failed) && at->is_directory(failed)) {
+          permissions(at->path(), std::filesystem::perms::owner_all, failed);
+        }
+      }
+      for (; !all.empty(); all.pop_back()) remove(all.back(), failed);
+    } while (exists(top_, failed) && std::chrono::steady_clock::now() < until);
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
   std::string path() const { return text_of((top_ / "t").make_preferred()); }
