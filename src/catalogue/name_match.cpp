@@ -15,8 +15,8 @@ namespace {
 /// Beyond that no name is compared letter by letter.
 constexpr std::size_t max_compared = 200;
 
-constexpr std::array<std::string_view, 14> articles = {"the", "a",   "an", "der", "die", "das", "le",
-                                                       "la",  "les", "el", "los", "las", "il",  "lo"};
+constexpr auto articles = std::to_array<std::string_view>(
+    {"the", "a", "an", "der", "die", "das", "le", "la", "les", "el", "los", "las", "il", "lo"});
 
 /// Within a word, where it changes nothing: "Marvel's", "S.H.I.E.L.D." keep their letters together.
 bool is_silent(char32_t character) {

@@ -37,7 +37,7 @@ Files::Kind DryRun::kind(const std::string& path) const {
 std::optional<FileStamp> DryRun::stamp(const std::string& path) const {
   const Change* const changed = change(path);
   if (!changed) return real_.stamp(path);
-  if (changed->kind == Kind::Missing) return std::nullopt;
+  if (changed->kind == Kind::Missing) return {};
   return FileStamp{0, static_cast<std::uint64_t>(changed->number), changed->bytes.size(), 0};
 }
 

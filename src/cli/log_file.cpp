@@ -5,6 +5,7 @@
 
 #include "platform/native.h"
 #include "shell/past_text.h"
+#include "text/characters.h"
 #include "text/failure.h"
 
 namespace quorvel::cli {
@@ -17,8 +18,7 @@ constexpr std::string_view shape = "2026-11-22 14:05:33 ";  // in front of each 
 bool has_shape(std::string_view line) {
   if (line.size() < shape.size()) return false;
   for (std::size_t i = 0; i < shape.size(); ++i) {
-    const bool is_digit = line[i] >= '0' && line[i] <= '9';
-    if (shape[i] >= '0' && shape[i] <= '9' ? !is_digit : line[i] != shape[i]) return false;
+    if (is_digit(shape[i]) ? !is_digit(line[i]) : line[i] != shape[i]) return false;
   }
   return true;
 }

@@ -84,7 +84,7 @@ std::optional<FoundEpisode> EpisodeListings::getlistings(const Show& show, const
   const std::string key = std::to_string(show.id) + " " + std::to_string(season) + "x" + std::to_string(episode);
   const Episode* fetched =
       unfound_.unless_known(key, [&] { return fetch(show, search_name, season, episode, options.use_cache); });
-  if (fetched == nullptr) return std::nullopt;
+  if (fetched == nullptr) return {};
   log_.debug_log("Found episode in listings", LogLevel::Verbose);
   return finish(*fetched, options.decode_utf8);
 }
@@ -199,7 +199,7 @@ std::optional<bool> EpisodeListings::is_aired(std::string_view airdate) const {
     if (parts[1] == "00" || parts[2] == "00") return false;
     return to_day(parts[0], parts[1], parts[2]) <= std::chrono::sys_days(clock_.today());
   } catch (const Failure&) {
-    return std::nullopt;
+    return {};
   }
 }
 

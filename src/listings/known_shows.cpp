@@ -13,13 +13,13 @@ namespace quorvel {
 
 std::optional<Show> cached_show(const CacheFolder& cache, const std::string& file) {
   try {
-    if (!cache.stamp(file)) return std::nullopt;
+    if (!cache.stamp(file)) return {};
     const std::string text = cache.load(file);
     const std::vector<std::string_view> fields = split(text, "\t");
-    if (fields.size() < 3 || !is_clean(fields[2])) return std::nullopt;
+    if (fields.size() < 3 || !is_clean(fields[2])) return {};
     return Show{to_number(fields[0]), std::string(fields[2]), std::string(fields[1])};
   } catch (const Failure&) {
-    return std::nullopt;  // the service is asked, and the file replaced
+    return {};  // the service is asked, and the file replaced
   }
 }
 

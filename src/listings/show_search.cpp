@@ -52,11 +52,11 @@ std::optional<Show> ShowSearch::search_service(const std::string& search_name) {
   if (answer.empty()) throw NoAnswer(http_.trouble());
   if (answer == "[]") {
     log_.debug_log("Site reports no results for: \"" + search_name + "\"", LogLevel::Normal);
-    return std::nullopt;
+    return {};
   }
   if (answer.find("\"show\"") == std::string::npos || !is_whole_list(answer)) {
     log_.debug_log("Error parsing results (Err 2)", LogLevel::Normal);
-    return std::nullopt;
+    return {};
   }
   const std::string_view page = textbetween(answer, "\"url\":", ",");
   if (page.size() > max_title_size) throw Failure("the address of the show's page is too long");

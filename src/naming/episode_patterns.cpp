@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 
+#include "text/characters.h"
 #include "text/cut.h"
 #include "text/failure.h"
 #include "text/title.h"
@@ -34,7 +35,7 @@ using enum Scan;
 
 // The order decides: the first probe that a name holds is used, even when the scan then accepts none of its places.
 // The ids are what users know from their logs; 6 stands twice, and before 5.
-constexpr std::array<Pattern, 19> patterns = {{
+constexpr auto patterns = std::to_array<Pattern>({
     {".s##e##.", FileAndFolder, Forward, {2, 2}, {5, 2}, 1},
     {".###.", FileAndFolder, Forward, {1, 1}, {2, 2}, 2},
     {" - ##x## - ", FileAndFolder, Forward, {3, 2}, {6, 2}, 3},
@@ -54,18 +55,11 @@ constexpr std::array<Pattern, 19> patterns = {{
     {"##.##", FileOnly, Forward, {0, 2}, {3, 2}, 16},
     {"####", FileOnly, BackwardSkippingP, {0, 2}, {2, 2}, 17},
     {"###", FileOnly, BackwardSkippingP, {0, 1}, {1, 2}, 18},
-}};
-
-constexpr bool is_digit(char c) {
-  return c >= '0' && c <= '9';
-}
+});
 
 bool probe_fits(std::string_view name, std::size_t at, std::string_view probe) {
-  if (at + probe.size() > name.size()) return false;
-  for (std::size_t i = 0; i < probe.size(); ++i) {
-    if (probe[i] == '#' ? !is_digit(name[at + i]) : probe[i] != name[at + i]) return false;
-  }
-  return true;
+  const auto fits = [](char wanted, char given) { return wanted == '#' ? is_digit(given) : wanted == given; };
+  return std::ranges::equal(probe, name.substr(at, probe.size()), fits);
 }
 
 /// A resolution such as "1080p" is no episode.
@@ -112,7 +106,7 @@ std::optional<Detection> detect(std::string_view name, bool is_folder) {
     return Detection{cleantitle(show), number_at(name, place.at, pattern.season),
                      number_at(name, place.at, pattern.episode), pattern.id};
   }
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace

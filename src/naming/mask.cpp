@@ -98,8 +98,8 @@ std::string with_facts(std::string text, const MaskValues& values) {
 std::string without_braces(std::string_view mask, const MaskValues& values) {
   std::string text(mask);
   for (std::size_t end = 0; (end = text.find('}', end)) != std::string::npos;) {
-    const std::size_t start = text.find_last_of("{}/\\", end == 0 ? 0 : end - 1);
-    const std::string part = end == 0 || start == std::string::npos ? "" : text.substr(start + 1, end - start - 1);
+    const std::size_t start = end == 0 ? std::string::npos : text.find_last_of("{}/\\", end - 1);
+    const std::string part = start == std::string::npos ? "" : text.substr(start + 1, end - start - 1);
     if (part.empty() || text[start] != '{' || !has_values(part, values)) {
       ++end;
       continue;

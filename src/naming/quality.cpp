@@ -24,7 +24,7 @@ int lines_in(const std::string& resolution) {
 
 /// From the worst to the best, each as words that it goes by, with blanks around each. Who puts episodes on the web
 /// says no more than that.
-constexpr std::array<std::string_view, 8> sources = {
+constexpr auto sources = std::to_array<std::string_view>({
     " cam hdcam ts telesync tc telecine scr dvdscr ppv ppvrip ",
     " vhs vhsrip ",
     " tv tvrip sdtv pdtv dsr dsrip dsp satrip dtvrip dvb dvbrip dthrip stv raw ",
@@ -35,11 +35,10 @@ constexpr std::array<std::string_view, 8> sources = {
     "nf ip "
     "itv abc cbs nbc cw adn vrv funi hidive bilibili baha bglobal amazon netflix cc ",
     " bluray blueray blu br bd bdrip bdrips brrip bdmv bd25 bd50 bd66 bd100 hddvd uhdrip bdremux remux bluray1080p ",
-};
+});
 
 int source_in(std::string source) {
   std::erase(source, '-');
-  if (source.empty()) return 0;
   const std::string word = " " + source + " ";
   const auto* const found =
       std::ranges::find_if(sources, [&](std::string_view words) { return words.find(word) != std::string_view::npos; });

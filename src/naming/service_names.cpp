@@ -12,8 +12,8 @@
 namespace quorvel {
 namespace {
 
-constexpr std::array<std::string_view, 6> devices = {"con", "prn", "aux", "nul", "conin$", "conout$"};
-constexpr std::array<std::string_view, 2> numbered_devices = {"com", "lpt"};
+constexpr auto devices = std::to_array<std::string_view>({"con", "prn", "aux", "nul", "conin$", "conout$"});
+constexpr auto numbered_devices = std::to_array<std::string_view>({"com", "lpt"});
 
 /// In no file's name.
 constexpr std::u32string_view forbidden(U"\\*?\"<>|\0", 8);
@@ -86,10 +86,10 @@ std::string exact_name(std::string_view name) {
 std::optional<std::string> name_trouble(std::string_view name, char separator) {
   const std::string quoted = "\"" + std::string(name) + "\"";
   if (name == "." || name == "..") return quoted + " stands for a folder";
-  if (separator != '\\' || name.empty()) return std::nullopt;
+  if (separator != '\\' || name.empty()) return {};
   if (name.find_first_not_of(". ") == std::string_view::npos) return quoted + " is dropped from paths";
   if (is_device(name)) return quoted + " is the name of a device";
-  return std::nullopt;
+  return {};
 }
 
 std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues& values,
@@ -101,7 +101,7 @@ std::optional<std::string> mask_trouble(std::string_view mask, const MaskValues&
     if (name.find(separator) != std::string::npos) return "\"" + name + "\" leads into another folder";
     if (std::optional<std::string> trouble = name_trouble(name, separator)) return trouble;
   }
-  return std::nullopt;
+  return {};
 }
 
 std::string without_ends(std::string folder, char separator) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/case.h"
+#include "text/characters.h"
 
 namespace quorvel {
 namespace {
@@ -46,8 +47,7 @@ std::string quoted(std::string_view text) {
 /// A word in brackets; figures, blanks and dots in them are what people put into names.
 bool is_like_a_token(std::string_view word) {
   return word.size() > 2 && std::ranges::all_of(word.substr(1, word.size() - 2), [](char character) {
-           return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-                  character == '-' || character == '+';
+           return is_ascii_letter(character) || character == '-' || character == '+';
          });
 }
 

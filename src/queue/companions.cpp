@@ -9,6 +9,7 @@
 #include "naming/reader/reading.h"
 #include "naming/service_names.h"
 #include "rules/action.h"
+#include "text/characters.h"
 #include "text/cut.h"
 #include "text/failure.h"
 
@@ -26,19 +27,6 @@ constexpr std::pair<std::string_view, std::string_view> languages[] = {
     {"arabic", "ar"},   {"hebrew", "he"},   {"japanese", "ja"},  {"korean", "ko"},    {"chinese", "zh"},
     {"romanian", "ro"}, {"croatian", "hr"}, {"serbian", "sr"},   {"bulgarian", "bg"}};
 
-bool is_digit(char letter) {
-  return letter >= '0' && letter <= '9';
-}
-
-/// As long as the name, so that places in one are places in the other.
-std::string key_of(std::string_view name) {
-  std::string key(name);
-  for (char& letter : key) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return key;
-}
-
 /// Of a video; a name without an extension is none's.
 std::string_view stem_of(std::string_view name) {
   return name.substr(0, std::min(name.rfind('.'), name.size()));
@@ -53,7 +41,7 @@ std::string addition_of(std::string_view track) {
     const bool is_number = std::ranges::all_of(word, is_digit);
     if (word.empty() || (at == 0 && is_number && end < track.size())) continue;
     for (const auto& [name, code] : languages) {
-      if (key_of(word) == name) word = code;
+      if (lower_ascii(word) == name) word = code;
     }
     addition.append(".").append(word);
   }
@@ -73,7 +61,7 @@ class Companions::Search {
         new_stem_(stem_of(video.new_name)),
         videos_(all.folder(from_).videos),
         has_number_(read_name(stem_).has_numbers()) {
-    const std::string endings = key_of(all.settings_.companions);
+    const std::string endings = lower_ascii(all.settings_.companions);
     for (const std::string_view each : split(endings, ";")) {
       std::string_view ending = trim(each);
       while (ending.starts_with('.')) ending.remove_prefix(1);
@@ -87,7 +75,7 @@ class Companions::Search {
       if (key != "subs" && key != "subtitles") continue;
       const std::string subs = with_separator(from_ + name);
       take_from(subs);
-      const auto [first, last] = all_.folder(subs).folders.equal_range(key_of(stem_));
+      const auto [first, last] = all_.folder(subs).folders.equal_range(lower_ascii(stem_));
       for (auto own = first; own != last; ++own) take_all(with_separator(subs + own->second));
     }
     return std::move(found_);
@@ -96,7 +84,7 @@ class Companions::Search {
  private:
   /// The files that carry the video's name.
   void take_from(const std::string& folder) {
-    const std::string key = key_of(stem_);
+    const std::string key = lower_ascii(stem_);
     const auto& files = all_.folder(folder).files;
     for (auto at = files.lower_bound(key); at != files.end() && at->first.starts_with(key); ++at) {
       const std::string addition = at->second.substr(stem_.size());
@@ -115,7 +103,7 @@ class Companions::Search {
       if (!tracks.contains(track)) {
         const std::string plain = addition_of(name.substr(0, track.size()));
         std::string addition = plain;
-        for (int number = 2; used_.contains(key_of(addition)); ++number) {
+        for (int number = 2; used_.contains(lower_ascii(addition)); ++number) {
           addition = plain + "." + std::to_string(number);
         }
         tracks[track] = addition;
@@ -126,7 +114,7 @@ class Companions::Search {
 
   void take(const std::string& path, const std::string& addition) {
     if (all_.queue_.holds_path(path) || all_.files_.kind(path) != Files::Kind::File) return;
-    used_.insert(key_of(stem_of(addition)));
+    used_.insert(lower_ascii(stem_of(addition)));
     FileJob job{path, getfname(path), new_stem_ + addition, video_.dest_path, video_.action};
     if (const auto trouble = name_trouble(job.new_name)) throw Failure("The new name of " + path + " " + *trouble);
     if (job.action == Rename && getpath(path, 0) != job.dest_path) job.action = MoveAndRename;
@@ -142,7 +130,7 @@ class Companions::Search {
 
   /// What names another episode is that one's: "Show.mkv" has no "Show.S01E02.srt", nor "Show 2.srt".
   bool is_addition(const std::string& addition) const {
-    const std::string ending = ending_of(key_of(addition));
+    const std::string ending = ending_of(lower_ascii(addition));
     if (ending.empty() || delimiters.find(addition.front()) == std::string_view::npos) return false;
     const std::string middle = addition.substr(0, addition.size() - ending.size());
     if (middle.size() < 2) return true;
@@ -154,14 +142,14 @@ class Companions::Search {
   /// Whether no video's name fits better: a longer one, or among those of this length one with the same capitals, one
   /// that is in the queue, or simply the first.
   bool is_ours(const std::string& name) const {
-    const std::string key = key_of(name);
+    const std::string key = lower_ascii(name);
     for (std::size_t length = stem_.size() + 1; length < key.size(); ++length) {
       const bool is_end = delimiters.find(key[length]) != std::string_view::npos;
       const auto [first, last] =
           is_end ? videos_.equal_range(key.substr(0, length)) : std::pair(videos_.end(), videos_.end());
       if (std::any_of(first, last, [&](const auto& video) { return video.second != name; })) return false;
     }
-    const auto [first, last] = videos_.equal_range(key_of(stem_));
+    const auto [first, last] = videos_.equal_range(lower_ascii(stem_));
     const auto rank = [&](const std::string& video) {
       return std::pair(name.starts_with(stem_of(video)), all_.queue_.holds_path(from_ + video));
     };
@@ -191,7 +179,7 @@ const Companions::Folder& Companions::folder(const std::string& path) {
   Folder& found = place->second;
   if (!is_new) return found;
   files_.list(path, [&](const FolderEntry& entry) {
-    const std::string key = key_of(entry.name);
+    const std::string key = lower_ascii(entry.name);
     if (entry.is_folder) {
       if (!entry.is_link) found.folders.emplace(key, entry.name);
       return;

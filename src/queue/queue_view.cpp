@@ -14,7 +14,7 @@ struct Appearance {
   std::string_view status;  // empty where the item's rule decides
 };
 
-constexpr std::array<Appearance, 9> appearances = {{
+constexpr auto appearances = std::to_array<Appearance>({
     {QueueState::Cancelled, RowUpdate::FailedIcon, "Cancelled"},
     {QueueState::Failed, RowUpdate::FailedIcon, "Failed"},
     {QueueState::Inactive, RowUpdate::WaitingIcon, "Inactive"},
@@ -24,7 +24,7 @@ constexpr std::array<Appearance, 9> appearances = {{
     {QueueState::CheckingFilters, RowUpdate::WaitingIcon, "Checking Filters"},
     {QueueState::Processing, RowUpdate::WaitingIcon, ""},
     {QueueState::Done, RowUpdate::DoneIcon, "Done"},
-}};
+});
 
 /// Fills in the changes up to the first that fails; false when one does.
 bool describe(const QueueItem& item, const FilterList& filters, RowUpdate& row) {

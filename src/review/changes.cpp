@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "text/case.h"
+#include "text/characters.h"
 
 namespace quorvel {
 namespace {
@@ -16,7 +17,7 @@ struct Word {
 /// Bytes of letters beyond ASCII belong to words.
 bool is_of_word(char character) {
   const auto byte = static_cast<unsigned char>(character);
-  return byte >= 0x80 || (byte >= '0' && byte <= '9') || ((byte | 0x20) >= 'a' && (byte | 0x20) <= 'z');
+  return byte >= 0x80 || is_digit(byte) || is_ascii_letter(byte);
 }
 
 std::vector<Word> words_of(std::string_view name) {

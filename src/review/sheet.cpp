@@ -20,7 +20,7 @@ struct MarkFacts {
   const char* text;
 };
 
-constexpr std::array<MarkFacts, 10> marks = {{
+constexpr auto marks = std::to_array<MarkFacts>({
     {Mark::Ready, Need::Nothing, "Ready"},
     {Mark::RightAlready, Need::Nothing, "Already right"},
     {Mark::Uncertain, Need::Decision, "Uncertain"},
@@ -31,7 +31,7 @@ constexpr std::array<MarkFacts, 10> marks = {{
     {Mark::EpisodeUnknown, Need::Help, "Episode unknown"},
     {Mark::Unfit, Need::Help, "No name"},
     {Mark::Changed, Need::Help, "Changed meanwhile"},
-}};
+});
 
 const MarkFacts& facts_of(Mark mark) {
   return marks.at(static_cast<std::size_t>(mark));

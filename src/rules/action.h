@@ -20,13 +20,13 @@ struct ActionWords {
   std::string_view undo;        // in menus
 };
 
-inline constexpr std::array<ActionWords, 5> actions = {{
+inline constexpr auto actions = std::to_array<ActionWords>({
     {Rename, "Rename", "rename", "Rename", "renamed", "Renaming", "Undo Rename"},
     {MoveAndRename, "Move & Rename", "move", "Move", "moved", "Moving", "Undo Move/Rename"},
     {CopyAndRename, "Copy & Rename", "copy", "Copy", "copied", "Copying", "Undo Copy/Rename"},
     {HardLinkAndRename, "Hard Link & Rename", "hardlink", "Link", "linked", "Linking", "Undo Link"},
     {SymbolicLinkAndRename, "Symbolic Link & Rename", "symlink", "Link", "linked", "Linking", "Undo Link"},
-}};
+});
 
 /// Null for other values.
 constexpr const ActionWords* words_of(int action) {

@@ -20,7 +20,7 @@ std::optional<std::string> ExceptionList::replacement(std::string_view detected_
   for (int i = 1; i <= count(); ++i) {
     if (lower_case(at(i).detectedName) == name) return lower_case(at(i).newName);
   }
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace quorvel

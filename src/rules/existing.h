@@ -16,12 +16,12 @@ struct ExistingWords {
   std::string_view caption;  // for the user
 };
 
-inline constexpr std::array<ExistingWords, 4> existing_words = {{
+inline constexpr auto existing_words = std::to_array<ExistingWords>({
     {Existing::Ask, "ask", "Ask whether to replace it"},
     {Existing::KeepBoth, "keep-both", "Keep both: a number behind the new name"},
     {Existing::Skip, "skip", "Leave the new file where it is"},
     {Existing::KeepBetter, "better", "Keep the better one, the other goes to the trash"},
-}};
+});
 
 /// Ask for a word that is none of theirs.
 constexpr Existing existing_named(std::string_view word) {

@@ -87,7 +87,7 @@ std::optional<int> FilterList::first_fitting(std::string_view extension, std::st
   for (int i = 1; i <= count(); ++i) {
     if (fits(at(i), extension, name)) return i;
   }
-  return std::nullopt;
+  return {};
 }
 
 }  // namespace quorvel

@@ -87,12 +87,12 @@ struct Switch {
   bool CommandLine::*member;
 };
 
-constexpr std::array<Switch, 6> switches = {{{{"/uninstall", "--uninstall"}, &CommandLine::uninstall},
-                                             {{"/startup", "--startup"}, &CommandLine::startup},
-                                             {{"--exact"}, &CommandLine::exact},
-                                             {{"--classic"}, &CommandLine::classic},
-                                             {{"/?", "--help", "-h"}, &CommandLine::help},
-                                             {{"--version"}, &CommandLine::version}}};
+constexpr auto switches = std::to_array<Switch>({{{"/uninstall", "--uninstall"}, &CommandLine::uninstall},
+                                                 {{"/startup", "--startup"}, &CommandLine::startup},
+                                                 {{"--exact"}, &CommandLine::exact},
+                                                 {{"--classic"}, &CommandLine::classic},
+                                                 {{"/?", "--help", "-h"}, &CommandLine::help},
+                                                 {{"--version"}, &CommandLine::version}});
 
 bool take_switch(const std::string& argument, CommandLine& line) {
   for (const Switch& each : switches) {

@@ -16,7 +16,7 @@
 namespace quorvel {
 namespace {
 
-constexpr std::array<std::string_view, 3> versions_with_old_caches = {"3.1", "3.2", "3.3"};
+constexpr auto versions_with_old_caches = std::to_array<std::string_view>({"3.1", "3.2", "3.3"});
 constexpr const char* folders_and_videos = "DIR";
 constexpr int cache_warning = 1;  // the message's number, by which the user can switch it off
 

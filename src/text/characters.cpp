@@ -94,4 +94,12 @@ bool is_ascii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
+std::string lower_ascii(std::string_view text) {
+  std::string lowered(text);
+  for (char& byte : lowered) {
+    if (is_capital(byte)) byte = static_cast<char>(byte | ' ');
+  }
+  return lowered;
+}
+
 }  // namespace quorvel

@@ -21,4 +21,21 @@ std::size_t length(std::string_view text);
 
 bool is_ascii(std::string_view text);
 
+// Of ASCII alone: no byte of a longer character is any of these.
+
+constexpr bool is_digit(char32_t character) {
+  return character >= '0' && character <= '9';
+}
+
+constexpr bool is_capital(char32_t character) {
+  return character >= 'A' && character <= 'Z';
+}
+
+constexpr bool is_ascii_letter(char32_t character) {
+  return is_capital(character & ~U' ');
+}
+
+/// In lower case as far as it is ASCII: every place in it stays what it was.
+std::string lower_ascii(std::string_view text);
+
 }  // namespace quorvel

@@ -1,5 +1,6 @@
 #include "text/percent.h"
 
+#include "text/characters.h"
 #include "text/cut.h"
 
 namespace quorvel {
@@ -9,8 +10,7 @@ std::string percent_encoded(std::string_view bytes) {
   std::string encoded;
   for (const char byte : bytes) {
     const auto code = static_cast<unsigned char>(byte);
-    const bool is_plain = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-    if (is_plain) {
+    if (is_digit(code) || is_ascii_letter(code)) {
       encoded += byte;
     } else {
       encoded += {'%', hexadecimal[code >> 4U], hexadecimal[code & 15U]};

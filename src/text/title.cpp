@@ -16,16 +16,16 @@ namespace {
 using Replacement = std::pair<std::string_view, std::string_view>;
 
 // Carried out in this order: the second "&amp;" undoes a doubly escaped one.
-constexpr std::array<Replacement, 10> replacements = {{{"&amp;", "&"},
-                                                       {"&quot;", ""},
-                                                       {"&amp;", "&"},
-                                                       {"&pound;", "\u00A3"},
-                                                       {"&nbsp;", ""},
-                                                       {"<BR>", " "},
-                                                       {"<br>", " "},
-                                                       {"\\", " "},
-                                                       {"\t", ""},
-                                                       {"\n", ""}}};
+constexpr auto replacements = std::to_array<Replacement>({{"&amp;", "&"},
+                                                          {"&quot;", ""},
+                                                          {"&amp;", "&"},
+                                                          {"&pound;", "\u00A3"},
+                                                          {"&nbsp;", ""},
+                                                          {"<BR>", " "},
+                                                          {"<br>", " "},
+                                                          {"\\", " "},
+                                                          {"\t", ""},
+                                                          {"\n", ""}});
 
 // Episode tables of old pages were padded with runs of just this many spaces.
 constexpr std::string_view padding = "                           ";

@@ -34,7 +34,7 @@ struct HeaderField {
 
 std::optional<HeaderField> header_field(std::string_view line) {
   const std::size_t colon = line.find(':');
-  if (colon == std::string_view::npos) return std::nullopt;
+  if (colon == std::string_view::npos) return {};
   return HeaderField{lower_case(line.substr(0, colon)), trim(line.substr(colon + 1))};
 }
 

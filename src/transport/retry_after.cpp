@@ -5,18 +5,15 @@
 #include <optional>
 #include <string>
 
+#include "text/characters.h"
 #include "text/cut.h"
 #include "text/numbers.h"
 
 namespace quorvel {
 namespace {
 
-constexpr std::array<std::string_view, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                     "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
-bool is_digit(char character) {
-  return character >= '0' && character <= '9';
-}
+constexpr auto months = std::to_array<std::string_view>(
+    {"Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"});
 
 int year_of(std::string_view text) {
   const int number = leading_number(text);

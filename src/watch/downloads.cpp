@@ -10,14 +10,14 @@ namespace quorvel {
 namespace {
 
 /// As wildcards, in small letters.
-constexpr std::array<std::string_view, 11> folders = {
-    ".*",         "$recycle.bin", "#recycle",  "@recycle", "@eadir", "recycler", "system volume information",
-    "lost+found", "incomplete",   "_unpack_*", "_failed_*"};
+constexpr auto folders = std::to_array<std::string_view>({".*", "$recycle.bin", "#recycle", "@recycle", "@eadir",
+                                                          "recycler", "system volume information", "lost+found",
+                                                          "incomplete", "_unpack_*", "_failed_*"});
 
 /// What programs append to the name of what they have not fetched whole; or to that of a note of how far they are.
-constexpr std::array<std::string_view, 17> endings = {
-    ".part",       ".partial",    ".!qB", ".!ut",  ".!bt",   ".bc!",  ".crdownload", ".opdownload", ".download",
-    ".unfinished", ".incomplete", ".tmp", ".temp", ".aria2", ".ytdl", ".filepart",   ".st"};
+constexpr auto endings = std::to_array<std::string_view>(
+    {".part", ".partial", ".!qB", ".!ut", ".!bt", ".bc!", ".crdownload", ".opdownload", ".download", ".unfinished",
+     ".incomplete", ".tmp", ".temp", ".aria2", ".ytdl", ".filepart", ".st"});
 
 }  // namespace
 

@@ -47,7 +47,7 @@ bool is_like_date(const Name& name, std::size_t i) {
 
 bool is_candidate(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
-  if (i < name.named || !token.is_number() || token.technical || token.size() > 4 || is_year(token)) return false;
+  if (i < name.named || !token.is_plain_number() || token.size() > 4 || is_year(token)) return false;
   const Token& next = name.at(i + 1);
   const bool letter = next.is_word() && next.size() == 1 && (name.at(i + 2).is_end() || !name.at(i + 2).is_glued());
   if (!name.stands_alone(i) && !letter) return false;
@@ -72,7 +72,7 @@ std::size_t range_end(const Name& name, std::size_t i, std::vector<int>& list) {
   if (is_decimal(name, i)) return i + 2;
   const Token& next = name.at(i + 1);
   if (next.is_word() && next.is_glued() && next.size() == 1 && !next.technical) return i + 2;  // "12a"
-  const bool pair = next.is_number() && next.size() >= 3 && next.number == list.front() + 1 && !next.technical &&
+  const bool pair = next.is_plain_number() && next.size() >= 3 && next.number == list.front() + 1 &&
                     !next.follows_spaced_dash();  // "102.103"
   if (pair) {
     std::size_t last = i + 1;
@@ -104,8 +104,8 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season, boo
   const Token& next = name.at(last);
   if (token.is_glued()) {
     const Token& before = name.at(i - 1);  // scripts without blanks end in the number
-    const bool padded = token.size() == 2 && name.written(token).front() == '0' &&
-                        (before.size() > 2 || (in_season && !before.is(SeasonLetter)));
+    const bool padded =
+        token.size() == 2 && name.is_padded(token) && (before.size() > 2 || (in_season && !before.is(SeasonLetter)));
     return !before.is_word() ? none : is_ascii(name.written(before)) && !padded ? glued : within;
   }
   const bool ends = next.is_end() || next.technical || next.follows(Open | Close) || next.is(Release | EndWord);
@@ -134,7 +134,7 @@ int score(const Name& name, std::size_t i, std::size_t last, bool in_season, boo
   } else if (ends) {
     value = trailing;
   }
-  const bool padded = wide && name.written(token).front() == '0';
+  const bool padded = wide && name.is_padded(token);
   if (padded || (of_the_scene && value == within && can_split(token))) value += 5;  // "show.102.24.hours"
   if (!wide && value < set_apart && !(in_season && i == 0)) value -= 25;
   return value;
@@ -151,12 +151,6 @@ bool is_of_the_scene(const Name& name) {
     recorded = recorded || (token.technical && token.group < 0 && token.is(Source) && !token.is(Weak));
   }
   return recorded || !blanks;
-}
-
-/// Whether it is that more likely than one that counts over all seasons.
-bool splits(const Token& token, std::optional<int> season, bool of_the_scene) {
-  if (!can_split(token)) return false;
-  return season ? token.number / 100 == *season : of_the_scene;
 }
 
 struct Place {
@@ -223,29 +217,31 @@ bool starts_with_group(const Name& name) {
          !(name.groups.front().last == 1 && name.at(0).is_number());
 }
 
-bool bare_number(const Name& name, std::optional<int> folder_season, bool standing_out, Numbers& numbers) {
+std::optional<Numbers> bare_number(const Name& name, std::optional<int> folder_season, bool standing_out) {
   const bool of_the_scene = is_of_the_scene(name);
   const int least = standing_out ? stands_out - 1 : none;
   const Place place = best_place(name, folder_season.has_value(), least, of_the_scene);
-  if (place.score <= least) return false;
+  if (place.score <= least) return {};
   const Token& token = name.at(place.first);
   const bool fansub = starts_with_group(name) && place.first > 0;
-  if (!fansub && place.score < dashed && place.first < last_year_of(name)) return false;
-  if (!fansub && place.score < leading - 20 && token.size() < 3) return false;
+  if (!fansub && place.score < dashed && place.first < last_year_of(name)) return {};
+  if (!fansub && place.score < leading - 20 && token.size() < 3) return {};
 
+  Numbers numbers;
   std::vector<int> list;
   numbers.first = place.first;
   numbers.last = range_end(name, place.first, list);
   const std::optional<Mark> said = find_season(name);
   std::optional<int> season = said ? std::optional(said->number) : folder_season;
-  const bool padded = token.size() >= 2 && name.written(token).front() == '0';
+  const bool padded = token.size() >= 2 && name.is_padded(token);
   const bool range = list.size() > 1 && name.at(place.first + 1).gap == Dash && token.follows(Dash);  // " - 476-479"
   const bool may_split = !fansub && can_split(token) && list.back() / 100 == token.number / 100;
   const bool likely =
       fansub || season ? place.score >= leading : place.score > trailing && (padded || token.size() == 2);
   numbers.certain =
       likely || place.score >= dashed ? token.size() <= 2 || fansub || padded || season || range : list.size() > 1;
-  if (may_split && !range && splits(token, season, of_the_scene)) {
+  const bool rather_split = season ? token.number / 100 == *season : of_the_scene;
+  if (may_split && !range && rather_split) {
     numbers.other = counted(list);
     season = token.number / 100;
     list = split(list).episodes;
@@ -269,7 +265,7 @@ bool bare_number(const Name& name, std::optional<int> folder_season, bool standi
   }
   numbers.season = season;
   (season ? numbers.episodes : numbers.absolute) = list;
-  return true;
+  return numbers;
 }
 
 }  // namespace quorvel::reader

@@ -8,7 +8,7 @@
 namespace quorvel::reader {
 
 /// The number that looks most like an episode's. With `standing_out` only one that brackets or dashes set apart.
-bool bare_number(const Name& name, std::optional<int> folder_season, bool standing_out, Numbers& numbers);
+std::optional<Numbers> bare_number(const Name& name, std::optional<int> folder_season, bool standing_out);
 
 /// The last year that stands where films have theirs, in brackets or in front of technical words; 0 without one.
 /// Numbers in front of it are the film's.

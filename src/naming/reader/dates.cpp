@@ -1,7 +1,7 @@
 #include "naming/reader/dates.h"
 
 #include <algorithm>
-#include <array>
+#include <chrono>
 
 namespace quorvel::reader {
 namespace {
@@ -26,15 +26,19 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
   const Token &a = name.at(i), &b = name.at(i + 1), &c = name.at(i + 2);
   if (!a.is_number() || !b.is_number() || !c.is_number() || !is_free(name, i, i + 3)) return {};
   if (b.gap != c.gap || a.technical || b.technical || c.technical) return {};
-  std::vector<Date> possible;
-  possible.reserve(3);
+  std::optional<Date> best, other;
   const auto consider = [&](const Token& year, const Token& month, const Token& day) {
     const Date date{full_year(year), month.number, day.number};
-    if (is_date(date)) possible.push_back(date);
+    if (!is_date(date) || date == best) return;
+    if (!best) {
+      best = date;
+    } else if (!other) {
+      other = date;
+    }
   };
   if (is_year(a)) {
     consider(a, b, c);
-    if (possible.empty()) consider(a, c, b);
+    if (!best) consider(a, c, b);
   } else if (is_year(c)) {
     // Days come first in most of the world, and always where dots stand between; slashes and dashes are used by both.
     consider(c, b, a);
@@ -46,16 +50,14 @@ std::optional<DateMark> numeric_date(const Name& name, std::size_t i) {
     consider(c, a, b);
     consider(a, b, c);
   }
-  if (possible.empty()) return {};
-  const auto other = std::ranges::find_if(possible, [&](const Date& each) { return each != possible.front(); });
-  if (other == possible.end()) return DateMark{i, i + 3, possible.front(), true, {}};
-  return DateMark{i, i + 3, possible.front(), false, *other};
+  if (!best) return {};
+  return DateMark{i, i + 3, *best, !other, other};
 }
 
 /// "20110418", and "18042011" where that is the only way.
 std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
-  if (!token.is_number() || token.technical || !is_free(name, i, i + 1)) return {};
+  if (!token.is_plain_number() || !is_free(name, i, i + 1)) return {};
   if (name.at(i - 1).is_number() && name.at(i - 1).size() == 8) return {};
   const int number = token.number;
   const Token& time = name.at(i + 1);
@@ -76,18 +78,12 @@ std::optional<DateMark> compact_date(const Name& name, std::size_t i) {
 std::optional<DateMark> written_date(const Name& name, std::size_t i) {
   const Token& month = name.at(i);
   if (!month.is(MonthName)) return {};
-  const auto day_behind = [&](std::size_t at, std::size_t& next) {
-    next = at + (name.at(at + 1).is(OrdinalEnd) ? 2 : 1);
-    return name.at(at).is_number();
-  };
-  std::size_t next = 0;
-  if (day_behind(i + 1, next) && is_year(name.at(next))) {
-    const Date date{name.at(next).number, month.number, name.at(i + 1).number};
-    if (is_date(date)) return DateMark{i, next + 1, date, true, {}};
-  }
-  if (is_year(name.at(i - 1)) && day_behind(i + 1, next)) {
-    const Date date{name.at(i - 1).number, month.number, name.at(i + 1).number};
-    if (is_date(date)) return DateMark{i - 1, next, date, true, {}};
+  if (const Token& behind = name.at(i + 1); behind.is_number()) {
+    const std::size_t next = i + (name.at(i + 2).is(OrdinalEnd) ? 3 : 2);
+    const Date year_last{name.at(next).number, month.number, behind.number};
+    const Date year_first{name.at(i - 1).number, month.number, behind.number};
+    if (is_date(year_last)) return DateMark{i, next + 1, year_last, true, {}};
+    if (is_date(year_first)) return DateMark{i - 1, next, year_first, true, {}};
   }
   std::size_t day = i;
   while (day > 0 && (day == i || name.at(day).is(OrdinalEnd | OfWord))) --day;
@@ -102,9 +98,10 @@ std::optional<DateMark> written_date(const Name& name, std::size_t i) {
 }  // namespace
 
 bool is_date(const Date& date) {
-  constexpr std::array<int, 12> days = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  return date.year >= 1920 && date.year <= 2059 && date.month >= 1 && date.month <= 12 && date.day >= 1 &&
-         date.day <= days[static_cast<std::size_t>(date.month) - 1];
+  const auto fits_a_byte = [](int number) { return static_cast<unsigned>(number < 100 ? number : 0); };
+  const std::chrono::year_month_day day{std::chrono::year(date.year), std::chrono::month(fits_a_byte(date.month)),
+                                        std::chrono::day(fits_a_byte(date.day))};
+  return is_year(date.year) && day.ok();
 }
 
 std::optional<DateMark> find_date(const Name& name) {
@@ -113,7 +110,7 @@ std::optional<DateMark> find_date(const Name& name) {
   for (std::size_t i = name.named; i < name.count(); ++i) {
     for (const auto& found : {numeric_date(name, i), written_date(name, i), compact_date(name, i)}) {
       if (found && found->certain) return found;
-      if (found && !second_best) second_best = found;
+      if (!second_best) second_best = found;
     }
   }
   return second_best;

@@ -14,6 +14,11 @@ struct DateMark {
   std::optional<Date> other;
 };
 
+/// Of television; what is yet to come included.
+constexpr bool is_year(int number) {
+  return number >= 1920 && number <= 2059;
+}
+
 /// Whether it is in the calendar, of the years of television.
 bool is_date(const Date& date);
 
@@ -22,7 +27,7 @@ std::optional<DateMark> find_date(const Name& name);
 
 /// A number that people write for a year of television.
 inline bool is_year(const Token& token) {
-  return token.is_number() && token.size() == 4 && token.number >= 1920 && token.number <= 2059;
+  return token.is_number() && token.size() == 4 && is_year(token.number);
 }
 
 }  // namespace quorvel::reader

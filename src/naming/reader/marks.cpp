@@ -19,11 +19,6 @@ bool is_ordinal_mark(const Name& name, std::size_t i) {
   return name.is_word(i, "第") || name.is_word(i, "제");
 }
 
-/// Digits, or where `words` allows it a number word.
-bool is_value(const Token& token, bool words) {
-  return (token.is_number() && !token.technical) || (words && token.is(NumberWord));
-}
-
 }  // namespace
 
 bool is_weak(const Name& name, std::size_t i) {
@@ -44,10 +39,13 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   if (token.is(SeasonLetter) && next.is_number() && next.is_glued() && next.size() <= 4) {
     return Mark{i, i + 2, next.number, !name.is_word(i, "s")};
   }
-  if (token.is(SeasonWord) && !next.is_end() && is_value(next, next.follows(Blank | Dot)) &&
+  if (token.is(SeasonWord) && (next.is_plain_number() || (next.is(NumberWord) && next.follows(Blank | Dot))) &&
       (next.size() <= 2 || next.is(NumberWord) || is_year(next)) &&
       (next.gap & ~(Blank | Dot | Dash | Open | Hash | Other)) == 0 && !next.follows_spaced_dash()) {
-    const bool counted_behind = !is_ascii(name.lowered(token)) && name.at(i - 1).is_number();
+    // "2 сезон 5 серия" counts behind the numbers, "2014 Сезон 2 Серия 5" in front of them.
+    const bool year_before =
+        is_year(name.at(i - 1)) && (!name.at(i + 2).is(EpisodeWord) || name.at(i + 3).is_plain_number());
+    const bool counted_behind = !is_ascii(name.lowered(token)) && name.at(i - 1).is_number() && !year_before;
     if (!counted_behind) return Mark{i, i + 2, next.number, is_weak(name, i)};
   }
   // The number in front of the word.
@@ -56,8 +54,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   const bool counted = is_ordinal_mark(name, i);
   if (counted) ++at;
   const Token& number = name.at(at);
-  if (!number.is_number() || number.technical || number.size() > (counted ? 6U : 2U) || (counted && !number.is_glued()))
-    return {};
+  if (!number.is_plain_number() || number.size() > (counted ? 6U : 2U) || (counted && !number.is_glued())) return {};
   const bool ordinal = name.at(at + 1).is_glued() && name.at(at + 1).is(OrdinalEnd) && !name.at(at + 1).is(SeasonWord);
   if (ordinal) ++at;
   const Token& word = name.at(at + 1);
@@ -66,7 +63,7 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
   const bool foreign = !is_ascii(name.lowered(word));
   // "24 Season 5 Episode 2", but "1.Sezon 5.Bölüm"
   const Token& last = name.at(at + 4);
-  const bool both_in_front = name.at(at + 3).is(EpisodeWord) && (!last.is_number() || last.technical);
+  const bool both_in_front = name.at(at + 3).is(EpisodeWord) && !last.is_plain_number();
   const bool number_follows = name.at(at + 2).is_number() && name.at(at + 2).follows(Blank | Dot) &&
                               !name.at(at + 2).follows(Dash | Open) && !both_in_front;
   if (!ordinal && !counted && !foreign && word.gap != (Dot | Blank) && (number_follows || is_weak(name, at + 1)))
@@ -77,22 +74,21 @@ std::optional<Mark> season_at(const Name& name, std::size_t i) {
 std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const Token& token = name.at(i);
   const Token& next = name.at(i + 1);
-  if (token.is(EpisodeLetter) && next.is_number() && next.is_glued() && next.size() <= 5 && !next.technical) {
+  if (token.is(EpisodeLetter) && next.is_plain_number() && next.is_glued() && next.size() <= 5) {
     return Mark{i, i + 2, next.number};
   }
-  if (token.is(EpisodeWord) && !token.is(CounterWord) && !next.technical && !next.is_end() && next.size() <= 5 &&
-      (next.is_number() || (next.is(NumberWord) && token.size() > 3 && next.size() > 1)) &&
+  const bool in_digits = next.is_plain_number() && next.size() <= 5;
+  const bool in_words = next.is(NumberWord) && !next.is(OrdinalEnd) && token.size() > 3 && next.size() > 1;
+  if (token.is(EpisodeWord) && !token.is(CounterWord) && (in_digits || in_words) &&
       (next.gap & ~(Blank | Dot | Hash | Other | Dash)) == 0 && !next.follows_spaced_dash()) {
     return Mark{i, i + 2, next.number};
   }
-  if (token.is_number() && token.follows(Hash) && !token.technical && token.size() <= 4)
-    return Mark{i, i + 1, token.number};
+  if (token.is_plain_number() && token.follows(Hash) && token.size() <= 4) return Mark{i, i + 1, token.number};
   std::size_t at = i;
   const bool counted = is_ordinal_mark(name, i);
   if (counted) ++at;
   const Token& number = name.at(at);
-  if (!number.is_number() || number.technical || number.number > 9999 || (counted && (number.gap & ~Blank) != 0))
-    return {};
+  if (!number.is_plain_number() || number.number > 9999 || (counted && (number.gap & ~Blank) != 0)) return {};
   const Token& word = name.at(at + 1);
   if (is_total(name, at) || (name.at(at - 1).is(OfWord) && name.at(at).is_glued())) return {};
   if (word.is(CounterWord) && (word.gap & ~Blank) == 0) return Mark{i, at + 2, number.number};
@@ -102,8 +98,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
   const bool foreign = !behind.is_end() && !is_ascii(name.lowered(behind));
   const Token& after = name.at(at + 2);
   const bool number_behind = after.is_number() && !after.follows(Open);  // "24.Ep.12"
-  if (behind.is(EpisodeWord) && (foreign || !number.follows(Dot)) && number.size() <= 4 &&
-      (behind.gap & ~(Blank | Dot)) == 0 &&
+  if (behind.is(EpisodeWord) && (foreign || !number.follows(Dot)) && (behind.gap & ~(Blank | Dot)) == 0 &&
       (foreign || ordinal || behind.gap == (Dot | Blank) || (behind.follows(Dot) && !number_behind))) {
     return Mark{i, at + (ordinal ? 3 : 2), number.number};
   }
@@ -113,7 +108,7 @@ std::optional<Mark> episode_at(const Name& name, std::size_t i) {
 std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
   const Token& season = name.at(i);
   const Token& episode = name.at(i + 2);
-  if (!season.is_number() || season.technical) return {};
+  if (!season.is_plain_number()) return {};
   // "grp-sr1x02"
   const bool behind_word = season.is_glued();
   if (behind_word && (!name.at(i - 1).is_word() || episode.size() != 2)) return {};
@@ -123,7 +118,7 @@ std::optional<Mark> crossed_at(const Name& name, std::size_t i) {
   const bool letter = name.is_word(i + 1, "e") && name.at(i + 1).is_glued() && episode.is_glued() &&
                       episode.size() == 2 && season.size() <= 2;  // "2e05"
   if (letter && episode.is_number()) return Mark{i, i + 3, season.number, true};
-  if ((!is_cross(name, i + 1) && !marked) || !episode.is_number() || episode.technical || episode.size() > 4) return {};
+  if ((!is_cross(name, i + 1) && !marked) || !episode.is_plain_number() || episode.size() > 4) return {};
   if (glued && episode.is_glued()) return Mark{i, i + 3, season.number, episode.size() == 1 || behind_word};
   if (name.at(i + 1).gap == Blank && episode.gap == Blank && episode.size() == 2)
     return Mark{i, i + 3, season.number, true};
@@ -172,11 +167,11 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
   const Token& next = name.at(at + 1);
   if (joined && token.is(PartWord) && next.is_number() && name.at(i - 2).is(PartWord))
     return More{at + 2, next.number, range};
-  if (next.is_number() && !next.technical && next.size() <= 5) {
+  if (next.is_plain_number()) {
     const bool letter = token.is(EpisodeLetter) && next.is_glued();
     // "S02E31 - Ep. 55" has a title, "Ep31 - Ep55" has not.
     const bool said = name.at(i - 2).is(EpisodeWord);
-    const bool again = said && next.is_glued() && token.size() <= 3;
+    const bool again = said && next.is_glued();
     const bool word =
         token.is(EpisodeWord) && !token.is(CounterWord) &&
         (joined || (range && ((gap == Dash && !next.follows(Dash)) || again)) || (said && next.number == last + 1));
@@ -184,12 +179,11 @@ std::optional<More> one_more(const Name& name, std::size_t i, std::optional<int>
     if (letter || word) return More{at + 2, next.number, range || (letter && gap == 0)};
   }
   const bool in_a_row = gap == Blank && next.number == last + 1;  // "1x03 x04"
-  if ((gap == 0 || (gap & ~Blank) == Dash || in_a_row) && is_cross(name, at) && next.is_number() && next.is_glued() &&
-      !next.technical && next.size() <= 3) {
+  if ((gap == 0 || (gap & ~Blank) == Dash || in_a_row) && is_cross(name, at) && next.is_plain_number() &&
+      next.is_glued()) {
     return More{at + 2, next.number, range};
   }
-  if (!token.is_number() || token.technical || token.size() > 4 || !name.stands_alone(at) || is_year(token)) return {};
-  if (token.number <= last || token.number - last > longest_range) return {};
+  if (!token.is_plain_number() || token.size() > 4 || !name.stands_alone(at) || is_year(token)) return {};
   const Token& before = name.at(i - 1);
   const bool spaced = (gap & (Blank | Dot)) != 0;
   const Token& behind = name.at(at + 1);

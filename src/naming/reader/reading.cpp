@@ -11,6 +11,7 @@
 #include "naming/reader/show.h"
 #include "naming/reader/specials.h"
 #include "naming/reader/technical.h"
+#include "text/characters.h"
 
 namespace quorvel {
 namespace {
@@ -31,7 +32,7 @@ std::vector<std::size_t> separators(std::string_view path) {
       while (!slashes.empty() && slashes.back() > brackets.back()) slashes.pop_back();
       brackets.pop_back();
     } else if (byte == '/' || byte == '\\') {
-      const bool spaced = i > 0 && i + 1 < path.size() && path[i - 1] == ' ' && path[i + 1] == ' ';
+      const bool spaced = path.substr(0, i).ends_with(' ') && path.substr(i + 1).starts_with(' ');
       if (!spaced) slashes.push_back(i);
     }
   }
@@ -55,26 +56,21 @@ std::vector<std::string_view> components(std::string_view path) {
 
 /// What the table says of the word behind the name's last dot; nothing where none may be an extension.
 std::uint32_t last_kinds(std::string_view name, std::size_t dot) {
-  if (dot == std::string_view::npos || dot == 0 || name.size() - dot > 9) return 0;
-  std::string word(name.substr(dot + 1));
-  for (char& byte : word) {
-    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
-  }
+  if (dot == std::string_view::npos || dot == 0) return 0;
+  const std::string word = lower_ascii(name.substr(dot + 1));
   const std::size_t region = word.find('-');  // "pt-BR"
   return find_word(region == 2 ? std::string_view(word).substr(0, region) : word).kinds;
 }
 
 std::string_view without_extension(std::string_view name) {
   bool subtitles = false;
-  for (int i = 0; i < 4; ++i) {
+  while (true) {
     const std::size_t dot = name.rfind('.');
     const std::uint32_t kinds = last_kinds(name, dot);
-    const bool extension = i < 2 && (kinds & Extension) != 0;
-    if (!extension && !(subtitles && (kinds & (SubtitleWord | Language)) != 0)) break;
+    if ((kinds & (Extension | (subtitles ? SubtitleWord | Language : 0U))) == 0) return name;
     subtitles = subtitles || (kinds & SubtitleWord) != 0;
     name.remove_suffix(name.size() - dot);
   }
-  return name;
 }
 
 Name prepared(std::string_view text) {
@@ -138,7 +134,7 @@ bool is_backward(const Name& name) {
 /// What the name of the file's own folder says of an episode.
 Reading read_folder(const std::vector<std::string_view>& parts) {
   Reading reading;
-  if (parts.size() < 2) return reading;
+  if (parts.size() < 2) return {};
   Name name = prepared(parts[1]);
   std::string turned;
   if (is_backward(name)) {
@@ -152,7 +148,7 @@ Reading read_folder(const std::vector<std::string_view>& parts) {
 
 /// Names such as "abl-sr205" that a release gives its files; the folder has the words.
 bool is_short_for_more(std::string_view show) {
-  return std::none_of(show.begin(), show.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
+  return std::ranges::none_of(show, is_capital);
 }
 
 /// Whether the folder's certain reading says more than the file's: that one says no numbers, or unsure ones, or the
@@ -205,10 +201,9 @@ Reading show_of(std::span<const Folder> folders) {
 bool abbreviates(std::string_view show, std::string_view whole) {
   std::string letters;
   for (std::size_t i = 0; i < whole.size(); ++i) {
-    if (i > 0 && whole[i - 1] != ' ') continue;
-    letters += whole[i] >= 'A' && whole[i] <= 'Z' ? static_cast<char>(whole[i] + ('a' - 'A')) : whole[i];
+    if (i == 0 || whole[i - 1] == ' ') letters += whole[i];
   }
-  return letters.size() > 1 && is_short_for_more(show) && show.substr(show.rfind(' ') + 1) == letters;
+  return letters.size() > 1 && is_short_for_more(show) && show.substr(show.rfind(' ') + 1) == lower_ascii(letters);
 }
 
 /// How many tokens of the file's name repeat the name of a folder up to its year or season:
@@ -238,9 +233,9 @@ std::size_t repeated(const Folder& folder, const Name& file) {
 Reading read_name(std::string_view path) {
   Reading reading;
   const std::vector<std::string_view> parts = components(path);
-  if (parts.empty()) return reading;
+  if (parts.empty()) return {};
   Name file = prepared(without_extension(parts.front()));
-  if (is_sample(file)) return reading;
+  if (is_sample(file)) return {};
   std::string turned;
   if (is_backward(file)) {
     turned = reversed(file.text);
@@ -256,7 +251,7 @@ Reading read_name(std::string_view path) {
     folder.season = find_season(folder.name);
     if (!folder.season && folder.name.count() == 2) folder.season = season_at(folder.name, 0);  // "Series 2"
     if (!folder.season && folder.name.count() == 1) folder.season = bare_season(folder.name.at(0), parts, i);
-    if (i <= 2 && folder.season && !around.season) around.season = folder.season->number;
+    if (folder.season && !around.season) around.season = folder.season->number;
   }
 
   Numbers numbers;

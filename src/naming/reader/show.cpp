@@ -23,7 +23,7 @@ const Group* group_of(const Name& name, std::size_t i) {
 }
 
 bool is_upper(std::string_view word) {
-  return std::all_of(word.begin(), word.end(), [](char byte) { return byte >= 'A' && byte <= 'Z'; });
+  return std::ranges::all_of(word, is_capital);
 }
 
 bool is_all_numbers(const Name& name, Span span) {
@@ -227,7 +227,7 @@ Span show_span(const Name& name, const Numbers& numbers, Reading& reading) {
   const Token& front = name.at(span.first);
   if (!numbers.episodes.empty() && front.is_number() && span.last > span.first + 1) {
     const Token& second = name.at(span.first + 1);
-    const bool padded = name.written(front).front() == '0';
+    const bool padded = name.is_padded(front);
     const bool apart = second.follows_spaced_dash() || second.gap == (Dot | Blank);
     if ((front.number == numbers.episodes.front() && second.follows(Dash)) || (padded && apart)) ++span.first;
   }

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <iterator>
 
+#include "text/characters.h"
+
 namespace quorvel::reader {
 namespace {
 
 bool is_hexadecimal(std::string_view lowered) {
   return std::all_of(lowered.begin(), lowered.end(),
-                     [](char byte) { return (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'f'); });
+                     [](char byte) { return is_digit(byte) || (byte >= 'a' && byte <= 'f'); });
 }
 
 void mark(Name& name, std::size_t first, std::size_t last, std::uint32_t kinds) {
@@ -88,10 +90,8 @@ Found find_in_chunk(const Name& name, std::size_t i, std::size_t end) {
   if (i > 0 && !token.is_glued() && name.at(end - 1).end - token.begin == 8 && is_checksum(name.lowered(i, end))) {
     return {count, Release};
   }
-  if (count <= 6 && (count > 1 || token.is_word())) {
-    const std::uint32_t whole = count > 1 ? find_word(name.lowered(i, end)).kinds : token.kinds;
-    if ((whole & technical_kinds) != 0 && (whole & Weak) == 0) return {count, whole};
-  }
+  const std::uint32_t whole = count > 1 ? find_word(name.lowered(i, end)).kinds : token.kinds;
+  if ((whole & technical_kinds) != 0 && (whole & Weak) == 0) return {count, whole};
   if (name.is_word(i, "v") && token.is_glued() && name.at(i - 1).is_number() && next.is_number() && next.is_glued() &&
       next.size() == 1) {
     return {2, EndWord};  // "12v2": a second version
@@ -169,7 +169,7 @@ void mark_group(Name& name, Group& group) {
   const std::string_view inner =
       std::string_view(name.lower)
           .substr(name.at(group.first).begin, name.at(group.last - 1).end - name.at(group.first).begin);
-  const bool has_digit = std::any_of(inner.begin(), inner.end(), [](char byte) { return byte >= '0' && byte <= '9'; });
+  const bool has_digit = std::ranges::any_of(inner, is_digit);
   const bool hash = is_hexadecimal(inner) && (inner.size() == 8 || inner.size() >= 16) && (has_digit || group.square);
   if (hash || site_size(name, group.first, group.last) == size) mark(name, group.first, group.last, Release);
   std::size_t technical = 0, weak = 0;
@@ -195,7 +195,7 @@ void mark_group(Name& name, Group& group) {
 
 void mark_technical(Name& name) {
   // "site.com_Show"; other endings are words, too.
-  if (const std::size_t size = site_size(name, 0, name.count()); size > 0 && !name.at(size).follows(Dot)) {
+  if (const std::size_t size = site_size(name, 0, name.count()); !name.at(size).follows(Dot)) {
     const std::string_view ending = name.lowered(name.at(size - 1));
     if (ending == "com" || ending == "org" || ending == "net") mark(name, 0, size, Site);
   }
@@ -205,15 +205,12 @@ void mark_technical(Name& name) {
       Found found = find_in_chunk(name, i, end);
       if (found.count == 0 && name.is_word(i, "www")) found = {site_size(name, i, name.count()), Site};
       if (const Found pair = find_pair(name, i); pair.count > 0) found = pair;
-      if (found.count > 0) {
-        mark(name, i, i + found.count, found.kinds);
-        // "AAC2.0", "DD5.1": the second half of the number.
-        if (found.kinds & Sound) {
-          const Token& half = name.at(i + found.count);
-          const Token& whole = name.at(i + found.count - 1);
-          if (whole.is_number() && whole.size() == 1 && half.is_number() && half.size() == 1 && half.gap == Dot) {
-            mark(name, i + found.count, i + found.count + 1, Sound);
-          }
+      mark(name, i, i + found.count, found.kinds);
+      // "AAC2.0", "DD5.1": the second half of the number.
+      if (found.kinds & Sound) {
+        const Token &whole = name.at(i + found.count - 1), &half = name.at(i + found.count);
+        if (whole.is_number() && whole.size() == 1 && half.is_number() && half.size() == 1 && half.gap == Dot) {
+          mark(name, i + found.count, i + found.count + 1, Sound);
         }
       }
       i += std::max<std::size_t>(found.count, 1);
@@ -226,7 +223,7 @@ void mark_technical(Name& name) {
   for (std::size_t i = 1; i < name.count() && !said; ++i) {
     const Token& token = name.at(i);
     const int number = token.number;
-    if (!token.is_number() || token.technical || token.is_glued() || !name.stands_alone(i)) continue;
+    if (!token.is_plain_number() || token.is_glued() || !name.stands_alone(i)) continue;
     if (number != 480 && number != 576 && number != 720 && number != 1080 && number != 2160) continue;
     if (token.follows_spaced_dash()) continue;  // "Show - 1080"
     const bool beside = name.at(i + 1).technical || name.at(i - 1).technical || name.at(i + 1).is(technical_kinds);
@@ -269,9 +266,9 @@ bool is_meaningless(const Name& name) {
   const std::string_view lowered = name.lowered(0, name.count());
   std::size_t digits = 0, changes = 0;
   for (std::size_t i = 0; i < lowered.size(); ++i) {
-    const bool digit = lowered[i] >= '0' && lowered[i] <= '9';
-    digits += digit ? 1 : 0;
-    if (i > 0 && digit != (lowered[i - 1] >= '0' && lowered[i - 1] <= '9')) ++changes;
+    const bool digit = is_digit(lowered[i]);
+    if (digit) ++digits;
+    if (i > 0 && digit != is_digit(lowered[i - 1])) ++changes;
   }
   if (lowered.size() >= 10 && digits > 0 && digits < lowered.size() && is_hexadecimal(lowered)) return true;
   // "harbourlightss01e02e03" has pairs of digits only.

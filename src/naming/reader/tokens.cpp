@@ -21,13 +21,9 @@ bool is_one_of(char32_t character, std::u32string_view characters) {
   return characters.find(character) != std::u32string_view::npos;
 }
 
-bool is_ascii_letter(char32_t character) {
-  return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
-}
-
 /// 0 to 9, full-width digits included; -1 for all else.
 int digit_of(char32_t character) {
-  if (character >= '0' && character <= '9') return static_cast<int>(character - '0');
+  if (is_digit(character)) return static_cast<int>(character - '0');
   if (character >= 0xFF10 && character <= 0xFF19) return static_cast<int>(character - 0xFF10);
   return -1;
 }
@@ -127,10 +123,7 @@ std::pair<int, std::uint32_t> chinese_number(std::string_view text, std::size_t 
 
 }  // namespace
 
-Name::Name(std::string_view text) : text(text), lower(text) {
-  for (char& byte : lower) {
-    if (byte >= 'A' && byte <= 'Z') byte = static_cast<char>(byte + ('a' - 'A'));
-  }
+Name::Name(std::string_view text) : text(text), lower(lower_ascii(text)) {
   tokens.reserve(48);
   for (std::size_t at = 0; at < text.size();) {
     const Character first = character_at(text, at);

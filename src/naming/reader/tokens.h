@@ -39,6 +39,8 @@ struct Token {
 
   bool is_word() const { return kind == Kind::Word; }
   bool is_number() const { return kind == Kind::Number; }
+  /// One that does not say how the file was made.
+  bool is_plain_number() const { return is_number() && !technical; }
   bool is_end() const { return kind == Kind::End; }
   bool is(std::uint32_t wanted) const { return (kinds & wanted) != 0; }
   bool is_glued() const { return gap == 0; }
@@ -73,6 +75,7 @@ struct Name {
   /// The token, or before the first and past the last one the end: it has no kinds, and its gap is what ends the name.
   const Token& at(std::size_t i) const { return tokens[std::min(i, tokens.size() - 1)]; }
   std::string_view written(const Token& token) const { return text.substr(token.begin, token.size()); }
+  bool is_padded(const Token& number) const { return text[number.begin] == '0'; }
   std::string_view lowered(const Token& token) const {
     return std::string_view(lower).substr(token.begin, token.size());
   }

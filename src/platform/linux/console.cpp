@@ -16,7 +16,7 @@ namespace {
 volatile std::sig_atomic_t interrupt_count = 0;
 std::sig_atomic_t interrupts_told = 0;
 
-constexpr std::array<int, 3> interrupting = {SIGINT, SIGTERM, SIGHUP};
+constexpr auto interrupting = std::to_array<int>({SIGINT, SIGTERM, SIGHUP});
 
 void on_interrupt(int) {
   interrupt_count = interrupt_count + 1;
@@ -77,18 +77,18 @@ int width() {
 }
 
 std::optional<std::string> read_line() {
-  if (::isatty(STDIN_FILENO) != 1) return std::nullopt;
+  if (::isatty(STDIN_FILENO) != 1) return {};
   const WithoutInterrupts without;
   std::string line;
   while (interrupt_count == interrupts_told) {
     pollfd input{STDIN_FILENO, POLLIN, 0};
     if (::ppoll(&input, 1, nullptr, &without.mask_before()) < 0) continue;  // only here can an interrupt come in
     std::array<char, 1> byte{};
-    if (::read(STDIN_FILENO, byte.data(), 1) != 1) return std::nullopt;
+    if (::read(STDIN_FILENO, byte.data(), 1) != 1) return {};
     if (byte[0] == '\n') return line;
     line += byte[0];
   }
-  return std::nullopt;
+  return {};
 }
 
 void count_interrupts() {

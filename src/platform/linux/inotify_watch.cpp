@@ -23,16 +23,9 @@ constexpr std::uint32_t watched_events =
 /// Whether files can change there that this machine's kernel knows nothing of.
 bool is_reached_by_others(const std::string& folder) {
   constexpr std::uint32_t cifs = 0xFF534D42, smb2 = 0xFE534D42, ceph = 0x00C36400, virtual_box = 0x786F4256;
-  constexpr std::array<std::uint32_t, 10> such = {NFS_SUPER_MAGIC,
-                                                  SMB_SUPER_MAGIC,
-                                                  AFS_SUPER_MAGIC,
-                                                  CODA_SUPER_MAGIC,
-                                                  V9FS_MAGIC,
-                                                  FUSE_SUPER_MAGIC,
-                                                  cifs,
-                                                  smb2,
-                                                  ceph,
-                                                  virtual_box};
+  constexpr auto such =
+      std::to_array<std::uint32_t>({NFS_SUPER_MAGIC, SMB_SUPER_MAGIC, AFS_SUPER_MAGIC, CODA_SUPER_MAGIC, V9FS_MAGIC,
+                                    FUSE_SUPER_MAGIC, cifs, smb2, ceph, virtual_box});
   struct statfs found {};
   return statfs(folder.c_str(), &found) == 0 &&
          std::ranges::find(such, static_cast<std::uint32_t>(found.f_type)) != such.end();
