@@ -32,7 +32,11 @@ Identified ClassicIdentification::identify(QueueItem& item, const Reached& reach
   const Reading reading = read_name(item.path);
   item.facts = facts_in(reading);
   if (item.corrected) {
-    item.season = item.corrected->season.value_or(0);
+    // Given while exact names were on.
+    if (!item.corrected->season || item.corrected->episodes.size() != 1) {
+      return {Identified::Failed, {}, "Its corrected number needs exact names"};
+    }
+    item.season = *item.corrected->season;
     item.episode = item.corrected->episodes.front();
   } else if (!is_trusted(item, reading)) {
     return {Identified::Failed, {}, item.doubts.front()};

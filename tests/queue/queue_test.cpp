@@ -114,7 +114,8 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
           {"show":{"id":9,"name":"Part Time","premiered":"2015-01-01"}}])";
   for (const char* const id : {"8", "9"}) {
     web.bodies[std::string("/shows/") + id + "/episodes"] =
-        R"j([{"season":1,"number":1,"name":"Pilot (1)","url":"https://x/e"},{"season":1,"number":2,"name":"Pilot (2)"}])j";
+        R"j([{"season":1,"number":1,"name":"Pilot (1)","url":"https://x/e"},{"season":1,"number":2,"name":"Pilot (2)"},
+            {"season":1,"number":3,"name":""}])j";
   }
   session.settings.types += ";ogm";
   for (const char* name : {"Part.Time.2010.S01E01E02.mkv", "Part.Time.S01E01.mkv", "part.time.2015.1x02.ogm",
@@ -136,6 +137,11 @@ TEST_F(Queue, ExactNamesSayWhatTheServiceSaysAndFailWhereItIsNotClear) {
   add("Part.Time.S01E01.avi");
   processor.process_queue();
   EXPECT_EQ(item(6).new_name, "Part Time - 1x01 - Pilot (1).avi");
+  const std::string untitled = "The episode has no title that a file can have";
+  EXPECT_FALSE(logged(untitled));
+  add("Part.Time.S01E03.avi");
+  processor.process_queue();
+  EXPECT_TRUE(item(7).new_name == "Part Time - 1x03 - .avi" && logged(untitled));
   EXPECT_TRUE(item(6).doubts.empty()) << "the user has said which show it is";
   EXPECT_EQ(std::count(web.requests.begin(), web.requests.end(), "/shows/8/episodes"), 1) << "the answer is kept";
 }
@@ -228,6 +234,8 @@ TEST_F(Queue, EveryFailureNamesItsReasonAndThePassGoesOn) {
        "File operation failed (" + std::to_string(facts::nowhere) + ")", MoveAndRename, nowhere},
       {"the.harbour.lights.s01e04.avi", relative, "Error checking filters: " + relative, MoveAndRename,
        "tv" + separator},
+      {"the.harbour.lights.s01e04.mkv", "the rule's action 9 is none of rename, move, copy and link",
+       "Error renaming/moving: the rule's action 9 is none of rename, move, copy and link", 9, there},
       {lights_file, failed(facts::taken), "File operation failed (" + std::to_string(facts::taken) + ")", CopyAndRename,
        there}};
   const std::string taken[] = {"in/The Harbour Lights - 1x03 - A Lantern for Maud.mkv",

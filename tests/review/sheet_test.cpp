@@ -47,7 +47,7 @@ TEST_F(Review, NothingHappensBeforeApplyAndThenExactlyWhatIsTicked) {
   // 6 and 7 want one name.
   take({"harbour lights 1x01.mkv", pilot, "tomorrow.street.1x01.mkv", "harbour.lights.1x03.avi",
         "nobody.knows.1x01.mkv", "the.harbour.lights.1x04.mkv", "The Harbour Lights 104.mkv",
-        "the.harbour.lights.1x99.mkv", "no numbers.mkv"});
+        "the.harbour.lights.1x99.mkv", "Harbour.Lights.Special.mkv"});
   EXPECT_EQ(rows(),
             "#harbour lights=The Harbour Lights 1* Ready 4 Target exists #the harbour lights=The Harbour Lights 2 "
             "Already right 6 Two files, one name 7 Two files, one name 8 Episode unknown #tomorrow street=Tomorrow "
@@ -70,12 +70,21 @@ TEST_F(Review, NothingHappensBeforeApplyAndThenExactlyWhatIsTicked) {
   EXPECT_EQ(rows(ReviewSheet::Filter::Decisions).find("7*"), std::string::npos);
   EXPECT_EQ(sheet.ticked(), 2);
   EXPECT_EQ(sheet.rename(4, "a/b"), "A name cannot have any of \\/:*?\"<>|");
+  EXPECT_EQ(sheet.rename(4, ".mine"), "A dot in front would hide the file.");
   EXPECT_EQ(sheet.rename(4, " mine "), "");
   EXPECT_EQ(sheet.new_name(4) + (sheet.is_ticked(4) ? " ticked" : ""), "mine.avi ticked");
   EXPECT_TRUE(sheet.refusal_of("1x05").empty() && sheet.correct(8, "twelve") == sheet.refusal_of("twelve"));
   EXPECT_NE(sheet.refusal_of("twelve"), "");
   EXPECT_EQ(sheet.correct(8, "1x05"), "");
   EXPECT_EQ(sheet.new_name(8) + sheet.numbers(8), "The Harbour Lights - 1x05 - The Drowned Letter.mkv1x05");
+  for (const char* const more : {"1x05-06", "12", "2015-09-13"}) {
+    EXPECT_EQ(sheet.correct(9, more), "Enter one season and one episode, as in \"2x05\"; more needs exact names.");
+  }
+  EXPECT_EQ(sheet.correct(9, "0x99"), "");
+  EXPECT_EQ(sheet.mark_text(9) + sheet.numbers(9), "Episode unknown0x99");
+  EXPECT_EQ(item(9).error_text,
+            "Unable to find listings on tvmaze.com\r\nSearched for: harbour lights\r\n"
+            "Detected as: The Harbour Lights 0x99");
 
   sheet.apply();
   EXPECT_EQ(states(), "-2 -1 6 6 -1 -2 6 6 -1 ");
@@ -122,10 +131,16 @@ TEST_F(Review, ChainsAndCirclesAreWeighedByWhatIsTickedAndComeOutRight) {
   EXPECT_EQ(item(3).error_text, "It has been changed or replaced since");
   take({"harbour.lights.1x04.mkv"});
   EXPECT_EQ(sheet.reason(4), "");
+  write("in/harbour.lights.1x04.mkv", "changed");
+  sheet.refresh();
+  EXPECT_TRUE(sheet.mark(4) == Mark::Changed && sheet.reason(4) == "It has been changed or replaced since");
   item(4).lost_characters = true;
   EXPECT_NE(sheet.reason(4), "");
+  session.filters.at(1).enabled = false;
+  take({"harbour.lights.1x05.mkv"});
+  EXPECT_EQ(sheet.mark(5), Mark::Unfit) << "no rule is for it";
   sheet.cancel();
-  EXPECT_EQ(states(), "6 6 -1 -2 ");
+  EXPECT_EQ(states(), "6 6 -1 -2 -1 ");
 }
 
 TEST_F(Review, WithExactNamesAFileMayHaveADateSeveralNumbersOrOneOfAll) {
@@ -169,14 +184,24 @@ TEST_F(Review, WithExactNamesAFileMayHaveADateSeveralNumbersOrOneOfAll) {
   sheet.apply();
   EXPECT_TRUE(exists("out/2x01-02 B & C.avi") && !sheet.is_waiting());
   EXPECT_EQ(left, 4);
+  take({"Night Train 1x07.mkv", "Night Train 1x08.mkv", "Night Train 1x09.mkv"});
+  for (const auto& [index, more] : {std::pair(5, "1x06-07"), {6, "99"}, {7, "2011-04-19"}}) sheet.correct(index, more);
+  session.settings.exact = false;
+  for (const int index : {5, 6, 7}) {
+    session.processor.take_again({index}, false);
+    EXPECT_EQ(item(index).error_text, "Its corrected number needs exact names") << index;
+  }
 }
 
 TEST(Changes, WordsThatTheOldNameLacksAreNew) {
-  std::string text;
-  for (const NamePart& part : changes("the.harbour.s01e02.720p.mkv", "The Harbour - 1x02 - Pilot Boat.mkv")) {
-    text += part.is_new ? "[" + part.text + "]" : part.text;
-  }
-  EXPECT_EQ(text, "The Harbour - [1x02 - Pilot Boat].mkv");
+  const auto marked = [](std::string_view old_name, std::string_view new_name) {
+    std::string text;
+    for (const NamePart& part : changes(old_name, new_name)) text += part.is_new ? "[" + part.text + "]" : part.text;
+    return text;
+  };
+  EXPECT_EQ(marked("the.harbour.s01e02.720p.mkv", "The Harbour - 1x02 - Pilot Boat.mkv"),
+            "The Harbour - [1x02 - Pilot Boat].mkv");
+  EXPECT_EQ(marked("Boat (2)", "(Boat) (3)!"), "(Boat) ([3])!");
 }
 
 }  // namespace
