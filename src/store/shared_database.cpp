@@ -89,7 +89,7 @@ class SharedDatabase::Connection {
 
   const Contents& contents_;
   Handle handle_;
-  std::vector<Prepared> prepared_;  // as its statements, and then what begins, ends and takes back a transaction
+  std::vector<Prepared> prepared_;  // as its statements, and then what begins and ends a transaction
 };
 
 void SharedDatabase::Connection::copy(const std::string& original) {
@@ -112,7 +112,7 @@ void SharedDatabase::Connection::prepare() {
   // Refused where another copy is just doing the same, and where the file system cannot; the file is as safe then.
   sqlite3_exec(handle_.get(), "PRAGMA journal_mode = WAL", nullptr, nullptr, nullptr);
   for (const char* const sql : contents_.statements) prepared_.push_back(prepared(sql));
-  for (const char* const sql : {"BEGIN IMMEDIATE", "COMMIT", "ROLLBACK"}) prepared_.push_back(prepared(sql));
+  for (const char* const sql : {"BEGIN IMMEDIATE", "COMMIT"}) prepared_.push_back(prepared(sql));
 }
 
 namespace {
@@ -161,18 +161,12 @@ std::int64_t SharedDatabase::Connection::perform(std::size_t statement, const st
 }
 
 std::int64_t SharedDatabase::Connection::perform_both(const Call& first, const Call& second) {
-  const std::size_t begin = contents_.statements.size(), commit = begin + 1, roll_back = begin + 2;
+  const std::size_t begin = contents_.statements.size(), commit = begin + 1;
   perform(begin, {}, {});
-  try {
-    perform(first.statement, first.values, {});
-    const std::int64_t row = perform(second.statement, second.values, {});
-    perform(commit, {}, {});
-    return row;
-  } catch (const Trouble&) {
-    sqlite3_step(prepared_[roll_back].get());
-    sqlite3_reset(prepared_[roll_back].get());
-    throw;
-  }
+  perform(first.statement, first.values, {});
+  const std::int64_t row = perform(second.statement, second.values, {});
+  perform(commit, {}, {});
+  return row;  // any Trouble ends the connection, and with it the transaction
 }
 
 SharedDatabase::SharedDatabase(Files& files, Log& log, const std::string& work_dir, Contents contents)

@@ -1,10 +1,12 @@
 #include "history/history.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <set>
 
 #include "session_fixture.h"
+#include "shell/past_sheet.h"
 #include "shell/past_text.h"
 #include "shell/past_undoing.h"
 
@@ -88,6 +90,62 @@ TEST_F(PastTest, APassOfWhichAllWasRefusedDoesNotKeepTheOnesBeforeFromBeingUndon
     undoing.undo(session.history.passes(1)[0].operations, [](int, int) { return true; });
     EXPECT_EQ(item(2).state, state) << "each time the last undoing is undone";
   }
+}
+
+TEST_F(PastTest, WhatCannotBeWrittenInOneGoIsNotWrittenAtAll) {
+  add("the.harbour.lights.1x01.mkv");
+  session.processor.process_queue();
+  sqlite3* file = nullptr;
+  sqlite3_open((work_dir() + "history.db").c_str(), &file);
+  const auto run = [&](const char* sql) { return sqlite3_exec(file, sql, nullptr, nullptr, nullptr); };
+  EXPECT_EQ(run("CREATE TRIGGER full BEFORE UPDATE OF undone ON operations BEGIN SELECT RAISE(ABORT, 'full'); END"), 0);
+  EXPECT_EQ(undo(session, session.history.passes(1)[0].id), "ok|");
+  EXPECT_TRUE(logged(work_dir() + "history.db cannot be used: full. What is done to files is kept for this run alone, "
+                                  "and can be undone in it alone"))
+      << log();
+  EXPECT_EQ(run("DROP TRIGGER full"), 0) << "nothing holds the file";
+  sqlite3_close(file);
+  Session later(with(ui), places());
+  later.start();
+  EXPECT_EQ(told(later.history), "done (1 renamed)|under way (1 under way)|");
+}
+
+TEST_F(PastTest, TheSheetShowsTheFilesOfTheChosenPassesAndUndoesThoseThatAreSelected) {
+  const std::string one = "the.harbour.lights.1x01.mkv", two = "the.harbour.lights.1x02.mkv",
+                    three = "the.harbour.lights.1x03.mkv";
+  for (const std::string& name : {one, two}) add(name);
+  session.processor.process_queue();
+  write("in/below/" + three, three);
+  session.intake.add_to_queue(in("below/" + three), false);
+  session.processor.process_queue();
+  PastUndoing undoing(session);
+  PastSheet sheet(session, undoing);
+  const auto told = [](const std::vector<ListRow>& rows) {
+    std::string text;
+    for (const ListRow& row : rows) {
+      for (std::size_t i = 1; i < row.cells.size(); ++i) text += row.cells[i] + "|";
+    }
+    return text;
+  };
+  EXPECT_EQ(told(sheet.passes()) + told(sheet.files()), "1 renamed|2 renamed|");
+  const std::string new_one = "The Harbour Lights - 1x01 - Slack Water.mkv",
+                    new_two = "The Harbour Lights - 1x02 - The Pilot Boat.mkv";
+  sheet.choose({1, 2});
+  EXPECT_EQ(sheet.details({}) + sheet.folder_of({1, 2, 3}) + sheet.folder_of({1}),
+            "3 files, 3 can be undone" + in("below") + native::separator);
+  sheet.choose({2});
+  EXPECT_EQ(told(sheet.files()), one + "|" + new_one + "|Done|" + two + "|" + new_two + "|Done|");
+  EXPECT_EQ(sheet.files()[0].cells[0], "Renamed");
+  EXPECT_EQ(sheet.details({2}) + sheet.folder_of({1, 2}),
+            "From: " + in(two) + "\nTo: " + in(new_two) + "\nDone" + folder / "in" + native::separator);
+  write("in/" + two, "in the way");
+  EXPECT_EQ(text_of(sheet.undo(std::vector{2}, [](int, int) { return true; })), "0 of 1 undone, 1 left alone");
+  EXPECT_EQ(text_of(sheet.undo(std::vector{1}, [](int, int) { return true; })), "1 undone");
+  EXPECT_EQ(told(sheet.passes()), "Undoing: 1 renamed|1 renamed|2 renamed, 1 undone|");
+  EXPECT_EQ(sheet.chosen(), std::vector{3}) << "the same pass, further down";
+  EXPECT_EQ(told(sheet.files()),
+            one + "|" + new_one + "|Undone|" + two + "|" + new_two + "|Not undone: " + in(two) + " is there already|");
+  EXPECT_EQ(sheet.details({1, 2}), "2 files, 1 can be undone");
 }
 
 /// Nothing goes to the trash, so that nothing is left there.
