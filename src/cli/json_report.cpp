@@ -8,17 +8,10 @@
 namespace quorvel::cli {
 namespace {
 
+/// Of one that has ended.
 const char* word_of(QueueState state, bool is_dry_run) {
-  switch (state) {
-    case QueueState::Done:
-      return is_dry_run ? "planned" : "done";
-    case QueueState::Failed:
-      return "failed";
-    case QueueState::Cancelled:
-      return "cancelled";
-    default:
-      return "not processed";
-  }
+  if (state == QueueState::Done) return is_dry_run ? "planned" : "done";
+  return state == QueueState::Failed ? "failed" : "cancelled";
 }
 
 }  // namespace

@@ -10,8 +10,8 @@
 /// What a run has done, for programs: an object of JSON a line.
 namespace quorvel::cli {
 
-/// "done", "failed", "cancelled", "right already", "left by rule" or "not processed"; in a dry run, what would be done
-/// is "planned".
+/// "done", "failed", "cancelled", "right already" or "left by rule", of an item that has ended; in a dry run, what
+/// would be done is "planned".
 std::string state_word(const QueueItem& item, bool is_dry_run);
 
 /// Those of the item's season; empty where they are not known.

@@ -27,7 +27,7 @@ namespace {
 std::string reason(Refusal refusal) {
   switch (refusal) {
     case Refusal::None:
-      return "queued";
+      break;
     case Refusal::TooShort:
       return "the path is too short";
     case Refusal::Missing:

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/key_value_store.h"
+#include "text/failure.h"
 
 namespace quorvel::cli {
 
@@ -21,18 +22,14 @@ class RunStore : public KeyValueStore {
   std::optional<std::string> trouble() const override { return base_.trouble(); }
   std::optional<std::string> read_string(const std::string& name) const override {
     const auto* const text = replacement<std::string>(name);
-    return text != nullptr ? *text : erased_ ? std::nullopt : base_.read_string(name);
+    return text != nullptr ? *text : base_.read_string(name);
   }
   std::optional<std::uint32_t> read_number(const std::string& name) const override {
     const auto* const number = replacement<std::uint32_t>(name);
-    return number != nullptr ? *number : erased_ ? std::nullopt : base_.read_number(name);
+    return number != nullptr ? *number : base_.read_number(name);
   }
   void write(const std::vector<Named>& values) override { keep_base_ ? replace(values) : base_.write(values); }
-  void erase_all() override {
-    if (!keep_base_) base_.erase_all();
-    replaced_.clear();
-    erased_ = keep_base_;
-  }
+  void erase_all() override { throw Failure("A run does not erase the settings"); }
 
  private:
   template <typename T>
@@ -43,7 +40,6 @@ class RunStore : public KeyValueStore {
 
   KeyValueStore& base_;
   bool keep_base_;
-  bool erased_ = false;  // as far as this run can see
   std::map<std::string, Value> replaced_;
 };
 
