@@ -50,8 +50,14 @@ TEST(CurlSocketControl, TellsClosingWaitingAndFailingApart) {
       {}, [&](bool, const std::string& host) { return host == "far.example" ? service->base() : ""; });
   EXPECT_NE(through.connect("far.example", 443), 0) << "it is no proxy";
   EXPECT_TRUE(service->requests().back().starts_with("CONNECT far.example:443 HTTP/1.1\r\n"));
+  through.on_wait = [] { return false; };
+  EXPECT_EQ(through.connect("far.example", 443), CURLE_ABORTED_BY_CALLBACK);
   service.reset();
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_COULDNT_CONNECT);
+  EXPECT_EQ(socket.connect("::1", port), CURLE_COULDNT_CONNECT);
+  for (const std::string& host : {std::string("127.0.0.1\0", 10), std::string("a b"), std::string("user@127.0.0.1/")}) {
+    EXPECT_EQ(socket.connect(host, port), CURLE_URL_MALFORMAT) << host;
+  }
   EXPECT_NE(socket.last_error_string(), "");
   socket.on_wait = [] { return false; };
   EXPECT_EQ(socket.connect("127.0.0.1", port), CURLE_ABORTED_BY_CALLBACK);

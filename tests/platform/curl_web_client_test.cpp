@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "listings_service.h"
 
 namespace quorvel::testing {
@@ -59,6 +61,12 @@ TEST(CurlWebClient, GetsWhatTheServerMeansOrNamesItInTheFailure) {
   EXPECT_EQ(answered(ok + "\r\nhello"), "200|hello|");
   EXPECT_EQ(meanwhile, "200|hello|");
   client.on_wait = [] { return true; };
+  std::promise<void> asked;
+  CurlWebClient slow("Quorvel", {}, [&](bool, const std::string&) { return asked.get_future().wait(), base; });
+  slow.on_wait = [&] { return asked.set_value(), false; };
+  EXPECT_EQ(got(slow, base), "The transfer was cancelled");
+  CurlWebClient unsure("Quorvel", base, {});
+  EXPECT_EQ(got(unsure, base), "No connection to 127.0.0.1: The certificates of " + base + " cannot be read");
   service.reset();
   EXPECT_THAT(got(client, base), StartsWith("No connection to 127.0.0.1: "));
 }

@@ -1,11 +1,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <thread>
 
 #include "child_process.h"
 #include "file_tools.h"
+#include "platform/commands.h"
+#include "platform/disk_files.h"
 #include "temporary_folder.h"
 #include "text/failure.h"
 
@@ -46,6 +50,10 @@ TEST_F(LinuxDesktop, FoldersAndClockFollowTheEnvironment) {
     EXPECT_TRUE(fs::is_directory(folder / data_folder) && !fs::exists(folder / settings));
     system_key_values(*files, "Q")->write_number("x", 1);
     EXPECT_TRUE(fs::exists(folder / settings));
+  }
+  for (const char* const none : {"", "relative"}) {
+    const Variable no_home("HOME", none);
+    EXPECT_EQ(native::home_folder(), getpwuid(geteuid())->pw_dir) << none;
   }
   const auto day_in = [](const char* zone) {
     const Variable time_zone("TZ", zone);
@@ -95,6 +103,12 @@ TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
   for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"}) change(data, program, extension);
   EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
   EXPECT_THAT(contents(menu), AllOf(HasSubstr("video/x-msvideo;"), HasSubstr("directory;"), HasSubstr("video/webm;")));
+  EXPECT_THAT(contents(menu),
+              AllOf(HasSubstr("\n[Desktop Entry]\nType=Service\nX-KDE-ServiceTypes=KonqPopupMenu/Plugin\n"),
+                    HasSubstr("\nActions=quorvel;\n"),
+                    HasSubstr("\n[Desktop Action quorvel]\nName=Quorvel\nIcon=quorvel\nExec=")));
+  EXPECT_THAT(contents(entry), HasSubstr("\n[Desktop Entry]\nType=Application\nName=Quorvel\nComment=Rename television "
+                                         "episode files\nIcon=quorvel\nExec="));
   EXPECT_THAT(contents(entry), Not(HasSubstr("MimeType")));  // or a double click might rename
   EXPECT_EQ(fs::status(menu).permissions() & fs::perms::owner_exec, fs::perms::owner_exec);
   const std::string a = folder / "a b.mkv", c = folder / "c.mkv", both = "' '" + a + "' '" + c + "'";
@@ -105,6 +119,21 @@ TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
   }
   for (const char* const extension : {"mkv", "no such type;\n", "DIR", "avi"}) change(data, program, extension, false);
   EXPECT_FALSE(fs::exists(folder / "new"));
+  struct : DiskFiles {
+    bool replace(const std::string&, const std::string&) override { return false; }
+  } full;
+  const Variable home("XDG_DATA_HOME", data);
+  system_context_menu(full, program)->install("mkv");
+  EXPECT_FALSE(fs::exists(folder / "new"));
+}
+
+TEST_F(LinuxDesktop, ACommandThatIsNotWantedAnyMoreIsAskedToEndAndThenEnded) {
+  for (const auto& [script, signal] : {std::pair("", "15"), {"trap '' TERM; ", "9"}}) {
+    const std::string ready = folder / signal;
+    const commands::Ending ending = commands::run({"sh", "-c", script + (": >'" + ready) + "'; exec sleep 600"}, {},
+                                                  [&] { return !fs::exists(ready); });
+    EXPECT_TRUE(!ending.status && ending.trouble == "It was ended by signal " + std::string(signal)) << ending.trouble;
+  }
 }
 
 TEST_F(LinuxDesktop, EntriesOfOthersAndEditedOnesAreLeftAlone) {

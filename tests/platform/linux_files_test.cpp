@@ -46,7 +46,8 @@ struct LinuxFiles : ::testing::Test {
     for (const TemporaryFolder* in : {&here, &there}) {
       fs::create_directory(*in / "locked");
       for (const char* const name : {"a", "b", "locked/a"}) write_file(*in / name, name);
-      for (const auto& [target, link] : {std::pair("a", "link"), {"nowhere", "dangling"}, {"circle", "circle"}})
+      for (const auto& [target, link] :
+           {std::pair("a", "link"), {"nowhere", "dangling"}, {"circle", "circle"}, {"../a", "locked/link"}})
         fs::create_symlink(target, *in / link);
       mkfifo((*in / "pipe").c_str(), 0600);
       fs::permissions(*in / "locked", fs::perms(0555));
@@ -99,7 +100,9 @@ TEST_F(LinuxFiles, OperationsTakeFilesAndLinksFromWhereTheUserMay) {
     }
     EXPECT_EQ(perform(Request::Rename, here / from, here / name), error);
   }
-  EXPECT_EQ(perform(Request::Move, here / "locked/a", there / "x"), EACCES);
+  for (const char* const each : {"locked/a", "locked/link"}) {
+    EXPECT_EQ(perform(Request::Move, here / each, there / "x"), EACCES) << each;
+  }
   EXPECT_EQ(state(), before);
 
   fs::create_symlink(here / "a", here / "absolute");
