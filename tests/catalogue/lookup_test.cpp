@@ -109,8 +109,8 @@ TEST_F(LookupTest, YearAndCountryMayBelongToTheNameAndOtherNamesAndMeaningsAreTr
   search("brighter", {show_json(9, "Righter", 2011, "US")});
   web.bodies["/shows/7/akas"] = R"([{"name":"Ночной поезд"},{"name":"Nachtzug","country":null}])";
   episodes(6, R"({"season":1,"number":1,"name":"Leaving &amp; &quot;Left&quot;"})");
-  episodes(
-      7, R"({"season":1,"number":1,"name":"A"},{"season":1,"number":2,"name":"B"},{"season":2,"number":1,"name":"C"})");
+  episodes(7, R"({"season":1,"number":1,"name":"A"},{"season":1,"name":"?"},)"
+              R"({"season":1,"number":2,"name":"B"},{"season":2,"number":1,"name":"C"})");
   episodes(9, R"({"season":1,"number":1,"name":"A"})");
   EXPECT_EQ(found("Moon.Base.1999.S01E01.mkv"), "6:Leaving & \"Left\"");
   EXPECT_EQ(found("Nachtzug.S01E02.mkv"), "7:B");

@@ -80,13 +80,29 @@ TEST_F(BatchTest, FilesGetEachOthersNamesAndNothingIsLostOverIt) {
                       return entry != 0;  // "stop"
                     });
   EXPECT_EQ(told, "2It is not there any more|0|1It was not begun|");
-  write("in/b", "b");
-  session.batch.run({{job("b", std::string("x\0y", 3), Rename)}},
-                    [](std::size_t, const FileJobResult& result, const std::string& trouble) {
-                      EXPECT_TRUE(!result.done && trouble == "the name \"x...\" holds a NUL character") << trouble;
-                      return true;
-                    });
-  EXPECT_TRUE(exists("in/b") && !exists("in/x"));
+  write("in/b", "b"), write("in/b.srt", "words");
+  FileJob nameless = job("b", std::string("x\0y", 3), Rename), lonely = job("b", "y", Rename);
+  nameless.companions = {job("b.srt", "x.srt", Rename)}, lonely.companions = {job("gone.srt", "y.srt", Rename)};
+  session.batch.run({{nameless}}, [](std::size_t, const FileJobResult& result, const std::string& trouble) {
+    EXPECT_TRUE(!result.done && trouble == "the name \"x...\" holds a NUL character") << trouble;
+    return true;
+  });
+  EXPECT_TRUE(exists("in/b") && read("in/b.srt") == "words" && !exists("in/x"));
+  for (const PastPass& each : session.history.passes(2)) {
+    EXPECT_EQ(each.operations.at(0).old_path + (each.operations.at(0).leads ? "!" : ""),
+              folder / (each.is_undoing ? "in/x.srt" : "in/b.srt"));
+  }
+  const std::string gone = folder / "in/gone.srt" + " cannot go along: it is not there any more";
+  EXPECT_EQ(session.batch.troubles({{lonely}})[0].text, gone);
+  session.batch.run({{lonely}}, [&](std::size_t, const FileJobResult& result, const std::string& trouble) {
+    EXPECT_EQ(trouble + result.error_text.value_or(""), gone);
+    return true;
+  });
+  EXPECT_TRUE(exists("in/b") && !exists("in/y"));
+  const std::vector<Batch::Entry> link = {{job("b", "linked", HardLinkAndRename)}};
+  EXPECT_EQ(session.batch.troubles(link)[0].kind, Batch::Trouble::None);
+  session.batch.run(link, [](auto...) { return true; });
+  EXPECT_EQ(session.batch.troubles(link)[0].text, folder / "in/linked" + " is this file already");
 }
 
 TEST_F(BatchTest, WhatIsMovedIsReadBackWhereTheUserWantsThat) {
@@ -107,6 +123,13 @@ TEST_F(BatchTest, ACircleThatCannotBeClosedIsTakenBack) {
     EXPECT_TRUE(ended.ends_with("; a=a a.srt=a.srt b=b b.srt=b.srt c=c c.srt=c.srt ")) << ended;
     EXPECT_EQ(ended.find("could not be taken back"), std::string::npos);
   }
+  failing.calls = 0, failing.fails_at = 3;
+  failing.meanwhile = [this] { write("in/b", "edited"); };
+  const std::string ended = after("a b", "a>b b>a");
+  EXPECT_TRUE(
+      ended.ends_with("; what was done before could not be taken back, and the history tells it; "
+                      "a=b b=edited swapping=a "))
+      << ended;
 }
 
 TEST(PlanFile, SaysWhichLineCannotBeUnderstood) {

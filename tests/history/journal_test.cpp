@@ -88,6 +88,12 @@ TEST(Journal, ALaterStartClearsUpWhatIsCertainlyLeftAndNothingElse) {
     EXPECT_EQ(settled(), 12) << ::testing::PrintToString(log.list);
     busy.end();
     EXPECT_TRUE(files->remove(folder + ".quorvel-busy"));
+    busy.begin({Request::Move, folder + "both", here / "far/both", 0, here / "far/.quorvel-aside"}, {});
+    write_file(folder + ".quorvel-aside", "both");
+    busy.end();
+    EXPECT_EQ(log.list.back(),
+              "The name of " + folder + "both has been taken; the file is " + folder + ".quorvel-aside now");
+    EXPECT_TRUE(files->remove(folder + ".quorvel-aside"));
   }
   std::string left;
   for (const auto& [path, bytes] : everything_in(folder)) {

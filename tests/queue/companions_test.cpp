@@ -109,6 +109,22 @@ TEST_F(CompanionsTest, AllGoOrNone) {
     EXPECT_EQ(all(), untouched) << at << item(1).error_text;
     EXPECT_EQ(session.history.last_undoable_pass(), 0) << "nothing has come of it";
   }
+  write("in/Subs/" + stem + ".EN.srt", "");
+  session.processor.retry_failed();
+  EXPECT_EQ(item(1).error_text, folder / ("in/Subs/" + stem + ".EN.srt") + " cannot go along: two files would be " +
+                                    (folder / ("out/" + done + ".EN.srt")));
+  files->remove(folder / ("in/Subs/" + stem + ".EN.srt"));
+  const std::string nfo = "out/" + done + ".nfo";
+  failing.calls = 0;
+  failing.meanwhile = [&] { write(nfo, "edited"); };
+  session.processor.retry_failed();
+  const std::string changed = folder / nfo + " has been changed or replaced since";
+  EXPECT_TRUE(item(1).error_text.ends_with("\r\n" + (folder / ("in/" + stem + ".nfo")) + " is " + (folder / nfo) +
+                                           " now: " + changed))
+      << item(1).error_text;
+  EXPECT_EQ(all(), "in/" + stem + ".en.srt|in/" + video + "|" + nfo + "=edited|");
+  std::filesystem::remove(path_of(folder / nfo));
+  write("in/" + stem + ".nfo", stem + ".nfo");
   failing.fails_at = 0;
   session.processor.retry_failed();
   const std::string moved = "out/" + done + ".en.srt=" + stem + ".en.srt|out/" + done + ".mkv=" + video + "|out/" +

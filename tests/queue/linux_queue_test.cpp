@@ -19,21 +19,42 @@ TEST(Folders, AreLookedAtWithoutTheirLinksAndWhatIsMissedIsTold) {
   const FolderScan scan = scan_folder(*test.files, folder / "in/");
   EXPECT_EQ(scan.files, (std::vector<std::string>{"dangling.avi", "linked.avi", "s/\"quoted\".avi", "x.avi"}));
   EXPECT_EQ(scan.ways_out, (std::vector<std::string>{"s/above", "there"}));
-  EXPECT_EQ(test.session.intake.take(folder / "in", false).queued, 3);
+  const IntakeResult taken = test.session.intake.take(folder / "in", false);
+  EXPECT_TRUE(taken.queued == 3 && taken.left_out == 1 && taken.unread == 0);
+  EXPECT_TRUE(test.log().ends_with("|The link " + folder / "in/s/above" +
+                                   " leads out of the folder that was added, so it is not followed|The link " +
+                                   folder / "in/there" +
+                                   " leads out of the folder that was added, so it is not followed"))
+      << test.log();
   EXPECT_EQ(test.session.intake.take(folder / "in/there", false).queued, 1) << "the user's own choice";
 
   const fs::path before = fs::current_path(), name(std::string(200, 'd'));
   fs::create_directory(folder / "deep");
   fs::current_path(folder / "deep");
   for (int i = 0; i < 25; ++i) {  // from within, deeper than any path may be
-    write_file("a.s01e01.avi", "x");
+    for (const std::string& file : {std::string("a.s01e01.avi"), name.string() + ".avi"}) write_file(file, "x");
     fs::create_directory(name);
     fs::current_path(name);
   }
   fs::current_path(before);
   const IntakeResult deep = test.session.intake.take(folder / "deep", false);
-  EXPECT_TRUE(deep.queued > 15 && deep.queued < 25 && deep.unread == 1) << deep.queued;
+  EXPECT_TRUE(deep.queued > 30 && deep.queued < 50 && deep.left_out > 0 && deep.unread == 1) << deep.queued;
+  EXPECT_NE(test.log().find(name.string() + ".avi cannot be reached, so it is left out|"), std::string::npos);
   EXPECT_TRUE(test.session.log.lines().back().ends_with(" cannot be read, so files in it may be left out"));
+}
+
+TEST(ACacheThatIsALink, IsNotUsedAndWhatItLeadsToStays) {
+  TestSession test;
+  test.write("elsewhere/old.qc", "x"), test.write("data/Quorvel/work", "");
+  fs::create_directory_symlink(test.folder / "elsewhere", test.work_dir() + "cache");
+  test.key_values.texts[""] = "3.1";
+  test.start();
+  const std::string cache = "The folder " + test.work_dir() + "cache is ";
+  EXPECT_TRUE(test.logged(cache + "a link, so nothing is kept in it") && test.logged(cache + "kept, for it is a link"));
+  test.add("the.harbour.lights.s01e02.mkv");
+  test.session.processor.process_queue();
+  EXPECT_EQ(everything_in(test.folder / "elsewhere").size(), 1u) << test.log();
+  EXPECT_EQ(test.read("elsewhere/old.qc"), "x");
 }
 
 TEST(WithoutATrash, ACopyIsDeletedOnlyWhileItsSourceIsAsItWas) {
@@ -86,6 +107,15 @@ TEST(DrivesWithWindowsRules, TakeFoldersWithoutTheDotsAtTheirEnd) {
 
 TEST(OtherUsers, FilesStayAsTheyAre) {
   if (getuid() != 0) GTEST_SKIP() << "needs a second user";
+  const TemporaryFolder here;
+  write_file(here / "shared", "theirs");
+  ASSERT_EQ(chown((here / "shared").c_str(), 65534, 65534), 0);
+  fs::permissions(here / "shared", fs::perms(0672));
+  {
+    const Unprivileged user;
+    EXPECT_TRUE(system_files()->replace(here / "shared", "mine"));
+  }
+  EXPECT_EQ(fs::status(here / "shared").permissions(), fs::perms(0622)) << "our group gets no more than everybody";
   for (const int action : {Rename, MoveAndRename, CopyAndRename}) {
     World world{action};
     world.prepare();

@@ -88,6 +88,12 @@ TEST_F(RuleWizardTest, EditsARuleAndKeepsWhatItDoesNotShow) {
   EXPECT_EQ(stored(), "1\tTrue\tavi\t\t\t[title]\tFile Type Doesn't Equal AVI\t2\t0\r\n");
   EXPECT_EQ(wizard.rule().description, "File Type Doesn't Equal AVI");
   wizard.setID(1);
+  wizard.form.action = SymbolicLinkAndRename, wizard.form.path = "/l", wizard.form.existing = Existing::Skip;
+  EXPECT_TRUE(wizard.showstep(RuleWizard::Summary));
+  EXPECT_EQ(stored(), "5\tTrue\tavi\t\t" + with_native_separators("/l/") +
+                          "\t[title]\tFile Type Doesn't Equal avi\t2\t0\tskip\r\n");
+  wizard.setID(1);
+  EXPECT_EQ(wizard.form.existing, Existing::Skip);
   wizard.form.mask = "a\tb";  // which the file cannot hold
   EXPECT_FALSE(wizard.showstep(RuleWizard::Summary) || wizard.is_stored());
   EXPECT_EQ(ui.messages.back(), "Unable to save filter: The filter could not be saved. The log says why.");

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "queue/fault_world.h"
 #include "rules/presets.h"
 #include "rules/reach.h"
-#include "session_fixture.h"
 
 namespace quorvel::testing {
 namespace {
@@ -127,8 +127,32 @@ TEST_F(Rules, SavingWritesJustWhatIsThereAndKeepsWhatWasNotUnderstood) {
   EXPECT_TRUE(filters.remove(2));
   EXPECT_EQ(read("data/Quorvel/filters.dat"), any_line);
   EXPECT_EQ(read("data/Quorvel/filters.dat.bak"), edited);
+  EXPECT_EQ(ui.filters.size(), 1u);
   EXPECT_FALSE(filters.remove(1)) << "the last rule stays";
   EXPECT_EQ(ui.messages, std::vector<std::string>{"Unable to remove filter: You must have at least one filter"});
+}
+
+TEST_F(Rules, StayWhatTheyAreWhereTheSavedFileCannotBeSeenOrRead) {
+  const std::string kept = "2\tTrue\t\t*\t/tv/\t[show]\tAny\t0\t1\tkeep-both\r\n";
+  FaultPlan drive;
+  FilterList list(drive, session.log, ui, session.settings.work_dir);
+  int after = 0;  // calls since the file was written
+  for (const auto& [seen, trouble] :
+       {std::pair(0, std::string("the file cannot be found")),
+        {2, "The file " + work_dir() + "filters.dat cannot be read; with other rules files would go elsewhere"}}) {
+    write("data/Quorvel/filters.dat", mkv_line + kept);
+    drive.works = [](auto&&...) { return true; };
+    list.loadfilters();
+    drive.works = [&, seen = seen](int, const std::string& written) {
+      return after += written.empty() ? after > 0 : 1, after <= 1 + seen;
+    };
+    after = 0;
+    EXPECT_TRUE(list.exchange(1, 2) && logged("Error loading afilters: " + trouble)) << log();
+    EXPECT_TRUE(list.count() == 2 && list.at(2).fileType == "mkv" && ui.filters.at(0).cells[0] == "Any");
+    EXPECT_EQ(read("data/Quorvel/filters.dat"), kept + mkv_line);
+  }
+  load_filters("2\tmaybe" + kept.substr(6));
+  EXPECT_TRUE(logged("Error loading afilters: line 1 of filters.dat: \"maybe\" is neither True nor False")) << log();
 }
 
 TEST_F(Rules, EveryCharacterComesBackAndWhatIsNoneIsNotWritten) {
@@ -136,6 +160,7 @@ TEST_F(Rules, EveryCharacterComesBackAndWhatIsNoneIsNotWritten) {
   for (const char* path : {"/a\tb/", "/a\r\nb/"}) {
     filters.at(1).path = path;
     EXPECT_FALSE(filters.savefilters()) << path;
+    EXPECT_TRUE(logged("Error saving afilters: \"" + std::string(path) + "\" holds a tab or a line break"));
     EXPECT_EQ(read("data/Quorvel/filters.dat"), mkv_line);
   }
   const std::pair<const char*, bool> rows[] = {

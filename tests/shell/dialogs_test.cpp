@@ -166,6 +166,9 @@ TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
   EXPECT_EQ(choice.search(" "), "Enter the name of a show.");
   at.web.refusals = {0};
   EXPECT_EQ(choice.search("part of"), "The search has failed. No connection to the service.");
+  at.web.refusals = {503};
+  at.web.before_answer = [&] { choice.give_up(); };
+  EXPECT_EQ(choice.search("part of"), "The search has failed. The request has been cancelled.");
   at.web.bodies["/search/shows?q=part+of"] = R"([{"show":{"id":9,"name":"Part of It"}}])";
   EXPECT_EQ(choice.search("part of"), "1 show found");  // now that there is a connection
   EXPECT_EQ(choice.search("tvmaze:77"), "The search has failed. There is no show with the number 77.");
@@ -184,6 +187,9 @@ TEST(ShowChoices, AreForAllItemsOfTheNameAndSayWhyThereIsNothingToChoose) {
   EXPECT_FALSE(again.place_of_earlier_choice());
   again.search("part time");
   EXPECT_EQ(again.place_of_earlier_choice(), 1U);
+  at.session.lookup.choose(Lookup::choice_key(again.name(), read_name("part time 1x01.mkv")), 77, true);
+  EXPECT_EQ(again.search("part time"), "2 shows found");
+  EXPECT_EQ(again.earlier_choice(), "Chosen for this name: tvmaze:77") << "which the service does not know any more";
   again.forget();
   EXPECT_EQ(again.earlier_choice() + ShowChoice(at.session, 1).earlier_choice(), "");
 }
@@ -201,15 +207,17 @@ TEST(AfterAPass, ItIsToldWhatCameOutAndWhatHelpsAndTheProgramEndsOnlyWhenNothing
     left += std::to_string(processor.left()) + " ";
     told = result.text();
   };
-  for (const char* const name :
-       {right.c_str(), "The.Harbour.Lights.S01E02E03.mkv", "holiday.avi", "x.y.s01e01.avi",
-        "the.harbour.lights.s09e09.avi", "the harbour lights 1x01.avi", "night.train.1x02.avi"}) {
+  for (const char* const name : {right.c_str(), "The.Harbour.Lights.S01E02E03.mkv", "holiday.avi", "x.y.s01e01.avi",
+                                 "the.harbour.lights.s09e09.avi", "the harbour lights 1x01.avi", "night.train.1x02.avi",
+                                 "night.train.1x01.avi"}) {
     at.add(name);
   }
+  processor.take_again({1, 9}, false);
+  EXPECT_EQ(at.ui.states, "") << "what waits for its first time and what is not there";
   processor.process_queue();
-  EXPECT_EQ(left, "6 5 4 3 2 1 0 ");
-  EXPECT_EQ(told, "2 renamed, 1 of them uncertain, 1 already right, 4 need you");
-  EXPECT_TRUE(result.needs_user() && result.all() == 7 && at.ui.closed == 0);
+  EXPECT_EQ(left, "7 6 5 4 3 2 1 0 ");
+  EXPECT_EQ(told, "3 renamed, 1 of them uncertain, 1 already right, 4 need you");
+  EXPECT_TRUE(result.needs_user() && result.all() == 8 && at.ui.closed == 0);
   EXPECT_TRUE(at.logged("The window stays open, for 5 files need you")) << at.log();
 
   using enum Remedy;
@@ -232,6 +240,13 @@ TEST(AfterAPass, ItIsToldWhatCameOutAndWhatHelpsAndTheProgramEndsOnlyWhenNothing
   at.session.settings.exact = false, at.add("night.train.1x01.avi");
   processor.process_queue();
   EXPECT_EQ(at.ui.closed, 1) << "what is right already needs nobody";
+  left.clear();
+  at.item(7).state = QueueState::Done, at.item(8).state = QueueState::Failed;
+  processor.retry_failed();
+  EXPECT_EQ(left, "6 5 4 3 2 1 ") << "and the last one, which is stepped over";
+  processor.on_ended = [](const QueueItem&) { throw Failure("no room for the report"); };
+  EXPECT_THROW(processor.retry_failed(), Failure);
+  EXPECT_TRUE(processor.may_close());
 }
 
 }  // namespace

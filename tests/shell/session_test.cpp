@@ -31,9 +31,20 @@ TEST_F(Shell, AFirstRunAndOlderVersionsDropTheCaches) {
   EXPECT_TRUE(exists("data/Quorvel/cache/of somebody else.txt") && !exists("data/Quorvel/cache/a.qc") &&
               !exists("data/Quorvel/cache/b.epc"));
   EXPECT_EQ(session.settings.work_dir, work_dir());
+  files->remove(work_dir() + "cache" + native::separator + "of somebody else.txt");
+  key_values.texts[""] = "3.2";
+  FailingShell failing;
+  failing.fails_at = 1;
+  Session other({key_values, failing, *files, service, web, ui, clock, &desktop}, places());
+  other.start();
+  EXPECT_TRUE(other.log.lines().at(1).ends_with(") Unable to delete " + work_dir() + "cache (5)"));
   EXPECT_EQ(shell->perform({FileOperationRequest::Delete, folder / "data", "", 0}), 0);
   session.start();
   EXPECT_EQ(session.settings.work_dir, folder / "program/");
+  write("data", "a file");
+  session.start();
+  EXPECT_TRUE(session.settings.work_dir == work_dir() &&
+              logged("Error making work dir: " + folder / "data/Quorvel" + " cannot be created"));
 }
 
 TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
@@ -42,7 +53,10 @@ TEST_F(Shell, RulesThatCannotBeReadAreNotTakenForNone) {
     files->create_folder(work_dir() + name);
     EXPECT_THROW(session.start(), Unreadable) << name;
     std::filesystem::remove(path_of(work_dir() + name));
+    make(work_dir() + name, "nonsense\r\n");
   }
+  session.start();
+  EXPECT_TRUE(logged("Failed to load afilters") && logged("Failed to load efilters")) << log();
 }
 
 TEST_F(Shell, PreferencesAreReadWithTheirDefaultsAndInstallTheMenuOnce) {

@@ -37,6 +37,7 @@ TEST(Startup, BringsTheProgramUpInOrder) {
   helped.key_values.write_string("", "3.4");
   EXPECT_EQ(helped.run({"--exact", helped.a}), StartResult::Running);
   EXPECT_TRUE(helped.session.settings.exact && helped.key_values.read_number("exact") == std::nullopt);
+  EXPECT_EQ(helped.session.filters.count(), 1) << "the default rule";
   EXPECT_THAT(helped.happened(),
               ElementsAre("open Quorvel 3.4", "receive", banner, "tray Quorvel", "row a.1x01", "timer", "clicks"));
 }

@@ -15,13 +15,14 @@
 
 namespace quorvel::testing {
 
-/// Real files, of which the operation of that number fails.
+/// Real files, of which the operation of that number fails, while others do something.
 struct FailingShell : FileOperation {
   const std::unique_ptr<FileOperation> real = system_file_operation({}, {});
   int calls = 0, fails_at = 0, flags = 0;  // of the last one
+  std::function<void()> meanwhile = [] {};
   int perform(const FileOperationRequest& request) override {
     flags = request.flags;
-    return ++calls == fails_at ? 5 : real->perform(request);
+    return ++calls == fails_at ? meanwhile(), 5 : real->perform(request);
   }
 };
 

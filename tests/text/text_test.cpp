@@ -18,9 +18,17 @@ TEST(Text, EveryByteOfItSurvives) {
   }
   EXPECT_EQ(lower_case("ÉTOILE Ж ΑΣ ABC\xC9"), "étoile ж ασ abc\xC9");
   EXPECT_EQ(length("é€😀\xE9t\xC0\xAF\xF4\x90\x80\x80"), 11u);
+  for (const std::string first : {"\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_EQ(length(first), 1u);
+  }
+  for (const std::string none : {"\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF5\x80\x80\x80",
+                                 "\xE2\x82", "\xE2\x41\x80"}) {
+    EXPECT_EQ(length(none), none.size());
+  }
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
   EXPECT_EQ(to_code_page(from_code_page(all)), all);
+  EXPECT_EQ(to_code_page(all), all);
   EXPECT_TRUE(fits_code_page(from_code_page(all)) && !fits_code_page("Ж"));
   EXPECT_EQ(from_code_page("\x80\x9F\xE9"), "€Ÿé");
   EXPECT_EQ(to_code_page("aЖ日caf\xFF"), "a??caf\xFF") << "a stray byte of a file name stands for itself";

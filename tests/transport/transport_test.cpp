@@ -9,6 +9,7 @@
 #include "text/code_page.h"
 #include "transport/http_client.h"
 #include "transport/retry_after.h"
+#include "transport/whole_file.h"
 
 namespace quorvel::testing {
 namespace {
@@ -45,6 +46,13 @@ struct Http : ::testing::Test {
     return body;
   }
 };
+
+TEST_F(Http, WholeFilesKeepWhatTheyAreToKeep) {
+  const std::string path = folder / "a";
+  EXPECT_TRUE(savefile(*files, path, "long", true) && !savefile(*files, path, "other", true));
+  EXPECT_TRUE(savefile(*files, path, "so", false) && loadfile(*files, path) == "song");
+  EXPECT_TRUE(savefile(*files, path, "so", false, OldTail::Dropped) && loadfile(*files, path) == "so");
+}
 
 TEST_F(Http, AddressesAreTakenApart) {
   const std::pair<const char*, Address> cases[] = {{" http://host/a/b?x=1 ", {false, "host", 80, "/a/b?x=1", "b"}},

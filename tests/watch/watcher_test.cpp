@@ -78,7 +78,13 @@ TEST_F(WatcherTest, AFileIsReadyOnceItIsWholeAndHasStayedAsItIs) {
   }
   files->remove(folder / "in/f.aria2.mkv.aria2");
   EXPECT_EQ(after(1min), (Names{"in/b 10.mkv", "in/f.aria2.mkv"}));
+  files->create_folder(folder / "later");
   EXPECT_EQ(at_once_after(24h), Names()) << "each is told once";
+  write("in/gone.mkv", "x"), notice("in/gone.mkv");
+  EXPECT_EQ(after(1s), Names());
+  const std::size_t known = watcher.known();
+  files->remove(folder / "in/gone.mkv");
+  EXPECT_TRUE(after(30s).empty() && watcher.known() == known - 1);
   EXPECT_EQ(notices.folders, (std::set{with_separator(folder / "in"), with_separator(folder / "later")}));
 }
 
@@ -158,6 +164,8 @@ TEST_F(WatcherTest, WhatTheProgramHasPutThereIsNotTakenAgain) {
   FileJob& companion = item.companions.emplace_back();
   companion.new_name = "b.en.mkv", companion.dest_path = path("in/");
   companion.done_stamp = files->stamp(folder / "in/b.en.mkv");
+  notice("in/b.en.mkv");
+  EXPECT_EQ(after(1s), Names());  // so that it is known, but not whose it is
   watcher.ended(item);
   for (const char* const each : {"in/b.mkv", "in/b.en.mkv"}) notice(each);
   EXPECT_EQ(after(1h), Names());
