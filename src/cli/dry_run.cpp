@@ -53,10 +53,10 @@ bool DryRun::list(const std::string& folder, const std::function<void(FolderEntr
   for (auto at = changes_.lower_bound(below); at != changes_.end() && at->first.starts_with(below); ++at) {
     const auto& [path, changed] = *at;
     const std::string name = path.substr(below.size());
-    if (changed.kind == Kind::Missing || real.contains(name) || name.find(native::separator) != std::string::npos) {
-      continue;
+    const bool is_further_below = name.find(native::separator) != std::string::npos;
+    if (changed.kind != Kind::Missing && !real.contains(name) && !is_further_below) {
+      entry({name, changed.kind == Kind::Folder, false});
     }
-    entry({name, changed.kind == Kind::Folder, false});
   }
   return is_listed || change(below) != nullptr;
 }

@@ -175,141 +175,102 @@ std::optional<AFilter> rule_of(const WantedRule& wanted) {
   return rule_for_all(action, folder, mask, existing_named(existing));
 }
 
-std::variant<Options, Ending> parse(int argc, char** argv) {
-  enum LongOnly {
-    Set = 256,
-    Read,
-    Json,
-    Exact,
-    Classic,
-    Strict,
-    ShowId,
-    Choose,
-    Forget,
-    To,
-    PresetName,
-    ActionName,
-    ExistingName,
-    Apply,
-    History,
-    Undo,
-    Watch,
-    Exec,
-    ExecAfter,
-    Log,
-    Version
-  };
-  static constexpr option known[] = {{"verbose", no_argument, nullptr, 'v'},
-                                     {"dry-run", no_argument, nullptr, 'n'},
-                                     {"work-dir", required_argument, nullptr, 'w'},
-                                     {"set", required_argument, nullptr, Set},
-                                     {"read", no_argument, nullptr, Read},
-                                     {"json", no_argument, nullptr, Json},
-                                     {"exact", no_argument, nullptr, Exact},
-                                     {"classic", no_argument, nullptr, Classic},
-                                     {"strict", no_argument, nullptr, Strict},
-                                     {"show", required_argument, nullptr, ShowId},
-                                     {"choose", no_argument, nullptr, Choose},
-                                     {"forget", no_argument, nullptr, Forget},
-                                     {"to", required_argument, nullptr, To},
-                                     {"preset", required_argument, nullptr, PresetName},
-                                     {"action", required_argument, nullptr, ActionName},
-                                     {"existing", required_argument, nullptr, ExistingName},
-                                     {"apply", required_argument, nullptr, Apply},
-                                     {"history", no_argument, nullptr, History},
-                                     {"undo", no_argument, nullptr, Undo},
-                                     {"watch", no_argument, nullptr, Watch},
-                                     {"exec", required_argument, nullptr, Exec},
-                                     {"exec-after", required_argument, nullptr, ExecAfter},
-                                     {"log", required_argument, nullptr, Log},
-                                     {"help", no_argument, nullptr, 'h'},
-                                     {"version", no_argument, nullptr, Version},
-                                     {nullptr, 0, nullptr, 0}};
+/// What the user has given, option by option.
+struct Given {
   Options options;
-  WantedRule wanted;
-  bool verbose = false;
-  opterr = 0;
-  for (int found; (found = getopt_long(argc, argv, ":vnw:h", known, nullptr)) != -1;) {
-    const std::string given = argv[optind - 1];
-    switch (found) {
-      case 'v':
-        verbose = true;
-        break;
-      case 'n':
-        options.dry_run = true;
-        break;
-      case 'w':
-        options.work_dir = optarg;
-        break;
-      case Set:
-        add_setting(options, optarg);
-        break;
-      case Read:
-        options.read = true;
-        break;
-      case Json:
-        options.json = true;
-        break;
-      case Exact:
-      case Classic:
-        options.settings.emplace_back("exact", found == Exact ? 1U : 0U);
-        break;
-      case Strict:
-        options.settings.emplace_back("strict", 1U);
-        break;
-      case ShowId:
-        options.show_id = whole_number(optarg, "--show wants the number of a show");
-        options.settings.emplace_back("exact", 1U);
-        break;
-      case Choose:
-      case Forget:
-        (found == Choose ? options.choose : options.forget) = true;
-        options.settings.emplace_back("exact", 1U);
-        break;
-      case To:
-        wanted.folder = optarg;
-        break;
-      case PresetName:
-        wanted.preset = optarg;
-        break;
-      case ActionName:
-        wanted.action = optarg;
-        break;
-      case ExistingName:
-        wanted.existing = optarg;
-        break;
-      case Apply:
-        options.plan = optarg;
-        break;
-      case History:
-        options.history = default_passes;
-        break;
-      case Undo:
-        options.undo = true;
-        break;
-      case Exec:
-      case ExecAfter:
-        (found == Exec ? options.after_item : options.after_pass) = command_words(optarg);
-        break;
-      case Log:
-        options.log = optarg;
-        break;
-      case Watch:
-        options.watch = true;
-        break;
-      case 'h':
-        return Ending{0, help()};
-      case Version:
-        return Ending{0, std::string("quorvel-cli ") + full_version + "\n"};
-      case ':':
-        refuse("The option " + given + " lacks its value");
-      default:
-        refuse(optopt > 0 && optopt < Set ? std::string("There is no option -") + static_cast<char>(optopt)
-                                          : "There is no option " + given);
-    }
+  WantedRule rule;
+  bool verbose = false, help = false, version = false;
+};
+
+struct Option {
+  const char* name;
+  int letter;  // 0 without one
+  int has_value;
+  void (*take)(Given& given, const char* value);
+};
+
+void set_number(Given& given, const char* name, std::uint32_t number) {
+  given.options.settings.emplace_back(name, number);
+}
+
+constexpr auto known_options = std::to_array<Option>({
+    {"verbose", 'v', no_argument, [](Given& given, const char*) { given.verbose = true; }},
+    {"dry-run", 'n', no_argument, [](Given& given, const char*) { given.options.dry_run = true; }},
+    {"work-dir", 'w', required_argument, [](Given& given, const char* value) { given.options.work_dir = value; }},
+    {"set", 0, required_argument, [](Given& given, const char* value) { add_setting(given.options, value); }},
+    {"read", 0, no_argument, [](Given& given, const char*) { given.options.read = true; }},
+    {"json", 0, no_argument, [](Given& given, const char*) { given.options.json = true; }},
+    {"exact", 0, no_argument, [](Given& given, const char*) { set_number(given, "exact", 1); }},
+    {"classic", 0, no_argument, [](Given& given, const char*) { set_number(given, "exact", 0); }},
+    {"strict", 0, no_argument, [](Given& given, const char*) { set_number(given, "strict", 1); }},
+    {"show", 0, required_argument,
+     [](Given& given, const char* value) {
+       given.options.show_id = whole_number(value, "--show wants the number of a show");
+       set_number(given, "exact", 1);
+     }},
+    {"choose", 0, no_argument,
+     [](Given& given, const char*) {
+       given.options.choose = true;
+       set_number(given, "exact", 1);
+     }},
+    {"forget", 0, no_argument,
+     [](Given& given, const char*) {
+       given.options.forget = true;
+       set_number(given, "exact", 1);
+     }},
+    {"to", 0, required_argument, [](Given& given, const char* value) { given.rule.folder = value; }},
+    {"preset", 0, required_argument, [](Given& given, const char* value) { given.rule.preset = value; }},
+    {"action", 0, required_argument, [](Given& given, const char* value) { given.rule.action = value; }},
+    {"existing", 0, required_argument, [](Given& given, const char* value) { given.rule.existing = value; }},
+    {"apply", 0, required_argument, [](Given& given, const char* value) { given.options.plan = value; }},
+    {"history", 0, no_argument, [](Given& given, const char*) { given.options.history = default_passes; }},
+    {"undo", 0, no_argument, [](Given& given, const char*) { given.options.undo = true; }},
+    {"watch", 0, no_argument, [](Given& given, const char*) { given.options.watch = true; }},
+    {"exec", 0, required_argument,
+     [](Given& given, const char* value) { given.options.after_item = command_words(value); }},
+    {"exec-after", 0, required_argument,
+     [](Given& given, const char* value) { given.options.after_pass = command_words(value); }},
+    {"log", 0, required_argument, [](Given& given, const char* value) { given.options.log = value; }},
+    {"help", 'h', no_argument, [](Given& given, const char*) { given.help = true; }},
+    {"version", 0, no_argument, [](Given& given, const char*) { given.version = true; }},
+});
+
+/// Takes the options up to the first that ends the program. What is no option stands from `optind` on afterwards.
+Given given_in(int argc, char** argv) {
+  constexpr int words_only = 256;  // beyond all letters; and then the number of the option
+  std::string letters = ":";       // so that a value that lacks is told from an unknown option
+  std::vector<option> words;
+  for (const auto& [name, letter, has_value, take] : known_options) {
+    words.push_back({name, has_value, nullptr, words_only + static_cast<int>(words.size())});
+    if (letter != 0) letters.append(1, static_cast<char>(letter)).append(has_value == required_argument ? ":" : "");
   }
-  options.rule = rule_of(wanted);
-  if (verbose) options.settings.emplace_back("logging", static_cast<std::uint32_t>(LogLevel::Verbose));
+  words.push_back({});
+  Given given;
+  opterr = 0;
+  while (!given.help && !given.version) {
+    const int found = getopt_long(argc, argv, letters.c_str(), words.data(), nullptr);
+    if (found == -1) break;
+    const std::string text = argv[optind - 1];
+    if (found == ':') refuse("The option " + text + " lacks its value");
+    if (found == '?') {
+      refuse(optopt > 0 && optopt < words_only ? std::string("There is no option -") + static_cast<char>(optopt)
+                                               : "There is no option " + text);
+    }
+    const auto* const by_letter = std::ranges::find(known_options, found, &Option::letter);
+    const Option& each =
+        by_letter != known_options.end() ? *by_letter : known_options.at(static_cast<std::size_t>(found - words_only));
+    each.take(given, optarg);
+  }
+  return given;
+}
+
+std::variant<Options, Ending> parse(int argc, char** argv) {
+  Given given = given_in(argc, argv);
+  Options& options = given.options;
+  if (given.help) return Ending{0, help()};
+  if (given.version) return Ending{0, std::string("quorvel-cli ") + full_version + "\n"};
+  options.rule = rule_of(given.rule);
+  if (given.verbose) set_number(given, "logging", static_cast<std::uint32_t>(LogLevel::Verbose));
   options.paths.assign(argv + optind, argv + argc);
   if (options.watch && (options.dry_run || options.choose || options.forget || options.read || options.plan ||
                         options.history || options.undo)) {

@@ -119,7 +119,8 @@ bool tell_outcome(const WorkQueue& queue, const Options& options, Terminal& term
   return queue.count() > 0 && result.done() + result.right_already == queue.count();
 }
 
-int run_session(Session& session, const Options& options, Hooks& hooks, Terminal& terminal) {
+/// Returns whether all is done.
+bool run_session(Session& session, const Options& options, Hooks& hooks, Terminal& terminal) {
   ShowQuestion question(session.lookup, terminal);
   if (options.choose) {
     session.exact.choose = [&](const QueueItem& item, const UnclearShow& unclear) {
@@ -128,18 +129,17 @@ int run_session(Session& session, const Options& options, Hooks& hooks, Terminal
   }
   if (options.plan || options.history || options.undo) {
     session.open();
-    if (options.plan)
-      return apply_plan(session, *options.plan, options.json, hooks, terminal) ? all_done : something_failed;
-    if (options.undo) return undo_pass(session, options.pass, options.json, terminal) ? all_done : something_failed;
+    if (options.plan) return apply_plan(session, *options.plan, options.json, hooks, terminal);
+    if (options.undo) return undo_pass(session, options.pass, options.json, terminal);
     tell_history(session, *options.history, options.json, terminal);
-    return all_done;
+    return true;
   }
   session.start();
   use_options(session, options);
   const bool all_queued = queue_paths(session, options.paths, terminal);
   if (session.queue.count() > 0) session.processor.process_queue();
   terminal.set_progress({});
-  return tell_outcome(session.queue, options, terminal) && all_queued ? all_done : something_failed;
+  return tell_outcome(session.queue, options, terminal) && all_queued;
 }
 
 /// What holds for every run, before the session is opened.
@@ -224,14 +224,13 @@ int with_session(const Options& options, Terminal& terminal, const Work& work) {
   try {
     Hooks hooks(options, terminal);
     prepare(session, options, hooks, ui, terminal);
-    const int status = work(session, hooks);
-    return status == all_done && hooks.have_failed() ? something_failed : status;
+    if (work(session, hooks) && !hooks.have_failed()) return all_done;
   } catch (const ProgramEnd&) {
-    return something_failed;  // the user has seen why
+    // The user has seen why.
   } catch (const Failure& failure) {
     terminal.error_line(std::string("quorvel-cli: ") + failure.what());
-    return something_failed;
   }
+  return something_failed;
 }
 
 }  // namespace quorvel::cli

@@ -57,10 +57,10 @@ class Watching {
   }
 
  private:
-  int begin(Session& session) {
+  bool begin(Session& session) {
     session.start();
     check(session);
-    return all_done;
+    return true;
   }
 
   void check(const Session& session) {
@@ -86,7 +86,7 @@ class Watching {
     for (const std::string& path : left) watcher.put_off(path);
   }
 
-  int pass(Session& session, const std::vector<ReadyFile>& ready) {
+  bool pass(Session& session, const std::vector<ReadyFile>& ready) {
     session.open();
     session.load_rules();
     check(session);
@@ -95,7 +95,7 @@ class Watching {
     if (session.queue.count() > 0) session.processor.process_queue();
     terminal_.set_progress({});
     tell(session);
-    return all_done;
+    return true;
   }
 
   void tell(Session& session) const {
