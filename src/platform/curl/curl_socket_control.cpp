@@ -1,7 +1,6 @@
 #include "platform/curl/curl_socket_control.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <functional>
 #include <utility>
@@ -11,6 +10,7 @@
 #ifndef _WIN32
 #include <openssl/ssl.h>
 #include <poll.h>
+#include <unistd.h>
 #endif
 
 namespace quorvel {
@@ -29,15 +29,13 @@ CURLcode wait_for(curl_socket_t socket, bool readable, SteadyClock::time_point d
 #ifdef _WIN32
     WSAPOLLFD waiting{socket, static_cast<SHORT>(readable ? POLLRDNORM : POLLWRNORM), 0};
     const int ready = WSAPoll(&waiting, 1, static_cast<INT>(left));
-    const bool interrupted = false;
 #else
     pollfd waiting{socket, static_cast<short>(readable ? POLLIN : POLLOUT), 0};
-    const int ready = poll(&waiting, 1, static_cast<int>(left));
-    const bool interrupted = ready < 0 && errno == EINTR;
+    const int ready = TEMP_FAILURE_RETRY(poll(&waiting, 1, static_cast<int>(left)));
 #endif
     // Errors of the socket itself count as ready: the next send or receive names them.
     if (ready > 0) return CURLE_OK;
-    if (ready < 0 && !interrupted) return readable ? CURLE_RECV_ERROR : CURLE_SEND_ERROR;
+    if (ready < 0) return readable ? CURLE_RECV_ERROR : CURLE_SEND_ERROR;
   }
   return CURLE_ABORTED_BY_CALLBACK;
 }

@@ -11,10 +11,8 @@ namespace quorvel {
 bool is_being_written(const std::string& path, bool follows_links) {
   const int links = follows_links ? 0 : O_NOFOLLOW;
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | links));
-  if (!file) return false;
-  if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return errno == EAGAIN;
-  fcntl(file.get(), F_SETLEASE, F_UNLCK);  // else the next writer would have to wait for us
-  return false;
+  // The lease ends with the descriptor, before the next writer would have to wait for us.
+  return file && fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0 && errno == EAGAIN;
 }
 
 }  // namespace quorvel

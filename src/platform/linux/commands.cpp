@@ -95,7 +95,7 @@ Ending run(const std::vector<std::string>& words, const Environment& variables, 
     const pid_t ended = waitpid(pid, &status, WNOHANG);
     if (ended == pid && WIFEXITED(status)) return {WEXITSTATUS(status), {}};
     if (ended == pid) return {{}, "It was ended by signal " + std::to_string(WTERMSIG(status))};
-    if (ended < 0 && errno != EINTR) return {{}, std::generic_category().message(errno)};
+    if (ended < 0) return {{}, std::generic_category().message(errno)};
     wait_a_slice(process);
     if (slices_after_end == 0 && goes_on()) continue;
     if (++slices_after_end == 1) kill(pid, SIGTERM);

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <csignal>
 
 namespace quorvel::console {
@@ -42,8 +41,7 @@ class WithoutInterrupts {
 
 void write_all(int descriptor, std::string_view text) {
   while (!text.empty()) {
-    const ssize_t written = ::write(descriptor, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = TEMP_FAILURE_RETRY(::write(descriptor, text.data(), text.size()));
     if (written <= 0) return;
     text.remove_prefix(static_cast<std::size_t>(written));
   }

@@ -37,8 +37,9 @@ bool is_missing(int error, const std::string& path) {
   return error == ENOENT || error == ENOTDIR || error == ENAMETOOLONG;
 }
 
-bool status(const std::string& path, struct stat& found) {
-  return !holds_nul(path) && ::stat(path.c_str(), &found) == 0;
+/// For the system's calls. A NUL would cut the path off and name another file; like the empty path it names none.
+const char* system_path(const std::string& path) {
+  return holds_nul(path) ? "" : path.c_str();
 }
 
 FolderEntry described(int folder, const dirent& listed) {
@@ -55,8 +56,7 @@ FolderEntry described(int folder, const dirent& listed) {
 /// From the file's beginning.
 bool write_all(int file, std::string_view bytes) {
   for (off_t at = 0; !bytes.empty();) {
-    const ssize_t written = pwrite(file, bytes.data(), bytes.size(), at);
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = TEMP_FAILURE_RETRY(pwrite(file, bytes.data(), bytes.size(), at));
     if (written <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(written));
     at += written;
@@ -80,7 +80,7 @@ class LockedFile : public HeldFile {
  public:
   explicit LockedFile(std::string path)
       : path_(std::move(path)),
-        file_(open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
+        file_(open(system_path(path_), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600)) {}
 
   bool lock() {
     struct stat found {};
@@ -119,21 +119,20 @@ class LockedFile : public HeldFile {
 
 Files::Kind DiskFiles::kind(const std::string& path) const {
   struct stat found {};
-  if (holds_nul(path)) return Kind::Missing;
-  if (lstat(path.c_str(), &found) != 0) return is_missing(errno, path) ? Kind::Missing : Kind::Other;
-  if (S_ISLNK(found.st_mode) && ::stat(path.c_str(), &found) != 0) return Kind::Other;
+  if (lstat(system_path(path), &found) != 0) return is_missing(errno, path) ? Kind::Missing : Kind::Other;
+  if (S_ISLNK(found.st_mode) && stat(system_path(path), &found) != 0) return Kind::Other;
   if (S_ISREG(found.st_mode)) return Kind::File;
   return S_ISDIR(found.st_mode) ? Kind::Folder : Kind::Other;
 }
 
 bool DiskFiles::is_link(const std::string& path) const {
   struct stat found {};
-  return !holds_nul(path) && lstat(path.c_str(), &found) == 0 && S_ISLNK(found.st_mode);
+  return lstat(system_path(path), &found) == 0 && S_ISLNK(found.st_mode);
 }
 
 std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
   struct stat found {};
-  if (!status(path, found)) return {};
+  if (stat(system_path(path), &found) != 0) return {};
   return FileStamp{.device = found.st_dev,
                    .id = found.st_ino,
                    .size = static_cast<std::uint64_t>(found.st_size),
@@ -142,12 +141,11 @@ std::optional<FileStamp> DiskFiles::stamp(const std::string& path) const {
 }
 
 bool DiskFiles::is_being_written(const std::string& path) const {
-  return !holds_nul(path) && quorvel::is_being_written(path, true);
+  return quorvel::is_being_written(system_path(path), true);
 }
 
 bool DiskFiles::list(const std::string& folder, const std::function<void(FolderEntry)>& entry) const {
-  if (holds_nul(folder)) return false;
-  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(folder.c_str()), closedir);
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(system_path(folder)), closedir);
   if (!listing) return false;
   while (true) {
     errno = 0;
@@ -159,9 +157,8 @@ bool DiskFiles::list(const std::string& folder, const std::function<void(FolderE
 }
 
 std::optional<std::string> DiskFiles::read(const std::string& path) const {
-  if (holds_nul(path)) return {};
   // Without O_NONBLOCK a pipe would keep us waiting for its writer.
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  const Descriptor file(open(system_path(path), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat found {};
   if (!file || fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode)) return {};
   std::string bytes;
@@ -170,8 +167,7 @@ std::optional<std::string> DiskFiles::read(const std::string& path) const {
     // One byte more than expected, so that the end shows itself without another enlargement.
     const std::size_t expected = static_cast<std::size_t>(found.st_size) + 1;
     if (filled == bytes.size()) bytes.resize(filled < expected ? expected : filled * 2);
-    const ssize_t got = ::read(file.get(), bytes.data() + filled, bytes.size() - filled);
-    if (got < 0 && errno == EINTR) continue;
+    const ssize_t got = TEMP_FAILURE_RETRY(::read(file.get(), bytes.data() + filled, bytes.size() - filled));
     if (got < 0) return {};
     if (got == 0) break;
     filled += static_cast<std::size_t>(got);
@@ -183,7 +179,7 @@ std::optional<std::string> DiskFiles::read(const std::string& path) const {
 bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
   if (path.empty() || holds_nul(path)) return false;
   struct stat old {};
-  const bool exists = lstat(path.c_str(), &old) == 0;
+  const bool exists = lstat(system_path(path), &old) == 0;
   if (!exists && errno != ENOENT) return false;
   // A folder's owner could replace a write-protected file, but protecting it was meant seriously.
   if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)) return false;
@@ -208,7 +204,6 @@ bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
 }
 
 std::unique_ptr<HeldFile> DiskFiles::hold(const std::string& path) {
-  if (holds_nul(path)) return {};
   auto file = std::make_unique<LockedFile>(path);
   return file->lock() ? std::move(file) : nullptr;
 }
@@ -219,7 +214,7 @@ bool DiskFiles::remove(const std::string& path) {
 }
 
 bool DiskFiles::create_folder(const std::string& path) {
-  return !holds_nul(path) && mkdir(path.c_str(), 0777) == 0;
+  return mkdir(system_path(path), 0777) == 0;
 }
 
 std::unique_ptr<Files> system_files() {

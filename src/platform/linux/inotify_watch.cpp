@@ -58,10 +58,7 @@ class InotifyWatch : public FolderWatch {
   Changes take() override {
     Changes changes;
     alignas(inotify_event) std::array<char, 65536> buffer{};
-    while (queue_) {
-      const ssize_t size = read(queue_.get(), buffer.data(), buffer.size());
-      if (size < 0 && errno == EINTR) continue;
-      if (size <= 0) break;
+    for (ssize_t size = 0; (size = read(queue_.get(), buffer.data(), buffer.size())) > 0;) {
       for (ssize_t at = 0; at < size;) {
         inotify_event event{};
         std::memcpy(&event, buffer.data() + at, sizeof event);

@@ -94,9 +94,8 @@ class KeyFileStore : public KeyValueStore {
       if (!is_utf8(text)) throw Failure("The setting \"" + key + "\" cannot be stored: its text is not UTF-8");
       g_key_file_set_string(current.get(), group, key.c_str(), text.c_str());
     }
-    gsize size = 0;
-    g_autofree char* bytes = g_key_file_to_data(current.get(), &size, nullptr);
-    if (!create_folders(files_, parent_folder(path_)) || !files_.replace(path_, std::string(bytes, size))) {
+    g_autofree char* bytes = g_key_file_to_data(current.get(), nullptr, nullptr);
+    if (!create_folders(files_, parent_folder(path_)) || !files_.replace(path_, bytes)) {
       throw Failure(
           "The settings file " + path_ +
           (files_.is_link(path_) ? " is a link, and nothing is written through links" : " cannot be written"));

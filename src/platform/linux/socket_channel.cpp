@@ -64,15 +64,14 @@ const sockaddr* plain(const sockaddr_un& address) {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
+int milliseconds_to(Time::time_point end) {
+  return std::max(0, static_cast<int>(std::chrono::ceil<milliseconds>(end - Time::now()).count()));
+}
+
 /// False when `until` comes first.
 bool wait_for(int socket, short events, Time::time_point until) {
-  while (true) {
-    const auto left = std::chrono::ceil<milliseconds>(until - Time::now());
-    pollfd waiting{socket, events, 0};
-    const int ready = left.count() <= 0 ? 0 : poll(&waiting, 1, static_cast<int>(left.count()));
-    if (ready > 0) return true;
-    if (ready == 0 || errno != EINTR) return false;
-  }
+  pollfd waiting{socket, events, 0};
+  return TEMP_FAILURE_RETRY(poll(&waiting, 1, milliseconds_to(until))) > 0;
 }
 
 bool send_all(int socket, std::string_view bytes, Time::time_point until) {
@@ -80,7 +79,7 @@ bool send_all(int socket, std::string_view bytes, Time::time_point until) {
     const ssize_t sent = ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (sent >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(sent));
-    } else if (errno != EINTR && (errno != EAGAIN || !wait_for(socket, POLLOUT, until))) {
+    } else if (errno != EAGAIN || !wait_for(socket, POLLOUT, until)) {
       return false;
     }
   }
@@ -90,12 +89,7 @@ bool send_all(int socket, std::string_view bytes, Time::time_point until) {
 /// The one byte; empty when the peer has closed or `until` comes first.
 std::optional<char> receive_answer(int socket, Time::time_point until) {
   char answer = 0;
-  while (wait_for(socket, POLLIN, until)) {
-    const ssize_t got = recv(socket, &answer, 1, 0);
-    if (got == 1) return answer;
-    if (got == 0 || (errno != EINTR && errno != EAGAIN)) return {};
-  }
-  return {};
+  return wait_for(socket, POLLIN, until) && recv(socket, &answer, 1, 0) == 1 ? std::optional(answer) : std::nullopt;
 }
 
 /// Whether `path` is a folder of this user's in which others, by `forbidden` permissions, can do nothing.
@@ -237,13 +231,9 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
   bool accept_clients() {
     while (clients_.size() < max_clients) {
       const int socket = accept4(socket_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
-      if (socket >= 0) {
-        add(std::make_shared<Client>(socket));
-      } else if (errno == EAGAIN) {
-        return true;
-      } else if (errno != EINTR && errno != ECONNABORTED) {
-        break;
-      }
+      if (socket < 0 && errno == EAGAIN) return true;
+      if (socket < 0) break;
+      add(std::make_shared<Client>(socket));
     }
     watch_ = g_timeout_add_full(
         G_PRIORITY_DEFAULT, accept_again,
@@ -281,7 +271,7 @@ class SocketChannel::Receiver : public std::enable_shared_from_this<Receiver> {
     if (client == nullptr) return;
     std::array<char, chunk_size> chunk{};
     const ssize_t got = recv(client->socket.get(), chunk.data(), chunk.size(), 0);
-    if (got < 0 && (errno == EAGAIN || errno == EINTR)) return;
+    if (got < 0 && errno == EAGAIN) return;
     if (got <= 0) return receiver->drop(client);
     client->bytes.append(chunk.data(), static_cast<std::size_t>(got));
     if (client->bytes.size() < header_size) return;
