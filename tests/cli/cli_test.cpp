@@ -256,6 +256,13 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   write_file(damaged, "nonsense");
   EXPECT_TRUE(run({"x"}) == 1 && error.find("settings.ini") != std::string::npos) << error;
   EXPECT_EQ(contents(damaged), "nonsense");
+  files->remove(damaged);
+  write_file(folder / "elsewhere", "[Settings]\n");
+  std::filesystem::create_symlink(folder / "elsewhere", damaged);
+  EXPECT_TRUE(run({"x"}) == 1 &&
+              out.find("> Unable to store the settings: The settings file " + damaged +
+                       " is a link, and nothing is written through links\n") != out.npos)
+      << out;
 }
 
 TEST_F(Cli, RunsTheUsersCommandsAndKeepsALog) {
@@ -278,6 +285,7 @@ TEST_F(Cli, RunsTheUsersCommandsAndKeepsALog) {
   EXPECT_TRUE(out.find(R"("state":"undone")") != std::string::npos &&
               out.ends_with("{\"summary\":{\"undone\":1,\"refused\":0}}\n"))
       << out;
+  EXPECT_TRUE(run({"--log", log, "--history"}) == 0 && contents(log).find(out.substr(0, out.find('\n'))) != out.npos);
   write_file(log, std::string(1'000'000, 'x'));
   EXPECT_TRUE(run({"--log", log, folder / "in"}) == 2 &&
               error == "quorvel-cli: \"" + log + "\" is there and is no log\n");

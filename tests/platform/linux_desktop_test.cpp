@@ -96,10 +96,11 @@ void change(const std::string& data, const std::string& program, const std::stri
 }
 
 TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
-  const std::string program = folder / "it's \"my\" $HOME `x`\\n 100%f a=b ü/quorvel", data = folder / "new/data",
+  const std::string program = folder / "it's \"my\" $HOME `x`\\n 100%f a=b ü/quorvel", data = folder / "kept/new/data",
                     entry = data + "/applications/quorvel-open.desktop",
                     menu = data + "/kio/servicemenus/quorvel.desktop", script = data + "/nautilus/scripts/Quorvel";
   write_program(program);
+  fs::create_directory(folder / "kept");
   for (const char* const extension : {"MKV", "avi", "no such type;\n", "DIR", "avi"}) change(data, program, extension);
   EXPECT_EQ(std::system(("desktop-file-validate '" + entry + "'").c_str()), 0);
   EXPECT_THAT(contents(menu), AllOf(HasSubstr("video/x-msvideo;"), HasSubstr("directory;"), HasSubstr("video/webm;")));
@@ -118,13 +119,13 @@ TEST_F(LinuxDesktop, EntriesAreValidStartTheProgramAndGoWithoutATrace) {
     EXPECT_EQ(written("c.mkv|"), a + "|" + c + "|");
   }
   for (const char* const extension : {"mkv", "no such type;\n", "DIR", "avi"}) change(data, program, extension, false);
-  EXPECT_FALSE(fs::exists(folder / "new"));
+  EXPECT_TRUE(fs::exists(folder / "kept") && !fs::exists(folder / "kept/new"));
   struct : DiskFiles {
     bool replace(const std::string&, const std::string&) override { return false; }
   } full;
   const Variable home("XDG_DATA_HOME", data);
   system_context_menu(full, program)->install("mkv");
-  EXPECT_FALSE(fs::exists(folder / "new"));
+  EXPECT_TRUE(fs::exists(folder / "kept") && !fs::exists(folder / "kept/new"));
 }
 
 TEST_F(LinuxDesktop, ACommandThatIsNotWantedAnyMoreIsAskedToEndAndThenEnded) {
