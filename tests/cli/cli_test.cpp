@@ -123,9 +123,9 @@ TEST_F(Cli, ReadingNamesAsksNobodyAndTouchesNothing) {
   EXPECT_TRUE(run({"--read"}) == 0 && out.empty()) << "the input is empty";
   if (!facts::windows) {
     const ChildProcess program(start({"--read", "-"}, true));
-    program.type("\xEF\xBB\xBFSalt Road S02E03\x16\r\n\n");  // as some programs of Windows write lines
+    program.type("\xEF\xBB\xBFSalt Road S02E03\x16\r\n");  // as some programs of Windows write lines
     EXPECT_TRUE(program.shows("season 2, episode 3")) << "before the next line comes";
-    program.type("Salt Road S02E04\n\x04");
+    program.type("\nSalt Road S02E04\n\x04");
     EXPECT_TRUE(program.shows("\nSalt Road S02E04: \"Salt Road\", season 2, episode 4\r\n"));
     EXPECT_TRUE(program.shows("\nSalt Road S02E03: \"Salt Road\", season 2, episode 3\r\n"));
   }
@@ -237,6 +237,7 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
       {{"--set", "confirm", "x"}, "--set wants NAME=VALUE, not \"confirm\"" + usage},
       {{"--set", "speed=9", "x"}, "There is no setting \"speed\"" + usage},
       {{"--set", "confirm=32768", "x"}, "--set confirm wants a number from 0 to 32767" + usage},
+      {{"--set", "confirm=-1", "x"}, "--set confirm wants a number from 0 to 32767" + usage},
       {{"--set", "types=a", "x"}, "--set types wants at least one extension of 3 characters, not \"a\"" + usage},
       {{"-w", "nowhere", "x"}, "The work folder \"nowhere\" does not exist"},
       {{"-w", folder / "work", "x"},
@@ -248,7 +249,9 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   if (!facts::windows) {  // there a quote may stay open
     EXPECT_TRUE(run({"--exec", "\"a", "x"}) == 2 && error.find("The command \"\"a\" cannot be read: ") != error.npos);
   }
-  EXPECT_TRUE(run({"--help"}) == 0 && out.starts_with("Usage: quorvel-cli")) << out;
+  for (const char* const help : {"--help", "-h", "/?"}) {
+    EXPECT_TRUE(run({help}) == 0 && out.starts_with("Usage: quorvel-cli")) << out;
+  }
   EXPECT_TRUE(run({"--version"}) == 0 && out == "quorvel-cli 3.4.0\n") << out;
   if (facts::windows) return;  // there the settings are no file that could be damaged
   const std::string damaged = data_folder_of(folder / "home") + "/settings.ini";
