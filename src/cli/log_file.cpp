@@ -1,5 +1,6 @@
 #include "cli/log_file.h"
 
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -15,21 +16,14 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view shape = "2026-11-22 14:05:33 ";  // in front of each line
 
-bool has_shape(std::string_view line) {
-  if (line.size() < shape.size()) return false;
-  for (std::size_t i = 0; i < shape.size(); ++i) {
-    if (is_digit(shape[i]) ? !is_digit(line[i]) : line[i] != shape[i]) return false;
-  }
-  return true;
-}
-
 bool is_log(const fs::path& path) {
   std::error_code failed;
   if (!fs::is_regular_file(path, failed)) return false;
   if (fs::file_size(path, failed) == 0) return true;
   std::string start(shape.size(), '\0');
   std::ifstream(path, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
-  return has_shape(start);
+  return std::ranges::equal(
+      shape, start, [](char wanted, char given) { return is_digit(wanted) ? is_digit(given) : wanted == given; });
 }
 
 fs::path path_of(const std::string& text) {

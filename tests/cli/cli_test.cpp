@@ -46,6 +46,7 @@ TEST_F(Cli, RenamesAFolderAndTellsHowItWent) {
   if (!facts::windows) {
     EXPECT_TRUE(run({"/dev/null"}) == 1 && error.find(": not queued: neither a file nor a folder\n") != error.npos);
     EXPECT_TRUE(run({"/"}) == 1 && error.starts_with("/: not queued: the path is too short\n"));
+    EXPECT_TRUE(run({"\x1F \x7F\xC2\x9F\xC2\xA0"}) == 1 && error.starts_with("? ??\xC2\xA0: not queued: ")) << error;
   }
   write_file(folder / ("in/" + good + "3 - A Lantern for Maud.mkv"), "edited since");
   EXPECT_TRUE(run({"--undo"}) == 1 && error.ends_with("To leave that and undo the pass before: --undo 3\n")) << error;
@@ -262,9 +263,8 @@ TEST_F(Cli, WrongUsageIsRefusedAndNothingDone) {
   files->remove(damaged);
   write_file(folder / "elsewhere", "[Settings]\n");
   std::filesystem::create_symlink(folder / "elsewhere", damaged);
-  EXPECT_TRUE(run({"x"}) == 1 &&
-              out.find("> Unable to store the settings: The settings file " + damaged +
-                       " is a link, and nothing is written through links\n") != out.npos)
+  EXPECT_TRUE(run({"x"}) == 1 && out.find("> Unable to store the settings: The settings file " + damaged +
+                                          " is a link, and nothing is written through links\n") != out.npos)
       << out;
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "rules/action.h"
 #include "session_fixture.h"
 #include "shell/past_text.h"
@@ -174,6 +176,9 @@ TEST_F(CompanionsTest, AFolderThatIsNotNeededAnyMoreGoesAndComesBack) {
   EXPECT_EQ(move(true), "in c");
   EXPECT_EQ(counts_text(session.history.passes(1)[0]), "4 moved, 4 tidied away");
   EXPECT_EQ(undo(), "8 undone");
+  const std::string trashed = "What was in " + folder / "in/a/b" + " stays in the ";
+  EXPECT_TRUE(std::ranges::any_of(session.log.lines(),
+                                  [&](const std::string& line) { return line.find(trashed) != line.npos; }));
   EXPECT_EQ(read(inner) + read("in/a/b/" + video) + read("in/a/b/Thumbs.DB"), "s2(missing)");
   const auto undo_undoing = [&] {
     return text_of(undoing.undo(session.history.passes(1)[0].operations, [](int, int) { return true; }));
