@@ -6,6 +6,7 @@
 #include <array>
 #include <limits>
 #include <string_view>
+#include <vector>
 
 #include "naming/file_names.h"
 #include "platform/commands.h"
@@ -182,7 +183,7 @@ struct Given {
   bool verbose = false, help = false, version = false;
 };
 
-struct Option {
+struct KnownOption {
   const char* name;
   int letter;  // 0 without one
   int has_value;
@@ -193,7 +194,7 @@ void set_number(Given& given, const char* name, std::uint32_t number) {
   given.options.settings.emplace_back(name, number);
 }
 
-constexpr auto known_options = std::to_array<Option>({
+constexpr auto known_options = std::to_array<KnownOption>({
     {"verbose", 'v', no_argument, [](Given& given, const char*) { given.verbose = true; }},
     {"dry-run", 'n', no_argument, [](Given& given, const char*) { given.options.dry_run = true; }},
     {"work-dir", 'w', required_argument, [](Given& given, const char* value) { given.options.work_dir = value; }},
@@ -256,8 +257,8 @@ Given given_in(int argc, char** argv) {
       refuse(optopt > 0 && optopt < words_only ? std::string("There is no option -") + static_cast<char>(optopt)
                                                : "There is no option " + text);
     }
-    const auto* const by_letter = std::ranges::find(known_options, found, &Option::letter);
-    const Option& each =
+    const auto* const by_letter = std::ranges::find(known_options, found, &KnownOption::letter);
+    const KnownOption& each =
         by_letter != known_options.end() ? *by_letter : known_options.at(static_cast<std::size_t>(found - words_only));
     each.take(given, optarg);
   }

@@ -133,8 +133,8 @@ bool is_backward(const Name& name) {
 
 /// What the name of the file's own folder says of an episode.
 Reading read_folder(const std::vector<std::string_view>& parts) {
-  Reading reading;
   if (parts.size() < 2) return {};
+  Reading reading;
   Name name = prepared(parts[1]);
   std::string turned;
   if (is_backward(name)) {
@@ -231,7 +231,6 @@ std::size_t repeated(const Folder& folder, const Name& file) {
 }  // namespace
 
 Reading read_name(std::string_view path) {
-  Reading reading;
   const std::vector<std::string_view> parts = components(path);
   if (parts.empty()) return {};
   Name file = prepared(without_extension(parts.front()));
@@ -254,6 +253,7 @@ Reading read_name(std::string_view path) {
     if (folder.season && !around.season) around.season = folder.season->number;
   }
 
+  Reading reading;
   Numbers numbers;
   if (!is_meaningless(file)) {
     for (const Folder& folder : folders) file.named = std::max(file.named, repeated(folder, file));

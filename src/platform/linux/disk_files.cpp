@@ -179,7 +179,7 @@ std::optional<std::string> DiskFiles::read(const std::string& path) const {
 bool DiskFiles::replace(const std::string& path, const std::string& bytes) {
   if (path.empty() || holds_nul(path)) return false;
   struct stat old {};
-  const bool exists = lstat(system_path(path), &old) == 0;
+  const bool exists = lstat(path.c_str(), &old) == 0;
   if (!exists && errno != ENOENT) return false;
   // A folder's owner could replace a write-protected file, but protecting it was meant seriously.
   if (exists && (!S_ISREG(old.st_mode) || faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)) return false;
